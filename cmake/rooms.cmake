@@ -1,0 +1,24 @@
+# A room is a folder of sources; its library has the folder's name. Adding a file touches no CMake file.
+
+# The C++ and assembly sources below FOLDER that belong to the build's system: *_windows.* or *_posix.* go with theirs.
+function(room_sources result folder)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.S)
+  if(WIN32)
+    list(FILTER sources EXCLUDE REGEX "_posix\\.(cpp|S)$")
+  else()
+    list(FILTER sources EXCLUDE REGEX "_windows\\.(cpp|S)$")
+  endif()
+  set(${result} ${sources} PARENT_SCOPE)
+endfunction()
+
+# One room of the add-in. An empty folder gives a library without code, so that others may name it.
+function(add_addin_room name)
+  room_sources(sources ${CMAKE_CURRENT_SOURCE_DIR}/${name})
+  if(sources)
+    add_library(${name} STATIC ${sources})
+    target_link_libraries(${name} PUBLIC addin_code)
+  else()
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE addin_code)
+  endif()
+endfunction()

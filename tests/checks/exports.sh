@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# The library exports Excel's entry points and the functions of the tables, both builds alike, and nothing else; and the
+# functions of the tables are the ones that Excel is told of.
+set -euo pipefail
+
+entry_points=(
+  xlAutoOpen xlAutoClose xlAutoAdd xlAutoRemove xlAutoFree xlAutoFree12
+  xlAddInManagerInfo xlAddInManagerInfo12 xlCheckInstance SetExcel12EntryPt l64BitExe
+)
+
+# Of each function in the tables its name, and 1 if it has an 8-bit entry point too.
+table_functions() {
+  awk '
+    function flush() { if (name != "") print name, eight; name = ""; eight = 0 }
+    /^\[/ { flush(); inside = /^\[\[function\]\]/ }
+    inside && match($0, /^name = "[^"]*"/) { name = substr($0, 9, RLENGTH - 9) }
+    inside && /^interfaces = .*[^0-9]4[^0-9]/ { eight = 1 }
+    END { flush() }
+  ' src/functions/*.toml
+}
+
+expected_exports() {
+  printf '%s\n' "${entry_points[@]}"
+  table_functions | while read -r name eight; do
+    echo "${name//./_}_12"
+    ((eight == 0)) || echo "${name//./_}_4"
+  done
+}
+
+windows_exports() {
+  x86_64-w64-mingw32-objdump -p build/windows/bin/Quillmere4.xll |
+    awk '/^\[Ordinal\/Name Pointer\] Table/ { inside = 1; next } inside && /^\t\[/ { print $NF; next } inside { exit }'
+}
+
+native_exports() {
+  nm -D --defined-only --format=posix build/asan/bin/Quillmere4.xll | cut -d ' ' -f 1
+}
+
+# same WHAT EXPECTED ACTUAL: two lists with the same lines, in any order.
+same() {
+  diff <(sort <<<"$2") <(sort <<<"$3") >/dev/null || {
+    echo "$1 (< expected, > found):"
+    diff <(sort <<<"$2") <(sort <<<"$3") | grep '^[<>]'
+    return 1
+  }
+}
+
+status=0
+same 'exports of the Windows build' "$(expected_exports)" "$(windows_exports)" || status=1
+same 'exports of the native build' "$(expected_exports)" "$(native_exports)" || status=1
+same 'functions that Excel is told of' "$(table_functions | cut -d ' ' -f 1)" \
+  "$(wine build/windows/bin/qcalc.exe functions | tr -d '\r' | sed 's/(.*//')" || status=1
+exit $status
