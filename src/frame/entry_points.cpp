@@ -1,0 +1,50 @@
+// The functions that Excel calls by name, each a thin forwarder, and the add-in's one application object.
+#include "frame/ansi_text.h"
+#include "frame/callbacks.h"
+#include "frame/dialogs.h"
+#include "frame/export.h"
+#include "frame/quillmere4_app.h"
+#include "frame/value4.h"
+#include "frame/value_memory.h"
+
+using quillmere::CXllApp;
+
+namespace {
+quillmere::CQuillmere4App application;
+}  // namespace
+
+XLL_EXPORT int xlAutoOpen() { return CXllApp::AutoOpen(); }
+
+XLL_EXPORT int xlAutoClose() { return CXllApp::AutoClose(); }
+
+XLL_EXPORT int xlAutoAdd() { return CXllApp::AutoAdd(); }
+
+XLL_EXPORT int xlAutoRemove() { return CXllApp::AutoRemove(); }
+
+XLL_EXPORT XLOPER12* xlAddInManagerInfo12(XLOPER12* action) { return CXllApp::AddInManagerInfo12(action); }
+
+XLL_EXPORT XLOPER* xlAddInManagerInfo(XLOPER* action) { return CXllApp::AddInManagerInfo4(action); }
+
+XLL_EXPORT void xlAutoFree12(XLOPER12* value) {
+  if (value) quillmere::ReleaseOwned(*value);
+}
+
+XLL_EXPORT void xlAutoFree(XLOPER* value) {
+  if (value) quillmere::ReleaseOwned4(*value);
+}
+
+XLL_EXPORT void SetExcel12EntryPt(XlMdCallBack12 entry) { quillmere::InstallExcel12Entry(entry); }
+
+XLL_EXPORT int xlCheckInstance() { return CXllApp::CheckInstance(); }
+
+/// Shows `path` (ANSI code page) and returns the binary type of that file, -1 when it has none or no path is given.
+XLL_EXPORT std::int32_t l64BitExe(const char* path) {
+  if (!path) return -1;
+  try {
+    quillmere::ShowMessageBox(0, quillmere::WidenAnsi(path), XTEXT("Display String ByVal"),
+                              quillmere::MessageBoxForm::kInformation);
+    return quillmere::BinaryTypeOf(path);
+  } catch (const std::exception&) {
+    return -1;
+  }
+}

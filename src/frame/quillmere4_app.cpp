@@ -1,0 +1,20 @@
+#include "frame/quillmere4_app.h"
+
+namespace quillmere {
+
+bool CQuillmere4App::Open() {
+  SetHelpFilePath(XString(ModuleDirectory()) + XTEXT("\\Quillmere4.chm"));
+  return CXllApp::Open();
+}
+
+bool CQuillmere4App::RegisterFunctions() {
+  if (!CXllApp::RegisterFunctions()) return false;
+  SetCategoryOfAll(XTEXT("Quillmere_V4_Tarnwick_Functions"));
+  return true;
+}
+
+XString CQuillmere4App::GetAddinLongName() const { return XTEXT("Quillmere V4 array functions"); }
+
+XString CQuillmere4App::GetModuleName() const { return XTEXT("Quillmere4"); }
+
+}  // namespace quillmere

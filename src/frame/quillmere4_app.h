@@ -1,0 +1,19 @@
+// The add-in's own application object.
+#pragma once
+
+#include "frame/xll_app.h"
+
+namespace quillmere {
+
+/// Quillmere4: names, help file and category of the add-in.
+class CQuillmere4App : public CXllApp {
+ public:
+  /// Sets the help file, "Quillmere4.chm" beside the add-in, and opens.
+  bool Open() override;
+  /// Builds the function table and sets the category of all functions to the add-in's title.
+  bool RegisterFunctions() override;
+  XString GetAddinLongName() const override;
+  XString GetModuleName() const override;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,147 @@
+#include "frame/array_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include "tests/unit/failing_memory.h"
+
+namespace quillmere {
+namespace {
+
+/// A text whose last unit is the last of its block, so that reading past it is seen.
+struct CountedText {
+  explicit CountedText(std::size_t length) : units(new XCHAR[length + 1]) {
+    units[0] = static_cast<XCHAR>(length);
+    for (std::size_t at = 1; at <= length; ++at) units[at] = static_cast<XCHAR>(at * 257);
+    cell.val.str = units.get();
+    cell.xltype = xltypeStr;
+  }
+
+  std::unique_ptr<XCHAR[]> units;
+  XLOPER12 cell{};
+};
+
+TEST(ArrayBuilder, RefusesImpossibleSizes) {
+  EXPECT_THROW(CheckArraySize(0, 1), CXlEmptyArrayException);
+  EXPECT_THROW(CheckArraySize(1, -5), CXlEmptyArrayException);
+  EXPECT_THROW(CheckArraySize(1'048'577, 1), CXlArrayTooLargeException);
+  EXPECT_THROW(CheckArraySize(1, 16'385), CXlArrayTooLargeException);
+  EXPECT_THROW(CheckArraySize(std::int64_t{1} << 40, std::int64_t{1} << 40), CXlArrayTooLargeException);
+  EXPECT_NO_THROW(CheckArraySize(1'048'576, 16'384));
+  const std::int64_t before = testing::LiveBlocks();
+  EXPECT_THROW(CXlArrayBuilder(1'048'577, 1), CXlArrayTooLargeException);
+  EXPECT_EQ(testing::LiveBlocks(), before);
+}
+
+TEST(ArrayBuilder, CopiesTextsOfEveryLengthWithinTheirBounds) {
+  std::vector<std::unique_ptr<CountedText>> texts;
+  std::vector<XLOPER12> cells;
+  for (std::size_t length = 0; length <= 80; ++length) texts.push_back(std::make_unique<CountedText>(length));
+  for (const std::size_t length : {239u, 240u, 241u, 5'000u, 32'767u})
+    texts.push_back(std::make_unique<CountedText>(length));
+  for (const auto& text : texts) cells.push_back(text->cell);
+
+  CXlArrayBuilder builder(static_cast<std::int64_t>(cells.size()), 1);
+  builder.CopyCells(builder.Row(0), cells.data(), cells.size());
+  const CXlOper array = builder.Finish();
+  for (std::size_t at = 0; at < cells.size(); ++at) {
+    const XLOPER12& copy = array.Cells().At(static_cast<int>(at), 0);
+    EXPECT_NE(copy.val.str, cells[at].val.str);
+    EXPECT_EQ(CellText(copy), CellText(cells[at]));
+  }
+}
+
+TEST(ArrayBuilder, CopiesEveryKindByStrides) {
+  const CountedText text(3);
+  XLOPER12 nan = NumberCell(0);
+  nan.val.num = std::nan("");
+  XLOPER12 marked = BooleanCell(true);
+  marked.xltype |= xlbitDLLFree;
+  // A block of 3 x 2, laid into the second and third column of 3 x 4 upside down.
+  const XLOPER12 block[] = {NumberCell(1), text.cell, nan, marked, ErrorCell(45), MissingCell()};
+  CXlArrayBuilder builder(3, 4);
+  builder.Fill(builder.At(0, 0), 3, 4, NumberCell(7));
+  builder.Fill(builder.At(0, 3), 3, 4, EmptyCell());
+  builder.CopyCells(builder.At(2, 1), block, 3, -4, 2);
+  builder.CopyCells(builder.At(2, 2), block + 1, 3, -4, 2);
+  const CXlOper array = builder.Finish();
+  const CXlCells cells = array.Cells();
+  for (int row = 0; row < 3; ++row) {
+    EXPECT_EQ(CellNumber(cells.At(row, 0)), 7);
+    EXPECT_TRUE(IsEmptyCell(cells.At(row, 3)));
+  }
+  EXPECT_EQ(CellNumber(cells.At(2, 1)), 1);
+  EXPECT_EQ(CellText(cells.At(2, 2)), CellText(text.cell));
+  EXPECT_EQ(CellErrorCode(cells.At(1, 1)), xlerrNum);
+  EXPECT_EQ(cells.At(1, 2).xltype, xltypeBool);
+  EXPECT_EQ(CellErrorCode(cells.At(0, 1)), 45);
+  EXPECT_TRUE(IsEmptyCell(cells.At(0, 2)));
+}
+
+TEST(ArrayBuilder, SharesTheTextOfAFill) {
+  const CountedText text(1'000);
+  const std::int64_t before = testing::LiveBlocks();
+  CXlArrayBuilder builder(1'000, 2);
+  builder.Fill(builder.Row(0), 2'000, 1, text.cell);
+  EXPECT_EQ(testing::LiveBlocks(), before + 2);
+  const CXlOper array = builder.Finish();
+  EXPECT_EQ(CellText(array.CellAt(999, 1)), CellText(text.cell));
+  EXPECT_EQ(array.CellAt(0, 0).val.str, array.CellAt(999, 1).val.str);
+}
+
+TEST(ArrayBuilder, RefusesWhatIsNoSingleCell) {
+  CXlArrayBuilder builder(1, 2);
+  CXlArrayBuilder inner(1, 1);
+  inner.PutNumber(0, 0, 1);
+  const CXlOper array = inner.Finish();
+  try {
+    builder.Put(0, 0, array);
+    ADD_FAILURE();
+  } catch (const CXlIllegalArgumentException& refusal) {
+    EXPECT_EQ(refusal.Message(), XTEXT("Right-hand side of cell assignment must be a scalar value"));
+  }
+  EXPECT_THROW(builder.Put(0, 0, CXlOper::Reference(XLREF12{0, 0, 0, 0})), CXlIllegalArgumentException);
+  EXPECT_THROW(builder.Put(0, 0, CXlOper()), CXlUninitializedOperException);
+  EXPECT_THROW(builder.PutText(0, 0, XString(32'768, XTEXT('x'))), CXlStringTooLongException);
+  XLOPER12 nullText{};
+  nullText.xltype = xltypeStr;
+  const XLOPER12 row[] = {CXlOper::Number(1).Raw(), array.Raw()};
+  EXPECT_THROW(builder.CopyCells(builder.Row(0), row, 2), CXlBadOperTypeException);
+  EXPECT_THROW(builder.CopyCells(builder.Row(0), &nullText, 1), CXlBadOperTypeException);
+  EXPECT_THROW(builder.Fill(builder.Row(0), 2, 1, array.Raw()), CXlIllegalArgumentException);
+}
+
+TEST(ArrayBuilder, CollapsesOneCell) {
+  CXlArrayBuilder one(1, 1);
+  one.PutText(0, 0, XTEXT("only"));
+  const CXlOper value = one.FinishCollapsed();
+  EXPECT_TRUE(value.IsText());
+  EXPECT_EQ(value.AsText(), XTEXT("only"));
+  CXlArrayBuilder two(1, 2);
+  two.Fill(two.Row(0), 2, 1, NumberCell(1));
+  EXPECT_TRUE(two.FinishCollapsed().IsArray());
+}
+
+TEST(ArrayBuilder, LeavesNothingBehindWhenMemoryRunsOut) {
+  const CountedText text(30'000);
+  EXPECT_EQ(testing::FailEachAllocation([&text] {
+              CXlArrayBuilder builder(2, 2);
+              builder.Fill(builder.Row(0), 3, 1, EmptyCell());
+              for (int at = 0; at < 4; ++at) builder.Put(at / 2, at % 2, text.cell);
+              builder.Finish();
+            }),
+            5);
+  EXPECT_EQ(testing::FailEachAllocation([&text] {
+              CXlArrayBuilder builder(1, 1);
+              builder.Put(0, 0, text.cell);
+              builder.FinishCollapsed();
+            }),
+            3);
+}
+
+}  // namespace
+}  // namespace quillmere

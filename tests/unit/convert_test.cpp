@@ -1,0 +1,280 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "frame/array_builder.h"
+#include "frame/convert_array.h"
+#include "frame/convert_scalar.h"
+#include "tests/unit/failing_memory.h"
+#include "tests/unit/fake_excel.h"
+
+namespace quillmere {
+namespace {
+
+using enum ElementKind;
+using Shape = CVectorConvertParamsBase::Shape;
+constexpr XStringView kName = XTEXT("Data");
+
+/// The message that `work` raises as a conversion failure.
+XString MessageOf(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const CXlConversionException& failure) {
+    return XString(failure.Message());
+  }
+  return XTEXT("nothing raised");
+}
+
+/// An array of numbers counting from 1, where a NaN stands for an empty cell.
+CXlOper Array(std::int64_t rows, std::int64_t columns, std::initializer_list<double> numbers = {}) {
+  CXlArrayBuilder builder(rows, columns);
+  for (std::int64_t at = 0; at < rows * columns; ++at) {
+    const double number =
+        numbers.size() == 0 ? static_cast<double>(at + 1) : numbers.begin()[static_cast<std::size_t>(at)];
+    builder.Row(0)[at] = std::isnan(number) ? EmptyCell() : NumberCell(number);
+  }
+  return builder.Finish();
+}
+
+/// Answers xlCoerce for texts as Excel does for the two texts used here.
+void ReadTexts(testing::FakeExcel& excel) {
+  excel.On(xlCoerce, [](std::span<XLOPER12* const> arguments, XLOPER12& result) {
+    const XStringView text = CellText(*arguments[0]);
+    const std::uint32_t type = static_cast<std::uint32_t>(arguments[1]->val.w);
+    if (type == xltypeNum && text == XTEXT("1,234")) {
+      result = NumberCell(1234);
+    } else if (type == xltypeBool && text == XTEXT("true")) {
+      result = BooleanCell(true);
+    } else {
+      return xlretFailed;
+    }
+    return xlretSuccess;
+  });
+}
+
+TEST(ConvertScalar, FollowsTheKindOfTheValue) {
+  EXPECT_EQ(ConvertTo<kNumber>(CXlOper::Boolean(true), true), 1);
+  EXPECT_EQ(ConvertTo<kNumber>(CXlOper::Empty(), true), 0);
+  EXPECT_EQ(ConvertTo<kNumber>(CXlOper::Integer(-3), true), -3);
+  EXPECT_TRUE(ConvertTo<kBoolean>(CXlOper::Number(-0.5), true));
+  EXPECT_EQ(ConvertTo<kString>(CXlOper::Number(0.1 + 0.2), true), XTEXT("0.3"));
+  EXPECT_EQ(ConvertTo<kString>(CXlOper::Boolean(false), true), XTEXT("FALSE"));
+  EXPECT_EQ(ConvertTo<kError>(CXlOper::Error(xlerrNA), true), xlerrNA);
+  EXPECT_EQ(ConvertTo<kError>(CXlOper::Text(XTEXT("#num!")), true), xlerrNum);
+  EXPECT_EQ(ConvertTo<kNumber>(Array(2, 2), true), 1);
+  EXPECT_THROW(ConvertTo<kNumber>(CXlOper(), true), CXlUninitializedOperException);
+}
+
+TEST(ConvertScalar, CutsNumbersTowardsZeroWithinTheRange) {
+  const auto to = [](double number) { return CXlOper::Number(number); };
+  EXPECT_EQ(ConvertTo<kInteger>(to(0.4), true), 0);
+  EXPECT_EQ(ConvertTo<kInteger>(to(-1.9), true), -1);
+  EXPECT_EQ(ConvertTo<kLongInteger>(to(2147483647.9), true), 2147483647);
+  EXPECT_EQ(ConvertTo<kLongInteger>(to(-2147483648.9), true), std::numeric_limits<std::int32_t>::min());
+  EXPECT_EQ(ConvertTo<kShortInteger>(to(-32768.5), true), -32768);
+  EXPECT_EQ(ConvertTo<kUnsignedShortInteger>(to(65535.5), true), 65535);
+  EXPECT_EQ(ConvertTo<kUnsignedShortInteger>(to(-0.9), true), 0);
+  EXPECT_EQ(MessageOf([&] { ConvertTo<kLongInteger>(to(2147483648.0), true); }), XTEXT("Expected long integer"));
+  EXPECT_EQ(MessageOf([&] { ConvertTo<kShortInteger>(to(32768), true); }), XTEXT("Expected short integer"));
+  EXPECT_EQ(MessageOf([&] { ConvertTo<kUnsignedShortInteger>(to(-1), true); }),
+            XTEXT("Expected unsigned short integer"));
+  EXPECT_EQ(MessageOf([&] { ConvertTo<kInteger>(to(1e300), true); }), XTEXT("Expected integer"));
+}
+
+TEST(ConvertScalar, GivesZeroWhenNotStrict) {
+  const CXlOper error = CXlOper::Error(xlerrNA);
+  EXPECT_EQ(ConvertTo<kNumber>(error, false), 0);
+  EXPECT_FALSE(ConvertTo<kBoolean>(error, false));
+  EXPECT_EQ(ConvertTo<kString>(error, false), XTEXT(""));
+  EXPECT_EQ(MessageOf([&] { ConvertTo<kNumber>(error, true); }), XTEXT("Expected number"));
+  EXPECT_EQ(MessageOf([&] { ConvertTo<kString>(error, true); }), XTEXT("Expected string"));
+  EXPECT_EQ(MessageOf([] { ConvertTo<kError>(CXlOper::Number(42), true); }), XTEXT("Expected error"));
+  EXPECT_EQ(MessageOf([] { ConvertTo<kBoolean>(CXlOper::Missing(), true); }), XTEXT("Expected boolean"));
+}
+
+TEST(ConvertScalar, AsksExcelToReadTexts) {
+  testing::FakeExcel excel;
+  ReadTexts(excel);
+  EXPECT_EQ(ConvertTo<kInteger>(CXlOper::Text(XTEXT("1,234")), true), 1234);
+  EXPECT_TRUE(ConvertTo<kBoolean>(CXlOper::Text(XTEXT("true")), true));
+  EXPECT_EQ(excel.Calls(xlCoerce), 2);
+  EXPECT_EQ(MessageOf([] { ConvertTo<kNumber>(CXlOper::Text(XTEXT("12")), true); }), XTEXT("Expected number"));
+  EXPECT_EQ(ConvertTo<kString>(CXlOper::Text(XTEXT("12")), true), XTEXT("12"));
+  excel.On(xlCoerce, [&excel](auto, XLOPER12& result) {
+    result = excel.LendText(XTEXT("not what was asked for"));
+    return xlretSuccess;
+  });
+  EXPECT_EQ(ConvertTo<kNumber>(CXlOper::Text(XTEXT("12")), false), 0);
+}
+
+TEST(ConvertScalar, FetchesOneCellOfAReference) {
+  testing::FakeExcel excel;
+  excel.On(xlCoerce, [&excel](std::span<XLOPER12* const> arguments, XLOPER12& result) {
+    const XLMREF12& areas = *arguments[0]->val.mref.lpmref;
+    EXPECT_EQ(areas.count, 1);
+    EXPECT_EQ(areas.reftbl[0].rwLast, 4);
+    EXPECT_EQ(areas.reftbl[0].colLast, 2);
+    EXPECT_EQ(arguments[0]->val.mref.idSheet, 9u);
+    result = excel.LendText(XTEXT("top left"));
+    return xlretSuccess;
+  });
+  const XLREF12 areas[] = {{4, 1'048'575, 2, 3}, {0, 0, 0, 0}};
+  const CXlOper reference = CXlOper::Reference(9, areas);
+  EXPECT_EQ(ConvertTo<kString>(reference, true), XTEXT("top left"));
+  excel.On(xlCoerce, [](auto, XLOPER12&) { return xlretUncalced; });
+  EXPECT_EQ(MessageOf([&] { ConvertTo<kString>(reference, true); }), XTEXT("Expected string"));
+  EXPECT_EQ(MessageOf([&] { ConvertArgument(reference, CScalarConvertParams<kString>(kName)); }),
+            XTEXT("Failed to convert Data from unknown type to string"));
+}
+
+TEST(ConvertArgument, ScalarMessages) {
+  const std::int32_t codes[] = {1, 2, 3};
+  const XStringView words[] = {XTEXT("Asc"), XTEXT("Des")};
+  using Long = CScalarConvertParams<kLongInteger>;
+  const auto convert = [](const CXlOper& value, const auto& params) { return [&] { ConvertArgument(value, params); }; };
+
+  EXPECT_EQ(ConvertArgument(CXlOper::Missing(), Long(kName).Default(5)), 5);
+  EXPECT_EQ(ConvertArgument(CXlOper::Number(2.9), Long(kName).OneOf(codes)), 2);
+  EXPECT_EQ(ConvertArgument(CXlOper::Text(XTEXT("DES")), CScalarConvertParams<kString>(kName).OneOf(words)),
+            XTEXT("DES"));
+  EXPECT_THROW(ConvertArgument(CXlOper(), Long(kName)), CXlUninitializedOperException);
+  EXPECT_EQ(MessageOf(convert(CXlOper::Missing(), Long(XTEXT("Sorted")))),
+            XTEXT("Sorted is not initialized. Expected long integer."));
+  EXPECT_EQ(MessageOf(convert(CXlOper::Error(xlerrNA), Long(kName))),
+            XTEXT("Failed to convert Data from error to long integer"));
+  EXPECT_EQ(MessageOf(convert(CXlOper::Number(1e10), Long(kName))),
+            XTEXT("Failed to convert Data from number to long integer"));
+  EXPECT_EQ(MessageOf(convert(CXlOper::Number(4), Long(kName).OneOf(codes))),
+            XTEXT("Expected one of 1, 2, 3 for Data"));
+  EXPECT_EQ(MessageOf(convert(CXlOper::Text(XTEXT("Up")), CScalarConvertParams<kString>(kName).OneOf(words))),
+            XTEXT("Expected one of Asc, Des for Data"));
+}
+
+TEST(ConvertArgument, TakesTheFirstKindThatFits) {
+  testing::FakeExcel excel;
+  ReadTexts(excel);
+  const CConvertParamsBase params(kName);
+  EXPECT_EQ((ConvertArgumentToAny<kNumber, kString>(CXlOper::Text(XTEXT("1,234")), params).index()), 0u);
+  EXPECT_EQ((ConvertArgumentToAny<kNumber, kString>(CXlOper::Text(XTEXT("words")), params).index()), 1u);
+  EXPECT_EQ(MessageOf([&] { ConvertArgumentToAny<kNumber, kString>(CXlOper::Error(xlerrNA), params); }),
+            XTEXT("Failed to convert Data to any of the permitted types"));
+  EXPECT_EQ(MessageOf([&] { ConvertArgumentToAny<kNumber, kString>(CXlOper::Missing(), params); }),
+            XTEXT("Data is not initialized"));
+  EXPECT_EQ(MessageOf([&] { params.ThrowLabelNotFound(XTEXT("{0}")); }), XTEXT("Label {0} not found in Data"));
+}
+
+TEST(ConvertArgument, ReadsElementsWithoutACall) {
+  testing::FakeExcel excel;
+  CXlArrayBuilder builder(2, 3);
+  builder.PutEmpty(0, 0);
+  builder.PutBoolean(0, 1, true);
+  builder.PutText(0, 2, XTEXT(" 1e2 "));
+  builder.PutNumber(1, 0, -1.5);
+  builder.PutText(1, 1, XTEXT("TRUE"));
+  builder.PutText(1, 2, XTEXT("x"));
+  const CXlOper array = builder.Finish();
+  const CXlCells cells = array.Cells();
+  const XLOPER12 topRow[] = {cells.At(0, 0), cells.At(0, 1), cells.At(0, 2), cells.At(1, 0)};
+  XLOPER12 good{};
+  good.val.array.lparray = const_cast<XLOPER12*>(topRow);
+  good.val.array.rows = 2;
+  good.val.array.columns = 2;
+  good.xltype = xltypeMulti;
+  const auto matrix = ConvertArgument(CXlOper::Borrow(&good), CVectorConvertParams<kNumber>(kName, Shape::kMatrix));
+  EXPECT_EQ(matrix.rows, 2);
+  EXPECT_EQ(std::vector<double>(matrix.Values().begin(), matrix.Values().end()),
+            (std::vector<double>{0, 1, 100, -1.5}));
+  EXPECT_EQ(MessageOf([&] { ConvertArgument(array, CVectorConvertParams<kNumber>(kName, Shape::kMatrix)); }),
+            XTEXT("Expected number for Data"));
+  EXPECT_EQ(ConvertArgument(array, CVectorConvertParams<kString>(kName, Shape::kMatrix)).At(1, 0), XTEXT("-1.5"));
+  EXPECT_EQ(MessageOf([&] { ConvertArgument(array, CVectorConvertParams<kBoolean>(kName, Shape::kMatrix)); }),
+            XTEXT("Expected boolean for Data"));
+  EXPECT_EQ(excel.Calls(xlCoerce), 0);
+  XLOPER12 nested = good;
+  good.val.array.lparray = &nested;
+  good.val.array.rows = good.val.array.columns = 1;
+  EXPECT_THROW(ConvertArgument(CXlOper::Borrow(&good), CVectorConvertParams<kNumber>(kName, Shape::kMatrix)),
+               CXlBadOperTypeException);
+}
+
+TEST(ConvertArgument, ChecksTheCounts) {
+  using Params = CVectorConvertParams<kNumber>;
+  const Params vector(kName, Shape::kVector);
+  const Params matrix(kName, Shape::kMatrix);
+  const double none = std::nan("");
+  const struct {
+    Params params;
+    CXlOper value;
+    XStringView message;
+  } cases[] = {
+      {vector, CXlOper::Missing(), XTEXT("Data is not initialized. Expected number vector.")},
+      {matrix, CXlOper(), XTEXT("Data is not initialized. Expected number matrix.")},
+      {vector, Array(2, 2), XTEXT("Expected vector for Data")},
+      {Params(vector).LeastValues(4), Array(1, 3), XTEXT("Expected at least 4 values for Data")},
+      {Params(matrix).Rows(1), Array(2, 2), XTEXT("Expected 1 row in Data")},
+      {Params(matrix).Rows(3), Array(2, 2), XTEXT("Expected 3 rows in Data")},
+      {Params(matrix).Columns(1), Array(2, 2), XTEXT("Expected 1 column in Data")},
+      {Params(matrix).Columns(3), Array(2, 2), XTEXT("Expected 3 columns in Data")},
+      {Params(vector).Values(1), Array(2, 1), XTEXT("Expected 1 value in Data")},
+      {Params(vector).Values(3), Array(2, 1), XTEXT("Expected 3 values in Data")},
+      {Params(matrix).LeastRows(3), Array(2, 2), XTEXT("Expected at least 3 rows for Data")},
+      {Params(matrix).LeastColumns(3), Array(2, 2), XTEXT("Expected at least 3 columns for Data")},
+      {Params(matrix).FullRows(), Array(2, 2, {1, 2, 3, none}), XTEXT("Expected 2 values in row 2 of Data")},
+      {Params(matrix).FullRows(), Array(2, 1, {none, 1}), XTEXT("Expected 1 value in row 1 of Data")},
+      {Params(matrix).FullColumns(), Array(3, 2, {1, 2, 3, none, 5, none}),
+       XTEXT("Expected 3 values in column 2 of Data")},
+      {Params(matrix).FullColumns(), Array(1, 2, {1, none}), XTEXT("Expected 1 value in column 2 of Data")},
+      {Params(kName, Shape::kList), CXlOper::Empty(), XTEXT("Expected at least 1 value for Data")},
+      {Params(kName, Shape::kList).Optional().LeastValues(1), CXlOper::Empty(),
+       XTEXT("Expected at least 1 value for Data")},
+      {Params(kName, Shape::kList).Values(2), Array(1, 3, {1, none, none}), XTEXT("Expected 2 values in Data")},
+  };
+  for (const auto& one : cases) EXPECT_EQ(MessageOf([&one] { ConvertArgument(one.value, one.params); }), one.message);
+  EXPECT_EQ(MessageOf([&] { Params(matrix).LeastRows(1).CheckSize(0, 3); }), XTEXT("Expected at least 1 row for Data"));
+  EXPECT_EQ(MessageOf([&] { Params(matrix).LeastColumns(1).CheckSize(3, 0); }),
+            XTEXT("Expected at least 1 column for Data"));
+}
+
+TEST(ConvertArgument, KeepsTheShape) {
+  using Params = CVectorConvertParams<kInteger>;
+  const auto row = ConvertArgument(Array(1, 3), Params(kName, Shape::kVector).LeastValues(3).Columns(3));
+  EXPECT_EQ(row.rows, 1);
+  EXPECT_EQ(row.columns, 3);
+  const auto scalar = ConvertArgument(CXlOper::Number(7.7), Params(kName, Shape::kVector));
+  EXPECT_EQ(scalar.Count(), 1);
+  EXPECT_EQ(scalar.At(0, 0), 7);
+  EXPECT_EQ(ConvertArgument(CXlOper::Missing(), Params(kName, Shape::kMatrix).Optional()).Count(), 0);
+  const auto list = ConvertArgument(Array(2, 2, {std::nan(""), 5, std::nan(""), 6}), Params(kName, Shape::kList));
+  EXPECT_EQ(list.rows, 2);
+  EXPECT_EQ(list.At(1, 0), 6);
+}
+
+TEST(ConvertArgument, GivesFetchedCellsBackOnEveryPath) {
+  testing::FakeExcel excel;
+  const CXlOper reference = CXlOper::Reference(XLREF12{0, 0, 0, 1});
+  const CVectorConvertParams<kNumber> params(kName, Shape::kMatrix);
+  excel.On(xlCoerce, [&excel](auto, XLOPER12& result) {
+    result = excel.LendArray(1, 2, {NumberCell(1), EmptyCell()});
+    return xlretSuccess;
+  });
+  EXPECT_EQ(ConvertArgument(reference, params).Count(), 2);
+  excel.On(xlCoerce, [&excel](auto, XLOPER12& result) {
+    result = excel.LendArray(1, 2, {NumberCell(1), excel.LendText(XTEXT("no number"))});
+    return xlretSuccess;
+  });
+  EXPECT_EQ(MessageOf([&] { ConvertArgument(reference, params); }), XTEXT("Expected number for Data"));
+  excel.On(xlCoerce, [](auto, XLOPER12&) { return xlretFailed; });
+  EXPECT_EQ(MessageOf([&] { ConvertArgument(reference, params); }),
+            XTEXT("Failed to convert Data from unknown type to number"));
+}
+
+TEST(ConvertArgument, LeavesNothingBehindWhenMemoryRunsOut) {
+  const CXlOper array = Array(2, 2, {123456.789012345, 2, 3, 0.000123456789012});
+  const CVectorConvertParams<kString> params(kName, Shape::kMatrix);
+  EXPECT_GT(testing::FailEachAllocation([&] { ConvertArgument(array, params); }), 2);
+}
+
+}  // namespace
+}  // namespace quillmere

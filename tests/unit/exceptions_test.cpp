@@ -1,0 +1,65 @@
+#include "frame/exceptions.h"
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+#include "frame/error_text.h"
+#include "tests/unit/failing_memory.h"
+#include "xlcall/xlcall.h"
+
+namespace quillmere {
+namespace {
+
+TEST(Exceptions, CarryTheirMessageWideAndNarrow) {
+  const CXlRuntimeException accented(XTEXT("caf\u00E9 \u20AC \U0001F600"));
+  EXPECT_EQ(accented.Message(), XTEXT("caf\u00E9 \u20AC \U0001F600"));
+  EXPECT_STREQ(accented.what(), "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80");
+  const XCHAR loneHalf[] = {XTEXT('a'), static_cast<XCHAR>(0xD83D), XTEXT('b')};
+  EXPECT_STREQ(CXlRuntimeException(XStringView(loneHalf, 3)).what(),
+               "a\xEF\xBF\xBD"
+               "b");
+  EXPECT_STREQ(CXlUninitializedOperException().what(), "CXlOper instance is not initialized");
+  EXPECT_STREQ(CXlBadOperTypeException().what(), "Bad XLOPER type");
+}
+
+TEST(Exceptions, NameTheirCodes) {
+  EXPECT_EQ(CXlErrorException(xlerrNA).Message(), XTEXT("Threw Excel error #N/A"));
+  EXPECT_EQ(CXlErrorException(45).Message(), XTEXT("Threw Excel error Unknown"));
+  EXPECT_EQ(CXlErrorException(45).Code(), 45);
+  EXPECT_EQ(CXlStructuredException(0xC0000005).Message(), XTEXT("'C' exception 0xC0000005"));
+  EXPECT_EQ(CXlStructuredException(0x1F).Message(), XTEXT("'C' exception 0x1F"));
+  const CXlComException call(XTEXT("Range"), static_cast<std::int32_t>(0x8001010A));
+  EXPECT_EQ(call.Message(), XTEXT("Range failed with error code 0x8001010A"));
+  EXPECT_EQ(call.Call(), XTEXT("Range"));
+  EXPECT_EQ(CXlComException(XTEXT(""), 1).Message(), XTEXT("COM call failed"));
+}
+
+TEST(Exceptions, OneTree) {
+  static_assert(std::is_base_of_v<std::runtime_error, CXlRuntimeException>);
+  static_assert(std::is_base_of_v<CXlConversionException, CXlUninitializedOperException>);
+  static_assert(!std::is_base_of_v<CXlConversionException, CXlBadOperTypeException>);
+  static_assert(!std::is_base_of_v<CXlRuntimeException, psl::StringFormatterError>);
+  static_assert(std::is_nothrow_copy_constructible_v<CXlComException>);
+  EXPECT_THROW(ThrowOutOfRange(), CXlOutOfRangeException);
+  EXPECT_THROW(ThrowStringTooLong(), CXlStringTooLongException);
+}
+
+TEST(Exceptions, LeaveNothingBehindWhenMemoryRunsOut) {
+  const auto makeOne = [] {
+    const CXlComException made(XTEXT("A call with a name that is longer than a small text"), -1);
+  };
+  EXPECT_GT(testing::FailEachAllocation(makeOne), 3);
+}
+
+TEST(ErrorText, ReadsBothWays) {
+  EXPECT_EQ(ErrorText(xlerrDiv0), XTEXT("#DIV/0!"));
+  EXPECT_EQ(ErrorText8(xlerrName), "#NAME?");
+  EXPECT_EQ(ErrorText8(44), "Unknown");
+  EXPECT_EQ(ErrorCodeOf(XTEXT("#n/a")), xlerrNA);
+  EXPECT_EQ(ErrorCodeOf(XTEXT("#N/A ")), std::nullopt);
+  EXPECT_EQ(ErrorCodeOf(XTEXT("Unknown")), std::nullopt);
+}
+
+}  // namespace
+}  // namespace quillmere

@@ -1,0 +1,77 @@
+#include "frame/string_formatter.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <optional>
+
+#include "frame/messages.h"
+
+namespace quillmere::psl {
+namespace {
+
+/// The fault that a pattern is refused with; nothing when it formats.
+std::optional<FormatFault> FaultOf(XStringView pattern) {
+  try {
+    Format(pattern, {XTEXT("zero"), XTEXT("one")});
+  } catch (const StringFormatterError& error) {
+    EXPECT_STREQ(error.what(), "Error in string format");
+    return error.Fault();
+  }
+  return std::nullopt;
+}
+
+TEST(StringFormatter, ReplacesPlaceholdersAndDoubledBraces) {
+  const struct {
+    XStringView pattern;
+    XStringView expected;
+  } cases[] = {
+      {XTEXT(""), XTEXT("")},
+      {XTEXT("plain"), XTEXT("plain")},
+      {XTEXT("{0}"), XTEXT("zero")},
+      {XTEXT("{1}{0}{1}"), XTEXT("onezeroone")},
+      {XTEXT("a{0}b{1}c"), XTEXT("azerobonec")},
+      {XTEXT("{00001}"), XTEXT("one")},
+      {XTEXT("{{0}}"), XTEXT("{0}")},
+      {XTEXT("{{{0}}}"), XTEXT("{zero}")},
+      {XTEXT("}}{{"), XTEXT("}{")},
+      {XTEXT("{0}}}"), XTEXT("zero}")},
+  };
+  for (const auto& one : cases) EXPECT_EQ(Format(one.pattern, {XTEXT("zero"), XTEXT("one")}), one.expected);
+  EXPECT_EQ(Format("{0}-{1}", {"eight", -12}), "eight--12");
+}
+
+TEST(StringFormatter, RefusesMalformedPatterns) {
+  for (const XStringView pattern : {XTEXT("{"), XTEXT("}"), XTEXT("{0"), XTEXT("{a"), XTEXT("0}"), XTEXT("{0{1}}"),
+                                    XTEXT("{{{"), XTEXT("{0}}"), XTEXT("a}b")})
+    EXPECT_EQ(FaultOf(pattern), FormatFault::kUnbalancedBrace);
+  for (const XStringView pattern :
+       {XTEXT("{}"), XTEXT("{a}"), XTEXT("{0a}"), XTEXT("{ 0}"), XTEXT("{-1}"), XTEXT("{0x1}")})
+    EXPECT_EQ(FaultOf(pattern), FormatFault::kBadIndex);
+  for (const XStringView pattern :
+       {XTEXT("{2}"), XTEXT("{65535}"), XTEXT("{65536}"), XTEXT("{4294967296}"), XTEXT("{18446744073709551616}")})
+    EXPECT_EQ(FaultOf(pattern), FormatFault::kIndexOutOfRange);
+}
+
+TEST(StringFormatter, BracesOfArgumentsStandForThemselves) {
+  EXPECT_EQ(Format(XTEXT("{0} {1}"), {XTEXT("{1}"), XTEXT("}{{")}), XTEXT("{1} }{{"));
+}
+
+TEST(StringFormatter, WritesIntegersOfEveryWidth) {
+  EXPECT_EQ(Format(XTEXT("{0} {1} {2}"), {std::numeric_limits<std::int64_t>::min(),
+                                          std::numeric_limits<std::uint64_t>::max(), std::int16_t{0}}),
+            XTEXT("-9223372036854775808 18446744073709551615 0"));
+}
+
+TEST(Messages, FormatByNumber) {
+  EXPECT_EQ(FormatCatalogue(MessageId::kScalarNotInitialized, XTEXT("Sorted"), MessageText(MessageId::kLongInteger)),
+            XTEXT("Sorted is not initialized. Expected long integer."));
+  EXPECT_EQ(CatalogueText(0), XTEXT(""));
+  EXPECT_EQ(CatalogueText(65), XTEXT("handle to {0}"));
+  EXPECT_EQ(CatalogueText(66), XTEXT("Message #66 not found"));
+  EXPECT_EQ(CatalogueText(-1), XTEXT("Message #-1 not found"));
+  EXPECT_THROW(FormatCatalogue(MessageId::kExpectedFor, XTEXT("only one")), StringFormatterError);
+}
+
+}  // namespace
+}  // namespace quillmere::psl

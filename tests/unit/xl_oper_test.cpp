@@ -1,0 +1,225 @@
+#include "frame/xl_oper.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "frame/array_builder.h"
+#include "frame/value_memory.h"
+#include "tests/unit/failing_memory.h"
+#include "tests/unit/fake_excel.h"
+
+namespace quillmere {
+namespace {
+
+XLOPER12 TextValue(XCHAR* counted) {
+  XLOPER12 value{};
+  value.val.str = counted;
+  value.xltype = xltypeStr;
+  return value;
+}
+
+XLOPER12 ArrayValue(XLOPER12* cells, int rows, int columns) {
+  XLOPER12 value{};
+  value.val.array.lparray = cells;
+  value.val.array.rows = rows;
+  value.val.array.columns = columns;
+  value.xltype = xltypeMulti;
+  return value;
+}
+
+XLOPER12 AreasValue(XLMREF12* areas) {
+  XLOPER12 value{};
+  value.val.mref.lpmref = areas;
+  value.xltype = xltypeRef;
+  return value;
+}
+
+XLOPER12 OfType(std::uint32_t type) {
+  XLOPER12 value{};
+  value.xltype = type;
+  return value;
+}
+
+CXlOper SmallArray() {
+  CXlArrayBuilder builder(1, 3);
+  builder.PutNumber(0, 0, 1.5);
+  builder.PutText(0, 1, XTEXT("abc"));
+  builder.PutEmpty(0, 2);
+  return builder.Finish();
+}
+
+TEST(XlOper, RefusesWhatIsMalformedWhereItEnters) {
+  XCHAR tooLong[] = {32'768};
+  XLOPER12 cell = NumberCell(1);
+  XLMREF12 noAreas{0, {}};
+  XLMREF12 upsideDown{1, {{5, 4, 0, 0}}};
+  XLMREF12 offSheet{1, {{0, 1'048'576, 0, 0}}};
+  XLOPER12 twoAreas = OfType(xltypeSRef);
+  twoAreas.val.sref.count = 2;
+  const XLOPER12 bad[] = {TextValue(nullptr),
+                          TextValue(tooLong),
+                          ArrayValue(nullptr, 1, 1),
+                          ArrayValue(&cell, 0, 1),
+                          ArrayValue(&cell, 1, 0),
+                          ArrayValue(&cell, -1, 1),
+                          ArrayValue(&cell, 1'048'577, 1),
+                          ArrayValue(&cell, 1, 16'385),
+                          AreasValue(nullptr),
+                          AreasValue(&noAreas),
+                          AreasValue(&upsideDown),
+                          AreasValue(&offSheet),
+                          twoAreas,
+                          OfType(xltypeBigData),
+                          OfType(xltypeFlow),
+                          OfType(0),
+                          OfType(0x200),
+                          OfType(xltypeNum | xltypeBool),
+                          OfType(0x40000000)};
+  for (const XLOPER12& value : bad) EXPECT_THROW(CXlOper::Borrow(&value), CXlBadOperTypeException) << value.xltype;
+}
+
+TEST(XlOper, BorrowsWithoutTakingOver) {
+  EXPECT_FALSE(CXlOper::Borrow(nullptr).IsSet());
+  XCHAR text[] = {2, XTEXT('h'), XTEXT('i')};
+  const XLOPER12 value = TextValue(text);
+  XLOPER12 slot{};
+  {
+    CXlOper oper = CXlOper::Borrow(&value);
+    EXPECT_EQ(oper.AsText().data(), text + 1);
+    oper.ReturnInto(slot);
+  }
+  EXPECT_EQ(slot.xltype, xltypeStr);
+  EXPECT_EQ(slot.val.str, text);
+  const XLOPER12 marked = OfType(xltypeNil | xlbitDLLFree | 0x200);
+  EXPECT_TRUE(CXlOper::Borrow(&marked).IsEmpty());
+}
+
+TEST(XlOper, GivesExcelsValuesBackOnce) {
+  testing::FakeExcel excel;
+  {
+    CXlOper first = CXlOper::TakeFromExcel(excel.LendText(XTEXT("lent")));
+    CXlOper second = std::move(first);
+    first = std::move(second);
+    CXlOper& same = first;
+    first = std::move(same);
+    EXPECT_EQ(first.AsText(), XTEXT("lent"));
+    EXPECT_EQ(excel.Calls(xlFree), 0);
+    first = CXlOper::TakeFromExcel(excel.LendArray(1, 1, {NumberCell(3)}));
+    EXPECT_EQ(excel.Lent(), 1u);
+    EXPECT_EQ(first.CellAt(0, 0).val.num, 3);
+  }
+  EXPECT_EQ(excel.Calls(xlFree), 2);
+  CXlOper::TakeFromExcel(NumberCell(1));
+  EXPECT_EQ(excel.Calls(xlFree), 2);
+  XLOPER12 emptyArray = excel.LendArray(1, 1, {NumberCell(3)});
+  emptyArray.val.array.rows = 0;
+  EXPECT_THROW(CXlOper::TakeFromExcel(emptyArray), CXlBadOperTypeException);
+  EXPECT_EQ(excel.Lent(), 0u);
+}
+
+TEST(XlOper, HandsOwnershipToTheReturnSlot) {
+  const std::int64_t before = testing::LiveBlocks();
+  XLOPER12 slot{};
+  CXlOper owners[] = {SmallArray(), CXlOper::Text(XTEXT("ours"))};
+  for (CXlOper& oper : owners) {
+    oper.ReturnInto(slot);
+    EXPECT_FALSE(oper.IsSet());
+    EXPECT_EQ(slot.xltype & ~kTypeMask, xlbitDLLFree);
+    ReleaseOwned(slot);
+    EXPECT_EQ(slot.xltype, xltypeNil);
+    ReleaseOwned(slot);
+  }
+  const XLREF12 areas[] = {{1, 2, 3, 4}, {5, 5, 6, 6}};
+  CXlOper::Reference(7, areas).ReturnInto(slot);
+  EXPECT_EQ(slot.val.mref.lpmref->reftbl[1].colLast, 6);
+  ReleaseOwned(slot);
+  EXPECT_EQ(testing::LiveBlocks(), before);
+
+  testing::FakeExcel excel;
+  CXlOper::TakeFromExcel(excel.LendText(XTEXT("Excel's"))).ReturnInto(slot);
+  EXPECT_EQ(slot.xltype, xltypeStr | xlbitXLFree);
+  ReleaseOwned(slot);
+  EXPECT_EQ(excel.Lent(), 1u);
+  CXlOper::TakeFromExcel(slot);
+}
+
+TEST(XlOper, ReturnsOnlyWhatExcelTakes) {
+  XLOPER12 slot{};
+  CXlOper().ReturnInto(slot);
+  EXPECT_EQ(slot.xltype, xltypeErr);
+  EXPECT_EQ(slot.val.err, xlerrValue);
+  XLOPER12 infinite = NumberCell(0);
+  infinite.val.num = std::numeric_limits<double>::infinity();
+  CXlOper numbers[] = {CXlOper::Borrow(&infinite), CXlOper::Number(std::nan(""))};
+  for (CXlOper& oper : numbers) {
+    oper.ReturnInto(slot);
+    EXPECT_EQ(slot.xltype, xltypeErr);
+    EXPECT_EQ(slot.val.err, xlerrNum);
+  }
+  CXlOper::Empty().ReturnInto(slot);
+  EXPECT_EQ(slot.xltype, xltypeNil);
+}
+
+TEST(XlOper, RefusesTheWrongReader) {
+  EXPECT_THROW(CXlOper().AsNumber(), CXlUninitializedOperException);
+  EXPECT_THROW(CXlOper().Cells(), CXlUninitializedOperException);
+  EXPECT_THROW(CXlOper::Number(1).AsText(), CXlBadOperTypeException);
+  EXPECT_THROW(CXlOper::Text(XTEXT("1")).AsNumber(), CXlBadOperTypeException);
+  EXPECT_THROW(CXlOper::Reference(XLREF12{0, 0, 0, 0}).Cells(), CXlBadOperTypeException);
+  EXPECT_THROW(CXlOper::Reference(3, {}).Areas(), CXlBadOperTypeException);
+  EXPECT_EQ(CXlOper::Integer(-4).AsNumber(), -4);
+  const CXlOper array = SmallArray();
+  EXPECT_EQ(CellText(array.CellAt(0, 1)), XTEXT("abc"));
+  EXPECT_THROW(array.CellAt(1, 0), CXlOutOfRangeException);
+  EXPECT_THROW(array.CellAt(0, -1), CXlOutOfRangeException);
+  EXPECT_EQ(CXlOper::Number(2).CellAt(0, 0).val.num, 2);
+}
+
+TEST(XlOper, RefusesTextsBeyondTheLimit) {
+  EXPECT_EQ(CXlOper::Text(XString(32'767, XTEXT('x'))).AsText().size(), 32'767u);
+  EXPECT_THROW(CXlOper::Text(XString(32'768, XTEXT('x'))), CXlStringTooLongException);
+}
+
+TEST(XlOper, ClonesAllItPointsTo) {
+  CXlOper array = SmallArray();
+  XCHAR* const source = array.Cells().At(0, 1).val.str;
+  const CXlOper copy = array.Clone();
+  source[1] = XTEXT('X');
+  array.Reset();
+  EXPECT_EQ(CellText(copy.CellAt(0, 1)), XTEXT("abc"));
+  EXPECT_TRUE(IsEmptyCell(copy.CellAt(0, 2)));
+
+  const XLREF12 areas[] = {{1, 2, 3, 4}, {5, 5, 6, 6}};
+  CXlOper reference = CXlOper::Reference(7, areas);
+  const CXlOper referenceCopy = reference.Clone();
+  reference.Reset();
+  EXPECT_EQ(referenceCopy.Sheet(), 7u);
+  EXPECT_EQ(referenceCopy.Areas().size(), 2u);
+  EXPECT_EQ(referenceCopy.Areas()[1].rwFirst, 5);
+  EXPECT_FALSE(CXlOper().Clone().IsSet());
+
+  testing::FakeExcel excel;
+  CXlOper lent = CXlOper::TakeFromExcel(excel.LendText(XTEXT("lent")));
+  const CXlOper lentCopy = lent.Clone();
+  lent.Reset();
+  EXPECT_EQ(lentCopy.AsText(), XTEXT("lent"));
+}
+
+TEST(XlOper, TakesOneCellOnly) {
+  EXPECT_THROW(CXlOper::FromCell(SmallArray().Raw()), CXlIllegalArgumentException);
+  EXPECT_THROW(CXlOper::FromCell(OfType(xltypeFlow)), CXlBadOperTypeException);
+  EXPECT_THROW(CXlOper::BorrowCell(TextValue(nullptr)), CXlBadOperTypeException);
+  EXPECT_EQ(CXlOper::FromCell(CXlOper::Text(XTEXT("a")).Raw()).AsText(), XTEXT("a"));
+}
+
+TEST(XlOper, LeavesNothingBehindWhenMemoryRunsOut) {
+  const XLREF12 areas[] = {{1, 2, 3, 4}};
+  EXPECT_EQ(testing::FailEachAllocation([] { SmallArray().Clone(); }), 4);
+  EXPECT_EQ(testing::FailEachAllocation([&areas] { CXlOper::Reference(7, areas).Clone(); }), 2);
+}
+
+}  // namespace
+}  // namespace quillmere
