@@ -1,0 +1,140 @@
+// Script commands that evaluate, measure and print.
+#include <iostream>
+
+#include "host/literal.h"
+#include "host/script_runner.h"
+#include "host/show_table.h"
+
+namespace qcalc {
+namespace {
+
+constexpr std::int32_t kMost = 1'000'000'000;
+constexpr std::int32_t kMostThreads = 256;
+constexpr std::int32_t kShownRows = 10;
+
+struct CodeName {
+  std::string_view name;
+  int code;
+};
+
+constexpr CodeName kCodes[] = {
+    {"xlretAbort", xlretAbort},
+    {"xlretInvXlfn", xlretInvXlfn},
+    {"xlretInvCount", xlretInvCount},
+    {"xlretInvXloper", xlretInvXloper},
+    {"xlretStackOvfl", xlretStackOvfl},
+    {"xlretFailed", xlretFailed},
+    {"xlretUncalced", xlretUncalced},
+    {"xlretNotThreadSafe", xlretNotThreadSafe},
+    {"xlretInvAsynchronousContext", xlretInvAsynchronousContext},
+    {"xlretNotClusterSafe", xlretNotClusterSafe},
+};
+
+int CodeAt(ScriptLine& line) {
+  std::string names;
+  const std::string_view word = line.Word("a return code");
+  for (const CodeName& code : kCodes) {
+    if (code.name == word) return code.code;
+    names += (names.empty() ? "" : ", ") + std::string(code.name);
+  }
+  line.FailIn(word, "expected a return code (" + names + "), found '" + std::string(word) + "'");
+}
+
+ScriptAction ParseEval(ScriptLine& line) {
+  return [formula = line.FormulaText()](ScriptRunner& runner) {
+    runner.Evaluate(formula.Text(), [&] { return runner.ItsSession().Evaluate(formula); });
+  };
+}
+
+ScriptAction ParseRecalc(ScriptLine& line) {
+  const std::int32_t count = line.WholeNumber("a number of recalculations", 1, kMost);
+  return [count, formula = line.FormulaText()](ScriptRunner& runner) {
+    runner.Evaluate(formula.Text(), [&] { return runner.ItsSession().Recalculate(count, formula); });
+  };
+}
+
+ScriptAction ParseParallel(ScriptLine& line) {
+  const std::int32_t threads = line.WholeNumber("a number of threads", 1, kMostThreads);
+  const std::int32_t count = line.WholeNumber("a number of evaluations", 1, kMost);
+  return [threads, count, formula = line.FormulaText()](ScriptRunner& runner) {
+    runner.Evaluate(formula.Text(), [&] {
+      const std::vector<Value> results = runner.ItsSession().EvaluateInParallel(threads, count, formula);
+      const std::string first = PrintLiteral(runner.ItsSession().Contents(results[0]));
+      const std::string other = PrintLiteral(runner.ItsSession().Contents(results.back()));
+      runner.Expect(results.size() == 1, "all results equal to " + first,
+                    std::to_string(results.size() - 1) + " others, such as " + other);
+      return results[0];
+    });
+  };
+}
+
+ScriptAction ParseTime(ScriptLine& line) {
+  const std::int32_t count = line.WholeNumber("a number of calls", 1, kMost);
+  return [count, formula = line.FormulaText()](ScriptRunner& runner) {
+    runner.Evaluate(formula.Text(), [&] {
+      std::string function;
+      Timing timing = runner.ItsSession().Time(count, formula, function);
+      std::cout << "time " << PrintNumber(timing.median) << " " << PrintNumber(timing.minimum) << " " << function
+                << std::endl;
+      return std::move(timing.result);
+    });
+  };
+}
+
+ScriptAction ParseFail(ScriptLine& line) {
+  const std::string_view name = line.Word("a callback's name");
+  const XlCallback* callback = FindXlCallback(name);
+  if (!callback) line.FailIn(name, "expected a callback's name such as xlCoerce, found '" + std::string(name) + "'");
+  const int code = CodeAt(line);
+  const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMost);
+  return
+      [callback, code, nth](ScriptRunner& runner) { runner.ItsSession().ItsAddin().meter.Fail(*callback, code, nth); };
+}
+
+ScriptAction ParseOpen(ScriptLine&) {
+  return [](ScriptRunner& runner) {
+    runner.Evaluate("xlAutoOpen", [&] { return Value::Number(runner.ItsSession().CallOpen()); });
+  };
+}
+
+ScriptAction ParseClose(ScriptLine&) {
+  return [](ScriptRunner& runner) {
+    runner.Evaluate("xlAutoClose", [&] { return Value::Number(runner.ItsSession().CallClose().value_or(0)); });
+  };
+}
+
+ScriptAction ParsePrint(ScriptLine&) {
+  return [](ScriptRunner& runner) {
+    if (runner.Result())
+      std::cout << PrintLiteral(runner.Contents()) << std::endl;
+    else
+      runner.Fail("there is no result to print");
+  };
+}
+
+ScriptAction ParseShow(ScriptLine& line) {
+  const std::int32_t rows = line.IsAtEnd() ? kShownRows : line.WholeNumber("a number of rows", 1, kMost);
+  return [rows](ScriptRunner& runner) {
+    if (!runner.Result()) return runner.Fail("there is no result to show");
+    if (const std::string heading = runner.TakeHeading(); !heading.empty()) std::cout << "\n" << heading << "\n";
+    std::cout << "\n" << runner.LastFormula() << "\n" << ShowTable(runner.Contents(), rows) << std::flush;
+  };
+}
+
+constexpr ScriptCommandForm kCommands[] = {
+    {"eval", "eval =FORMULA", ParseEval},
+    {"recalc", "recalc N =FORMULA", ParseRecalc},
+    {"parallel", "parallel T N =FORMULA", ParseParallel},
+    {"time", "time N =FORMULA", ParseTime},
+    {"fail", "fail NAME CODE [NTH]", ParseFail},
+    {"open", "open", ParseOpen},
+    {"close", "close", ParseClose},
+    {"print", "print", ParsePrint},
+    {"show", "show [ROWS]", ParseShow},
+};
+
+}  // namespace
+
+std::span<const ScriptCommandForm> EvaluationCommands() { return kCommands; }
+
+}  // namespace qcalc

@@ -1,0 +1,108 @@
+// CSV into cells.
+#include "host/csv.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+#include "tests/host/model_fixture.h"
+
+namespace qcalc {
+namespace {
+
+class CsvTest : public ModelTest {
+ protected:
+  /// What the sheet holds after loading at A1, or the error.
+  std::string Loaded(std::string_view text) {
+    sheet.Clear({0, kXlMaxRows - 1, 0, kXlMaxColumns - 1});
+    const auto result = LoadCsv(text, sheet, 0, 0);
+    if (const auto* error = std::get_if<CsvError>(&result)) return error->ToString("f.csv");
+    const auto& extent = std::get<CsvExtent>(result);
+    return extent.rows == 0 ? "nothing" : PrintLiteral(sheet.Read({0, extent.rows - 1, 0, extent.columns - 1}));
+  }
+};
+
+TEST_F(CsvTest, TellsTypesApart) {
+  EXPECT_EQ(Loaded("1,-2.5,+3,1e3,.5,5.,007\n"), "{1,-2.5,3,1000,0.5,5,7}");
+  EXPECT_EQ(Loaded("1x, 1,1 ,0x1F,inf,nan,-,.,1e,1e999,--1,$5"),
+            R"({"1x"," 1","1 ","0x1F","inf","nan","-",".","1e","1e999","--1","$5"})");
+  EXPECT_EQ(Loaded("TRUE,false,True ,#N/A"), R"({TRUE,FALSE,"True ","#N/A"})");
+  EXPECT_EQ(Loaded("a,,\"\",\"5\",\"true\"\n"), R"({"a",empty,empty,5,TRUE})");
+}
+
+TEST_F(CsvTest, ReadsQuotesAndLineEnds) {
+  EXPECT_EQ(Loaded("\"a,b\",\"say \"\"hi\"\"\",\"\"\"\"\n"), R"({"a,b","say ""hi""",""""})");
+  EXPECT_EQ(Loaded("\"two\r\nlines\",x\r\n1,2\r\n"), "{\"two\r\nlines\",\"x\";1,2}");
+  EXPECT_EQ(Loaded("1\n2\r3\r\n4"), "{1;2;3;4}");
+  EXPECT_EQ(Loaded("\xEF\xBB\xBF\"a\",b"), R"({"a","b"})");
+  EXPECT_EQ(Loaded("1\n\n3\n\n"), "{1;empty;3;empty}");
+  EXPECT_EQ(Loaded("a\"b,c\n"), R"({"a""b","c"})");
+  EXPECT_EQ(Loaded("\u00E4,\u20AC\U0001F600\n"), "{\"\u00E4\",\"\u20AC\U0001F600\"}");
+  EXPECT_EQ(Loaded(""), "nothing");
+  EXPECT_EQ(Loaded("\xEF\xBB\xBF"), "nothing");
+}
+
+TEST_F(CsvTest, SaysWhereAFaultIs) {
+  EXPECT_EQ(Loaded("1,2\n3,\"abc\n"), "f.csv:2:3: expected a closing quote for this field, found the end");
+  EXPECT_EQ(Loaded("\"a\nb\nc\",\"x\"y\n"),
+            "f.csv:3:7: expected ',' or the end of the record after the closing quote, found 'y'");
+  EXPECT_EQ(Loaded("1\r\n2,\xFFz\r\n"), "f.csv:2:3: expected UTF-8 in this field");
+  EXPECT_EQ(Loaded("\xEF\xBB\xBF,\xFF"), "f.csv:1:2: expected UTF-8 in this field");
+  EXPECT_EQ(Loaded("x," + std::string(40'000, 'y')),
+            "f.csv:1:3: expected at most 32767 characters in a cell, found 40000");
+  EXPECT_EQ(Loaded(std::string(16'384, ',')), "f.csv:1:16385: expected at most 16384 fields in a record, found more");
+  const auto late = LoadCsv("1\n2\n3\n", sheet, kXlMaxRows - 2, 0);
+  EXPECT_EQ(std::get<CsvError>(late).line, 3);
+  EXPECT_EQ(std::get<CsvError>(LoadCsvFile("no/such/file.csv", sheet, 0, 0)).ToString("x"),
+            "x: expected a file that can be read");
+  EXPECT_EQ(std::get<CsvError>(LoadCsvFile(".", sheet, 0, 0)).line, 0);
+}
+
+TEST_F(CsvTest, ReplacesItsExtentOnly) {
+  Set("A1:D4", "9");
+  SetFormula("B2", "=1");
+  LoadCsv("1\n2,3\n4", sheet, 1, 1);
+  EXPECT_EQ(Held("A1:D5"), "{9,9,9,9;9,1,empty,9;9,2,3,9;9,4,empty,9;empty,empty,empty,empty}");
+  EXPECT_EQ(sheet.FindFormula({1, 1}), nullptr);
+}
+
+TEST_F(CsvTest, NoBytesBringItDown) {
+  std::mt19937 random(5);
+  const std::string alphabet = "\"\",,\r\n1a.-\xC3\xA4\xFF";
+  for (int i = 0; i < 20'000; ++i) {
+    std::string text(random() % 30, ' ');
+    for (char& byte : text) byte = alphabet[random() % alphabet.size()];
+    LoadCsv(text, sheet, 0, 0);
+  }
+}
+
+TEST_F(CsvTest, LoadsAFileWithWideName) {
+  const auto path = std::filesystem::temp_directory_path() / u8"qcalc-\u00E4\u20AC.csv";
+  std::ofstream(path, std::ios::binary) << "7,x\n";
+  const std::u8string name = path.u8string();
+  LoadCsvFile(std::string(name.begin(), name.end()), sheet, 0, 0);
+  std::filesystem::remove(path);
+  EXPECT_EQ(Held("A1:B1"), R"({7,"x"})");
+}
+
+TEST_F(CsvTest, AMillionRowsTakeSeconds) {
+  std::string text;
+  for (int i = 0; i < 1'000'000; ++i)
+    text += std::to_string(i) + ",name " + std::to_string(i % 1000) + ",0.125,TRUE,,12345.678,x,\"q,q\",1e-3,end\n";
+  const auto start = std::chrono::steady_clock::now();
+  const auto extent = std::get<CsvExtent>(LoadCsv(text, sheet, 0, 0));
+  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+  EXPECT_EQ(extent.rows, 1'000'000);
+  EXPECT_EQ(extent.columns, 10);
+  EXPECT_EQ(Held("A1000000:J1000000"), R"({999999,"name 999",0.125,TRUE,empty,12345.678,"x","q,q",0.001,"end"})");
+  RecordProperty("seconds", std::to_string(elapsed.count()));
+  EXPECT_LT(elapsed.count(), 60);  // about one second; sanitizers, emulation and a busy machine take many
+}
+
+}  // namespace
+}  // namespace qcalc

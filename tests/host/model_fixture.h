@@ -1,0 +1,102 @@
+// A workbook with one sheet and a small add-in of two functions, for tests of the model without a library.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/evaluator.h"
+#include "host/literal.h"
+#include "host/recalculation.h"
+#include "host/utf8.h"
+
+namespace qcalc {
+
+inline XString Wide(std::string_view text) { return FromUtf8(text).value(); }
+
+/// GET.REF(U, U) gives its first operand back, GET.VALUE(Q, Q) likewise; both say what arrived. GET.NEXT gives 1, 2, 3.
+class FakeAddin : public IAddinFunctions {
+ public:
+  FakeAddin() {
+    reference_.name = XTEXT("GET.REF");
+    reference_.operands = {OperandKind::kReference, OperandKind::kReference};
+    value_.name = XTEXT("GET.VALUE");
+    value_.operands = {OperandKind::kValue, OperandKind::kByValue};
+    next_.name = XTEXT("GET.NEXT");
+    next_.isVolatile = true;
+  }
+  const AddinFunction* Find(XStringView name) const override {
+    for (const AddinFunction* function : {&reference_, &value_, &next_})
+      if (EqualsIgnoringCase(name, function->name)) return function;
+    return nullptr;
+  }
+  Value Call(const AddinFunction& function, std::span<const Value> operands,
+             const EvaluationContext& context) override {
+    ++calls;
+    lastCaller = context.caller;
+    lastOperands.assign(operands.begin(), operands.end());
+    if (&function == &next_) return Value::Number(++counter_);
+    if (readsCell && context.workbooks->FindSheet(readsCell->sheet)->FirstUncalculated(readsCell->areas[0]))
+      throw UncalculatedCell{readsCell->sheet, {readsCell->areas[0].firstRow, readsCell->areas[0].firstColumn}};
+    return operands[0];
+  }
+
+  int calls = 0;
+  Reference lastCaller;
+  std::vector<Value> lastOperands;
+  std::optional<Reference> readsCell;  ///< a cell that every call reads without naming it
+
+ private:
+  AddinFunction reference_, value_, next_;
+  int counter_ = 0;
+};
+
+class ModelTest : public testing::Test {
+ protected:
+  ModelTest() : sheet(workbooks.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
+    context = {&workbooks, &sheet, &names, &addin, {}};
+  }
+
+  Area AreaOf(std::string_view reference) { return ParseReference(reference)->area; }
+  void Set(std::string_view reference, std::string_view literal) {
+    const Parsed<Value> value = ParseLiteral(literal);
+    ASSERT_TRUE(value) << literal << ": " << value.Error().ToString();
+    const Reference target = ResolveReference(*ParseReference(reference), workbooks, sheet);
+    workbooks.FindSheet(target.sheet)->Set(target.areas[0], *value);
+  }
+  void SetFormula(std::string_view reference, std::string_view formula) {
+    const Reference target = ResolveReference(*ParseReference(reference), workbooks, sheet);
+    workbooks.FindSheet(target.sheet)->SetFormula(target.areas[0], *ParseFormula(formula));
+  }
+  Value ValueOf(std::string_view formula) {
+    const Parsed<Formula> parsed = ParseFormula(formula);
+    if (!parsed) throw FormulaError(parsed.Error().ToString());
+    return Evaluate(*parsed, context);
+  }
+  /// The result's literal; references as `@Sheet1!A1`; errors of parser and evaluator as `!message`.
+  std::string Eval(std::string_view formula) {
+    try {
+      const Value value = ValueOf(formula);
+      if (value.IsReference()) return "@" + ReferenceToText(value.AsReference(), workbooks);
+      return PrintLiteral(value);
+    } catch (const FormulaError& error) {
+      return std::string("!") + error.what();
+    }
+  }
+  /// What a cell or an area holds.
+  std::string Held(std::string_view reference) {
+    const Reference target = ResolveReference(*ParseReference(reference), workbooks, sheet);
+    return PrintLiteral(Dereference(Value::OfReference(target), workbooks));
+  }
+
+  Workbooks workbooks;
+  Sheet& sheet;
+  NamedValues names;
+  FakeAddin addin;
+  EvaluationContext context;
+};
+
+}  // namespace qcalc

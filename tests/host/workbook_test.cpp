@@ -1,0 +1,150 @@
+// Books, sheets and the store of cells.
+#include "host/workbook.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <stdexcept>
+#include <string>
+
+#include "tests/host/model_fixture.h"
+
+namespace qcalc {
+namespace {
+
+class WorkbookTest : public ModelTest {
+ protected:
+  std::string Used() {
+    const auto used = sheet.UsedArea();
+    return used ? AreaToText(*used) : "nothing";
+  }
+};
+
+TEST_F(WorkbookTest, FindsSheetsByNameAndId) {
+  Book& book = workbooks.BookNamed(XTEXT("BOOK1"));
+  EXPECT_EQ(&book, &sheet.ItsBook());
+  Sheet& data = book.SheetNamed(XTEXT("Data"));
+  EXPECT_EQ(&book.SheetNamed(XTEXT("dATA")), &data);
+  EXPECT_EQ(workbooks.FindSheet(data.Id()), &data);
+  EXPECT_NE(data.Id(), sheet.Id());
+  EXPECT_EQ(workbooks.FindSheet(IDSHEET{0}), nullptr);
+  Sheet& other = workbooks.BookNamed(XTEXT("Book2")).SheetNamed(XTEXT("Data"));
+  EXPECT_NE(&other, &data);
+  EXPECT_EQ(workbooks.FindSheet({}, XTEXT("data"), &other), &other);
+  EXPECT_EQ(workbooks.FindSheet(XTEXT("book1"), XTEXT("data"), &other), &data);
+  EXPECT_EQ(workbooks.FindSheet(XTEXT("Book3"), XTEXT("Data"), &other), nullptr);
+  EXPECT_EQ(ToUtf8(other.FullName()), "[Book2]Data");
+  const XString fullName = other.FullName();
+  const auto [bookName, sheetName] = SplitSheetName(fullName);
+  EXPECT_EQ(ToUtf8(bookName) + "|" + ToUtf8(sheetName), "Book2|Data");
+}
+
+TEST_F(WorkbookTest, SetFillsAndClears) {
+  Set("B2", "{1,\"x\";empty,TRUE}");
+  EXPECT_EQ(Held("A1:D4"),
+            "{empty,empty,empty,empty;empty,1,\"x\",empty;empty,empty,TRUE,empty;empty,empty,empty,empty}");
+  Set("A1:A3", "\"y\"");
+  EXPECT_EQ(Held("A1:B3"), "{\"y\",empty;\"y\",1;\"y\",empty}");
+  Set("A2:B2", "empty");
+  EXPECT_EQ(Held("A1:C3"), "{\"y\",empty,empty;empty,empty,\"x\";\"y\",empty,TRUE}");
+  Set("A1", "\"\"");
+  EXPECT_EQ(Held("A1"), "\"\"");
+  EXPECT_THROW(sheet.Set(AreaOf("XFD1048576"), *ParseLiteral("{1,2}")), std::length_error);
+  Set("Z2", "{5}");
+  EXPECT_EQ(Held("Z2"), "5");
+}
+
+TEST_F(WorkbookTest, UsedAreaFollowsEveryWrite) {
+  EXPECT_EQ(Used(), "nothing");
+  Set("C1030", "1");
+  EXPECT_EQ(Used(), "C1030");
+  Set("XFD1048576", "\"\"");
+  EXPECT_EQ(Used(), "C1030:XFD1048576");
+  Set("XFD1048576", "empty");
+  Set("A2000", "TRUE");
+  EXPECT_EQ(Used(), "A1030:C2000");
+  Set("C:C", "empty");
+  EXPECT_EQ(Used(), "A2000");
+  SetFormula("B5", "=1+1");
+  EXPECT_EQ(Used(), "A5:B2000");
+  sheet.Clear({0, kXlMaxRows - 1, 0, kXlMaxColumns - 1});
+  EXPECT_EQ(Used(), "nothing");
+}
+
+// Random writes against a plain map, over the borders of chunks, with texts enough to make the store tidy up.
+TEST_F(WorkbookTest, StoreHoldsWhatWasWritten) {
+  std::mt19937 random(4);
+  std::map<CellPosition, Value> model;
+  for (int i = 0; i < 20'000; ++i) {
+    const CellPosition at{static_cast<std::int32_t>(random() % 8 + 1020), static_cast<std::int32_t>(random() % 3)};
+    Value value;
+    switch (random() % 4) {
+      case 0:
+        value = Value::Number(i);
+        break;
+      case 1:
+      case 2:
+        value = Value::Text(XString(random() % 500, static_cast<XCHAR>('a' + i % 26)));
+        break;
+      default:
+        break;
+    }
+    sheet.Set({at.row, at.row, at.column, at.column}, value);
+    model[at] = value;
+  }
+  // An array read before further writes keeps what it read.
+  const Area area{1019, 1028, 0, 3};
+  const ArrayPtr before = sheet.ReadArray(area);
+  sheet.Set(area, Value::Text(XString(30'000, XTEXT('z'))));
+  for (int i = 0; i < 200; ++i) sheet.Set({0, 0, 0, 0}, Value::Text(XString(30'000, XTEXT('q'))));
+  for (std::int32_t row = area.firstRow; row <= area.lastRow; ++row)
+    for (std::int32_t column = 0; column <= 3; ++column)
+      ASSERT_TRUE(SameContent(before->At(row - area.firstRow, column), (model[{row, column}]).AsCell()))
+          << row << ", " << column;
+  EXPECT_EQ(sheet.Get(0, 0).AsText(), XString(30'000, XTEXT('q')));
+  EXPECT_EQ(sheet.Get(1028, 3).AsText(), XString(30'000, XTEXT('z')));
+  EXPECT_TRUE(sheet.Get(1029, 3).IsEmpty());
+}
+
+TEST_F(WorkbookTest, VisitsInOrder) {
+  Set("B1023", "{1,2;3,4;5,6}");
+  std::string seen;
+  sheet.VisitRowMajor(AreaOf("A1022:C1026"), [&](const CellView& cell) { seen += PrintLiteral(cell) + " "; });
+  EXPECT_EQ(seen, "empty empty empty empty 1 2 empty 3 4 empty 5 6 empty empty empty ");
+  seen.clear();
+  sheet.VisitUsed(AreaOf("B1024:XFD1048576"), [&](std::int32_t row, std::int32_t column, const CellView& cell) {
+    seen += std::to_string(row) + "," + std::to_string(column) + "=" + PrintLiteral(cell) + " ";
+  });
+  EXPECT_EQ(seen, "1023,1=3 1024,1=5 1023,2=4 1024,2=6 ");
+}
+
+TEST_F(WorkbookTest, ResultsFillCallingCells) {
+  const auto write = [&](std::string_view cells, std::string_view literal) {
+    sheet.WriteResult(AreaOf(cells), *ParseLiteral(literal));
+    return Held(cells);
+  };
+  EXPECT_EQ(write("A1:C2", "{1,2;3,4}"), "{1,2,#N/A;3,4,#N/A}");
+  EXPECT_EQ(write("A1:B3", "{1,empty}"), "{1,0;1,0;1,0}");
+  EXPECT_EQ(write("A1:B2", "\"t\""), "{\"t\",\"t\";\"t\",\"t\"}");
+  EXPECT_EQ(write("A1", "{7,8}"), "7");
+  EXPECT_EQ(write("A1", "empty"), "0");
+}
+
+TEST_F(WorkbookTest, HidesRows) {
+  sheet.HideRows(2, 4, true);
+  sheet.HideRows(3, 3, false);
+  EXPECT_FALSE(sheet.IsRowHidden(1));
+  EXPECT_TRUE(sheet.IsRowHidden(2));
+  EXPECT_FALSE(sheet.IsRowHidden(3));
+  EXPECT_TRUE(sheet.IsRowHidden(4));
+}
+
+TEST(ArrayBuilder, BoundsItsSize) {
+  EXPECT_THROW(ArrayBuilder(0, 1), std::length_error);
+  EXPECT_THROW(ArrayBuilder(1, -1), std::length_error);
+  EXPECT_THROW(ArrayBuilder(kXlMaxRows + 1, 1), std::length_error);
+}
+
+}  // namespace
+}  // namespace qcalc
