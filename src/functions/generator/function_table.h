@@ -1,0 +1,89 @@
+// What the tables declare, read and checked field by field.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "frame/function_declaration.h"
+#include "functions/generator/diagnostics.h"
+
+namespace quillmere::generator {
+
+/// A value that entries hand to an implementation: "bool", "int" or an enumeration with its words.
+struct Setting {
+  std::string name;
+  std::string type;
+  std::vector<std::string> values;
+  Place place;
+};
+
+struct Implementation {
+  std::string name;
+  std::vector<std::string> settings;  ///< names, in the order of the parameters
+  Place place;
+};
+
+struct Choice {
+  int code = 0;
+  std::string text;
+};
+
+struct Argument {
+  std::string name;  ///< within a run "{}" stands for the number of the round
+  ArgumentKind kind = ArgumentKind::kValue;
+  int flags = 0;
+  std::optional<std::string> defaultText;
+  bool byValue = false;
+  std::string help;
+  std::vector<Choice> choices;
+};
+
+/// One argument, or a run of arguments that the implementation receives as one.
+struct ArgumentGroup {
+  std::string id;
+  std::vector<Argument> each;  ///< one argument, or those of one round
+  int rounds = 0;              ///< 0: a single argument
+  int helped = 0;              ///< rounds whose help texts are registered
+  Place place;
+
+  bool IsRun() const { return rounds > 0; }
+  int Count() const { return IsRun() ? rounds * static_cast<int>(each.size()) : 1; }
+};
+
+struct Function {
+  std::string name;
+  std::string implementation;
+  std::vector<std::pair<std::string, std::string>> settings;  ///< name and value as C++ writes it
+  std::vector<ArgumentGroup> arguments;
+  MacroType type = MacroType::kFunction;
+  int flags = 0;
+  int category = 0;
+  int helpId = 0;
+  bool excel4 = false;  ///< NAME_4 is exported too
+  std::string description;
+  std::string longText;
+  std::string exampleFormula;
+  std::string exampleResult;
+  Place place;
+
+  /// The export's name without suffix.
+  std::string Procedure() const;
+  /// All arguments in registered order, runs written out.
+  std::vector<Argument> AllArguments() const;
+};
+
+struct Family {
+  std::string name;  ///< the table's file name without ".toml"
+  std::string file;  ///< the path it was read from
+  int firstHelpId = 0;
+  int lastHelpId = 0;
+  std::vector<Setting> settings;
+  std::vector<Implementation> implementations;
+  std::vector<Function> functions;
+  Place place;
+};
+
+}  // namespace quillmere::generator

@@ -1,0 +1,302 @@
+#include "functions/generator/generated_code.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+
+#include "functions/generator/source_text.h"
+#include "functions/generator/text_rules.h"
+
+namespace quillmere::generator {
+namespace {
+
+constexpr std::string_view kNotice = "Generated from the tables of functions; changes made here are lost.";
+
+/// The table's name in messages of the compiler: as a developer sees it from the root of the project.
+std::string TableName(const Place& place) {
+  return "src/functions/" + std::filesystem::path(place.file).filename().string();
+}
+
+std::string Literal(std::string_view utf8) {
+  std::string literal = "\"";
+  for (char32_t code : CodePoints(utf8)) {
+    if (code == U'"' || code == U'\\') {
+      literal += '\\';
+      literal += static_cast<char>(code);
+    } else if (code == U'\n') {
+      literal += "\\n";
+    } else if (code < 0x7F) {
+      literal += static_cast<char>(code);
+    } else {
+      char text[16];
+      std::snprintf(text, sizeof text, code > 0xFFFF ? "\\U%08X" : "\\u%04X", static_cast<unsigned>(code));
+      literal += text;
+    }
+  }
+  return literal + "\"";
+}
+
+std::string WideLiteral(std::string_view utf8) { return "XTEXT(" + Literal(utf8) + ")"; }
+
+/// "Lookup_Values": lookupValues; "MA_Method": maMethod (two leading capitals are one word). A trailing "_" keeps clear
+/// of C++ words.
+std::string ParameterName(const std::string& id) {
+  std::string name;
+  bool startsWord = true;
+  for (std::size_t at = 0; at < id.size(); ++at) {
+    const unsigned char c = static_cast<unsigned char>(id[at]);
+    if (c == '_') {
+      startsWord = true;
+      continue;
+    }
+    const bool inLeadingCapitals = name.empty() || (std::isupper(c) && !startsWord && at < 2 && std::isupper(id[0]));
+    name += static_cast<char>(inLeadingCapitals ? std::tolower(c) : startsWord ? std::toupper(c) : c);
+    startsWord = false;
+  }
+  static const std::vector<std::string> kWords = {"and",  "bool", "case",  "char", "default", "do",  "double", "for",
+                                                  "if",   "int",  "not",   "or",   "result",  "new", "short",  "switch",
+                                                  "this", "true", "false", "xor",  "while",   "long"};
+  if (std::find(kWords.begin(), kWords.end(), name) != kWords.end()) name += '_';
+  return name;
+}
+
+std::string ParameterType(const ArgumentGroup& group) {
+  return group.IsRun() ? "CXlOperRun<" + std::to_string(group.Count()) + "> " : "const CXlOper& ";
+}
+
+std::string StructName(const Family& family) {
+  std::string name = family.name;
+  name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
+  return name + "Functions";
+}
+
+std::string SettingType(const Family& family, const std::string& name) {
+  return std::find_if(family.settings.begin(), family.settings.end(),
+                      [&](const Setting& each) { return each.name == name; })
+      ->type;
+}
+
+GeneratedFile ImplementationsHeader(const Family& family) {
+  const std::string name = "implementations/" + family.name + ".h";
+  SourceText source(name);
+  source.Line("// " + std::string(kNotice));
+  source.Line("#pragma once");
+  source.Line();
+  source.Line("#include \"frame/oper_run.h\"");
+  source.Line("#include \"frame/xl_oper.h\"");
+  source.Line();
+  source.Line("namespace quillmere {");
+  source.Line();
+  for (const Setting& setting : family.settings) {
+    if (setting.values.empty()) continue;
+    std::string values;
+    for (const std::string& value : setting.values) values += (values.empty() ? "k" : ", k") + value;
+    source.LineOf(TableName(setting.place), setting.place.line, "enum class " + setting.type + " { " + values + " };");
+  }
+  source.Line();
+  source.Line(
+      "/// What the functions of this family do. The settings come from the function's entry, the arguments from "
+      "Excel.");
+  source.Line("struct " + StructName(family) + " {");
+  for (const Implementation& implementation : family.implementations) {
+    const Function& entry = *std::find_if(family.functions.begin(), family.functions.end(), [&](const Function& each) {
+      return each.implementation == implementation.name;
+    });
+    std::string parameters = "CXlOper& result";
+    for (const std::string& setting : implementation.settings) {
+      parameters += ", " + SettingType(family, setting) + " " + setting;
+    }
+    for (const ArgumentGroup& group : entry.arguments) {
+      parameters += ", " + ParameterType(group) + ParameterName(group.id);
+    }
+    source.LineOf(TableName(entry.place), entry.place.line,
+                  "  static CXlOper* " + implementation.name + "(" + parameters + ");");
+  }
+  source.Line("};");
+  source.Line();
+  source.Line("}  // namespace quillmere");
+  return {name, source.Text()};
+}
+
+std::string KindName(ArgumentKind kind) {
+  switch (kind) {
+    case ArgumentKind::kValue:
+      return "ArgumentKind::kValue";
+    case ArgumentKind::kReference:
+      return "ArgumentKind::kReference";
+    case ArgumentKind::kInt:
+      return "ArgumentKind::kInt";
+    case ArgumentKind::kShort:
+      return "ArgumentKind::kShort";
+    case ArgumentKind::kDouble:
+      return "ArgumentKind::kDouble";
+    case ArgumentKind::kString:
+      return "ArgumentKind::kString";
+    case ArgumentKind::kBoolean:
+      return "ArgumentKind::kBoolean";
+  }
+  return "";
+}
+
+std::string ArgumentInitializer(const Argument& argument, const std::string& choices) {
+  std::string text = "{.name = " + WideLiteral(argument.name) + ", .kind = " + KindName(argument.kind);
+  text += ", .flags = " + std::to_string(argument.flags);
+  text += ", .defaultText = " + WideLiteral(argument.defaultText.value_or(""));
+  text += std::string(", .hasDefault = ") + (argument.defaultText ? "true" : "false");
+  text += std::string(", .byValue = ") + (argument.byValue ? "true" : "false");
+  return text + ", .help = " + WideLiteral(argument.help) + ", .choices = " + choices + "}";
+}
+
+void WriteRecord(SourceText& source, const Function& function) {
+  const std::string procedure = function.Procedure();
+  const std::string file = TableName(function.place);
+  const std::vector<Argument> arguments = function.AllArguments();
+  std::string list;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    std::string choicesName = "{}";
+    if (!arguments[i].choices.empty()) {
+      choicesName = procedure + "Choices" + std::to_string(i);
+      std::string choices;
+      for (const Choice& choice : arguments[i].choices) {
+        choices += "{" + std::to_string(choice.code) + ", " + WideLiteral(choice.text) + "}, ";
+      }
+      source.LineOf(file, function.place.line, "constexpr ArgumentChoice " + choicesName + "[] = {" + choices + "};");
+    }
+    list += ArgumentInitializer(arguments[i], choicesName) + ", ";
+  }
+  if (!arguments.empty()) {
+    source.LineOf(file, function.place.line,
+                  "constexpr ArgumentDeclaration " + procedure + "Arguments[] = {" + list + "};");
+  }
+  const char* const types[] = {"kHidden", "kFunction", "kCommand"};
+  source.LineOf(
+      file, function.place.line,
+      "constexpr FunctionDeclaration " + procedure + "Declaration = {.procedure = " + Literal(procedure) +
+          ", .name = " + WideLiteral(function.name) +
+          ", .macroType = MacroType::" + types[static_cast<int>(function.type)] +
+          ", .category = " + std::to_string(function.category) + ", .flags = " + std::to_string(function.flags) +
+          ", .interfaces = " + std::to_string(function.excel4 ? 3 : 2) +
+          ", .helpId = " + std::to_string(function.helpId) + ", .help = " + WideLiteral(function.description) +
+          ", .longText = " + WideLiteral(function.longText) + ", .exampleFormula = " +
+          WideLiteral(function.exampleFormula) + ", .exampleResult = " + WideLiteral(function.exampleResult) +
+          ", .arguments = " + (arguments.empty() ? "{}" : procedure + "Arguments") + "};");
+  source.Line("CXllFunctionRecord " + procedure + "Record(" + procedure + "Declaration);");
+}
+
+/// All records in one translation unit: their order of initialisation is that of the tables.
+GeneratedFile Records(const std::vector<Family>& families) {
+  SourceText source("records.cpp");
+  source.Line("// " + std::string(kNotice));
+  source.Line("#include \"frame/function_declaration.h\"");
+  source.Line("#include \"frame/function_record.h\"");
+  source.Line();
+  source.Line("namespace quillmere {");
+  source.Line("namespace {");
+  source.Line();
+  for (const Family& family : families) {
+    for (const Function& function : family.functions) WriteRecord(source, function);
+  }
+  source.Line();
+  source.Line("}  // namespace");
+  source.Line("}  // namespace quillmere");
+  return {"records.cpp", source.Text()};
+}
+
+/// The body that hands the arguments of one entry to its implementation.
+std::string Body(const Family& family, const Function& function) {
+  std::string values = "result";
+  for (const auto& [name, value] : function.settings) values += ", " + value;
+  int at = 0;
+  for (const ArgumentGroup& group : function.arguments) {
+    const std::string first = std::to_string(at);
+    const std::string count = std::to_string(group.Count());
+    values += group.IsRun() ? ", CXlOperRun<" + count + ">(arguments + " + first + ", " + count + ")"
+                            : ", arguments[" + first + "]";
+    at += group.Count();
+  }
+  return "CXlOper* " + function.Procedure() + "Body(CXlOper& result, const CXlOper*" + (at > 0 ? " arguments" : "") +
+         ") { return " + StructName(family) + "::" + function.implementation + "(" + values + "); }";
+}
+
+std::string Export(const Function& function, bool excel4) {
+  const std::string suffix = excel4 ? "4" : "12";
+  std::string parameters;
+  std::string values = function.Procedure() + "Body";
+  int at = 0;
+  for (const Argument& argument : function.AllArguments()) {
+    const std::string name = "a" + std::to_string(at++);
+    parameters += (parameters.empty() ? "Parameter" : ", Parameter") + suffix + "<" + KindName(argument.kind) + ", " +
+                  (argument.defaultText ? "true" : "false") + ", " + (argument.byValue ? "true" : "false") + "> " +
+                  name;
+    values += ", " + name;
+  }
+  return "XLL_EXPORT " + std::string(excel4 ? "XLOPER* " : "XLOPER12* ") + function.Procedure() + "_" + suffix + "(" +
+         parameters + ") { return CallFunction" + suffix + "(" + values + "); }";
+}
+
+GeneratedFile Exports(const std::vector<Family>& families) {
+  SourceText source("exports.cpp");
+  source.Line("// " + std::string(kNotice));
+  source.Line("#include \"frame/export.h\"");
+  source.Line("#include \"frame/function_declaration.h\"");
+  source.Line("#include \"frame/wrapper.h\"");
+  for (const Family& family : families) source.Line("#include \"implementations/" + family.name + ".h\"");
+  source.Line();
+  source.Line("namespace quillmere {");
+  source.Line("namespace {");
+  source.Line();
+  bool any4 = false;
+  for (const Family& family : families) {
+    for (const Function& function : family.functions) {
+      source.LineOf(TableName(function.place), function.place.line, Body(family, function));
+      any4 = any4 || function.excel4;
+    }
+  }
+  source.Line();
+  source.Line("}  // namespace");
+  source.Line();
+  for (const std::string suffix : {"12", "4"}) {
+    if (suffix == "4" && !any4) continue;
+    source.Line("template <ArgumentKind kind, bool hasDefault, bool byValue>");
+    source.Line("using Parameter" + suffix + " = typename XlParameter" + suffix +
+                "<LetterOf(kind, hasDefault, byValue)>::Type;");
+  }
+  source.Line();
+  for (const Family& family : families) {
+    for (const Function& function : family.functions) {
+      source.LineOf(TableName(function.place), function.place.line, Export(function, false));
+      if (function.excel4) source.LineOf(TableName(function.place), function.place.line, Export(function, true));
+    }
+  }
+  source.Line();
+  source.Line("}  // namespace quillmere");
+  return {"exports.cpp", source.Text()};
+}
+
+/// The example of every entry as a script of the headless calculator.
+GeneratedFile Examples(const std::vector<Family>& families) {
+  std::string text = "# " + std::string(kNotice) + "\n";
+  for (const Family& family : families) {
+    for (const Function& function : family.functions) {
+      if (function.exampleFormula.empty()) continue;
+      text += "\ncase " + function.name + ", the example of " + TableName(function.place) + ":" +
+              std::to_string(function.place.line) + "\neval " + function.exampleFormula + "\nexpect " +
+              function.exampleResult + "\n";
+    }
+  }
+  return {"examples.calc", text};
+}
+
+}  // namespace
+
+std::vector<GeneratedFile> GenerateCode(const std::vector<Family>& families) {
+  std::vector<GeneratedFile> files;
+  for (const Family& family : families) files.push_back(ImplementationsHeader(family));
+  files.push_back(Records(families));
+  files.push_back(Exports(families));
+  files.push_back(Examples(families));
+  return files;
+}
+
+}  // namespace quillmere::generator

@@ -1,0 +1,34 @@
+// What Excel takes as names and texts, and what reads as a default.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "frame/function_declaration.h"
+
+namespace quillmere::generator {
+
+/// The length of UTF-8 text in UTF-16 units, which is how Excel counts.
+std::size_t Utf16Length(std::string_view utf8);
+
+/// UTF-8 to code points. The text is well formed: the TOML parser has seen to it.
+std::u32string CodePoints(std::string_view utf8);
+
+/// Why a text cannot stand in a cell or a dialog, naming the character; nothing when it can. Line breaks are taken only
+/// where `lineBreaks` says so.
+std::optional<std::string> TextFault(std::string_view utf8, bool lineBreaks);
+
+/// Whether Excel takes it as a function's name: letters, digits, "_" and ".", not read as a reference or a boolean.
+bool IsFunctionName(std::string_view name);
+
+/// A word of C++ that may name a member, a type, an enumerator; also what an argument's name must be, which stands in a
+/// comma-separated list and names a parameter.
+bool IsIdentifier(std::string_view word);
+
+/// Whether a default reads as a value of its kind. Value and Reference take a number, a boolean, a text in double
+/// quotes or an error value.
+bool ReadsAs(ArgumentKind kind, std::string_view text);
+
+}  // namespace quillmere::generator

@@ -1,0 +1,164 @@
+// VSTACK, HSTACK and their variants: blocks below one another or side by side, as they come or matched by headers.
+//
+// Both directions are one piece of code. `along` is the axis the blocks follow each other on (rows when stacking down),
+// a lane is a row or column of the result that runs that way.
+#include <algorithm>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "frame/array_builder.h"
+#include "implementations/shape.h"
+#include "shape/header_index.h"
+#include "shape/stack_painter.h"
+
+namespace quillmere {
+namespace {
+
+/// One range, array or single value to be stacked.
+struct Block {
+  CXlCells cells;
+  bool isSingleValue;
+  int argumentNumber;  ///< of ArgN; 0 for the block that came in the place of the fill value
+};
+
+struct StackArguments {
+  std::vector<Block> blocks;
+  XLOPER12 fill = ErrorCell(xlerrNA);
+  bool hasHeaderBlock = false;  ///< the first block stands where the headers are looked for
+};
+
+/// An array of several cells in the place of the fill value is the first block.
+StackArguments ReadArguments(const CXlOper& fill, CXlOperRun<29> arguments) {
+  StackArguments read;
+  read.blocks.reserve(arguments.size() + 1);
+  const CXlCells fillCells = fill.IsAbsent() ? CXlCells{nullptr, 0, 0} : fill.Cells();
+  const bool fillIsBlock = fillCells.Count() > 1;
+  if (fillIsBlock) read.blocks.push_back({fillCells, false, 0});
+  if (fillCells.Count() == 1) read.fill = *fillCells.first;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const CXlOper& argument = arguments[i];
+    if (!argument.IsAbsent()) read.blocks.push_back({argument.Cells(), !argument.IsArray(), static_cast<int>(i) + 1});
+  }
+  read.hasHeaderBlock = fillIsBlock || !arguments[0].IsAbsent();
+  return read;
+}
+
+bool IsAcross(StackDirection direction) { return direction == StackDirection::kAcross; }
+
+std::int32_t Along(const CXlCells& cells, StackDirection direction) {
+  return IsAcross(direction) ? cells.columns : cells.rows;
+}
+
+std::int32_t Lanes(const CXlCells& cells, StackDirection direction) {
+  return IsAcross(direction) ? cells.rows : cells.columns;
+}
+
+/// A block's first line across the lanes.
+HeaderLine Headers(const CXlCells& cells, StackDirection direction) {
+  return IsAcross(direction) ? HeaderLine{cells.first, cells.rows, cells.columns}
+                             : HeaderLine{cells.first, cells.columns, 1};
+}
+
+StackPiece Piece(const Block& block, AxisMap along, AxisMap lanes, StackDirection direction) {
+  StackPiece piece{block.cells, block.isSingleValue, std::move(along), std::move(lanes)};
+  if (IsAcross(direction)) std::swap(piece.rows, piece.columns);
+  return piece;
+}
+
+void CheckSize(std::int64_t along, std::int64_t lanes, StackDirection direction) {
+  IsAcross(direction) ? CheckArraySize(lanes, along) : CheckArraySize(along, lanes);
+}
+
+/// A later block's share of a stack by headers: positions along, and those of them that it supplies. A single array
+/// cell takes a position and leaves it to the fill value.
+AxisMap DataPositions(const Block& block, StackDirection direction) {
+  const std::int32_t along = Along(block.cells, direction);
+  if (block.isSingleValue) return {1, 0, 1, {}};
+  if (block.cells.Count() == 1) return {1, 0, 0, {}};
+  return {along - 1, 1, along - 1, {}};
+}
+
+/// Where the lanes of the result are supplied from in a later block; nothing when no header matches.
+std::optional<AxisMap> MatchedLanes(const HeaderIndex& index, const Block& block, StackDirection direction,
+                                    std::int32_t lanes) {
+  if (block.isSingleValue) return AxisMap{lanes, 0, lanes, {}};
+  if (block.cells.Count() == 1) return AxisMap{lanes, 0, 0, {}};
+  std::vector<std::int32_t> places = index.Match(Headers(block.cells, direction));
+  if (places.empty()) return std::nullopt;
+  return AxisMap{lanes, 0, 0, std::move(places)};
+}
+
+void SetNoMatch(CXlOper& result, int argumentNumber) {
+  XString text = XTEXT("#Error: No header matches found for Arg");
+  for (char digit : std::to_string(argumentNumber)) text += static_cast<XCHAR>(digit);
+  result.SetText(text);
+}
+
+}  // namespace
+
+CXlOper* ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBlock scalarBlock, const CXlOper& fill,
+                               CXlOperRun<29> blocks) {
+  result.SetError(xlerrValue);
+  const StackArguments arguments = ReadArguments(fill, blocks);
+  if (arguments.blocks.empty()) return &result;
+
+  std::int64_t along = 0;
+  std::int32_t lanes = 0;
+  for (const Block& block : arguments.blocks) {
+    along += Along(block.cells, direction);
+    lanes = std::max(lanes, Lanes(block.cells, direction));
+  }
+  CheckSize(along, lanes, direction);
+
+  std::vector<StackPiece> pieces;
+  pieces.reserve(arguments.blocks.size());
+  for (const Block& block : arguments.blocks) {
+    const std::int32_t length = Along(block.cells, direction);
+    const bool isRepeated = block.isSingleValue && scalarBlock == ScalarBlock::kRepeated;
+    const std::int32_t supplied = isRepeated ? lanes : Lanes(block.cells, direction);
+    pieces.push_back(Piece(block, {length, 0, length, {}}, {lanes, 0, supplied, {}}, direction));
+  }
+  result = PaintStack(pieces, IsAcross(direction), arguments.fill);
+  return &result;
+}
+
+CXlOper* ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction, const CXlOper& fill,
+                                       CXlOperRun<29> blocks) {
+  result.SetError(xlerrValue);
+  const StackArguments arguments = ReadArguments(fill, blocks);
+  if (!arguments.hasHeaderBlock) return &result;
+
+  const Block& first = arguments.blocks.front();
+  HeaderIndex index;
+  if (!index.Read(Headers(first.cells, direction))) {
+    result.SetText(IsAcross(direction) ? XTEXT("#Error: Invalid header column") : XTEXT("#Error: Invalid header row"));
+    return &result;
+  }
+
+  const std::int32_t lanes = Lanes(first.cells, direction);
+  std::int64_t along = Along(first.cells, direction);
+  for (const Block& block : std::span(arguments.blocks).subspan(1)) along += DataPositions(block, direction).length;
+  CheckSize(along, lanes, direction);
+
+  std::vector<StackPiece> pieces;
+  pieces.reserve(arguments.blocks.size());
+  const std::int32_t firstLength = Along(first.cells, direction);
+  pieces.push_back(Piece(first, {firstLength, 0, firstLength, {}}, {lanes, 0, lanes, {}}, direction));
+  for (const Block& block : std::span(arguments.blocks).subspan(1)) {
+    AxisMap positions = DataPositions(block, direction);
+    if (positions.length == 0) continue;
+    std::optional<AxisMap> matched = MatchedLanes(index, block, direction, lanes);
+    if (!matched) {
+      SetNoMatch(result, block.argumentNumber);
+      return &result;
+    }
+    pieces.push_back(Piece(block, std::move(positions), std::move(*matched), direction));
+  }
+  result = PaintStack(pieces, IsAcross(direction), arguments.fill);
+  return &result;
+}
+
+}  // namespace quillmere

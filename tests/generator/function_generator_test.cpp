@@ -1,0 +1,299 @@
+// The generator of the functions' code: what it makes of a table, and that every mistake is found, with its line.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+
+#include "functions/generator/generated_code.h"
+#include "functions/generator/table_checks.h"
+#include "functions/generator/table_reader.h"
+
+namespace quillmere::generator {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+/// A table that holds each thing a table can hold, and no mistake.
+constexpr std::string_view kTable = R"toml(
+[family]
+help_ids = [100, 199]
+
+[[setting]]
+name = "mode"
+type = "Mode"
+values = ["First", "All"]
+
+[[setting]]
+name = "caseSensitive"
+type = "bool"
+
+[[setting]]
+name = "position"
+type = "int"
+
+[[implementation]]
+name = "Search"
+settings = ["mode", "caseSensitive", "position"]
+
+[[implementation]]
+name = "Tell"
+
+[argument.Lookup_Values]
+kind = "Value"
+help = "What to find"
+
+[argument.MA_Method]
+kind = "Int"
+help = "How"
+default = "1"
+by_value = true
+flags = 32
+choices = [{ code = 1, text = "One, \"quoted\"" }, { code = 2, text = "Zwölf" }]
+
+[argument.Other]
+like = "MA_Method"
+name = "Other_Method"
+default = "2"
+
+[argument.Pairs]
+repeat = 3
+helped = 1
+each = [
+  { name = "Col{}", kind = "Reference", help = "Where" },
+  { name = "Crit{}", kind = "Value", help = "What" },
+]
+
+[[function]]
+name = "FIND.FIRST"
+implementation = "Search"
+settings = { mode = "First", caseSensitive = false, position = -3 }
+arguments = ["Lookup_Values", "MA_Method", { name = "Name", kind = "String", help = "", default = '"a"' }, "Pairs"]
+marks = ["thread-safe", "framework-32"]
+category = 5
+help_id = 100
+interfaces = [12, 4]
+description = "Finds, first"
+long_text = "Long."
+example = { formula = "=FIND.FIRST(1)", result = "1" }
+
+[[function]]
+name = "FIND.ALL"
+type = "hidden"
+implementation = "Search"
+settings = { mode = "All", caseSensitive = true, position = 0 }
+arguments = ["Lookup_Values", "Other", { name = "Name", kind = "String", help = "", default = '"b"' }, "Pairs"]
+marks = []
+category = 5
+description = "Finds"
+long_text = "Long."
+example = { formula = "=FIND.ALL(1)", result = "1" }
+
+[[function]]
+name = "TellCommand"
+type = "command"
+implementation = "Tell"
+arguments = []
+marks = ["framework-2"]
+category = 14
+description = "Tells"
+long_text = "Long."
+)toml";
+
+struct Outcome {
+  Diagnostics diagnostics;
+  std::map<std::string, std::string> files;
+};
+
+Outcome Generate(const std::vector<std::pair<std::string, std::string>>& tables) {
+  Outcome outcome;
+  std::vector<Family> families;
+  for (const auto& [path, text] : tables) families.push_back(ReadFamily(path, text, outcome.diagnostics));
+  if (outcome.diagnostics.All().empty()) CheckTables(families, outcome.diagnostics);
+  if (!outcome.diagnostics.All().empty()) return outcome;
+  for (GeneratedFile& file : GenerateCode(families)) outcome.files[file.name] = std::move(file.text);
+  return outcome;
+}
+
+int LineOf(std::string_view text, std::size_t at) {
+  return 1 + static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+}
+
+/// The table with `old` replaced, which stands there once.
+std::string Changed(std::string_view old, std::string_view with) {
+  std::string table(kTable);
+  const std::size_t at = table.find(old);
+  EXPECT_NE(at, std::string::npos) << old;
+  EXPECT_EQ(table.find(old, at + 1), std::string::npos) << old << " stands twice";
+  return table.replace(at, old.size(), with);
+}
+
+TEST(FunctionGenerator, WritesWhatDiffersInShape) {
+  Outcome outcome = Generate({{"any/where/sample.toml", std::string(kTable)}});
+  ASSERT_EQ(outcome.diagnostics.Text(), "");
+  const std::string entry =
+      "#line " + std::to_string(LineOf(kTable, kTable.find("[[function]]"))) + " \"src/functions/sample.toml\"\n";
+
+  const std::string& header = outcome.files["implementations/sample.h"];
+  EXPECT_THAT(header, HasSubstr("enum class Mode { kFirst, kAll };"));
+  EXPECT_THAT(header,
+              HasSubstr("struct SampleFunctions {\n" + entry +
+                        "  static CXlOper* Search(CXlOper& result, Mode mode, bool caseSensitive, int position, "
+                        "const CXlOper& lookupValues, const CXlOper& maMethod, const CXlOper& name, "
+                        "CXlOperRun<6> pairs);\n"));
+  EXPECT_THAT(header, HasSubstr("  static CXlOper* Tell(CXlOper& result);\n"));
+
+  const std::string& exports = outcome.files["exports.cpp"];
+  EXPECT_THAT(exports, HasSubstr("return SampleFunctions::Search(result, Mode::kFirst, false, -3, arguments[0], "
+                                 "arguments[1], arguments[2], CXlOperRun<6>(arguments + 3, 6)); }"));
+  EXPECT_THAT(exports, HasSubstr("XLOPER12* FIND_FIRST_12(Parameter12<ArgumentKind::kValue, false, false> a0, "
+                                 "Parameter12<ArgumentKind::kInt, true, true> a1, "
+                                 "Parameter12<ArgumentKind::kString, true, false> a2, "
+                                 "Parameter12<ArgumentKind::kReference, false, false> a3,"));
+  EXPECT_THAT(exports, HasSubstr("XLOPER* FIND_FIRST_4("));
+  EXPECT_THAT(exports, Not(HasSubstr("FIND_ALL_4")));
+  EXPECT_THAT(exports, HasSubstr("XLOPER12* TellCommand_12() { return CallFunction12(TellCommandBody); }"));
+
+  const std::string& records = outcome.files["records.cpp"];
+  EXPECT_THAT(records, HasSubstr(R"({{1, XTEXT("One, \"quoted\"")}, {2, XTEXT("Zw\u00F6lf")}, };)"));
+  EXPECT_THAT(records,
+              HasSubstr(R"({.name = XTEXT("Other_Method"), .kind = ArgumentKind::kInt, .flags = 32, )"
+                        R"(.defaultText = XTEXT("2"), .hasDefault = true, .byValue = true, .help = XTEXT("How"))"));
+  EXPECT_THAT(records, HasSubstr(R"({.name = XTEXT("Crit1"), .kind = ArgumentKind::kValue, .flags = 0, .defaultText = )"
+                                 R"(XTEXT(""), .hasDefault = false, .byValue = false, .help = XTEXT("What"))"));
+  EXPECT_THAT(records, HasSubstr(R"({.name = XTEXT("Crit3"), .kind = ArgumentKind::kValue, .flags = 0, .defaultText = )"
+                                 R"(XTEXT(""), .hasDefault = false, .byValue = false, .help = XTEXT(""))"));
+  EXPECT_THAT(
+      records,
+      HasSubstr(".macroType = MacroType::kFunction, .category = 5, .flags = 33, .interfaces = 3, .helpId = 100,"));
+  EXPECT_THAT(records,
+              HasSubstr(".macroType = MacroType::kHidden, .category = 5, .flags = 0, .interfaces = 2, .helpId = 0,"));
+
+  EXPECT_THAT(outcome.files["examples.calc"], HasSubstr("\neval =FIND.ALL(1)\nexpect 1\n"));
+  EXPECT_THAT(outcome.files["examples.calc"], Not(HasSubstr("Tell")));
+}
+
+/// One mistake: what is changed in the table, into what, and what the diagnostic says. Its line is that of the change,
+/// plus `below`.
+struct Mistake {
+  const char* old;
+  const char* with;
+  const char* message;
+  int below = 0;
+};
+
+class TableMistake : public ::testing::TestWithParam<Mistake> {};
+
+TEST_P(TableMistake, IsFoundWithItsLine) {
+  const Mistake& mistake = GetParam();
+  const std::string table = Changed(mistake.old, mistake.with);
+  const int line = LineOf(kTable, kTable.find(mistake.old)) + mistake.below;
+  const Outcome outcome = Generate({{"sample.toml", table}});
+  EXPECT_THAT(outcome.diagnostics.Text(),
+              HasSubstr("sample.toml:" + std::to_string(line) + ": error: " + mistake.message));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fields, TableMistake,
+    ::testing::Values(
+        Mistake{"category = 14\n", "categry = 14\n", "unknown key 'categry' in [[function]]"},
+        Mistake{"help_ids = [100, 199]", "help_ids = [199, 100]", "help_ids are the first and the last"},
+        Mistake{"name = \"FIND.ALL\"\n", "", "[[function]] has no 'name'", -1},
+        Mistake{"name = \"FIND.ALL\"", "name = 7", "'name' in [[function]] is not a text"},
+        Mistake{"name = \"FIND.ALL\"", "name = \"DIF1\"", "Excel takes no function of the name 'DIF1'"},
+        Mistake{"name = \"FIND.ALL\"", "name = \"R1C1\"", "Excel takes no function of the name"},
+        Mistake{"name = \"FIND.ALL\"", "name = \"FIND ALL\"", "Excel takes no function of the name"},
+        Mistake{"type = \"hidden\"", "type = \"secret\"", "'secret' is no type"},
+        Mistake{"marks = []", "marks = [\"thread-safe\", \"macro-sheet\"]", "Excel takes no function that is both"},
+        Mistake{"marks = []", "marks = [\"volatile\", \"volatile\"]", "the mark 'volatile' stands twice"},
+        Mistake{"marks = []", "marks = [\"quick\"]", "'quick' is no mark"},
+        Mistake{"marks = [\"framework-2\"]", "marks = [\"volatile\"]",
+                "thread-safe, volatile and macro-sheet are marks"},
+        Mistake{"category = 14", "category = 6", "6 is no category"},
+        Mistake{"category = 14", "category = \"14\"", "'category' in [[function]] is not a whole number"},
+        Mistake{"help_id = 100\n", "", "[[function]] has no 'help_id'", -7},
+        Mistake{"interfaces = [12, 4]", "interfaces = [4]", "interfaces are [12] or [12, 4]"},
+        Mistake{"description = \"Tells\"", "description = \"\"", "description is empty"},
+        Mistake{"description = \"Tells\"", "description = \"Tells\\u0007\"", "description holds U+0007"},
+        Mistake{"example = { formula = \"=FIND.ALL(1)\", result = \"1\" }", "", "[[function]] has no 'example'", -10},
+        Mistake{"formula = \"=FIND.ALL(1)\"", "formula = \"=OTHER(1)\"",
+                "the example is no formula that calls FIND.ALL"},
+        Mistake{", result = \"1\" }\n\n[[function]]\nname = \"Tell", " }\n\n[[function]]\nname = \"Tell",
+                "an example has no 'result'"},
+        Mistake{"help_ids = [100, 199]\n", "help_ids = [100, 199\n", "Error while parsing array", 2}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, TableMistake,
+    ::testing::Values(
+        Mistake{"kind = \"Int\"", "kind = \"Whole\"", "'Whole' is no kind of argument"},
+        Mistake{"default = \"1\"", "default = \"1.5\"", "the default '1.5' of 'MA_Method' does not read as its kind"},
+        Mistake{"default = \"1\"", "default = \"\"", "the default '' of 'MA_Method' does not read as its kind"},
+        Mistake{"default = '\"b\"'", "default = 'b'", "the default 'b' of 'Name' does not read as its kind"},
+        Mistake{"default = \"1\"\n", "", "by_value is for an Int with a default: 'MA_Method' is none"},
+        Mistake{"flags = 32", "flags = -1", "'flags' in an argument is not a whole number from 0 to"},
+        Mistake{"{ code = 2, text", "{ code = 1, text", "choice 1 stands twice"},
+        Mistake{"like = \"MA_Method\"", "like = \"Pairs\"", "no single argument 'Pairs' stands above"},
+        Mistake{"name = \"Other_Method\"", "name = \"Other Method\"", "'Other Method' cannot name an argument"},
+        Mistake{"name = \"Other_Method\"", "name = \"Other{}\"", "'Other{}' is a single argument and has a {}"},
+        Mistake{"name = \"Col{}\"", "name = \"Col\"", "'Col' is repeated and has no {}"},
+        Mistake{"name = \"Other_Method\"", "name = \"lookup_values\"", "'FIND.ALL' has two arguments 'lookup_values'",
+                24},
+        Mistake{"helped = 1", "helped = 4", "'helped' in a run of arguments is not a whole number from 0 to 3"},
+        Mistake{"\"Other\", {", "\"Another\", {", "no [argument.Another] stands in this table"},
+        Mistake{"\"Other\", {", "\"MA_Method\", {", "no function takes the argument 'Other_Method'", -31},
+        Mistake{"repeat = 3", "repeat = 32", "the argument names of 'FIND.FIRST' have", 7},
+        Mistake{"repeat = 3", "repeat = 130", "'FIND.FIRST' has 263 arguments; Excel takes 255", 7},
+        Mistake{"repeat = 3\nhelped = 1", "repeat = 122", "'FIND.FIRST' has 248 argument help texts", 6},
+        Mistake{"repeat = 3", "repeat = 14", "'FIND.FIRST' has 31 arguments; an 8-bit entry point takes 30", 7}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Implementations, TableMistake,
+    ::testing::Values(
+        Mistake{"values = [\"First\", \"All\"]\n", "", "an enumeration lists its values", -3},
+        Mistake{"type = \"bool\"", "type = \"bool\"\nvalues = [\"A\"]", "a setting of type bool lists no values", 1},
+        Mistake{"settings = [\"mode\",", "settings = [\"mood\",", "no [[setting]] 'mood' stands in this table"},
+        Mistake{"settings = [\"mode\", \"caseSensitive\", \"position\"]", "settings = [\"mode\", \"caseSensitive\"]",
+                "'Search' takes no setting 'position'", 33},
+        Mistake{"mode = \"All\", ", "", "'FIND.ALL' gives no setting 'mode'"},
+        Mistake{"mode = \"All\"", "mode = \"None\"", "the setting 'mode' is no Mode"},
+        Mistake{"caseSensitive = true", "caseSensitive = 1", "the setting 'caseSensitive' is no bool"},
+        Mistake{"position = 0", "position = 3000000000", "the setting 'position' is no int"},
+        Mistake{"implementation = \"Tell\"", "implementation = \"Say\"",
+                "no [[implementation]] 'Say' stands in this table"},
+        Mistake{"[[implementation]]\nname = \"Tell\"",
+                "[[implementation]]\nname = \"Tell\"\n\n[[implementation]]\nname = \"Mute\"",
+                "no function uses the implementation 'Mute'", 3},
+        Mistake{"arguments = [\"Lookup_Values\", \"Other\",", "arguments = [\"Other\",",
+                "'Search' takes an argument, an argument, an argument, a run of 6 in 'FIND.FIRST' (sample.toml:", -5}));
+
+TEST(FunctionGenerator, LongArgumentHelpIsRefused) {
+  const std::string longest(255, 'x');
+  EXPECT_EQ(Generate({{"sample.toml", Changed("\"What to find\"", "\"" + longest + "\"")}}).diagnostics.Text(), "");
+  EXPECT_THAT(Generate({{"sample.toml", Changed("\"What to find\"", "\"" + longest + "x\"")}}).diagnostics.Text(),
+              HasSubstr("the help text of 'Lookup_Values' has 256 characters; Excel takes 255"));
+}
+
+TEST(FunctionGenerator, FamiliesMayNotMeet) {
+  const std::string same(kTable);
+  const std::string text = Generate({{"one.toml", same}, {"two.toml", same}}).diagnostics.Text();
+  for (const char* message :
+       {"the name 'FIND.ALL' is taken: one.toml:", "the help id '100' is taken: one.toml:",
+        "the enumeration 'Mode' is taken", "two.toml:2: error: the help ids meet those of one.toml"}) {
+    EXPECT_THAT(text, HasSubstr(message));
+  }
+  EXPECT_THAT(Generate({{"one.toml", Changed("name = \"FIND.ALL\"", "name = \"FIND_FIRST\"")}}).diagnostics.Text(),
+              Not(HasSubstr("is taken")))
+      << "the example speaks first";
+  std::string twin = Changed("name = \"FIND.ALL\"", "name = \"FIND_FIRST\"");
+  twin.replace(twin.find("=FIND.ALL("), 10, "=FIND_FIRST(");
+  EXPECT_THAT(Generate({{"one.toml", twin}}).diagnostics.Text(), HasSubstr("the export name 'FIND_FIRST' is taken"));
+  EXPECT_THAT(Generate({{"one.toml", Changed("help_id = 100", "help_id = 200")}}).diagnostics.Text(),
+              HasSubstr("the help id 200 of 'FIND.FIRST' lies outside the family's, 100 to 199"));
+}
+
+}  // namespace
+}  // namespace quillmere::generator
