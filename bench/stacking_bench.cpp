@@ -1,0 +1,160 @@
+// What stacking costs beside a plain copy of cells and texts into fresh memory: 29 blocks of 30,000 rows by 5 columns
+// of mixed cells (number, text, text, number, boolean).
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "frame/cell.h"
+#include "implementations/shape.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kBlocks = 29;
+constexpr int kBlockRows = 30'000;
+constexpr int kColumns = 5;
+constexpr int kCells = kBlockRows * kColumns;
+constexpr int kTexts = kBlockRows * 2 + kColumns;  // of one block, the headers included
+constexpr int kTextUnits = 8;
+
+XLOPER12 TextCell(const XCHAR* counted) {
+  XLOPER12 cell{};
+  cell.val.str = const_cast<XCHAR*>(counted);
+  cell.xltype = xltypeStr;
+  return cell;
+}
+
+/// A counted text of eight digits behind a letter of its own.
+std::vector<XCHAR> CountedText(XCHAR letter, int number) {
+  std::vector<XCHAR> text(kTextUnits + 1, letter);
+  text[0] = kTextUnits;
+  for (int at = kTextUnits; at > 1; --at, number /= 10) text[at] = static_cast<XCHAR>(XTEXT('0') + number % 10);
+  return text;
+}
+
+/// An array as Excel hands it over.
+struct HostArray {
+  std::vector<XLOPER12> cells;
+  std::vector<XCHAR> texts;
+  XLOPER12 value{};
+
+  HostArray(int rows, int columns) : cells(static_cast<std::size_t>(rows) * columns), texts(cells.size() * 9) {
+    value.val.array.lparray = cells.data();
+    value.val.array.rows = rows;
+    value.val.array.columns = columns;
+    value.xltype = xltypeMulti;
+  }
+
+  void SetText(std::size_t at, const std::vector<XCHAR>& counted) {
+    std::copy(counted.begin(), counted.end(), texts.begin() + at * 9);
+    cells[at] = TextCell(&texts[at * 9]);
+  }
+};
+
+/// Blocks whose first row holds the headers A to E, in an order that turns from block to block if `turned`.
+std::vector<std::unique_ptr<HostArray>> MixedBlocks(bool turned) {
+  std::vector<std::unique_ptr<HostArray>> blocks;
+  for (int block = 0; block < kBlocks; ++block) {
+    blocks.push_back(std::make_unique<HostArray>(kBlockRows, kColumns));
+    HostArray& array = *blocks.back();
+    for (int at = 0; at < kCells; ++at) {
+      const int kind = (at % kColumns + (turned ? block : 0)) % kColumns;
+      if (at < kColumns) {
+        array.SetText(at, CountedText(static_cast<XCHAR>(XTEXT('A') + kind), 0));
+      } else if (kind == 1 || kind == 2) {
+        array.SetText(at, CountedText(XTEXT('K'), at * 7919 % 9'999'991));
+      } else {
+        array.cells[at] = kind == 4 ? BooleanCell(at % 2 == 0) : NumberCell(at * 0.25);
+      }
+    }
+  }
+  return blocks;
+}
+
+/// The 29 arguments of a stacking function.
+class Arguments {
+ public:
+  explicit Arguments(const std::vector<std::unique_ptr<HostArray>>& blocks) {
+    for (std::size_t i = 0; i < blocks.size(); ++i) values_[i] = CXlOper::Borrow(&blocks[i]->value);
+  }
+  CXlOperRun<29> Run() const { return values_; }
+
+ private:
+  std::array<CXlOper, 29> values_;
+};
+
+/// The floor: cells and texts copied one by one, nothing checked, into memory never touched before.
+void PlainCopy(benchmark::State& state) {
+  const auto blocks = MixedBlocks(false);
+  for (auto _ : state) {
+    const auto cells = std::make_unique_for_overwrite<XLOPER12[]>(static_cast<std::size_t>(kBlocks) * kCells);
+    const auto texts = std::make_unique_for_overwrite<XCHAR[]>(std::size_t{kBlocks} * kTexts * 9);
+    XLOPER12* to = cells.get();
+    XCHAR* text = texts.get();
+    for (const auto& block : blocks) {
+      for (const XLOPER12& cell : block->cells) {
+        *to = cell;
+        if (IsTextCell(cell)) {
+          std::memcpy(text, cell.val.str, (cell.val.str[0] + std::size_t{1}) * sizeof(XCHAR));
+          to->val.str = text;
+          text += cell.val.str[0] + 1;
+        }
+        ++to;
+      }
+    }
+    benchmark::DoNotOptimize(cells.get());
+    benchmark::DoNotOptimize(texts.get());
+  }
+}
+BENCHMARK(PlainCopy)->Unit(benchmark::kMillisecond);
+
+void Stack(benchmark::State& state, StackDirection direction) {
+  const auto blocks = MixedBlocks(false);
+  const Arguments arguments(blocks);
+  for (auto _ : state) {
+    CXlOper result;
+    ShapeFunctions::Stack(result, direction, ScalarBlock::kRepeated, CXlOper(), arguments.Run());
+    benchmark::DoNotOptimize(&result);
+  }
+}
+BENCHMARK_CAPTURE(Stack, Down, StackDirection::kDown)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Stack, Across, StackDirection::kAcross)->Unit(benchmark::kMillisecond);
+
+void StackByHeader(benchmark::State& state, bool turned) {
+  const auto blocks = MixedBlocks(turned);
+  const Arguments arguments(blocks);
+  for (auto _ : state) {
+    CXlOper result;
+    ShapeFunctions::StackByHeader(result, StackDirection::kDown, CXlOper(), arguments.Run());
+    benchmark::DoNotOptimize(&result);
+  }
+}
+BENCHMARK_CAPTURE(StackByHeader, SameOrder, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(StackByHeader, OtherOrder, true)->Unit(benchmark::kMillisecond);
+
+/// As many headers as a sheet has columns, two rows a block, the columns backwards in every other block.
+void StackWideByHeader(benchmark::State& state) {
+  std::vector<std::unique_ptr<HostArray>> blocks;
+  for (int block = 0; block < kBlocks; ++block) {
+    blocks.push_back(std::make_unique<HostArray>(2, kXlMaxColumns));
+    for (int column = 0; column < kXlMaxColumns; ++column) {
+      const int header = block % 2 == 0 ? column : kXlMaxColumns - 1 - column;
+      blocks.back()->SetText(column, CountedText(XTEXT('h'), header));
+      blocks.back()->cells[kXlMaxColumns + column] = NumberCell(header);
+    }
+  }
+  const Arguments arguments(blocks);
+  for (auto _ : state) {
+    CXlOper result;
+    ShapeFunctions::StackByHeader(result, StackDirection::kDown, CXlOper(), arguments.Run());
+    benchmark::DoNotOptimize(&result);
+  }
+}
+BENCHMARK(StackWideByHeader)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace quillmere
