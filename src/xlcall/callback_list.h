@@ -9,6 +9,8 @@
 
 #include "xlcall/xlcall.h"
 
+// Entries side by side: clang-format would move each further to the right.
+// clang-format off
 #define XLCALL_CALLBACKS(SPECIAL, FUNCTION, COMMAND)                                                                   \
   SPECIAL(xlFree, 0) SPECIAL(xlStack, 1) SPECIAL(xlCoerce, 2) SPECIAL(xlSet, 3) SPECIAL(xlSheetId, 4)                  \
   SPECIAL(xlSheetNm, 5) SPECIAL(xlAbort, 6) SPECIAL(xlGetInst, 7) SPECIAL(xlGetHwnd, 8) SPECIAL(xlGetName, 9)          \
@@ -44,6 +46,7 @@
   COMMAND(xlcOnKey, 168) COMMAND(xlcOnRecalc, 227) COMMAND(xlcOnDoubleclick, 279) COMMAND(xlcOnEntry, 280)             \
   COMMAND(xlcWorkbookSelect, 291) COMMAND(xlcWorkbookActivate, 292) COMMAND(xlcWorkbookInsert, 354)                    \
   COMMAND(xlcOnSheet, 471)
+// clang-format on
 
 #define XLCALL_SPECIAL_NUMBER(name, number) name = (number) | xlSpecial,
 #define XLCALL_FUNCTION_NUMBER(name, number) name = (number),

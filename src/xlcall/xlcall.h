@@ -8,10 +8,10 @@
 
 #include "xlcall/xchar.h"
 
-using RW = std::int32_t;          ///< zero-based row
-using COL = std::int32_t;         ///< zero-based column
-using XLBOOL = std::int32_t;      ///< 0 or 1
-using IDSHEET = std::uintptr_t;   ///< opaque sheet identifier; 0 means the current sheet where only the sheet is read
+using RW = std::int32_t;         ///< zero-based row
+using COL = std::int32_t;        ///< zero-based column
+using XLBOOL = std::int32_t;     ///< 0 or 1
+using IDSHEET = std::uintptr_t;  ///< opaque sheet identifier; 0 means the current sheet where only the sheet is read
 
 /// One rectangle of cells, zero-based and inclusive.
 struct XLREF12 {
@@ -200,9 +200,9 @@ enum : int {
 
 constexpr int kXlMaxRows = 1'048'576;
 constexpr int kXlMaxColumns = 16'384;
-constexpr int kXlMaxText = 32'767;      ///< units of a 16-bit text
-constexpr int kXlMaxText4 = 255;        ///< bytes of an 8-bit text
-constexpr int kXlMaxArguments = 255;    ///< arguments of one callback
+constexpr int kXlMaxText = 32'767;    ///< units of a 16-bit text
+constexpr int kXlMaxText4 = 255;      ///< bytes of an 8-bit text
+constexpr int kXlMaxArguments = 255;  ///< arguments of one callback
 
 extern "C" {
 /// The callback the host program exports as "MdCallBack12". Mind the order: it differs from Excel12v's.
