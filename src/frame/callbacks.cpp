@@ -4,6 +4,7 @@
 #include <string>
 
 #include "frame/exceptions.h"
+#include "frame/fault_guard.h"
 #include "frame/host_entry.h"
 #include "frame/messages.h"
 
@@ -40,12 +41,16 @@ void InstallExcel12Entry(XlMdCallBack12 passedIn) noexcept {
 
 int Excel12v(int xlfn, XLOPER12* result, int count, XLOPER12* arguments[]) noexcept {
   const XlMdCallBack12 entry = Excel12Entry();
-  return entry ? entry(xlfn, count, arguments, result) : static_cast<int>(xlretFailed);
+  if (!entry) return xlretFailed;
+  const CallbackScope hostRuns;
+  return entry(xlfn, count, arguments, result);
 }
 
 int Excel4v(int xlfn, XLOPER* result, int count, XLOPER* arguments[]) noexcept {
   const XlExcel4v entry = Excel4Entry();
-  return entry ? entry(xlfn, result, count, arguments) : static_cast<int>(xlretFailed);
+  if (!entry) return xlretFailed;
+  const CallbackScope hostRuns;
+  return entry(xlfn, result, count, arguments);
 }
 
 int CallExcelWith(CXlOper& result, int xlfn, int count, XLOPER12* arguments[]) noexcept {

@@ -78,7 +78,9 @@ CXlErrorException::CXlErrorException(std::int32_t code)
     : CXlRuntimeException(FormatCatalogue(MessageId::kThrewExcelError, ErrorText(code))), code_(code) {}
 
 CXlStructuredException::CXlStructuredException(std::uint32_t code)
-    : CXlRuntimeException(FormatCatalogue(MessageId::kStructuredExceptionCode, HexText(code, 1))), code_(code) {}
+    : CXlRuntimeException(code == 0 ? XString(MessageText(MessageId::kStructuredException))
+                                    : FormatCatalogue(MessageId::kStructuredExceptionCode, HexText(code, 1))),
+      code_(code) {}
 
 CXlComException::CXlComException(XStringView call, std::int32_t hresult)
     : CXlRuntimeException(ComMessage(call, hresult)), call_(std::make_shared<const XString>(call)), result_(hresult) {}

@@ -79,7 +79,7 @@ class CXlErrorException : public CXlRuntimeException {
 /// A fault of the processor or the operating system, translated.
 class CXlStructuredException : public CXlRuntimeException {
  public:
-  /// `code` is the operating system's exception code, such as 0xC0000005.
+  /// `code` is the operating system's exception code, such as 0xC0000005; 0 when there is none to tell.
   explicit CXlStructuredException(std::uint32_t code);
   std::uint32_t Code() const noexcept { return code_; }
 

@@ -9,7 +9,9 @@ void __freeres();
 
 // Thread notifications stay on: the runtime releases its own per-thread memory by them.
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
+  if (reason == DLL_PROCESS_ATTACH) quillmere::InstallFaultHandling();
   if (reason == DLL_PROCESS_DETACH && !processEnds) {
+    quillmere::RemoveFaultHandling();
     quillmere::ReleaseThreadRecords();
     __gnu_cxx::__freeres();
   }

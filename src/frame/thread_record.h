@@ -1,15 +1,18 @@
 // What each thread that calls into the add-in keeps between calls.
 #pragma once
 
+#include "frame/fault_guard.h"
 #include "frame/xl_oper.h"
 
 namespace quillmere {
 
 /// One per thread, created on the thread's first call and released when the thread ends or the library is unloaded.
 struct ThreadRecord {
-  XLOPER12 returnSlot12{};  ///< the value handed to Excel by the thread's last `_12` call
-  XLOPER returnSlot4{};     ///< the same for `_4` calls
-  CXlOper staticResult;     ///< a result that an implementation may return instead of its own
+  XLOPER12 returnSlot12{};            ///< the value handed to Excel by the thread's last `_12` call
+  XLOPER returnSlot4{};               ///< the same for `_4` calls
+  CXlOper staticResult;               ///< a result that an implementation may return instead of its own
+  FaultGuard* guard = nullptr;        ///< of the innermost protected call in progress
+  ExceptionGlobals exceptionGlobals;  ///< the C++ runtime's, on Windows
 
   ThreadRecord() noexcept;
   ThreadRecord(const ThreadRecord&) = delete;

@@ -1,7 +1,6 @@
 // The records are kept in a fiber-local slot, whose callback releases them when a thread ends and, by FlsFree, for all
 // live threads when the library is unloaded. Objects with thread storage duration would keep the library from being
 // unloaded at all. A plain thread-local slot beside it is what the calls read.
-#include <cxxabi.h>
 #include <windows.h>
 
 #include <new>
@@ -46,9 +45,6 @@ ThreadRecord* CurrentThreadRecord() noexcept {
     delete record;
     return nullptr;
   }
-  // The thread's part of the exception machinery is allocated at its first use, which must not be a throw that reports
-  // that memory has run out.
-  [[maybe_unused]] const void* volatile exceptionState = abi::__cxa_get_globals();
   return record;
 }
 

@@ -10,8 +10,8 @@
 #include "frame/current_exception.h"
 #include "frame/error_result.h"
 #include "frame/exceptions.h"
+#include "frame/fault_guard.h"
 #include "frame/host_copy.h"
-#include "frame/protected_call.h"
 #include "frame/thread_record.h"
 #include "frame/value4.h"
 #include "frame/value_memory.h"
@@ -130,6 +130,19 @@ void RunBody(void* context) {
   }
 }
 
+/// Runs the call inside a guard; whatever happens, its result can be handed back afterwards.
+void RunGuarded(Call& call, ThreadRecord& record) noexcept {
+  FaultGuard guard;
+  if (CallProtected(&RunBody, &call, record, guard) == GuardResult::kReturned) return;
+  // The body was left in the middle: nothing that its result may point to can be trusted to be freed.
+  std::construct_at(&call.result);
+  try {
+    throw CXlStructuredException(guard.faultCode);
+  } catch (...) {
+    TranslateCurrentException(call.result);
+  }
+}
+
 }  // namespace
 
 CXlOper& ThreadStaticResult() {
@@ -142,7 +155,7 @@ XLOPER12* RunFunction12(FunctionBody body, const RawArgument* raw, std::size_t c
   ThreadRecord* const record = CurrentThreadRecord();
   if (!record) return &lastResort12;
   Call call{body, {raw, count}, record->staticResult, WrappedArguments(storage), {}};
-  CallProtected(&RunBody, &call);
+  RunGuarded(call, *record);
   ReleaseOwned(record->returnSlot12);
   call.result.ReturnInto(record->returnSlot12);
   return &record->returnSlot12;
@@ -152,7 +165,7 @@ XLOPER* RunFunction4(FunctionBody body, const RawArgument* raw, std::size_t coun
   ThreadRecord* const record = CurrentThreadRecord();
   if (!record) return &lastResort4;
   Call call{body, {raw, count}, record->staticResult, WrappedArguments(storage), {}};
-  CallProtected(&RunBody, &call);
+  RunGuarded(call, *record);
   ReleaseOwned4(record->returnSlot4);
   ReturnInto4(call.result, record->returnSlot4);
   return &record->returnSlot4;
