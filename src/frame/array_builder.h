@@ -13,7 +13,8 @@ namespace quillmere {
 void CheckArraySize(std::int64_t rows, std::int64_t columns);
 
 /// An array under construction. Its cells are unset until put: every cell must be put, once, before Finish. An
-/// exception midway frees everything.
+/// exception midway frees everything. Places are zero-based; one outside the array, or any after Finish, raises
+/// CXlOutOfRangeException and leaves the array as it was.
 class CXlArrayBuilder {
  public:
   /// Takes the memory for the cells: CheckArraySize's exceptions (before any memory is taken), std::bad_alloc.
@@ -24,11 +25,14 @@ class CXlArrayBuilder {
 
   std::int32_t Rows() const noexcept { return rows_; }
   std::int32_t Columns() const noexcept { return columns_; }
-  /// The first cell of a zero-based row, to write through.
-  XLOPER12* Row(std::int64_t row) noexcept { return cells_ + row * columns_; }
-  XLOPER12* At(std::int64_t row, std::int64_t column) noexcept { return Row(row) + column; }
+  /// The first cell of a row, to write through.
+  XLOPER12* Row(std::int64_t row) { return At(row, 0); }
+  XLOPER12* At(std::int64_t row, std::int64_t column) {
+    if (row < 0 || row >= rows_ || column < 0 || column >= columns_) [[unlikely]]
+      ThrowOutOfRange();
+    return cells_ + row * columns_ + column;
+  }
 
-  // Places are zero-based and not checked.
   void PutNumber(std::int64_t row, std::int64_t column, double number) { *At(row, column) = NumberCell(number); }
   void PutBoolean(std::int64_t row, std::int64_t column, bool value) { *At(row, column) = BooleanCell(value); }
   void PutError(std::int64_t row, std::int64_t column, std::int32_t code) { *At(row, column) = ErrorCell(code); }
@@ -39,11 +43,16 @@ class CXlArrayBuilder {
   void Put(std::int64_t row, std::int64_t column, const XLOPER12& cell);
   void Put(std::int64_t row, std::int64_t column, const CXlOper& value);
 
-  /// Copies `count` cells starting at `from` to the cells starting at `to`, texts included; strides count cells.
+  /// Copies `count` cells starting at `from` to the cells starting at `to`, texts included; strides count cells. Here
+  /// and below the cells written must lie in the array; with a count of 0, `to` may be anything.
   void CopyCells(XLOPER12* to, const XLOPER12* from, std::size_t count, std::ptrdiff_t toStride = 1,
                  std::ptrdiff_t fromStride = 1);
   /// Writes `value` to `count` cells; a text is stored once and shared by them. Refusals as Put.
   void Fill(XLOPER12* to, std::size_t count, std::ptrdiff_t stride, const XLOPER12& value);
+  /// Stores the text of `value`, if it is one: what comes back may be repeated in this array. Refusals as Put.
+  XLOPER12 Store(const XLOPER12& value);
+  /// Writes what Store gave to `count` cells.
+  void Repeat(XLOPER12* to, std::size_t count, std::ptrdiff_t stride, const XLOPER12& stored);
 
   /// The finished array; the builder is then empty.
   CXlOper Finish() noexcept;
@@ -51,6 +60,8 @@ class CXlArrayBuilder {
   CXlOper FinishCollapsed();
 
  private:
+  void CheckRun(const XLOPER12* to, std::size_t count, std::ptrdiff_t stride) const;
+
   std::int32_t rows_ = 0;
   std::int32_t columns_ = 0;
   XLOPER12* cells_ = nullptr;

@@ -3,7 +3,8 @@
 
 namespace quillmere {
 
-/// Sets what brings faults of the processor home: called once, when the library is loaded, and undone when it is unloaded.
+/// Sets what brings faults of the processor home: called once, when the library is loaded, and undone when it is
+/// unloaded.
 void InstallFaultHandling() noexcept;
 void RemoveFaultHandling() noexcept;
 

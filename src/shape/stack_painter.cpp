@@ -16,9 +16,9 @@ class SharedValue {
 
   void Write(XLOPER12* to, std::int32_t count) {
     if (count <= 0) return;
-    if (!isStored_) builder_->Fill(&stored_, 1, 1, *value_);
+    if (!isStored_) stored_ = builder_->Store(*value_);
     isStored_ = true;
-    std::fill_n(to, count, stored_);
+    builder_->Repeat(to, static_cast<std::size_t>(count), 1, stored_);
   }
 
  private:
@@ -34,6 +34,8 @@ class Painter {
 
   /// Pieces of equal height next to each other, from a row of the result on.
   void PaintBand(std::int64_t firstRow, std::span<const StackPiece> pieces) {
+    const std::int32_t rows = pieces[0].rows.length;
+    if (rows == 0) return;
     if (pieces.size() == 1 && IsBlockAsItIs(pieces[0])) {
       const StackPiece& piece = pieces[0];
       builder_->CopyCells(builder_->Row(firstRow), piece.cells.Row(piece.rows.first),
@@ -43,7 +45,6 @@ class Painter {
     std::vector<SharedValue> values;
     values.reserve(pieces.size());
     for (const StackPiece& piece : pieces) values.emplace_back(*builder_, *piece.cells.first);
-    const std::int32_t rows = pieces[0].rows.length;
     for (std::int32_t row = 0; row < rows; row += kTileRows) {
       XLOPER12* to = builder_->Row(firstRow + row);
       for (std::size_t i = 0; i < pieces.size(); ++i) {

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "tests/unit/failing_memory.h"
@@ -113,6 +115,60 @@ TEST(ArrayBuilder, RefusesWhatIsNoSingleCell) {
   EXPECT_THROW(builder.CopyCells(builder.Row(0), row, 2), CXlBadOperTypeException);
   EXPECT_THROW(builder.CopyCells(builder.Row(0), &nullText, 1), CXlBadOperTypeException);
   EXPECT_THROW(builder.Fill(builder.Row(0), 2, 1, array.Raw()), CXlIllegalArgumentException);
+}
+
+TEST(ArrayBuilder, RefusesPlacesOutsideTheArray) {
+  const CountedText text(3);
+  CXlArrayBuilder builder(3, 4);
+  builder.Fill(builder.Row(0), 12, 1, NumberCell(7));
+  const std::pair<std::int64_t, std::int64_t> places[] = {{-1, 0},
+                                                          {0, -1},
+                                                          {3, 0},
+                                                          {0, 4},
+                                                          {1, 4},
+                                                          {std::int64_t{1} << 62, 0},
+                                                          {0, std::numeric_limits<std::int64_t>::min()}};
+  for (const auto& [row, column] : places) {
+    EXPECT_THROW(builder.At(row, column), CXlOutOfRangeException) << row << "," << column;
+    EXPECT_THROW(builder.PutNumber(row, column, 1), CXlOutOfRangeException);
+    EXPECT_THROW(builder.PutText(row, column, XTEXT("x")), CXlOutOfRangeException);
+    EXPECT_THROW(builder.Put(row, column, text.cell), CXlOutOfRangeException);
+  }
+  EXPECT_THROW(builder.Row(3), CXlOutOfRangeException);
+
+  // Runs of cells: where they begin, how many, how far apart.
+  constexpr std::ptrdiff_t kFarthest = std::numeric_limits<std::ptrdiff_t>::max();
+  XLOPER12* const first = builder.Row(0);
+  XLOPER12 elsewhere{};
+  const std::tuple<XLOPER12*, std::size_t, std::ptrdiff_t> runs[] = {
+      {first, 13, 1},
+      {first + 12, 1, 1},
+      {first + 5, 2, 7},
+      {first + 5, 2, -6},
+      {first + 11, 4, -4},
+      {first, 2, kFarthest},
+      {first + 1, 2, -kFarthest - 1},
+      {first, std::numeric_limits<std::size_t>::max(), 1},
+      {first + 1, (std::size_t{1} << 62) + 1, 4},
+      {reinterpret_cast<XLOPER12*>(reinterpret_cast<char*>(first) + 8), 1, 1},
+      {&elsewhere, 1, 1},
+      {nullptr, 1, 1},
+  };
+  const std::vector<XLOPER12> source(13, text.cell);
+  for (const auto& [to, count, stride] : runs) {
+    EXPECT_THROW(builder.Fill(to, count, stride, text.cell), CXlOutOfRangeException) << count << " by " << stride;
+    EXPECT_THROW(builder.CopyCells(to, source.data(), count, stride), CXlOutOfRangeException);
+    EXPECT_THROW(builder.Repeat(to, count, stride, NumberCell(8)), CXlOutOfRangeException);
+  }
+  builder.Fill(first + 12, 0, 1, text.cell);
+  builder.CopyCells(nullptr, nullptr, 0);
+  builder.Repeat(first + 11, 3, -4, NumberCell(9));
+
+  const CXlOper array = builder.Finish();
+  for (int row = 0; row < 3; ++row)
+    for (int column = 0; column < 4; ++column) EXPECT_EQ(CellNumber(array.CellAt(row, column)), column == 3 ? 9 : 7);
+  EXPECT_THROW(builder.Row(0), CXlOutOfRangeException) << "nothing is left to write to";
+  EXPECT_THROW(builder.Fill(first, 1, 1, text.cell), CXlOutOfRangeException);
 }
 
 TEST(ArrayBuilder, CollapsesOneCell) {
