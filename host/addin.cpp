@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 
+#include "host/allocation.h"
 #include "host/callbacks.h"
 #include "host/invoke.h"
 #include "host/message_box.h"
@@ -21,6 +22,11 @@ Place PlaceOf(const TypeText& type) {
 
 std::string NameOf(const RegisteredFunction& function) {
   return ToUtf8(function.name.empty() ? function.procedure : function.name);
+}
+
+std::uintptr_t CallExport(const RegisteredFunction& function, const Arguments& arguments) {
+  const RunningCode running(RunningCode::Owner::kAddin);
+  return Invoke(function.entry, arguments.Words());
 }
 
 bool ReturnsOper(const RegisteredFunction& function, char values, char references) {
@@ -44,9 +50,12 @@ bool Addin::Load(const std::filesystem::path& path, std::string& error) {
     return false;
   }
   RedirectMessageBoxes(*library_);
+  MeterAllocations(*library_);
   returnedValues_.Attach(*library_);
-  if (const auto setEntryPoint = library_->FindAs<void (*)(XlMdCallBack12)>("SetExcel12EntryPt"))
+  if (const auto setEntryPoint = library_->FindAs<void (*)(XlMdCallBack12)>("SetExcel12EntryPt")) {
+    const RunningCode running(RunningCode::Owner::kAddin);
     setEntryPoint(&MdCallBack12);
+  }
   return true;
 }
 
@@ -54,12 +63,16 @@ std::optional<int> Addin::CallEntryPoint(const char* name, const EvaluationConte
   const auto entry = library_->FindAs<int (*)()>(name);
   if (!entry) return std::nullopt;
   const CallContext frame(*this, Place::kCommand, name, context);
+  const RunningCode running(RunningCode::Owner::kAddin);
   return entry();
 }
 
 void Addin::Unload() {
+  const std::filesystem::path path = library_->Path();
   library_.reset();
   loaded = nullptr;
+  registry.Clear();
+  if (Library::IsMapped(path)) complaints.Add("the library is still mapped after it was unloaded");
   for (std::string& sentence : books.Close()) complaints.Add(std::move(sentence));
 }
 
@@ -87,7 +100,12 @@ Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value>
   Arguments arguments(argumentCache_, FormOf(context));
   if (const auto refused = arguments.Build(function, operands)) return Value::Error(*refused);
   CallContext frame(*this, PlaceOf(function.type), NameOf(function), context);
-  const std::uintptr_t word = Invoke(function.entry, arguments.Words());
+  for (const Mutation& mutation : faults.Mutations()) {
+    if (const std::string reason = arguments.Spoil(function, mutation); !reason.empty())
+      throw FormulaError(frame.function + " was not called: " + reason);
+    frame.isSpoilt = true;
+  }
+  const std::uintptr_t word = CallExport(function, arguments);
   if (const int changed = arguments.FirstChanged(true))
     complaints.Add(frame.function + " changed its argument " + std::to_string(changed));
   Value result = TakeResult(function, word, arguments, frame);
@@ -115,6 +133,16 @@ Value Addin::TakeResult(const RegisteredFunction& function, std::uintptr_t word,
   }
 }
 
+bool Addin::HandToAutoFree(XLOPER12* value, const EvaluationContext& context) {
+  const CallContext frame(*this, Place::kFunction, "xlAutoFree12", context);
+  return returnedValues_.HandOver<Wide>(value, frame);
+}
+
+bool Addin::HandToAutoFree4(XLOPER* value, const EvaluationContext& context) {
+  const CallContext frame(*this, Place::kFunction, "xlAutoFree", context);
+  return returnedValues_.HandOver<Narrow>(value, frame);
+}
+
 Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> operands, int count,
                    const EvaluationContext& context) {
   using Clock = std::chrono::steady_clock;
@@ -129,7 +157,7 @@ Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> op
   for (int i = 1; i <= count; ++i) {
     frame.mustReturn = 0;
     const auto start = Clock::now();
-    const std::uintptr_t word = Invoke(function.entry, arguments.Words());
+    const std::uintptr_t word = CallExport(function, arguments);
     if (i < count) {
       if (ReturnsOper(function, 'Q', 'U')) returnedValues_.Release<Wide>(reinterpret_cast<XLOPER12*>(word), frame);
       if (ReturnsOper(function, 'P', 'R')) returnedValues_.Release<Narrow>(reinterpret_cast<XLOPER*>(word), frame);

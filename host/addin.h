@@ -11,6 +11,7 @@
 #include "host/callback_meter.h"
 #include "host/complaints.h"
 #include "host/evaluator.h"
+#include "host/fault_switches.h"
 #include "host/host_settings.h"
 #include "host/library.h"
 #include "host/registry.h"
@@ -42,7 +43,8 @@ class Addin final : public IAddinFunctions {
   /// or nothing when the library does not export it.
   std::optional<int> CallEntryPoint(const char* name, const EvaluationContext& context);
 
-  /// Unloads the library and closes the books; what is out of balance goes to the complaints.
+  /// Unloads the library, forgets what it registered and closes the books. What is out of balance goes to the
+  /// complaints, and so does a library that the system keeps mapped.
   void Unload();
 
   bool IsLoaded() const { return library_ != nullptr; }
@@ -58,6 +60,11 @@ class Addin final : public IAddinFunctions {
   Timing Time(const RegisteredFunction& function, std::span<const Value> operands, int count,
               const EvaluationContext& context);
 
+  /// Hands any value to xlAutoFree12 (xlAutoFree) as it is, a null pointer too. False when the add-in does not export
+  /// it.
+  bool HandToAutoFree(XLOPER12* value, const EvaluationContext& context);
+  bool HandToAutoFree4(XLOPER* value, const EvaluationContext& context);
+
   /// How references are handed over in that context.
   ReferenceForm FormOf(const EvaluationContext& context) const;
 
@@ -67,6 +74,7 @@ class Addin final : public IAddinFunctions {
   Complaints complaints;
   Books books{complaints};
   CallbackMeter meter;
+  FaultSwitches faults;
   MacroFunctions macroFunctions;
   MainThread mainThread;
 

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "host/ansi_text.h"
+#include "host/argument_damage.h"
 #include "host/conversion.h"
 
 namespace qcalc {
@@ -171,11 +172,57 @@ std::optional<std::int32_t> Arguments::AddMatrix(const Value& operand, Laid& lai
   return std::nullopt;
 }
 
+std::string Arguments::Spoil(const RegisteredFunction& function, const Mutation& mutation) {
+  const auto index = static_cast<std::size_t>(mutation.argument - 1);
+  const std::string which = "argument " + std::to_string(mutation.argument);
+  if (mutation.argument < 1 || index >= words_.size()) return which + " does not exist";
+  if (std::string reason = WhyNotOffered(mutation); !reason.empty()) return reason;
+  std::string reason;
+  switch (function.type.arguments[index].letter) {
+    case 'Q':
+    case 'U':
+      reason = SpoilOper<Wide>(mutation, index);
+      break;
+    case 'P':
+    case 'R':
+      reason = SpoilOper<Narrow>(mutation, index);
+      break;
+    case 'C':
+    case 'D':
+    case 'K':
+      if (mutation.kind == MutationKind::kNull)
+        words_[index] = 0;
+      else
+        reason = "it is a pointer to bare data: only null makes sense";
+      break;
+    default:
+      reason = "it is passed by value";
+  }
+  laid_[index].checksum = ChecksumOf(laid_[index], false);
+  return reason.empty() ? reason : which + " cannot be spoilt so: " + reason;
+}
+
+template <typename Width>
+std::string Arguments::SpoilOper(const Mutation& mutation, std::size_t index) {
+  using Oper = typename Width::Oper;
+  const auto* oper = reinterpret_cast<const Oper*>(words_[index]);
+  Oper* spoilt = nullptr;
+  std::string reason;
+  if (mutation.kind != MutationKind::kNull) {
+    if (!oper) return "it is null";
+    spoilt = SpoiltCopy<Width>(*oper, mutation, laid_[index].spoilt, reason);
+    if (!spoilt) return reason;
+  }
+  words_[index] = reinterpret_cast<std::uintptr_t>(spoilt);
+  return reason;
+}
+
 std::byte* Arguments::NewBlock(std::size_t bytes, Laid& laid) { return laid.blocks.emplace_back(bytes).data(); }
 
 std::uint64_t Arguments::ChecksumOf(const Laid& laid, bool withLarge) {
   std::uint64_t sum = 0;
   for (const JunkBlock& block : laid.blocks) sum = Mix(sum, block.data(), block.size());
+  for (const SpoiltMemory& memory : laid.spoilt) sum = Mix(sum, memory.data(), memory.size());
   return laid.cached && withLarge ? sum ^ ChecksumOfEntry(*laid.cached) : sum;
 }
 
@@ -190,11 +237,10 @@ int Arguments::FirstChanged(bool withLarge) const {
 
 bool Arguments::Contains(const void* address) const {
   const auto* byte = static_cast<const std::byte*>(address);
-  const auto within = [byte](const JunkBlock& block) {
-    return byte >= block.data() && byte < block.data() + block.size();
-  };
+  const auto within = [byte](const auto& block) { return byte >= block.data() && byte < block.data() + block.size(); };
   return std::any_of(laid_.begin(), laid_.end(), [&](const Laid& laid) {
-    return std::any_of(laid.blocks.begin(), laid.blocks.end(), within) || (laid.cached && within(laid.cached->block));
+    return std::any_of(laid.blocks.begin(), laid.blocks.end(), within) ||
+           std::any_of(laid.spoilt.begin(), laid.spoilt.end(), within) || (laid.cached && within(laid.cached->block));
   });
 }
 

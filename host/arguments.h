@@ -10,7 +10,9 @@
 
 #include "host/books.h"
 #include "host/marshal.h"
+#include "host/mutation.h"
 #include "host/registry.h"
+#include "host/spoilt_memory.h"
 
 namespace qcalc {
 
@@ -46,6 +48,10 @@ class Arguments {
   /// formula then gives without a call (#VALUE!, #NUM!).
   std::optional<std::int32_t> Build(const RegisteredFunction& function, std::span<const Value> operands);
 
+  /// Spoils one argument that has been laid out for that function, in a copy: what was laid out, and what others may
+  /// share, stays. Why it cannot be spoilt so; empty when it has been.
+  std::string Spoil(const RegisteredFunction& function, const Mutation& mutation);
+
   std::span<const std::uintptr_t> Words() const { return words_; }
 
   /// The 1-based number of the first argument that differs from what was laid out, 0 when none does. `withLarge` takes
@@ -58,6 +64,7 @@ class Arguments {
  private:
   struct Laid {
     std::vector<JunkBlock> blocks;
+    std::vector<SpoiltMemory> spoilt;
     std::shared_ptr<const ArgumentCache::Entry> cached;
     std::uint64_t checksum = 0;
   };
@@ -68,7 +75,9 @@ class Arguments {
   std::optional<std::int32_t> AddInteger(TypeLetter letter, const Value& operand);
   std::optional<std::int32_t> AddText(TypeLetter letter, const Value& operand, Laid& laid);
   std::optional<std::int32_t> AddMatrix(const Value& operand, Laid& laid);
-  std::byte* NewBlock(std::size_t bytes, Laid& laid);
+  template <typename Width>
+  std::string SpoilOper(const Mutation& mutation, std::size_t index);
+  static std::byte* NewBlock(std::size_t bytes, Laid& laid);
   static std::uint64_t ChecksumOf(const Laid& laid, bool withLarge);
 
   ArgumentCache& cache_;

@@ -8,7 +8,6 @@
 namespace qcalc {
 namespace {
 
-constexpr int kJunk = 0xA7;
 constexpr int kPoison = 0xDD;
 constexpr std::size_t kQuarantineBytes = 16u << 20;
 constexpr std::size_t kLargestQuarantined = 1u << 20;

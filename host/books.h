@@ -17,6 +17,9 @@
 
 namespace qcalc {
 
+/// What memory of the host's is filled with at birth.
+inline constexpr int kJunk = 0xA7;
+
 /// Overwrites memory that is about to be released, so that whoever still reads it reads rubbish.
 void Poison(void* memory, std::size_t bytes);
 

@@ -44,6 +44,8 @@ class CallContext {
   int mustReturn = 0;
   /// The cell that was to be read before its calculation.
   std::optional<UncalculatedCell> uncalculated;
+  /// Whether the host spoilt an argument of the call on purpose.
+  bool isSpoilt = false;
   /// What xlfVolatile asked for.
   std::optional<bool> isVolatile;
 

@@ -4,7 +4,9 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "host/allocation.h"
 #include "host/callback_rules.h"
+#include "host/handled_fault.h"
 
 namespace qcalc {
 namespace {
@@ -97,7 +99,9 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
   };
   if (!callback) return refuse(xlretInvXlfn, "is unknown");
   if (!context) return refuse(xlretInvXlfn, "may not be made");
-  const std::optional<int> injected = addin->meter.Count(*callback);
+  const Interference interference = addin->meter.Count(*callback);
+  const std::optional<int> injected = interference.code;
+  if (interference.hasFault && !HandleOwnFault()) refuse(0, "lost a fault of the host's to another handler");
   const bool isFree = callback->number == xlFree;
   if (context->mustReturn && !isFree)
     return refuse(context->mustReturn, "was made after a code that leaves only xlFree allowed");
@@ -115,11 +119,13 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
   const IDSHEET current = context->evaluation.sheet ? context->evaluation.sheet->Id() : 0;
   for (int i = 0; i < count; ++i) {
     Reading reading = Marshal<Width>::Read(*arguments[i], current);
-    if (!reading.defect.empty())
+    // What the host itself has spoilt may come back to it.
+    if (!reading.defect.empty() && !context->isSpoilt)
       refuse(xlretInvXloper, "was given " + reading.defect + " as argument " + std::to_string(i + 1));
     if (reading.isMalformed) return CallbackAnswer::Failure(xlretInvXloper);
     request.arguments.push_back(std::move(reading.value));
   }
+  if (interference.answer) return AnswerOf(*interference.answer, current);
   return Answer(rule, request);
 }
 
@@ -143,6 +149,7 @@ int Deliver(CallbackAnswer answer, CallContext* context, int xlfn, typename Widt
 
 template <typename Width>
 int Callback(int xlfn, int count, typename Width::Oper** arguments, typename Width::Oper* result) {
+  const RunningCode running(RunningCode::Owner::kHost);
   CallContext* context = CallContext::Current();
   // No exception may run through the add-in.
   try {

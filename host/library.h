@@ -22,6 +22,9 @@ class Library {
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
 
+  /// Whether the system holds a library of that file in memory.
+  static bool IsMapped(const std::filesystem::path& path);
+
   /// The address of an export, null when there is none of that name.
   void* Find(const std::string& name) const;
 

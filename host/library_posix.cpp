@@ -31,6 +31,12 @@ std::unique_ptr<Library> Library::Load(const std::filesystem::path& path, std::s
 
 Library::~Library() { dlclose(handle_); }
 
+bool Library::IsMapped(const std::filesystem::path& path) {
+  void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+  if (handle) dlclose(handle);
+  return handle != nullptr;
+}
+
 void* Library::Find(const std::string& name) const { return dlsym(handle_, name.c_str()); }
 
 bool Library::Contains(const void* address) const {

@@ -38,6 +38,8 @@ std::unique_ptr<Library> Library::Load(const std::filesystem::path& path, std::s
 
 Library::~Library() { FreeLibrary(static_cast<HMODULE>(handle_)); }
 
+bool Library::IsMapped(const std::filesystem::path& path) { return GetModuleHandleW(path.c_str()) != nullptr; }
+
 void* Library::Find(const std::string& name) const {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name.c_str()));
 }

@@ -18,6 +18,8 @@ template <typename... Functions>
 struct Overloaded : Functions... {
   using Functions::operator()...;
 };
+template <typename... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
 
 /// Units that a text takes in its block: the length, the units, and one of junk.
 constexpr std::size_t UnitsWithLength(std::size_t length) { return length + 2; }

@@ -1,3 +1,4 @@
+#include "host/allocation.h"
 #include "host/export.h"
 #include "host/message_box.h"
 
@@ -11,6 +12,7 @@ void RedirectMessageBoxes(const Library&) {}
 /// What the native add-in finds by name in the program and calls for MessageBox: zero-terminated texts, Windows' flags
 /// and answers.
 QCALC_EXPORT int QcalcMessageBox(const XCHAR* text, const XCHAR* caption, std::uint32_t flags) {
+  const qcalc::RunningCode running(qcalc::RunningCode::Owner::kHost);
   return qcalc::AnswerMessageBox(text ? XStringView(text) : XStringView(),
                                  caption ? XStringView(caption) : XStringView(), flags);
 }

@@ -1,9 +1,8 @@
 #include <windows.h>
 
-#include <cstring>
 #include <string>
-#include <string_view>
 
+#include "host/import_table_windows.h"
 #include "host/message_box.h"
 
 namespace qcalc {
@@ -27,38 +26,14 @@ int WINAPI AnsweredMessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT flags) {
   return AnswerMessageBox(FromSystemText(text), FromSystemText(caption), flags);
 }
 
-/// Overwrites one entry of an import table, which lies in memory that is read-only after loading.
-void Patch(ULONGLONG* entry, ULONGLONG address) {
-  DWORD protection = 0;
-  VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &protection);
-  *entry = address;
-  VirtualProtect(entry, sizeof *entry, protection, &protection);
-}
-
-void PatchImports(std::byte* base, const IMAGE_IMPORT_DESCRIPTOR& imports) {
-  if (!imports.OriginalFirstThunk) return;
-  const auto* names = reinterpret_cast<const IMAGE_THUNK_DATA64*>(base + imports.OriginalFirstThunk);
-  auto* addresses = reinterpret_cast<IMAGE_THUNK_DATA64*>(base + imports.FirstThunk);
-  for (; names->u1.AddressOfData; ++names, ++addresses) {
-    if (IMAGE_SNAP_BY_ORDINAL64(names->u1.Ordinal)) continue;
-    const auto* import = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
-    const std::string_view name = reinterpret_cast<const char*>(import->Name);
-    if (name == "MessageBoxW") Patch(&addresses->u1.Function, reinterpret_cast<ULONGLONG>(&AnsweredMessageBoxW));
-    if (name == "MessageBoxA") Patch(&addresses->u1.Function, reinterpret_cast<ULONGLONG>(&AnsweredMessageBoxA));
-  }
-}
-
 }  // namespace
 
 void RedirectMessageBoxes(const Library& library) {
-  auto* base = static_cast<std::byte*>(library.Handle());
-  const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-  const auto* image = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
-  const IMAGE_DATA_DIRECTORY& directory = image->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-  if (!directory.VirtualAddress) return;
-  const auto* imports = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
-  for (; imports->Name; ++imports)
-    if (_stricmp(reinterpret_cast<const char*>(base + imports->Name), "USER32.dll") == 0) PatchImports(base, *imports);
+  const ImportPatch patches[] = {
+      {"MessageBoxW", reinterpret_cast<void*>(&AnsweredMessageBoxW)},
+      {"MessageBoxA", reinterpret_cast<void*>(&AnsweredMessageBoxA)},
+  };
+  PatchImports(library, patches);
 }
 
 }  // namespace qcalc

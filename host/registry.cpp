@@ -47,6 +47,12 @@ bool Registry::RemoveName(XStringView name) {
   return names_.erase(FoldCase(name)) > 0;
 }
 
+void Registry::Clear() {
+  const std::lock_guard lock(mutex_);
+  names_.clear();
+  functions_.clear();
+}
+
 RegisteredFunction* Registry::Find(XStringView name) const {
   const std::lock_guard lock(mutex_);
   const auto found = names_.find(FoldCase(name));

@@ -46,6 +46,9 @@ class Registry {
   /// Removes a name; its registration stays. False when there is none.
   bool RemoveName(XStringView name);
 
+  /// Forgets everything: the library is unloaded, and its exports are gone.
+  void Clear();
+
   /// The registration that a name stands for, in any case, or that has the id, while its use count is above 0; else
   /// null.
   RegisteredFunction* Find(XStringView name) const;

@@ -2,6 +2,8 @@
 
 #include <type_traits>
 
+#include "host/addin.h"
+#include "host/allocation.h"
 #include "host/arguments.h"
 #include "host/library.h"
 
@@ -65,7 +67,9 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
   if (!oper) return Value::Error(xlerrNum);
   const std::uint32_t bits = oper->xltype & (xlbitXLFree | xlbitDLLFree);
   const void* memory = MemoryOf(*oper);
-  CheckOwner(oper, memory != nullptr, function);
+  // Where no memory is left even for a thread's own slot, all threads may return one constant error.
+  const bool isLastResort = oper->xltype == xltypeErr && library_->Contains(oper) && AddinAllocations().Failed() > 0;
+  if (!isLastResort) CheckOwner(oper, memory != nullptr, function);
   if ((oper->xltype & ~kKnownBits) != 0)
     complaints_.Add(name + " returned a value with unknown bits in its type (" + std::to_string(oper->xltype) + ")");
   const IDSHEET current = frame.evaluation.sheet ? frame.evaluation.sheet->Id() : 0;
@@ -86,6 +90,19 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
 }
 
 template <typename Width>
+bool ReturnedValues::HandOver(typename Width::Oper* oper, const CallContext& frame) {
+  const CallContext freeing(frame.addin, Place::kFreeing, frame.function, frame.evaluation);
+  const RunningCode running(RunningCode::Owner::kAddin);
+  if constexpr (std::is_same_v<Width, Wide>) {
+    if (autoFree12_) autoFree12_(oper);
+    return autoFree12_ != nullptr;
+  } else {
+    if (autoFree_) autoFree_(oper);
+    return autoFree_ != nullptr;
+  }
+}
+
+template <typename Width>
 void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
   if (!oper) return;
   const std::uint32_t bits = oper->xltype & (xlbitXLFree | xlbitDLLFree);
@@ -96,19 +113,18 @@ void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
     if (memory && books_.TakeBack(memory) != Books::Receipt::kTaken)
       complaints_.Add(frame.function + " returned a value with xlbitXLFree that the host had not lent");
   } else if (bits == xlbitDLLFree) {
-    const CallContext freeing(frame.addin, Place::kFreeing, frame.function, frame.evaluation);
-    if constexpr (std::is_same_v<Width, Wide>) {
-      if (!autoFree12_) return books_.NoteNeverFreed(frame.function);
-      autoFree12_(oper);
-    } else {
-      if (!autoFree_) return books_.NoteNeverFreed(frame.function);
-      autoFree_(oper);
-    }
+    if (!HandOver<Width>(oper, frame)) return books_.NoteNeverFreed(frame.function);
+  }
+  if (frame.addin.faults.FreesTwice()) {
+    if (bits != xlbitDLLFree) HandOver<Width>(oper, frame);
+    HandOver<Width>(oper, frame);
   }
 }
 
 template Value ReturnedValues::Take<Wide>(XLOPER12*, const RegisteredFunction&, const Arguments&, CallContext&);
 template Value ReturnedValues::Take<Narrow>(XLOPER*, const RegisteredFunction&, const Arguments&, CallContext&);
+template bool ReturnedValues::HandOver<Wide>(XLOPER12*, const CallContext&);
+template bool ReturnedValues::HandOver<Narrow>(XLOPER*, const CallContext&);
 template void ReturnedValues::Release<Wide>(XLOPER12*, CallContext&);
 template void ReturnedValues::Release<Narrow>(XLOPER*, CallContext&);
 

@@ -31,6 +31,11 @@ class ReturnedValues {
   Value Take(typename Width::Oper* oper, const RegisteredFunction& function, const Arguments& arguments,
              CallContext& frame);
 
+  /// Hands any value to xlAutoFree12 (xlAutoFree) on this thread, as from within the call `frame`. False when the
+  /// library does not export it.
+  template <typename Width>
+  bool HandOver(typename Width::Oper* oper, const CallContext& frame);
+
   /// Releases without copying or looking.
   template <typename Width>
   void Release(typename Width::Oper* oper, CallContext& frame);

@@ -9,36 +9,9 @@ namespace qcalc {
 namespace {
 
 constexpr std::int32_t kMost = 1'000'000'000;
+constexpr std::int32_t kMostReloads = 500;
 constexpr std::int32_t kMostThreads = 256;
 constexpr std::int32_t kShownRows = 10;
-
-struct CodeName {
-  std::string_view name;
-  int code;
-};
-
-constexpr CodeName kCodes[] = {
-    {"xlretAbort", xlretAbort},
-    {"xlretInvXlfn", xlretInvXlfn},
-    {"xlretInvCount", xlretInvCount},
-    {"xlretInvXloper", xlretInvXloper},
-    {"xlretStackOvfl", xlretStackOvfl},
-    {"xlretFailed", xlretFailed},
-    {"xlretUncalced", xlretUncalced},
-    {"xlretNotThreadSafe", xlretNotThreadSafe},
-    {"xlretInvAsynchronousContext", xlretInvAsynchronousContext},
-    {"xlretNotClusterSafe", xlretNotClusterSafe},
-};
-
-int CodeAt(ScriptLine& line) {
-  std::string names;
-  const std::string_view word = line.Word("a return code");
-  for (const CodeName& code : kCodes) {
-    if (code.name == word) return code.code;
-    names += (names.empty() ? "" : ", ") + std::string(code.name);
-  }
-  line.FailIn(word, "expected a return code (" + names + "), found '" + std::string(word) + "'");
-}
 
 ScriptAction ParseEval(ScriptLine& line) {
   return [formula = line.FormulaText()](ScriptRunner& runner) {
@@ -81,16 +54,6 @@ ScriptAction ParseTime(ScriptLine& line) {
   };
 }
 
-ScriptAction ParseFail(ScriptLine& line) {
-  const std::string_view name = line.Word("a callback's name");
-  const XlCallback* callback = FindXlCallback(name);
-  if (!callback) line.FailIn(name, "expected a callback's name such as xlCoerce, found '" + std::string(name) + "'");
-  const int code = CodeAt(line);
-  const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMost);
-  return
-      [callback, code, nth](ScriptRunner& runner) { runner.ItsSession().ItsAddin().meter.Fail(*callback, code, nth); };
-}
-
 ScriptAction ParseOpen(ScriptLine&) {
   return [](ScriptRunner& runner) {
     runner.Evaluate("xlAutoOpen", [&] { return Value::Number(runner.ItsSession().CallOpen()); });
@@ -101,6 +64,11 @@ ScriptAction ParseClose(ScriptLine&) {
   return [](ScriptRunner& runner) {
     runner.Evaluate("xlAutoClose", [&] { return Value::Number(runner.ItsSession().CallClose().value_or(0)); });
   };
+}
+
+ScriptAction ParseReload(ScriptLine& line) {
+  const std::int32_t count = line.WholeNumber("a number of loadings", 1, kMostReloads);
+  return [count](ScriptRunner& runner) { runner.ItsSession().Reload(count); };
 }
 
 ScriptAction ParsePrint(ScriptLine&) {
@@ -126,9 +94,9 @@ constexpr ScriptCommandForm kCommands[] = {
     {"recalc", "recalc N =FORMULA", ParseRecalc},
     {"parallel", "parallel T N =FORMULA", ParseParallel},
     {"time", "time N =FORMULA", ParseTime},
-    {"fail", "fail NAME CODE [NTH]", ParseFail},
     {"open", "open", ParseOpen},
     {"close", "close", ParseClose},
+    {"reload", "reload N", ParseReload},
     {"print", "print", ParsePrint},
     {"show", "show [ROWS]", ParseShow},
 };

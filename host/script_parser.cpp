@@ -6,7 +6,7 @@ namespace qcalc {
 namespace {
 
 const ScriptCommandForm* FindCommand(std::string_view name) {
-  for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands()})
+  for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands(), FaultCommands()})
     for (const ScriptCommandForm& form : group)
       if (form.name == name) return &form;
   return nullptr;
@@ -14,7 +14,7 @@ const ScriptCommandForm* FindCommand(std::string_view name) {
 
 std::string AllCommandNames() {
   std::string names;
-  for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands()})
+  for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands(), FaultCommands()})
     for (const ScriptCommandForm& form : group) names += (names.empty() ? "" : ", ") + std::string(form.name);
   return names;
 }

@@ -23,10 +23,12 @@ struct ScriptCommandForm {
   ScriptAction (*parse)(ScriptLine& line);
 };
 
-/// The commands, in three groups: the workbook and the host's settings, evaluations, expectations.
+/// The commands, in four groups: the workbook and the host's settings, evaluations, expectations, and what goes wrong
+/// on purpose.
 std::span<const ScriptCommandForm> SettingCommands();
 std::span<const ScriptCommandForm> EvaluationCommands();
 std::span<const ScriptCommandForm> ExpectationCommands();
+std::span<const ScriptCommandForm> FaultCommands();
 
 struct ScriptCommand {
   int line = 0;

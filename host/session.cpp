@@ -2,27 +2,18 @@
 
 #include <mutex>
 
+#include "host/allocation.h"
 #include "host/answers.h"
+#include "host/evaluation_watch.h"
 #include "host/recalculation.h"
 #include "host/utf8.h"
 
 namespace qcalc {
 
-/// Counts callbacks and lets them fail while it lives.
-class Session::Metering {
- public:
-  explicit Metering(CallbackMeter& meter) : meter_(meter) { meter_.Start(); }
-  ~Metering() { meter_.Stop(); }
-  Metering(const Metering&) = delete;
-  Metering& operator=(const Metering&) = delete;
-
- private:
-  CallbackMeter& meter_;
-};
-
 Session::Session(std::filesystem::path addinPath)
     : addinPath_(std::move(addinPath)), sheet_(&workbooks_.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
   ProcessAnswers().Reset();
+  AddinAllocations().Stop();
 }
 
 Session::~Session() { Finish(); }
@@ -39,7 +30,7 @@ int Session::LoadAndOpen() {
 }
 
 int Session::CallOpen() {
-  const Metering metering(addin_.meter);
+  const EvaluationWatch watch(addin_);
   return LoadAndOpen();
 }
 
@@ -54,6 +45,13 @@ void Session::Open() {
 std::optional<int> Session::CallClose() {
   if (!addin_.IsLoaded()) return std::nullopt;
   return addin_.CallEntryPoint("xlAutoClose", Context());
+}
+
+void Session::Reload(int count) {
+  for (int i = 0; i < count; ++i) {
+    Finish();
+    Open();
+  }
 }
 
 void Session::Finish() {
@@ -77,7 +75,7 @@ EvaluationContext Session::Prepare(const Formula& formula) {
 
 Value Session::Evaluate(const Formula& formula) {
   const EvaluationContext context = Prepare(formula);
-  const Metering metering(addin_.meter);
+  const EvaluationWatch watch(addin_);
   return qcalc::Evaluate(formula, context);
 }
 
@@ -87,7 +85,7 @@ Value Session::Recalculate(int count, const Formula& formula) {
   Value result;
   for (int i = 0; i < count; ++i) {
     const EvaluationContext context = Prepare(formula);
-    const Metering metering(addin_.meter);
+    const EvaluationWatch watch(addin_);
     result = qcalc::Evaluate(formula, context);
     if (Sheet* sheet = workbooks_.FindSheet(caller_.sheet))
       sheet->WriteResult(caller_.areas[0], Dereference(result, workbooks_));
@@ -97,7 +95,7 @@ Value Session::Recalculate(int count, const Formula& formula) {
 
 std::vector<Value> Session::EvaluateInParallel(int threads, int count, const Formula& formula) {
   const EvaluationContext context = Prepare(formula);
-  const Metering metering(addin_.meter);
+  const EvaluationWatch watch(addin_);
   std::mutex mutex;
   std::vector<Value> results;
   addin_.mainThread.RunOnThreads(threads, [&](int) {
@@ -114,7 +112,7 @@ std::vector<Value> Session::EvaluateInParallel(int threads, int count, const For
 
 Timing Session::Time(int count, const Formula& formula, std::string& functionName) {
   const EvaluationContext context = Prepare(formula);
-  const Metering metering(addin_.meter);
+  const EvaluationWatch watch(addin_, false);
   const std::optional<PreparedCall> call = PrepareOutermostCall(formula, context);
   if (!call) throw FormulaError("the formula calls no function of the add-in");
   if (call->refused) throw FormulaError("Excel would not make the call: an argument cannot be converted");

@@ -33,12 +33,17 @@ class Session {
   /// Calls xlAutoClose of the open add-in; what it returns, nothing when the add-in is not loaded or has no such
   /// export.
   std::optional<int> CallClose();
+  /// Closes and unloads the add-in, if it is loaded, then loads and opens it, `count` times. Throws AddinFailure.
+  void Reload(int count);
   /// Closes and unloads the add-in, if it is loaded, and closes the books.
   void Finish();
 
   /// Calculates what is due, then evaluates on the main thread with callbacks counted and failing as told. The result
   /// may be a reference. Throws FormulaError and AddinFailure.
   Value Evaluate(const Formula& formula);
+  /// Makes everything ready for evaluations of that formula, on several threads at once too: the add-in, the sheets it
+  /// names, the cells it may read.
+  EvaluationContext Prepare(const Formula& formula);
   /// The same, beside the counts and failures of callbacks.
   Value EvaluateQuietly(const Formula& formula);
   /// Evaluates `count` times in a row and writes each result into the calling cells before the next.
@@ -63,12 +68,8 @@ class Session {
   void SetCaller(Reference caller) { caller_ = std::move(caller); }
 
  private:
-  class Metering;
-
   EvaluationContext Context();
   int LoadAndOpen();
-  /// Makes everything ready for an evaluation of that formula: the add-in, its sheets, the cells it may read.
-  EvaluationContext Prepare(const Formula& formula);
 
   std::filesystem::path addinPath_;
   Workbooks workbooks_;

@@ -1,6 +1,7 @@
 // An add-in that breaks the rules of Excel's C API, one rule a function, for the host's own tests. The first few
 // functions keep them all, so that a test can tell a strict host from one that always complains.
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <limits>
@@ -16,6 +17,8 @@ namespace {
 
 XlMdCallBack12 callback = nullptr;
 bool callsBackWhenFreeing = false;
+XLOPER12 freeCount{{.num = 0}, xltypeNum | xlbitDLLFree};
+std::vector<void*> keptBlocks;
 XCHAR* forgotten = nullptr;  // freed at the end, so that the leak checker stays out of it
 
 int CallExcel(int number, XLOPER12* result, std::initializer_list<XLOPER12*> arguments) {
@@ -80,12 +83,18 @@ void Register(XStringView procedure, XStringView type, XStringView name) {
 QCALC_EXPORT void SetExcel12EntryPt(XlMdCallBack12 entryPoint) { callback = entryPoint; }
 
 QCALC_EXPORT int xlAutoClose() {
+  for (void* block : keptBlocks) std::free(block);
+  keptBlocks.clear();
   delete[] forgotten;
   forgotten = nullptr;
   return 1;
 }
 
 QCALC_EXPORT void xlAutoFree12(XLOPER12* oper) {
+  if (oper == &freeCount) {
+    ++oper->val.num;
+    return;
+  }
   if (callsBackWhenFreeing) {
     callsBackWhenFreeing = false;
     XLOPER12 caller = OfType(xltypeNil);
@@ -128,6 +137,60 @@ QCALC_EXPORT XLOPER12* Coerced(XLOPER12* argument, XLOPER12* mask) {
   slot = result;
   slot.xltype |= xlbitXLFree;
   return &slot;
+}
+
+/// Allocates `count` blocks, by each function of the allocator in turn and with a callback in between, and frees all
+/// but the first `kept` again. How many it was given.
+QCALC_EXPORT std::int32_t Allocate(std::int32_t count, std::int32_t kept) {
+  std::int32_t given = 0;
+  for (std::int32_t i = 0; i < count; ++i) {
+    XLOPER12 caller = OfType(xltypeNil);
+    XLOPER12* lent = &caller;
+    callback(xlfCaller, 0, nullptr, &caller);
+    callback(xlFree, 1, &lent, nullptr);
+    void* block = i % 3 == 0 ? std::malloc(100) : i % 3 == 1 ? std::calloc(10, 10) : std::realloc(nullptr, 100);
+    if (!block) continue;
+    ++given;
+    if (i < kept)
+      keptBlocks[static_cast<std::size_t>(i)] = block;
+    else
+      std::free(block);
+  }
+  return given;
+}
+
+/// Tries to make a block larger, and frees it. 1 when that went well, 0 when it stayed as it was, -1 when it was lost.
+QCALC_EXPORT std::int32_t Enlarge() {
+  auto* block = static_cast<char*>(std::malloc(10));
+  std::strcpy(block, "contents");
+  void* const larger = std::realloc(block, 10'000);
+  auto* const now = larger ? static_cast<char*>(larger) : block;
+  const std::int32_t result = std::strcmp(now, "contents") != 0 ? -1 : larger ? 1 : 0;
+  std::free(now);
+  return result;
+}
+
+/// How often its result has been freed before.
+QCALC_EXPORT XLOPER12* FreeCount() { return &freeCount; }
+
+/// What has arrived: -1 for a null pointer, else the type's bits; for an array its size and the type of its first
+/// element, for a text its length.
+QCALC_EXPORT XLOPER12* Describe(XLOPER12* argument) {
+  static XLOPER12 numbers[4];
+  static XLOPER12 result;
+  for (XLOPER12& number : numbers) number = Number(0);
+  numbers[0].val.num = argument ? static_cast<double>(argument->xltype) : -1;
+  if (argument && (argument->xltype & 0x0FFF) == xltypeStr) numbers[1].val.num = argument->val.str[0];
+  if (argument && (argument->xltype & 0x0FFF) == xltypeMulti) {
+    numbers[1].val.num = argument->val.array.rows;
+    numbers[2].val.num = argument->val.array.columns;
+    numbers[3].val.num = static_cast<double>(argument->val.array.lparray[0].xltype);
+  }
+  result = OfType(xltypeMulti);
+  result.val.array.lparray = numbers;
+  result.val.array.rows = 1;
+  result.val.array.columns = 4;
+  return &result;
 }
 
 // What breaks them.
@@ -340,6 +403,7 @@ QCALC_EXPORT XLOPER12* BadRegistration(std::int32_t which) {
 }
 
 QCALC_EXPORT int xlAutoOpen() {
+  keptBlocks.resize(10);
   Register(XTEXT("PlusOne"), XTEXT("UQ$"), XTEXT("PLUS.ONE"));
   Register(XTEXT("PlusOne"), XTEXT("UQ"), XTEXT("PLUS.ONE.MAIN"));
   Register(XTEXT("SheetName"), XTEXT("U"), XTEXT("SHEET.NAME"));
@@ -347,6 +411,10 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("Echo4"), XTEXT("RP"), XTEXT("ECHO.VALUE4"));
   Register(XTEXT("Echo4"), XTEXT("RR"), XTEXT("ECHO.REFERENCE4"));
   Register(XTEXT("Coerced"), XTEXT("UUQ"), XTEXT("COERCED"));
+  Register(XTEXT("Allocate"), XTEXT("JJJ$"), XTEXT("ALLOCATE"));
+  Register(XTEXT("Enlarge"), XTEXT("J$"), XTEXT("ENLARGE"));
+  Register(XTEXT("FreeCount"), XTEXT("U"), XTEXT("FREE.COUNT"));
+  Register(XTEXT("Describe"), XTEXT("UU"), XTEXT("DESCRIBE"));
   Register(XTEXT("KeepLent"), XTEXT("U$"), XTEXT("KEEP.LENT"));
   Register(XTEXT("FreeTwice"), XTEXT("U$"), XTEXT("FREE.TWICE"));
   Register(XTEXT("FreeForeign"), XTEXT("U$"), XTEXT("FREE.FOREIGN"));

@@ -121,16 +121,33 @@ TEST(Books, LoansAndTheirEnd) {
   EXPECT_THAT(books.Close(), ::testing::IsEmpty());
 }
 
-TEST(Tables, AreAlignedAndCut) {
-  EXPECT_EQ(ShowTable(*ParseLiteral("{\"name\",\"qty\";\"\u00E4pple\",10.5;empty,2;#N/A,3}"), 3),
-            "   \u2502 1         2\n"
-            "\u2500\u2500\u2500\u253C\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\n"
+TEST(Tables, AreAlignedAndSayWhatStandsInThem) {
+  EXPECT_EQ(ShowTable(*ParseLiteral("{\"name\",\"qty\";\"\u00E4pple\",10.5;empty,\"10.5\";\"\",TRUE;\" b\",#N/A}"), 5),
+            "   \u2502 1           2\n"
+            "\u2500\u2500\u2500\u253C\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500"
+            "\u2500\u2500\n"
             " 1 \u2502 name   qty\n"
-            " 2 \u2502 \u00E4pple  10.5\n"
-            " 3 \u2502           2\n"
-            " ... 1 more row\n");
-  EXPECT_THAT(ShowTable(Value::Text(XString(40, 'x') + XTEXT("\n")), 1),
-              ::testing::HasSubstr(std::string(32, 'x') + "\u2026\n"));
+            " 2 \u2502 \u00E4pple    10.5\n"
+            " 3 \u2502        \"10.5\"\n"
+            " 4 \u2502 \"\"     TRUE\n"
+            " 5 \u2502 \" b\"   #N/A\n");
+  EXPECT_EQ(ShowTable(*ParseLiteral("\"5\""), 5), " \"5\"\n");
+  EXPECT_THAT(ShowTable(Value::OfArray(ArrayBuilder(1, 1).Finish()), 5), ::testing::EndsWith(" 1 \u2502\n"));
+}
+
+TEST(Tables, AreCut) {
+  ArrayBuilder builder(12'345, 40);
+  for (std::int32_t row = 0; row < 12'345; ++row) builder.Set(row, 0, CellView::Number(row + 1));
+  const XString longText(40, 'x');
+  builder.Set(0, 1, CellView::Text(longText));
+  const Value array = Value::OfArray(builder.Finish());
+  const std::string table = ShowTable(array, 4);
+  EXPECT_THAT(table, ::testing::HasSubstr("     3 \u2502     3\n"
+                                          "     \u22EE \u2502 12,341 rows not shown\n"
+                                          " 12345 \u2502 12345\n"));
+  EXPECT_THAT(table, ::testing::HasSubstr("     1 \u2502     1  " + std::string(32, 'x') + "\u2026\n"));
+  EXPECT_THAT(table, ::testing::EndsWith(" columns to the right not shown\n 12,345 rows x 40 columns in all\n"));
+  EXPECT_THAT(ShowTable(array, 1), ::testing::HasSubstr("\u2026\n \u22EE \u2502 12,344 rows not shown\n"));
 }
 
 }  // namespace

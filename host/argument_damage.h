@@ -1,0 +1,22 @@
+// How a value that is to be handed over is spoilt.
+#pragma once
+
+#include <vector>
+
+#include "host/marshal.h"
+#include "host/mutation.h"
+#include "host/spoilt_memory.h"
+
+namespace qcalc {
+
+/// A spoilt copy of the value, in memory that is added to `memory`; the value and what hangs on it stay as they are.
+/// Where the value cannot be spoilt so: null, and `reason` says why. kNull is no damage to a value: not to be asked
+/// for.
+template <typename Width>
+typename Width::Oper* SpoiltCopy(const typename Width::Oper& oper, const Mutation& mutation,
+                                 std::vector<SpoiltMemory>& memory, std::string& reason);
+
+extern template XLOPER12* SpoiltCopy<Wide>(const XLOPER12&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
+extern template XLOPER* SpoiltCopy<Narrow>(const XLOPER&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
+
+}  // namespace qcalc

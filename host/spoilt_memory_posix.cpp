@@ -1,0 +1,21 @@
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "host/books.h"
+#include "host/spoilt_memory.h"
+
+namespace qcalc {
+
+SpoiltMemory::SpoiltMemory(std::size_t bytes) : data_(static_cast<std::byte*>(::operator new(bytes))), size_(bytes) {
+  std::memset(data_, kJunk, bytes);
+}
+
+SpoiltMemory::~SpoiltMemory() { ::operator delete(data_); }
+
+SpoiltMemory::SpoiltMemory(SpoiltMemory&& other) noexcept
+    : data_(std::exchange(other.data_, nullptr)), size_(other.size_) {}
+
+void* SpoiltMemory::Unreadable() const { return nullptr; }
+
+}  // namespace qcalc

@@ -1,0 +1,207 @@
+// The add-in itself, through the functions that Excel calls by name, in both of Excel's interfaces.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "host/callbacks.h"
+#include "host/literal.h"
+#include "host/session.h"
+#include "xlcall/callback_list.h"
+
+namespace qcalc {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr std::uint32_t kTypeMask = 0x0FFF;
+
+/// One interface: its type of value, its units of text, and what the add-in exports for it.
+struct WideEntry {
+  using Oper = XLOPER12;
+  using Unit = XCHAR;
+  static constexpr const char* kInfo = "xlAddInManagerInfo12";
+  static constexpr const char* kFree = "xlAutoFree12";
+};
+struct NarrowEntry {
+  using Oper = XLOPER;
+  using Unit = char;
+  static constexpr const char* kInfo = "xlAddInManagerInfo";
+  static constexpr const char* kFree = "xlAutoFree";
+};
+
+class EntryPoints : public ::testing::Test {
+ protected:
+  EntryPoints() { session.Open(); }
+
+  std::string Evaluate(const std::string& text) {
+    return PrintLiteral(session.Contents(session.Evaluate(*ParseFormula(text))));
+  }
+  std::optional<int> Call(const char* name) { return session.ItsAddin().CallEntryPoint(name, context); }
+  bool IsRegistered(XStringView name) { return session.ItsAddin().registry.Find(name) != nullptr; }
+  std::vector<std::string> Complaints() { return session.ItsAddin().complaints.Take(); }
+
+  /// What the Add-in Manager is told, freed twice; an error value as "#" and its code.
+  template <class Entry>
+  std::string LongName(typename Entry::Oper* action) {
+    using Oper = typename Entry::Oper;
+    const Library& library = session.ItsAddin().ItsLibrary();
+    Oper* answer = nullptr;
+    {
+      const CallContext frame(session.ItsAddin(), Place::kCommand, Entry::kInfo, context);
+      answer = library.FindAs<Oper* (*)(Oper*)>(Entry::kInfo)(action);
+    }
+    const auto type = static_cast<std::uint32_t>(answer->xltype);
+    std::string name = "a value of type " + std::to_string(type);
+    if (type == xltypeErr) name = "#" + std::to_string(answer->val.err);
+    if ((type & kTypeMask) == xltypeStr) {
+      EXPECT_EQ(type, xltypeStr | xlbitDLLFree);
+      name.assign(answer->val.str + 1, answer->val.str + 1 + static_cast<std::uint16_t>(answer->val.str[0]));
+    }
+    const CallContext frame(session.ItsAddin(), Place::kFreeing, Entry::kFree, context);
+    for (int i = 0; i < 2; ++i) library.FindAs<void (*)(Oper*)>(Entry::kFree)(answer);
+    EXPECT_EQ(answer->xltype & xlbitDLLFree, 0);
+    return name;
+  }
+
+  template <class Entry>
+  void AskForTheLongName() {
+    typename Entry::Unit units[] = {1, 'x'};
+    typename Entry::Oper whole{}, real{}, other{}, text{}, missing{};
+    whole.xltype = other.xltype = xltypeInt;
+    whole.val.w = 1;
+    other.val.w = 2;
+    real.xltype = xltypeNum;
+    real.val.num = 1.0;
+    text.xltype = xltypeStr;
+    text.val.str = units;
+    missing.xltype = xltypeMissing;
+    const std::string value = "#" + std::to_string(xlerrValue);
+    for (int round = 0; round < 2; ++round) {
+      EXPECT_EQ(LongName<Entry>(&whole), "Quillmere V4 array functions");
+      EXPECT_EQ(LongName<Entry>(&real), "Quillmere V4 array functions");
+      EXPECT_EQ(LongName<Entry>(&other), value);
+      EXPECT_EQ(LongName<Entry>(&text), value);
+      EXPECT_EQ(LongName<Entry>(&missing), value);
+      EXPECT_EQ(LongName<Entry>(nullptr), value);
+    }
+    session.Finish();
+    EXPECT_THAT(Complaints(), IsEmpty());
+  }
+
+  Session session{ProgramFolder() / "Quillmere4.xll"};
+  const EvaluationContext context{
+      &session.ItsWorkbooks(), &session.CurrentSheet(), &session.Names(), &session.ItsAddin(), {}};
+};
+
+TEST_F(EntryPoints, TheAddInManagerAsksInSixteenBits) { AskForTheLongName<WideEntry>(); }
+TEST_F(EntryPoints, TheAddInManagerAsksInEightBits) { AskForTheLongName<NarrowEntry>(); }
+
+TEST_F(EntryPoints, TheEightBitAnswerTakesOneCallback) {
+  XLOPER action{};
+  action.xltype = xltypeInt;
+  action.val.w = 1;
+  CallbackMeter& meter = session.ItsAddin().meter;
+  meter.Start();
+  LongName<NarrowEntry>(&action);
+  EXPECT_EQ(meter.Calls(*FindXlCallback("xlCoerce")), 1);
+  meter.Stop();
+  meter.Fail(*FindXlCallback("xlCoerce"), xlretFailed, 0);
+  meter.Start();
+  EXPECT_EQ(LongName<NarrowEntry>(&action), "#" + std::to_string(xlerrValue));
+  meter.Stop();
+}
+
+TEST_F(EntryPoints, ClosingAloneTakesNothingAway) {
+  EXPECT_EQ(Call("xlAutoOpen"), 0) << "it is open";
+  EXPECT_EQ(Call("xlAutoClose"), 1);
+  EXPECT_EQ(Evaluate("=VSTACK(0,{1,2},3)"), "{1,2;3,3}");
+  EXPECT_EQ(Call("xlAutoClose"), 1);
+  EXPECT_TRUE(IsRegistered(XTEXT("VSTACK")));
+  EXPECT_EQ(Evaluate("=HSTACK(0,{1;2},3)"), "{1,3;2,3}");
+  session.Finish();
+  EXPECT_THAT(Complaints(), IsEmpty());
+}
+
+TEST_F(EntryPoints, RemovedAndTakenInAgain) {
+  EXPECT_EQ(Call("xlAutoAdd"), 1);
+  for (int round = 0; round < 2; ++round) {
+    const std::size_t registered = session.ItsAddin().registry.All().size();
+    EXPECT_EQ(Call("xlAutoRemove"), 1);
+    EXPECT_FALSE(IsRegistered(XTEXT("VSTACK")));
+    EXPECT_EQ(Evaluate("=VSTACK(0,1)"), "#NAME?");
+    EXPECT_EQ(Call("xlAutoRemove"), 1);
+    EXPECT_EQ(Call("xlAutoClose"), 1);
+    EXPECT_EQ(Call("xlAutoOpen"), 1);
+    EXPECT_EQ(session.ItsAddin().registry.All().size(), registered);
+    EXPECT_EQ(Evaluate("=VSTACK(0,{1,2},3)"), "{1,2;3,3}");
+  }
+  EXPECT_EQ(Call("xlCheckInstance"), 1);
+  session.Finish();
+  EXPECT_THAT(Complaints(), IsEmpty());
+}
+
+TEST_F(EntryPoints, TheBinaryTypeOfAFile) {
+  const auto binaryType = session.ItsAddin().ItsLibrary().FindAs<std::int32_t (*)(const char*)>("l64BitExe");
+#if defined(_WIN32)
+  constexpr std::int32_t kOwnType = 6;
+  const std::string program = (ProgramFolder() / "host_tests.exe").string();
+#else
+  constexpr std::int32_t kOwnType = -1;  // no program of Windows
+  const std::string program = (ProgramFolder() / "host_tests").string();
+#endif
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(binaryType(program.c_str()), kOwnType);
+  EXPECT_THAT(::testing::internal::GetCapturedStderr(),
+              AllOf(HasSubstr("\"Display String ByVal\": " + program), HasSubstr("answered: ok")));
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(binaryType((program + ".none").c_str()), -1);
+  EXPECT_EQ(binaryType(session.ItsAddin().ItsLibrary().Path().string().c_str()), -1) << "a library";
+  EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr(program + ".none"));
+  EXPECT_EQ(binaryType(nullptr), -1);
+}
+
+/// What the 8-bit interface lends is watched like the rest, whoever calls.
+TEST_F(EntryPoints, EightBitCallbacksThroughTheCallLibrary) {
+  const auto library = LoadCallLibrary();
+#if defined(_WIN32)
+  ASSERT_NE(library, nullptr);
+#endif
+  const auto excel4v = library ? library->FindAs<XlExcel4v>("Excel4v") : &Excel4v;
+  ASSERT_NE(excel4v, nullptr);
+  XLOPER name{};
+  {
+    const CallContext frame(session.ItsAddin(), Place::kCommand, "a command", context);
+    ASSERT_EQ(excel4v(xlGetName, &name, 0, nullptr), xlretSuccess);
+    ASSERT_EQ(name.xltype, xltypeStr);
+    EXPECT_THAT(std::string(name.val.str + 1, static_cast<unsigned char>(name.val.str[0])),
+                ::testing::EndsWith("Quillmere4.xll"));
+    XLOPER* lent[] = {&name};
+    EXPECT_EQ(excel4v(xlFree, nullptr, 1, lent), xlretSuccess);
+    EXPECT_EQ(excel4v(xlGetName, &name, 1, lent), xlretInvCount);
+    EXPECT_THAT(Complaints(), ElementsAre(HasSubstr("xlGetName was given 1 argument")));
+    if (library) {
+      const auto excel4 = library->FindAs<int (*)(int, XLOPER*, int, ...)>("Excel4");
+      XLOPER type{}, text{};
+      char units[] = {2, '4', '2'};
+      text.xltype = xltypeStr;
+      text.val.str = units;
+      type.xltype = xltypeInt;
+      type.val.w = xltypeInt;
+      ASSERT_EQ(excel4(xlCoerce, &name, 2, &text, &type), xlretSuccess);
+      EXPECT_EQ(name.val.w, 42);
+      EXPECT_EQ(excel4(xlCoerce, &name, 256), xlretInvCount);
+      EXPECT_EQ(library->FindAs<int (*)()>("XLCallVer")(), 12 * 256);
+    }
+    EXPECT_EQ(excel4v(xlGetName, &name, 0, nullptr), xlretSuccess);
+  }
+  session.Finish();
+  EXPECT_THAT(Complaints(), ElementsAre("a command kept 1 value of xlGetName: never given back through xlFree"));
+}
+
+}  // namespace
+}  // namespace qcalc
