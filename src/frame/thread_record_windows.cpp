@@ -3,6 +3,8 @@
 // unloaded at all. A plain thread-local slot beside it is what the calls read.
 #include <windows.h>
 
+#include <cstdlib>
+#include <memory>
 #include <new>
 
 #include "frame/module_windows.h"
@@ -14,9 +16,20 @@ namespace {
 DWORD tlsSlot = TLS_OUT_OF_INDEXES;
 DWORD flsSlot = FLS_OUT_OF_INDEXES;
 
+// Not operator new, whose form without exceptions throws and catches one inside: throwing asks for the record.
+ThreadRecord* NewRecord() noexcept {
+  void* const memory = std::malloc(sizeof(ThreadRecord));
+  return memory ? ::new (memory) ThreadRecord : nullptr;
+}
+
+void DeleteRecord(ThreadRecord* record) noexcept {
+  std::destroy_at(record);
+  std::free(record);
+}
+
 void WINAPI ReleaseRecord(void* record) {
   TlsSetValue(tlsSlot, nullptr);
-  delete static_cast<ThreadRecord*>(record);
+  DeleteRecord(static_cast<ThreadRecord*>(record));
 }
 
 struct ThreadSlots {
@@ -34,15 +47,15 @@ ThreadRecord* ExistingThreadRecord() noexcept { return static_cast<ThreadRecord*
 ThreadRecord* CurrentThreadRecord() noexcept {
   if (ThreadRecord* const existing = ExistingThreadRecord()) return existing;
   if (tlsSlot == TLS_OUT_OF_INDEXES || flsSlot == FLS_OUT_OF_INDEXES) return nullptr;
-  auto* const record = new (std::nothrow) ThreadRecord;
+  ThreadRecord* const record = NewRecord();
   if (!record) return nullptr;
   if (!FlsSetValue(flsSlot, record)) {
-    delete record;
+    DeleteRecord(record);
     return nullptr;
   }
   if (!TlsSetValue(tlsSlot, record)) {
     FlsSetValue(flsSlot, nullptr);
-    delete record;
+    DeleteRecord(record);
     return nullptr;
   }
   return record;
