@@ -10,6 +10,8 @@ passed=0
 failed=0
 logs=build/test-logs
 time_limit=300
+examples=build/windows/src/functions/generated/examples.calc
+guarded=build/windows/bin/Quillmere4_guarded.xll
 
 # report SUITE PASSED FAILED LOG: one line for the suite, and its log if something failed.
 report() {
@@ -86,14 +88,19 @@ check_suite() {
   report checks "$good" "$bad" "$log"
 }
 
-# The scripts of the tests, and the one that is made of the examples in the tables of functions.
-all_scripts() {
+# The scripts of the tests, and the one that is made of the examples in the tables of functions. What only the Windows
+# build can show stands in a folder of its own.
+windows_scripts() {
   find tests/scripts -name '*.calc' | sort
-  echo build/windows/src/functions/generated/examples.calc
+  echo "$examples"
+}
+
+native_scripts() {
+  windows_scripts | grep -v '^tests/scripts/windows/'
 }
 
 parallel_scripts() {
-  all_scripts | xargs -r grep -lE '^parallel '
+  native_scripts | xargs -r grep -lE '^parallel '
 }
 
 rm -rf "$logs"
@@ -101,13 +108,19 @@ mkdir -p "$logs"
 
 check_suite
 unit_suite 'unit tests, Windows' wine build/windows/bin/unit_tests.exe
+unit_suite 'fault guard, Windows' wine build/windows/bin/fault_guard_tests.exe
 unit_suite 'unit tests, asan' build/asan/bin/unit_tests
 unit_suite 'generator tests, asan' build/asan/bin/generator_tests
 unit_suite 'host tests, Windows' wine build/windows/bin/host_tests.exe
 unit_suite 'host tests, asan' build/asan/bin/host_tests
-script_suite 'scripts, Windows' wine build/windows/bin/qcalc.exe < <(all_scripts)
-script_suite 'scripts, asan' build/asan/bin/qcalc < <(all_scripts)
+script_suite 'scripts, Windows' wine build/windows/bin/qcalc.exe < <(windows_scripts)
+script_suite 'scripts, asan' build/asan/bin/qcalc < <(native_scripts)
+script_suite 'scripts, guarded pages' wine build/windows/bin/qcalc.exe --addin $guarded < <(windows_scripts)
 script_suite 'parallel scripts, tsan' build/tsan/bin/qcalc < <(parallel_scripts)
+unit_suite 'faults, Windows' wine build/windows/bin/fault_tests.exe --examples $examples
+unit_suite 'faults, guarded pages' wine build/windows/bin/fault_tests.exe --addin $guarded --examples $examples
+unit_suite 'faults, asan' build/asan/bin/fault_tests --examples $examples
+unit_suite 'faults, tsan' build/tsan/bin/fault_tests --gtest_filter=Random.AllThreads --rounds 15
 
 echo "$passed passed, $failed failed"
 ((failed == 0))

@@ -1,0 +1,41 @@
+// Where the trials of one test are numbered, and what they found is told.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "last_words.h"
+#include "suites.h"
+
+namespace qcalc::fault {
+
+class Findings {
+ public:
+  explicit Findings(const SuiteSettings& settings) : settings_(settings) {}
+
+  bool IsWanted(std::uint64_t number) const { return !settings_.only || *settings_.only == number; }
+
+  /// What the trial is called in a report: how to make it again, and the call.
+  std::string NameOf(std::uint64_t number, const std::string& call) const {
+    return "--seed " + std::to_string(settings_.seed) + " --only " + std::to_string(number) + ": " + call;
+  }
+
+  /// Makes one trial on the main thread and tells what is wrong. False when enough has been told.
+  bool Try(TrialRunner& runner, const Trial& trial, std::uint64_t number) {
+    const std::string name = NameOf(number, trial.Describe());
+    NoteLastWords(0, name);
+    return Tell(name, runner.Try(trial));
+  }
+
+  bool Tell(const std::string& name, const std::string& wrong) {
+    constexpr int kMostTold = 5;
+    if (wrong.empty()) return true;
+    ADD_FAILURE() << name << "\n  " << wrong;
+    return ++told_ < kMostTold;
+  }
+
+ private:
+  const SuiteSettings& settings_;
+  int told_ = 0;
+};
+
+}  // namespace qcalc::fault

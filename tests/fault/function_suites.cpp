@@ -1,0 +1,243 @@
+#include <random>
+
+#include "findings.h"
+#include "host/utf8.h"
+
+namespace qcalc::fault {
+namespace {
+
+constexpr std::size_t kNoArgument = static_cast<std::size_t>(-1);
+constexpr int kReturnCodes[] = {xlretAbort,         xlretInvXlfn,       xlretInvCount,
+                                xlretInvXloper,     xlretStackOvfl,     xlretFailed,
+                                xlretUncalced,      xlretNotThreadSafe, xlretInvAsynchronousContext,
+                                xlretNotClusterSafe};
+constexpr AnswerKind kAnswerKinds[] = {AnswerKind::kNumber,  AnswerKind::kText,    AnswerKind::kBoolean,
+                                       AnswerKind::kError,   AnswerKind::kArray,   AnswerKind::kReference,
+                                       AnswerKind::kSheet,   AnswerKind::kMissing, AnswerKind::kEmpty,
+                                       AnswerKind::kInteger, AnswerKind::kHandle};
+
+/// A plain call with one argument exchanged, or with none.
+struct Combination {
+  PlainCall plain;
+  std::size_t argument = kNoArgument;
+  std::size_t kind = 0;
+};
+
+/// At most `most` of the numbers below `total`, one drawn from each of as many even stretches.
+std::vector<std::uint64_t> Spread(std::uint64_t total, std::uint64_t most, std::uint64_t seed) {
+  std::vector<std::uint64_t> numbers;
+  std::mt19937_64 random(seed);
+  const std::uint64_t count = std::min(total, most);
+  for (std::uint64_t i = 0; i < count; ++i) {
+    const std::uint64_t first = i * total / count, end = (i + 1) * total / count;
+    numbers.push_back(first + random() % (end - first));
+  }
+  return numbers;
+}
+
+/// What the tests of one function share.
+class FunctionTest : public testing::Test {
+ public:
+  FunctionTest(TrialRunner& runner, const SuiteSettings& settings, const RegisteredFunction& function)
+      : runner_(runner), settings_(settings), function_(function), findings_(settings) {
+    for (const PlainCall plain : kPlainCalls) {
+      combinations_.push_back({plain});
+      for (std::size_t argument = 0; argument < function.operands.size(); ++argument)
+        for (std::size_t kind = 0; kind < runner.Values().KindsFor(function, argument).size(); ++kind)
+          combinations_.push_back({plain, argument, kind});
+    }
+  }
+
+ protected:
+  std::uint64_t Share() const { return std::max<std::uint64_t>(1, settings_.trials / runner_.Functions().size()); }
+
+  Trial TrialOf(const Combination& combination) const {
+    Trial trial{&function_, runner_.Values().PlainOperands(function_, combination.plain), {}};
+    if (combination.argument != kNoArgument)
+      trial.operands[combination.argument] =
+          runner_.Values().KindsFor(function_, combination.argument)[combination.kind];
+    return trial;
+  }
+
+  /// `most` of the combinations that are wanted, with their numbers.
+  std::vector<std::pair<std::uint64_t, Trial>> Trials(std::uint64_t most) const {
+    std::vector<std::pair<std::uint64_t, Trial>> trials;
+    if (settings_.only) {
+      if (*settings_.only < combinations_.size())
+        trials.emplace_back(*settings_.only, TrialOf(combinations_[*settings_.only]));
+      return trials;
+    }
+    for (const std::uint64_t number : Spread(combinations_.size(), most, settings_.seed))
+      trials.emplace_back(number, TrialOf(combinations_[number]));
+    return trials;
+  }
+
+  TrialRunner& runner_;
+  const SuiteSettings& settings_;
+  const RegisteredFunction& function_;
+  Findings findings_;
+  std::vector<Combination> combinations_;
+};
+
+class Values : public FunctionTest {
+ public:
+  using FunctionTest::FunctionTest;
+  void TestBody() override {
+    for (const auto& [number, trial] : Trials(Share()))
+      if (!findings_.Try(runner_, trial, number)) return;
+  }
+};
+
+/// All kinds of damage that this build offers.
+std::vector<Mutation> AllDamage() {
+  std::vector<Mutation> all = {
+      {.kind = MutationKind::kNull}, {.kind = MutationKind::kNested}, {.kind = MutationKind::kPointer}};
+  // Every type of one bit, none, and several at once; the bits above them.
+  for (const int type : {0x0000, 0x0001, 0x0002, 0x0004, 0x0008, 0x0010, 0x0020, 0x0040, 0x0080, 0x0100, 0x0200,
+                         0x0400, 0x0800, 0x0802, 0x0003, 0x0048, 0x0FFF, 0x1001, 0x2000, 0x4002, 0x8000, 0xFFFF})
+    all.push_back({.kind = MutationKind::kType, .number = type});
+  // Each free bit, both, and others that mean nothing.
+  for (const int bits : {0x1000, 0x4000, 0x5000, 0xA000}) all.push_back({.kind = MutationKind::kBits, .number = bits});
+  for (const int length : {0, 1, 255, 256, 32'767, 32'768, 65'535})
+    all.push_back({.kind = MutationKind::kLength, .number = length});
+  constexpr std::pair<int, int> kDims[] = {{0, 0},
+                                           {1, 0},
+                                           {1'048'576, 1},
+                                           {1'048'577, 1},
+                                           {1, 16'384},
+                                           {1, 16'385},
+                                           {100, 100},
+                                           {1'048'576, 16'384},
+                                           {65'536, 65'536},
+                                           {-1, 3},
+                                           {3, -1},
+                                           {-1, -1},
+                                           {2'147'483'647, 2'147'483'647}};
+  for (const auto& [rows, columns] : kDims)
+    all.push_back({.kind = MutationKind::kDims, .rows = rows, .columns = columns});
+  std::erase_if(all, [](const Mutation& damage) { return !WhyNotOffered(damage).empty(); });
+  return all;
+}
+
+/// Each argument with each damage, done to one kind of value after the other.
+class Damage : public FunctionTest {
+ public:
+  using FunctionTest::FunctionTest;
+  void TestBody() override {
+    const std::vector<Mutation> all = AllDamage();
+    const std::size_t arguments = function_.operands.size();
+    const std::int64_t before = runner_.CallsMade();
+    for (const std::uint64_t number : Numbers(arguments * all.size() * kRounds)) {
+      const std::size_t argument = number / all.size() % arguments;
+      Trial trial = TrialOf(CombinationFor(number, argument));
+      trial.faults.damage = all[number % all.size()];
+      trial.faults.damage->argument = static_cast<int>(argument) + 1;
+      if (!findings_.Try(runner_, trial, number)) return;
+    }
+    EXPECT_TRUE(arguments == 0 || settings_.only || runner_.CallsMade() > before) << "no damage could be done";
+  }
+
+ private:
+  // Each argument and damage with so many different values.
+  static constexpr std::uint64_t kRounds = 4;
+
+  std::vector<std::uint64_t> Numbers(std::uint64_t total) const {
+    return settings_.only ? std::vector{*settings_.only} : Spread(total, 2 * Share(), settings_.seed);
+  }
+
+  /// What the damage is done to follows from the trial's number: damage to texts and arrays needs such.
+  Combination CombinationFor(std::uint64_t number, std::size_t argument) const {
+    std::mt19937_64 random(number);
+    const std::span<const NamedValue> kinds = runner_.Values().KindsFor(function_, argument);
+    const std::size_t kind = random() % kinds.size();
+    return {kPlainCalls[random() % kPlainCalls.size()], argument, kind};
+  }
+};
+
+/// Each callback that a call makes fails, and is answered oddly, in turn.
+class Callbacks : public FunctionTest {
+ public:
+  using FunctionTest::FunctionTest;
+  void TestBody() override {
+    std::uint64_t left = Share();
+    for (const auto& [number, trial] : Trials(std::max<std::uint64_t>(Share() / 8, kPlainCalls.size()))) {
+      NoteLastWords(0, findings_.NameOf(number, trial.Describe()));
+      runner_.Observe(trial);
+      for (const auto& [callback, calls] : runner_.CallbacksMade())
+        for (int nth = 1; nth <= std::min(calls, kMostInTurn); ++nth)
+          if (!TryCallback(number, trial, *callback, nth, left)) return;
+    }
+    EXPECT_EQ(runner_.CheckBooks(), "");
+  }
+
+ private:
+  static constexpr int kMostInTurn = 6;
+
+  bool TryCallback(std::uint64_t number, const Trial& plain, const XlCallback& callback, int nth, std::uint64_t& left) {
+    Trial trial = plain;
+    const auto attempt = [&](std::variant<int, AnswerKind> answer) {
+      if (left == 0) return true;
+      --left;
+      trial.faults.callback = CallbackFault{&callback, nth, answer};
+      return findings_.Try(runner_, trial, number);
+    };
+    for (const int code : kReturnCodes)
+      if (!attempt(code)) return false;
+    for (const AnswerKind kind : kAnswerKinds)
+      if (!attempt(kind)) return false;
+    return true;
+  }
+};
+
+/// Each allocation that a call makes fails in turn, once and from then on, until the call gets by without it.
+class Allocations : public FunctionTest {
+ public:
+  using FunctionTest::FunctionTest;
+  void TestBody() override {
+    std::int64_t failed = 0;
+    std::int64_t left = static_cast<std::int64_t>(2 * Share());
+    for (const auto& [number, trial] : Trials(std::max<std::uint64_t>(Share() / 10, kPlainCalls.size()))) {
+      for (const AllocationFailure failure : {AllocationFailure::kOnce, AllocationFailure::kFromThenOn}) {
+        const std::int64_t reached = FailEach(number, trial, failure);
+        if (reached < 0) return;
+        failed += reached;
+        left -= reached;
+      }
+      if (left < 0) break;
+    }
+    EXPECT_TRUE(failed > 0 || settings_.only) << "no call allocated anything";
+  }
+
+ private:
+  /// How many allocations were made to fail; negative when enough has been told.
+  std::int64_t FailEach(std::uint64_t number, Trial trial, AllocationFailure failure) {
+    NoteLastWords(0, findings_.NameOf(number, trial.Describe()));
+    trial.answer = runner_.Observe(trial);
+    for (std::int64_t nth = 1;; ++nth) {
+      trial.faults.allocation = AllocationFault{nth, failure};
+      if (!findings_.Try(runner_, trial, number)) return -1;
+      if (AddinAllocations().Failed() == 0) return nth - 1;
+    }
+  }
+};
+
+template <typename Test>
+void Register(const char* name, TrialRunner& runner, const SuiteSettings& settings,
+              const RegisteredFunction& function) {
+  testing::RegisterTest(
+      ToUtf8(function.name).c_str(), name, nullptr, nullptr, __FILE__, __LINE__,
+      [&runner, &settings, &function]() -> testing::Test* { return new Test(runner, settings, function); });
+}
+
+}  // namespace
+
+void RegisterFunctionSuites(TrialRunner& runner, const SuiteSettings& settings) {
+  for (const RegisteredFunction* function : runner.Functions()) {
+    Register<Values>("Values", runner, settings, *function);
+    Register<Damage>("Damage", runner, settings, *function);
+    Register<Callbacks>("Callbacks", runner, settings, *function);
+    Register<Allocations>("Allocations", runner, settings, *function);
+  }
+}
+
+}  // namespace qcalc::fault

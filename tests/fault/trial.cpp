@@ -1,0 +1,192 @@
+#include "trial.h"
+
+#include <algorithm>
+
+#include "host/evaluation_watch.h"
+#include "host/literal.h"
+
+namespace qcalc::fault {
+namespace {
+
+// What a cell says of a fault of the processor that the add-in caught.
+constexpr XStringView kFaultText = XTEXT("#ERROR: 'C' exception");
+constexpr XStringView kErrorText = XTEXT("#ERROR");
+
+bool StartsWith(const Value& value, XStringView prefix) { return value.IsText() && value.AsText().starts_with(prefix); }
+
+std::string Shorten(std::string text) {
+  constexpr std::size_t kShown = 200;
+  if (text.size() > kShown) text = text.substr(0, kShown) + "...";
+  return text;
+}
+
+std::string Describe(const Value& value) { return value.IsReference() ? "a reference" : Shorten(PrintLiteral(value)); }
+
+std::string DescribeDamage(const Mutation& damage) {
+  const std::string argument = ", argument " + std::to_string(damage.argument);
+  const std::string number = std::to_string(damage.number);
+  switch (damage.kind) {
+    case MutationKind::kNull:
+      return argument + " is a null pointer";
+    case MutationKind::kType:
+      return argument + " has type " + number;
+    case MutationKind::kBits:
+      return argument + " has the bits " + number;
+    case MutationKind::kLength:
+      return argument + " says it has " + number + " units";
+    case MutationKind::kDims:
+      return argument + " says it has " + std::to_string(damage.rows) + " x " + std::to_string(damage.columns);
+    case MutationKind::kPointer:
+      return argument + " points nowhere";
+    case MutationKind::kNested:
+      return argument + " holds an array in an array";
+  }
+  return argument;
+}
+
+std::string DescribeCallback(const CallbackFault& fault) {
+  std::string text = ", ";
+  text += fault.nth == 0 ? "every" : "the " + std::to_string(fault.nth) + ".";
+  text += " " + std::string(fault.callback->name);
+  if (const int* code = std::get_if<int>(&fault.answer)) return text + " returns " + std::to_string(*code);
+  return text + " is answered with kind " + std::to_string(static_cast<int>(std::get<AnswerKind>(fault.answer)));
+}
+
+/// What is wrong with the result of a trial; empty when nothing is.
+std::string FaultOf(const Trial& trial, const Value& result) {
+  if (!trial.faults.MayFault() && StartsWith(result, kFaultText))
+    return "a fault of the processor where nothing should fault: " + Shorten(PrintLiteral(result));
+  if (trial.answer && !result.IsError() && !StartsWith(result, kErrorText) && !SameValue(*trial.answer, result))
+    return "neither an error nor the right answer: " + Describe(result);
+  return {};
+}
+
+}  // namespace
+
+bool Faults::MayFault() const {
+  if (!damage) return false;
+  switch (damage->kind) {
+    case MutationKind::kType:
+    case MutationKind::kLength:
+    case MutationKind::kDims:
+    case MutationKind::kPointer:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void Faults::Arm(Addin& addin) const {
+  if (damage) addin.faults.Mutate(*damage);
+  if (allocation) AddinAllocations().Fail(allocation->nth, allocation->failure);
+  if (!callback) return;
+  if (const int* code = std::get_if<int>(&callback->answer))
+    addin.meter.Fail(*callback->callback, *code, callback->nth);
+  else
+    addin.meter.AnswerWith(*callback->callback, std::get<AnswerKind>(callback->answer), callback->nth);
+}
+
+std::string Faults::Describe() const {
+  std::string text;
+  if (damage) text += DescribeDamage(*damage);
+  if (callback) text += DescribeCallback(*callback);
+  if (allocation)
+    text += ", allocation " + std::to_string(allocation->nth) +
+            (allocation->failure == AllocationFailure::kOnce ? " fails" : " and all later ones fail");
+  return text;
+}
+
+TrialRunner::TrialRunner(Session& session, CallValues& values) : values_(values), addin_(session.ItsAddin()) {
+  AddinAllocations().TrackBlocks();
+  for (const RegisteredFunction* function : addin_.registry.All())
+    if (!function->IsCommand()) functions_.push_back(function);
+  for (const RegisteredFunction* function : functions_) FindWitnesses(*function);
+}
+
+Value TrialRunner::Call(const RegisteredFunction& function, std::span<const Value> operands) {
+  return addin_.Call(function, operands, values_.Context());
+}
+
+void TrialRunner::FindWitnesses(const RegisteredFunction& function) {
+  for (const PlainCall plain : kPlainCalls) {
+    const Trial trial{&function, values_.PlainOperands(function, plain), {}};
+    Witness witness{ValuesOf(trial.operands), {}};
+    // The first call may set up what the later ones find.
+    Observe(trial);
+    for (const auto& [callback, calls] : CallbacksMade())
+      if (std::find(usualCallbacks_.begin(), usualCallbacks_.end(), callback) == usualCallbacks_.end())
+        usualCallbacks_.push_back(callback);
+    witness.answer = Call(function, witness.operands);
+    if (SameValue(witness.answer, Call(function, witness.operands)))
+      witnesses_[&function].push_back(std::move(witness));
+  }
+}
+
+Value TrialRunner::Observe(const Trial& trial) {
+  const EvaluationWatch watch(addin_);
+  return Call(*trial.function, ValuesOf(trial.operands));
+}
+
+std::vector<std::pair<const XlCallback*, int>> TrialRunner::CallbacksMade() const {
+  std::vector<std::pair<const XlCallback*, int>> made;
+  for (const XlCallback& callback : kXlCallbacks)
+    if (const int calls = addin_.meter.Calls(callback)) made.emplace_back(&callback, calls);
+  return made;
+}
+
+std::string TrialRunner::CheckCall(const Trial& trial) {
+  Value result;
+  try {
+    result = Call(*trial.function, ValuesOf(trial.operands));
+  } catch (const FormulaError&) {
+    // The host says so when the damage cannot be done to what the argument is.
+    if (!trial.faults.damage) throw;
+    return {};
+  }
+  ++callsMade_;
+  return FaultOf(trial, result);
+}
+
+std::string TrialRunner::CheckPlainCall(const RegisteredFunction& function) {
+  for (const Witness& witness : witnesses_.at(&function)) {
+    const Value answer = Call(function, witness.operands);
+    if (!SameValue(witness.answer, answer))
+      return "a plain call gives " + Describe(answer) + " in place of " + Describe(witness.answer);
+  }
+  return {};
+}
+
+std::string TrialRunner::CheckBooks() {
+  std::string wrong;
+  for (const std::string& text : addin_.complaints.Take()) wrong += (wrong.empty() ? "" : "; ") + text;
+  for (const std::string& text : addin_.books.Close()) wrong += (wrong.empty() ? "" : "; ") + text;
+  return wrong;
+}
+
+std::string TrialRunner::RunOnce(const Trial& trial) {
+  std::string wrong;
+  {
+    trial.faults.Arm(addin_);
+    const EvaluationWatch watch(addin_);
+    wrong = CheckCall(trial);
+  }
+  if (wrong.empty()) wrong = CheckBooks();
+  return wrong;
+}
+
+std::string TrialRunner::Try(const Trial& trial) {
+  std::int64_t live = AddinAllocations().LiveBlocks();
+  if (std::string wrong = RunOnce(trial); !wrong.empty()) return wrong;
+  // What a function keeps from its first call on it does not keep again: a loss goes on for ever.
+  constexpr int kRepetitions = 3;
+  for (int repetition = 0; AddinAllocations().LiveBlocks() > live; ++repetition) {
+    if (repetition == kRepetitions)
+      return "every such call leaves blocks behind, now " + std::to_string(AddinAllocations().LiveBlocks());
+    live = AddinAllocations().LiveBlocks();
+    if (std::string wrong = RunOnce(trial); !wrong.empty()) return wrong;
+  }
+  std::string wrong = CheckPlainCall(*trial.function);
+  return wrong.empty() ? CheckBooks() : wrong;
+}
+
+}  // namespace qcalc::fault

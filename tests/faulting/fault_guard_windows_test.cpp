@@ -1,0 +1,282 @@
+// The frame's fault guard, shown on a library that provokes the faults.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <windows.h>
+// Needs the types of windows.h.
+#include <psapi.h>
+#include <xmmintrin.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include "host/allocation.h"
+#include "host/literal.h"
+#include "host/session.h"
+
+namespace qcalc {
+namespace {
+
+using ::testing::IsEmpty;
+
+constexpr char kAccessViolation[] = "\"#ERROR: 'C' exception 0xC0000005\"";
+constexpr char kStackOverflow[] = "\"#ERROR: 'C' exception 0xC00000FD\"";
+constexpr char kTerminated[] = "\"#ERROR: 'C' structured exception occurred\"";
+
+/// What each kind of fault leaves in the cell when the value handed along is 7, and how many blocks of memory it loses.
+struct Kind {
+  const char* name;
+  std::vector<std::string> results;
+  int lostBlocks;
+};
+
+/// What PROVOKE itself owns when an escape skips its frame: a text and an object's memory.
+constexpr int kOwned = 2;
+/// An exception object, its 8-bit text, and its wide text with the units.
+constexpr int kException = 4;
+
+const Kind kKinds[] = {
+    {"nothing", {"7"}, 0},
+    {"read", {kAccessViolation}, 0},
+    {"write", {kAccessViolation}, 0},
+    // Windows may tell of an overflow where Wine tells of a division by zero.
+    {"divide", {"\"#ERROR: 'C' exception 0xC0000094\"", "\"#ERROR: 'C' exception 0xC0000095\""}, 0},
+    {"call", {kAccessViolation}, 0},
+    {"instruction", {"\"#ERROR: 'C' exception 0xC000001D\""}, 0},
+    {"leaf", {kAccessViolation}, 0},
+    {"prologue", {kAccessViolation}, 0},
+    {"epilogue bytes", {kAccessViolation}, 0},
+    {"host copy", {kAccessViolation}, 0},
+    {"locked read", {kAccessViolation}, 0},
+    {"copy", {kAccessViolation}, 1 + kOwned + kException},
+    {"locked copy", {kAccessViolation}, kOwned + kException},
+    {"destructor", {kAccessViolation}, kOwned + kException},
+    {"noexcept", {kAccessViolation}, kOwned + kException},
+    {"terminate", {kTerminated}, kOwned},
+    {"overflow", {kStackOverflow}, kOwned},
+    {"large overflow", {kStackOverflow}, kOwned},
+};
+
+std::string Call(const std::string& kind) { return "=PROVOKE(\"" + kind + "\",7)"; }
+
+class FaultGuard : public ::testing::Test {
+ protected:
+  std::string Evaluate(const std::string& text) {
+    const auto formula = ParseFormula(text);
+    return PrintLiteral(session.Contents(session.Evaluate(*formula)));
+  }
+  std::vector<std::string> Complaints() { return session.ItsAddin().complaints.Take(); }
+
+  Session session{ProgramFolder() / "faulting.xll"};
+};
+
+TEST_F(FaultGuard, EachFaultEndsInItsCellAndTheNextCallIsRight) {
+  for (const Kind& kind : kKinds) {
+    const std::string before = Evaluate("=LIVE.OBJECTS()");
+    EXPECT_THAT(kind.results, ::testing::Contains(Evaluate(Call(kind.name)))) << kind.name;
+    EXPECT_EQ(Evaluate(Call("nothing")), "7") << "after " << kind.name;
+    EXPECT_EQ(Evaluate("=STORE.IS.FREE()"), "TRUE") << "after " << kind.name;
+    if (kind.lostBlocks == 0) {
+      EXPECT_EQ(Evaluate("=LIVE.OBJECTS()"), before) << "after " << kind.name;
+    }
+  }
+  session.Finish();
+  EXPECT_THAT(Complaints(), IsEmpty());
+}
+
+/// Bytes that the process has committed for itself.
+std::size_t CommittedBytes() {
+  PROCESS_MEMORY_COUNTERS_EX counters{};
+  counters.cb = sizeof counters;
+  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
+  return counters.PrivateUsage;
+}
+
+/// Calls each of `kinds` in turn, `count` calls on each of eight threads; the number of wrong answers.
+int CallOnEightThreads(Session& session, const std::vector<const Kind*>& kinds, int count) {
+  std::vector<std::shared_ptr<const Formula>> formulas;
+  for (const Kind* kind : kinds) formulas.push_back(std::make_shared<const Formula>(*ParseFormula(Call(kind->name))));
+  const EvaluationContext context = session.Prepare(*formulas[0]);
+  std::atomic<int> wrong{0};
+  session.ItsAddin().mainThread.RunOnThreads(8, [&](int thread) {
+    for (int i = 0; i < count; ++i) {
+      const std::size_t which = static_cast<std::size_t>(i + thread) % kinds.size();
+      const std::string result = PrintLiteral(qcalc::Evaluate(*formulas[which], context));
+      const auto& expected = kinds[which]->results;
+      if (std::find(expected.begin(), expected.end(), result) == expected.end()) ++wrong;
+    }
+  });
+  return wrong;
+}
+
+TEST_F(FaultGuard, MixedFaultsOnEightThreadsGiveNoWrongAnswerAndLeakNothingWhereDestructorsRun) {
+  std::vector<const Kind*> unwinding;
+  for (const Kind& kind : kKinds)
+    if (kind.lostBlocks == 0) unwinding.push_back(&kind);
+  EXPECT_EQ(CallOnEightThreads(session, unwinding, 500), 0);
+  const std::size_t before = CommittedBytes();
+  EXPECT_EQ(CallOnEightThreads(session, unwinding, 12'500), 0);
+  const std::size_t after = CommittedBytes();
+  // 100,000 calls: a block of 64 bytes left by each would be 6 MB.
+  EXPECT_LT(after, before + (1u << 20));
+  EXPECT_EQ(Evaluate("=LIVE.OBJECTS()"), "0");
+}
+
+TEST_F(FaultGuard, AnEscapeLosesTheExceptionAndWhatTheSkippedFramesOwnedAndNothingElse) {
+  Evaluate(Call("nothing"));
+  AllocationMeter& allocations = AddinAllocations();
+  allocations.TrackBlocks();
+  for (const Kind& kind : kKinds) {
+    Evaluate(Call(kind.name));
+    const std::int64_t before = allocations.LiveBlocks();
+    constexpr int kCalls = 20;
+    for (int i = 0; i < kCalls; ++i) Evaluate(Call(kind.name));
+    EXPECT_EQ(allocations.LiveBlocks() - before, kCalls * kind.lostBlocks) << kind.name;
+  }
+  std::vector<const Kind*> escaping;
+  for (const Kind& kind : kKinds)
+    if (kind.lostBlocks > 0 && kind.results[0] != kStackOverflow) escaping.push_back(&kind);
+  EXPECT_EQ(CallOnEightThreads(session, escaping, 500), 0);
+  EXPECT_EQ(Evaluate(Call("nothing")), "7");
+}
+
+TEST_F(FaultGuard, StacksOverflowAHundredTimesAndOtherThreadsDoNotNotice) {
+  const auto overflow = ParseFormula(Call("overflow"));
+  const auto large = ParseFormula(Call("large overflow"));
+  const auto plain = ParseFormula(Call("nothing"));
+  const EvaluationContext context = session.Prepare(*plain);
+  std::atomic<int> overflows{0};
+  std::atomic<int> wrong{0};
+  std::atomic<bool> isOver{false};
+  session.ItsAddin().mainThread.RunOnThreads(3, [&](int thread) {
+    if (thread != 0) {
+      while (!isOver)
+        if (PrintLiteral(qcalc::Evaluate(*plain, context)) != "7") ++wrong;
+      return;
+    }
+    for (int i = 0; i < 100; ++i)
+      if (PrintLiteral(qcalc::Evaluate(i % 2 ? *overflow : *large, context)) == kStackOverflow) ++overflows;
+    isOver = true;
+  });
+  EXPECT_EQ(overflows, 100);
+  EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(FaultGuard, TheFloatEnvironmentIsTheDefaultInsideAndTheHostsAgainOutside) {
+  Evaluate(Call("nothing"));
+  const unsigned int before = _mm_getcsr();
+  constexpr unsigned int kDivideByZeroMask = 0x0200;
+  _mm_setcsr((before & ~kDivideByZeroMask) | _MM_ROUND_UP);
+  const unsigned int unmasked = _mm_getcsr();
+  const std::string result = Evaluate("=DIVIDE.BY.ZERO()");
+  const unsigned int after = _mm_getcsr();
+  _mm_setcsr(before);
+  EXPECT_EQ(result, "TRUE");
+  EXPECT_EQ(after, unmasked);
+}
+
+/// Threads that live on while libraries come and go; each does what it is told, all at the same time.
+class LivingThreads {
+ public:
+  explicit LivingThreads(int count) {
+    for (int i = 0; i < count; ++i) threads_.emplace_back([this] { Serve(); });
+  }
+  LivingThreads(const LivingThreads&) = delete;
+  LivingThreads& operator=(const LivingThreads&) = delete;
+  ~LivingThreads() {
+    RunOnAll(nullptr);
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+  /// Returns when all have done `work`; no work ends them.
+  void RunOnAll(const std::function<void()>* work) {
+    std::unique_lock lock(mutex_);
+    work_ = work;
+    busy_ = threads_.size();
+    ++round_;
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return busy_ == 0; });
+  }
+
+ private:
+  void Serve() {
+    std::unique_lock lock(mutex_);
+    for (int seen = 0;;) {
+      changed_.wait(lock, [&] { return round_ != seen; });
+      seen = round_;
+      const std::function<void()>* const work = work_;
+      lock.unlock();
+      if (work) (*work)();
+      lock.lock();
+      --busy_;
+      changed_.notify_all();
+      if (!work) return;
+    }
+  }
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  const std::function<void()>* work_ = nullptr;
+  std::size_t busy_ = 0;
+  int round_ = 0;
+  std::vector<std::thread> threads_;
+};
+
+/// Loads the library, calls it on all threads with a fault and without, and unloads it; false when it stays.
+bool LoadCallAndUnload(LivingThreads& threads) {
+  const auto path = (ProgramFolder() / "faulting.xll").wstring();
+  const HMODULE module = LoadLibraryW(path.c_str());
+  if (!module) return false;
+  using Export = XLOPER12* (*)(XLOPER12*, XLOPER12*);
+  const auto provoke = reinterpret_cast<Export>(reinterpret_cast<void*>(GetProcAddress(module, "PROVOKE_12")));
+  const auto free =
+      reinterpret_cast<void (*)(XLOPER12*)>(reinterpret_cast<void*>(GetProcAddress(module, "xlAutoFree12")));
+  std::atomic<int> wrong{0};
+  const std::function<void()> calls = [&] {
+    XCHAR read[] = L"\4read";
+    XCHAR nothing[] = L"\7nothing";
+    XLOPER12 kind{};
+    kind.xltype = xltypeStr;
+    XLOPER12 seven{};
+    seven.val.num = 7;
+    seven.xltype = xltypeNum;
+    kind.val.str = read;
+    XLOPER12* const text = provoke(&kind, &seven);
+    if (text->xltype != (xltypeStr | xlbitDLLFree)) ++wrong;
+    free(text);
+    kind.val.str = nothing;
+    if (provoke(&kind, &seven)->val.num != 7) ++wrong;
+    // The last result stays with the thread, text and all.
+    kind.val.str = read;
+    provoke(&kind, &seven);
+  };
+  threads.RunOnAll(&calls);
+  calls();
+  FreeLibrary(module);
+  return wrong == 0 && GetModuleHandleW(L"faulting.xll") == nullptr;
+}
+
+/// The lowest handle that is free: handles that are lost push it up.
+std::uintptr_t NextHandle() {
+  const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+  CloseHandle(event);
+  return reinterpret_cast<std::uintptr_t>(event);
+}
+
+TEST(Reloading, FiveHundredTimesUnderLivingThreadsLeavesNothingBehind) {
+  LivingThreads threads(3);
+  for (int i = 0; i < 50; ++i) ASSERT_TRUE(LoadCallAndUnload(threads)) << "load " << i;
+  const std::size_t bytes = CommittedBytes();
+  const std::uintptr_t handle = NextHandle();
+  for (int i = 50; i < 500; ++i) ASSERT_TRUE(LoadCallAndUnload(threads)) << "load " << i;
+  // Handles are numbered in fours; a few may have been taken by the system meanwhile.
+  EXPECT_LE(NextHandle(), handle + 10 * 4);
+  // 450 loads: a kilobyte left by each would be 460,800 bytes.
+  EXPECT_LT(CommittedBytes(), bytes + 450 * 1'024);
+}
+
+}  // namespace
+}  // namespace qcalc
