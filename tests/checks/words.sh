@@ -18,7 +18,7 @@ refuse() {
 # The function code: everything but the frame and the bridge to Excel's object model.
 function_code=(src/table src/lookup src/criteria src/sort src/shape src/logic src/text src/series src/workbook src/functions)
 
-refuse 'a paper that is not here' '(spec|settled|design)\.md|\bthe specification\b|\b[Pp]arts? [0-9]+\.[0-9]+|\b[Ii]ssue #?[0-9]+' .
+refuse 'a paper that is not here' '(spe[c]|settle[d]|desig[n])\.md|\bthe specificatio[n]\b|\b[Pp]arts? [0-9]+\.[0-9]+|\b[Ii]ssue #?[0-9]+' .
 refuse 'a path of a machine' '(^|[^A-Za-z0-9_./$}*-])/(work|farm|root|home|tmp/q)/' .
 refuse 'a package host' '(registry|deb|ftp|security|pypi|proxy)\.[a-z]+\.(org|com)' .
 refuse 'unfinished' '\b(TODO|FIXME|XXX|HACK)\b' .
