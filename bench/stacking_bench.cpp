@@ -1,5 +1,5 @@
-// What stacking costs beside a plain copy of cells and texts into fresh memory: 29 blocks of 30,000 rows by 5 columns
-// of mixed cells (number, text, text, number, boolean).
+// What stacking costs beside a plain copy of cells and texts into fresh memory: 29 blocks by 5 columns of mixed cells
+// (number, text, text, number, boolean). A benchmark's argument is the number of rows of all blocks.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -15,11 +15,13 @@ namespace quillmere {
 namespace {
 
 constexpr int kBlocks = 29;
-constexpr int kBlockRows = 30'000;
 constexpr int kColumns = 5;
-constexpr int kCells = kBlockRows * kColumns;
-constexpr int kTexts = kBlockRows * 2 + kColumns;  // of one block, the headers included
 constexpr int kTextUnits = 8;
+
+int BlockRows(const benchmark::State& state) { return static_cast<int>(state.range(0)) / kBlocks; }
+
+/// Texts of one block, the headers included.
+constexpr int TextsOf(int blockRows) { return blockRows * 2 + kColumns; }
 
 XLOPER12 TextCell(const XCHAR* counted) {
   XLOPER12 cell{};
@@ -56,12 +58,12 @@ struct HostArray {
 };
 
 /// Blocks whose first row holds the headers A to E, in an order that turns from block to block if `turned`.
-std::vector<std::unique_ptr<HostArray>> MixedBlocks(bool turned) {
+std::vector<std::unique_ptr<HostArray>> MixedBlocks(int blockRows, bool turned) {
   std::vector<std::unique_ptr<HostArray>> blocks;
   for (int block = 0; block < kBlocks; ++block) {
-    blocks.push_back(std::make_unique<HostArray>(kBlockRows, kColumns));
+    blocks.push_back(std::make_unique<HostArray>(blockRows, kColumns));
     HostArray& array = *blocks.back();
-    for (int at = 0; at < kCells; ++at) {
+    for (int at = 0; at < blockRows * kColumns; ++at) {
       const int kind = (at % kColumns + (turned ? block : 0)) % kColumns;
       if (at < kColumns) {
         array.SetText(at, CountedText(static_cast<XCHAR>(XTEXT('A') + kind), 0));
@@ -87,12 +89,18 @@ class Arguments {
   std::array<CXlOper, 29> values_;
 };
 
+void AllSizes(benchmark::internal::Benchmark* benchmark) {
+  for (const int rows : {1'000, 100'000, 870'000, 1'000'000}) benchmark->Arg(rows);
+  benchmark->Unit(benchmark::kMillisecond);
+}
+
 /// The floor: cells and texts copied one by one, nothing checked, into memory never touched before.
 void PlainCopy(benchmark::State& state) {
-  const auto blocks = MixedBlocks(false);
+  const int blockRows = BlockRows(state);
+  const auto blocks = MixedBlocks(blockRows, false);
   for (auto _ : state) {
-    const auto cells = std::make_unique_for_overwrite<XLOPER12[]>(static_cast<std::size_t>(kBlocks) * kCells);
-    const auto texts = std::make_unique_for_overwrite<XCHAR[]>(std::size_t{kBlocks} * kTexts * 9);
+    const auto cells = std::make_unique_for_overwrite<XLOPER12[]>(std::size_t{kBlocks} * blockRows * kColumns);
+    const auto texts = std::make_unique_for_overwrite<XCHAR[]>(std::size_t{kBlocks} * TextsOf(blockRows) * 9);
     XLOPER12* to = cells.get();
     XCHAR* text = texts.get();
     for (const auto& block : blocks) {
@@ -110,10 +118,10 @@ void PlainCopy(benchmark::State& state) {
     benchmark::DoNotOptimize(texts.get());
   }
 }
-BENCHMARK(PlainCopy)->Unit(benchmark::kMillisecond);
+BENCHMARK(PlainCopy)->Apply(AllSizes);
 
 void Stack(benchmark::State& state, StackDirection direction) {
-  const auto blocks = MixedBlocks(false);
+  const auto blocks = MixedBlocks(BlockRows(state), false);
   const Arguments arguments(blocks);
   for (auto _ : state) {
     CXlOper result;
@@ -121,11 +129,11 @@ void Stack(benchmark::State& state, StackDirection direction) {
     benchmark::DoNotOptimize(&result);
   }
 }
-BENCHMARK_CAPTURE(Stack, Down, StackDirection::kDown)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Stack, Across, StackDirection::kAcross)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Stack, Down, StackDirection::kDown)->Apply(AllSizes);
+BENCHMARK_CAPTURE(Stack, Across, StackDirection::kAcross)->Apply(AllSizes);
 
 void StackByHeader(benchmark::State& state, bool turned) {
-  const auto blocks = MixedBlocks(turned);
+  const auto blocks = MixedBlocks(BlockRows(state), turned);
   const Arguments arguments(blocks);
   for (auto _ : state) {
     CXlOper result;
@@ -133,8 +141,8 @@ void StackByHeader(benchmark::State& state, bool turned) {
     benchmark::DoNotOptimize(&result);
   }
 }
-BENCHMARK_CAPTURE(StackByHeader, SameOrder, false)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(StackByHeader, OtherOrder, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(StackByHeader, SameOrder, false)->Apply(AllSizes);
+BENCHMARK_CAPTURE(StackByHeader, OtherOrder, true)->Apply(AllSizes);
 
 /// As many headers as a sheet has columns, two rows a block, the columns backwards in every other block.
 void StackWideByHeader(benchmark::State& state) {
