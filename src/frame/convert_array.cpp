@@ -68,14 +68,7 @@ CElementArray<kind> ConvertArgument(const CXlOper& argument, const CVectorConver
 
 #define INSTANTIATE(kind) \
   template CElementArray<kind> ConvertArgument<kind>(const CXlOper&, const CVectorConvertParams<kind>&);
-INSTANTIATE(ElementKind::kBoolean)
-INSTANTIATE(ElementKind::kNumber)
-INSTANTIATE(ElementKind::kInteger)
-INSTANTIATE(ElementKind::kLongInteger)
-INSTANTIATE(ElementKind::kShortInteger)
-INSTANTIATE(ElementKind::kUnsignedShortInteger)
-INSTANTIATE(ElementKind::kError)
-INSTANTIATE(ElementKind::kString)
+FOR_EACH_ELEMENT_KIND(INSTANTIATE)
 #undef INSTANTIATE
 
 }  // namespace quillmere

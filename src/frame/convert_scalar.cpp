@@ -64,14 +64,7 @@ ElementOf<kind> ConvertArgument(const CXlOper& argument, const CScalarConvertPar
 #define INSTANTIATE(kind)                                         \
   template ElementOf<kind> ConvertTo<kind>(const CXlOper&, bool); \
   template ElementOf<kind> ConvertArgument<kind>(const CXlOper&, const CScalarConvertParams<kind>&);
-INSTANTIATE(ElementKind::kBoolean)
-INSTANTIATE(ElementKind::kNumber)
-INSTANTIATE(ElementKind::kInteger)
-INSTANTIATE(ElementKind::kLongInteger)
-INSTANTIATE(ElementKind::kShortInteger)
-INSTANTIATE(ElementKind::kUnsignedShortInteger)
-INSTANTIATE(ElementKind::kError)
-INSTANTIATE(ElementKind::kString)
+FOR_EACH_ELEMENT_KIND(INSTANTIATE)
 #undef INSTANTIATE
 
 }  // namespace quillmere

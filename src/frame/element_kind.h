@@ -57,3 +57,14 @@ XStringView TypeName(ElementKind kind) noexcept;
 XStringView TypeNameOf(const XLOPER12& value);
 
 }  // namespace quillmere
+
+/// Every kind in turn, for templates that are compiled in one place for all of them.
+#define FOR_EACH_ELEMENT_KIND(USE)        \
+  USE(ElementKind::kBoolean)              \
+  USE(ElementKind::kNumber)               \
+  USE(ElementKind::kInteger)              \
+  USE(ElementKind::kLongInteger)          \
+  USE(ElementKind::kShortInteger)         \
+  USE(ElementKind::kUnsignedShortInteger) \
+  USE(ElementKind::kError)                \
+  USE(ElementKind::kString)
