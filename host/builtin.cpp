@@ -12,7 +12,7 @@ namespace qcalc {
 namespace {
 
 // Their rules are many and exact: nothing stands in for them until they are there.
-constexpr std::array<std::string_view, 5> kNotOffered = {"COUNTA", "MATCH", "TEXT", "VALUE", "VLOOKUP"};
+constexpr std::array<std::string_view, 3> kNotOffered = {"COUNTA", "TEXT", "VALUE"};
 
 bool IsNamed(XStringView name, std::string_view capitals) {
   return std::equal(name.begin(), name.end(), capitals.begin(), capitals.end(), [](XCHAR unit, char capital) {
@@ -23,7 +23,7 @@ bool IsNamed(XStringView name, std::string_view capitals) {
 }  // namespace
 
 const Builtin* FindBuiltin(XStringView name) {
-  for (const auto family : {ReferenceBuiltins(), NumberBuiltins(), TextBuiltins()})
+  for (const auto family : {ReferenceBuiltins(), NumberBuiltins(), TextBuiltins(), LookupBuiltins()})
     for (const Builtin& builtin : family)
       if (IsNamed(name, builtin.name)) return &builtin;
   return nullptr;

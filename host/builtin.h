@@ -29,6 +29,7 @@ const Builtin* FindBuiltin(XStringView name);
 bool IsBuiltinNotOffered(XStringView name);
 
 /// The entries by family.
+std::span<const Builtin> LookupBuiltins();
 std::span<const Builtin> ReferenceBuiltins();
 std::span<const Builtin> NumberBuiltins();
 std::span<const Builtin> TextBuiltins();

@@ -55,6 +55,13 @@ const Sheet* CallbackRequest::SheetAt(std::size_t index) const {
   return reference ? workbooks.FindSheet(reference->sheet) : nullptr;
 }
 
+void CallbackRequest::CheckCalculated(const Reference& reference) const {
+  const Sheet* sheet = Evaluation().workbooks->FindSheet(reference.sheet);
+  if (!sheet || context.place == Place::kMacroFunction || context.place == Place::kCommand) return;
+  for (const Area& area : reference.areas)
+    if (const auto cell = sheet->FirstUncalculated(area)) throw UncalculatedCell{reference.sheet, *cell};
+}
+
 void CallbackRequest::Complain(const std::string& text) const {
   ItsAddin().complaints.Add(context.function + ": " + std::string(callback.name) + " " + text);
 }

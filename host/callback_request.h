@@ -50,6 +50,9 @@ struct CallbackRequest {
   /// null when there is none such.
   const Sheet* SheetAt(std::size_t index) const;
 
+  /// Throws UncalculatedCell when a function on a worksheet is to read cells of which one is not calculated yet.
+  void CheckCalculated(const Reference& reference) const;
+
   /// Reports a breach of the rules.
   void Complain(const std::string& text) const;
   /// Reports an argument (1-based) of the wrong kind and gives xlretInvXloper.

@@ -133,7 +133,9 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
 template <typename Width>
 int Deliver(CallbackAnswer answer, CallContext* context, int xlfn, typename Width::Oper* result) {
   if (answer.code == xlretSuccess && !Marshal<Width>::Fits(answer.value)) answer = CallbackAnswer::Failure(xlretFailed);
-  if (context && (answer.code == xlretUncalced || answer.code == xlretAbort)) context->mustReturn = answer.code;
+  // To give memory back calculates nothing: its code says nothing of the calculation.
+  const bool breaksOff = (answer.code == xlretUncalced || answer.code == xlretAbort) && xlfn != xlFree;
+  if (context && breaksOff) context->mustReturn = answer.code;
   if (!result) return answer.code;
   if (answer.code != xlretSuccess || !context) {
     Marshal<Width>::Write(Value::Error(xlerrValue), {}, nullptr, *result);

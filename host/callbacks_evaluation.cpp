@@ -29,6 +29,8 @@ CallbackAnswer HandleWorksheetFunction(CallbackRequest& request) {
   for (const char letter : request.callback.name.substr(3))
     name.push_back(static_cast<XCHAR>(std::toupper(static_cast<unsigned char>(letter))));
   const std::vector<Value> operands = ValuesFrom(request, 0);
+  for (const Value& operand : operands)
+    if (operand.IsReference()) request.CheckCalculated(operand.AsReference());
   auto result = CallBuiltin(name, operands, request.Evaluation());
   if (!result) return request.NotOffered("this function");
   return std::move(*result);

@@ -30,9 +30,7 @@ std::string QualifiedName(const Sheet& sheet) {
 
 /// The value of one cell, as the place of the callback may read it.
 Value ReadCell(const CallbackRequest& request, const Sheet& sheet, const Area& cell) {
-  const Place place = request.context.place;
-  if (place != Place::kMacroFunction && place != Place::kCommand)
-    if (const auto position = sheet.FirstUncalculated(cell)) throw UncalculatedCell{sheet.Id(), *position};
+  request.CheckCalculated({sheet.Id(), {cell}});
   return Value::OfCell(sheet.Get(cell.firstRow, cell.firstColumn));
 }
 

@@ -12,9 +12,10 @@ constexpr std::size_t kLeastUnitsToCompact = std::size_t{1} << 20;
 CellStore::Chunk& CellStore::MakeChunk(std::int32_t index, std::int32_t column) {
   const auto c = static_cast<std::size_t>(column), i = static_cast<std::size_t>(index);
   if (c >= columns_.size()) columns_.resize(c + 1);
-  if (i >= columns_[c].size()) columns_[c].resize(i + 1);
-  if (!columns_[c][i]) columns_[c][i] = std::make_unique<Chunk>();
-  return *columns_[c][i];
+  auto& chunks = columns_[c].chunks;
+  if (i >= chunks.size()) chunks.resize(i + 1);
+  if (!chunks[i]) chunks[i] = std::make_unique<Chunk>();
+  return *chunks[i];
 }
 
 void CellStore::DropText(const CellView& cell) {
@@ -32,17 +33,19 @@ void CellStore::SetPooled(std::int32_t row, std::int32_t column, const CellView&
   Chunk& chunk = MakeChunk(row / kChunkRows, column);
   CellView& slot = chunk.cells[static_cast<std::size_t>(row % kChunkRows)];
   DropText(slot);
-  chunk.used += (slot.IsEmpty() ? 1 : 0) - (cell.IsEmpty() ? 1 : 0);
+  --chunk.Count(slot.Kind());
+  ++chunk.Count(cell.Kind());
+  ++columns_[static_cast<std::size_t>(column)].changes;
   slot = cell;
 }
 
 void CellStore::Clear(const Area& area) {
   const auto lastColumn = std::min(area.lastColumn, static_cast<std::int32_t>(columns_.size()) - 1);
   for (std::int32_t column = area.firstColumn; column <= lastColumn; ++column) {
-    auto& chunks = columns_[static_cast<std::size_t>(column)];
+    const auto& chunks = columns_[static_cast<std::size_t>(column)].chunks;
     const auto rows = static_cast<std::int32_t>(chunks.size()) * kChunkRows;
     for (std::int32_t row = area.firstRow; row <= std::min(area.lastRow, rows - 1); ++row) {
-      if (const auto& chunk = chunks[static_cast<std::size_t>(row / kChunkRows)]; !chunk || chunk->used == 0) {
+      if (const auto& chunk = chunks[static_cast<std::size_t>(row / kChunkRows)]; !chunk || !chunk->IsUsed()) {
         row |= kChunkRows - 1;  // on to the chunk's last row
         continue;
       }
@@ -54,8 +57,8 @@ void CellStore::Clear(const Area& area) {
 std::optional<Area> CellStore::UsedArea() const {
   std::optional<Area> used;
   for (std::size_t c = 0; c < columns_.size(); ++c) {
-    const Column& chunks = columns_[c];
-    const auto isUsed = [](const std::unique_ptr<Chunk>& chunk) { return chunk && chunk->used > 0; };
+    const auto& chunks = columns_[c].chunks;
+    const auto isUsed = [](const std::unique_ptr<Chunk>& chunk) { return chunk && chunk->IsUsed(); };
     const auto isFilled = [](const CellView& cell) { return !cell.IsEmpty(); };
     const auto first = std::find_if(chunks.begin(), chunks.end(), isUsed);
     if (first == chunks.end()) continue;
@@ -76,8 +79,8 @@ std::optional<Area> CellStore::UsedArea() const {
 
 void CellStore::CompactTexts() {
   auto pool = std::make_shared<TextPool>();
-  for (Column& chunks : columns_)
-    for (auto& chunk : chunks) {
+  for (Column& column : columns_)
+    for (auto& chunk : column.chunks) {
       if (!chunk) continue;
       for (CellView& cell : chunk->cells)
         if (cell.IsText()) cell = CellView::Text(pool->Add(cell.AsText()));

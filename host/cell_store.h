@@ -39,6 +39,38 @@ class CellStore {
   /// The smallest area that holds every non-empty cell; nothing for an empty store.
   std::optional<Area> UsedArea() const;
 
+  /// Grows with every write to the column.
+  std::uint64_t Changes(std::int32_t column) const {
+    const auto c = static_cast<std::size_t>(column);
+    return c < columns_.size() ? columns_[c].changes : 0;
+  }
+  /// A row that no cell of the column was ever written at or beyond; so for the columns of the sheet.
+  std::int32_t RowsReached(std::int32_t column) const {
+    const auto c = static_cast<std::size_t>(column);
+    return c < columns_.size() ? static_cast<std::int32_t>(columns_[c].chunks.size()) * kChunkRows : 0;
+  }
+  std::int32_t ColumnsReached() const { return static_cast<std::int32_t>(columns_.size()); }
+
+  /// The first row from `first` to `last` whose cell in the column is of that kind (not empty) and one that
+  /// `accept(const CellView&)` takes; nothing when there is none. Where 1,024 rows hold none of the kind they are
+  /// passed over in one step.
+  template <typename Accept>
+  std::optional<std::int32_t> FindRow(std::int32_t column, std::int32_t first, std::int32_t last, CellKind kind,
+                                      Accept&& accept) const {
+    last = std::min(last, RowsReached(column) - 1);
+    while (first <= last) {
+      const std::int32_t index = first / kChunkRows;
+      const std::int32_t end = std::min(last + 1, (index + 1) * kChunkRows);
+      if (const Chunk* chunk = FindChunk(index, column); chunk && chunk->Count(kind) > 0)
+        for (std::int32_t row = first; row < end; ++row)
+          if (const CellView& cell = chunk->cells[static_cast<std::size_t>(row % kChunkRows)];
+              cell.Kind() == kind && accept(cell))
+            return row;
+      first = end;
+    }
+    return std::nullopt;
+  }
+
   /// Calls `visitor(const CellView&)` for each cell of the area, row by row, with one look-up per 1,024 rows of a
   /// column.
   template <typename Visitor>
@@ -65,7 +97,7 @@ class CellStore {
       for (std::int32_t start = area.firstRow; start <= area.lastRow;) {
         const std::int32_t index = start / kChunkRows;
         const std::int32_t end = std::min(area.lastRow + 1, (index + 1) * kChunkRows);
-        if (const Chunk* chunk = FindChunk(index, column); chunk && chunk->used > 0)
+        if (const Chunk* chunk = FindChunk(index, column); chunk && chunk->IsUsed())
           for (std::int32_t row = start; row < end; ++row)
             if (const CellView& cell = chunk->cells[static_cast<std::size_t>(row % kChunkRows)]; !cell.IsEmpty())
               visitor(row, column, cell);
@@ -79,13 +111,20 @@ class CellStore {
   static constexpr CellView kEmptyCell{};
   struct Chunk {
     std::array<CellView, kChunkRows> cells;
-    std::int32_t used = 0;  ///< non-empty cells
+    std::array<std::int32_t, 5> counts{kChunkRows};  ///< cells of each kind
+
+    std::int32_t& Count(CellKind kind) { return counts[static_cast<std::size_t>(kind)]; }
+    std::int32_t Count(CellKind kind) const { return counts[static_cast<std::size_t>(kind)]; }
+    bool IsUsed() const { return Count(CellKind::kEmpty) < kChunkRows; }
   };
-  using Column = std::vector<std::unique_ptr<Chunk>>;
+  struct Column {
+    std::vector<std::unique_ptr<Chunk>> chunks;
+    std::uint64_t changes = 0;
+  };
 
   const Chunk* FindChunk(std::int32_t index, std::int32_t column) const {
     const auto c = static_cast<std::size_t>(column), i = static_cast<std::size_t>(index);
-    return c < columns_.size() && i < columns_[c].size() ? columns_[c][i].get() : nullptr;
+    return c < columns_.size() && i < columns_[c].chunks.size() ? columns_[c].chunks[i].get() : nullptr;
   }
   Chunk& MakeChunk(std::int32_t index, std::int32_t column);
   void DropText(const CellView& cell);

@@ -74,9 +74,7 @@ CallbackAnswer ReadCells(CallbackRequest& request, const Reference& reference) {
   if (!sheet || reference.areas.size() != 1) return CallbackAnswer::Failure(xlretFailed);
   const Area& area = reference.areas[0];
   if (static_cast<std::int64_t>(area.Rows()) * area.Columns() > kMaxCells) return CallbackAnswer::Failure(xlretFailed);
-  const Place place = request.context.place;
-  if (place != Place::kMacroFunction && place != Place::kCommand)
-    if (const auto cell = sheet->FirstUncalculated(area)) throw UncalculatedCell{reference.sheet, *cell};
+  request.CheckCalculated(reference);
   return sheet->Read(area);
 }
 

@@ -26,7 +26,7 @@ std::string Marks(const RegisteredFunction& function) {
     if (isSet) marks += (marks.empty() ? "" : ", ") + std::string(mark);
   };
   add(function.IsCommand(), "command");
-  add(function.macroType == 0, "hidden");
+  add(function.IsHidden(), "hidden");
   add(function.type.isThreadSafe, "thread-safe");
   add(function.isVolatile, "volatile");
   add(function.type.isMacroEquivalent, "macro-sheet equivalent");

@@ -31,6 +31,7 @@ struct RegisteredFunction : AddinFunction {
   std::vector<XString> argumentHelp;
 
   bool IsCommand() const { return macroType == 2; }
+  bool IsHidden() const { return macroType == 0; }
 };
 
 /// Functions are found from any thread; registering and unregistering happen while none calculates.

@@ -128,7 +128,7 @@ XString FoldCase(XStringView text) {
 
 bool EqualsIgnoringCase(XStringView left, XStringView right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [](XCHAR l, XCHAR r) { return FoldUnit(l) == FoldUnit(r); });
+                    [](XCHAR l, XCHAR r) { return l == r || FoldUnit(l) == FoldUnit(r); });
 }
 
 }  // namespace qcalc

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/cell_store.h"
+#include "host/column_index.h"
 #include "host/formula.h"
 #include "host/value.h"
 
@@ -90,6 +91,9 @@ class Sheet {
 
   /// Cells for loaders and recalculation; whoever writes there reports it with NoteChange.
   CellStore& Cells() { return cells_; }
+  const CellStore& Cells() const { return cells_; }
+  /// For searches in whole columns; they grow with the searches.
+  ColumnIndexes& Indexes() const { return indexes_; }
   /// Values in the area changed: formulas that read them are to be calculated anew.
   void NoteChange(const Area& area);
   /// The areas changed since the last call.
@@ -110,6 +114,7 @@ class Sheet {
   IDSHEET id_;
   XString name_;
   CellStore cells_;
+  mutable ColumnIndexes indexes_;
   std::map<CellPosition, FormulaCell> formulas_;
   std::set<CellPosition> dirty_;
   std::set<CellPosition> spilling_;

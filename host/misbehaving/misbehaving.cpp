@@ -60,6 +60,15 @@ XLOPER12* Owned(const XLOPER12& oper) {
   return result;
 }
 
+/// What a callback answered, as a result that the host frees; after a failure its code, made negative.
+XLOPER12* Lent(int code, const XLOPER12& answer) {
+  if (code != xlretSuccess) return Owned(Number(-code));
+  static XLOPER12 slot;
+  slot = answer;
+  slot.xltype |= xlbitXLFree;
+  return &slot;
+}
+
 /// The name of the calling sheet, lent by the host.
 XLOPER12 LentText() {
   XLOPER12 caller = OfType(xltypeNil), name = OfType(xltypeNil);
@@ -131,12 +140,17 @@ QCALC_EXPORT XLOPER* Echo4(XLOPER* argument) { return argument; }
 QCALC_EXPORT XLOPER12* Coerced(XLOPER12* argument, XLOPER12* mask) {
   XLOPER12 result = OfType(xltypeNil);
   XLOPER12 type = Integer(static_cast<std::int32_t>(mask->val.num));
-  const int code = CallExcel(xlCoerce, &result, {argument, &type});
-  if (code != xlretSuccess) return Owned(Number(-code));
-  static XLOPER12 slot;
-  slot = result;
-  slot.xltype |= xlbitXLFree;
-  return &slot;
+  return Lent(CallExcel(xlCoerce, &result, {argument, &type}), result);
+}
+
+/// What Excel's own function of that number gives for the arguments behind it, up to the last that is not left out; the
+/// code, made negative, when it fails.
+QCALC_EXPORT XLOPER12* Called(XLOPER12* number, XLOPER12* first, XLOPER12* second, XLOPER12* third, XLOPER12* fourth) {
+  XLOPER12* arguments[] = {first, second, third, fourth};
+  int count = 4;
+  while (count > 0 && arguments[count - 1]->xltype == xltypeMissing) --count;
+  XLOPER12 answer = OfType(xltypeNil);
+  return Lent(callback(static_cast<int>(number->val.num), count, arguments, &answer), answer);
 }
 
 /// Allocates `count` blocks, by each function of the allocator in turn and with a callback in between, and frees all
@@ -411,6 +425,7 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("Echo4"), XTEXT("RP"), XTEXT("ECHO.VALUE4"));
   Register(XTEXT("Echo4"), XTEXT("RR"), XTEXT("ECHO.REFERENCE4"));
   Register(XTEXT("Coerced"), XTEXT("UUQ"), XTEXT("COERCED"));
+  Register(XTEXT("Called"), XTEXT("UQUUUU"), XTEXT("CALLED"));
   Register(XTEXT("Allocate"), XTEXT("JJJ$"), XTEXT("ALLOCATE"));
   Register(XTEXT("Enlarge"), XTEXT("J$"), XTEXT("ENLARGE"));
   Register(XTEXT("FreeCount"), XTEXT("U"), XTEXT("FREE.COUNT"));

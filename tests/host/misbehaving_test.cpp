@@ -81,6 +81,32 @@ TEST_F(Misbehaving, CoercionFollowsTheTable) {
   EXPECT_THAT(Complaints(), IsEmpty());
 }
 
+TEST_F(Misbehaving, CallbacksToWorksheetFunctions) {
+  session.CurrentSheet().Set({0, 2, 0, 1}, *ParseLiteral("{10,\"ten\";20,empty;\"Key\",#REF!}"));
+  const std::pair<const char*, const char*> rows[] = {
+      {"=CALLED(64,20,A1:A3,0)", "2"},
+      {"=CALLED(64,\"k*\",A:A,FALSE)", "3"},
+      {"=CALLED(64,15,A1:A3)", "1"},
+      {"=CALLED(64,10,{30,20,10},0)", "3"},
+      {"=CALLED(64,A2,(A1:A3,B1),0)", "#VALUE!"},
+      {"=CALLED(64,{20;5},A1:A3,0)", "{2;#N/A}"},
+      {"=CALLED(102,10,A1:B3,2,FALSE)", "\"ten\""},
+      {"=CALLED(102,20,A1:B3,2,FALSE)", "empty"},
+      {"=CALLED(102,25,A1:B3,1)", "20"},
+      {"=CALLED(102,\"KEY\",A1:B3,2,FALSE)", "#REF!"},
+  };
+  for (const auto& [formula, expected] : rows) EXPECT_EQ(Evaluate(formula), expected) << formula;
+  session.Finish();
+  EXPECT_THAT(Complaints(), IsEmpty());
+}
+
+TEST_F(Misbehaving, WorksheetFunctionsDoNotReadWhatIsNotCalculated) {
+  Sheet& sheet = session.CurrentSheet();
+  sheet.SetFormula({9, 9, 0, 0}, *ParseFormula("=40+2"));
+  sheet.SetFormula({0, 0, 2, 2}, *ParseFormula("=CALLED(64,42,INDEX(A:A,5):A20,0)"));
+  EXPECT_EQ(Evaluate("=C1"), "6");
+}
+
 TEST_F(Misbehaving, WhatIsKeptShowsWhenTheBooksClose) {
   Evaluate("=KEEP.LENT()+KEEP.LENT()");
   EXPECT_THAT(Complaints(), IsEmpty());

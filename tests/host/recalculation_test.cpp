@@ -80,8 +80,8 @@ TEST_F(RecalculationTest, ReportsCircles) {
   SetFormula("C3", "=SUM(C:C)");
   EXPECT_EQ(Calculate(), "circular reference: [Book1]Sheet1!C3 -> [Book1]Sheet1!C3");
   Set("C3", "empty");
-  SetFormula("D1", "=MATCH(1,A1:A2)");
-  EXPECT_EQ(Calculate(), "[Book1]Sheet1!D1: MATCH at column 2 is not offered yet");
+  SetFormula("D1", "=COUNTA(1,A1:A2)");
+  EXPECT_EQ(Calculate(), "[Book1]Sheet1!D1: COUNTA at column 2 is not offered yet");
 }
 
 TEST_F(RecalculationTest, CalculatesCellsThatAFunctionMeets) {
