@@ -46,4 +46,13 @@ CXlOper CallExcel(int xlfn, const Arguments&... arguments) {
   return result;
 }
 
+/// The same for functions that answer #VALUE! when a callback fails: a code other than xlretSuccess is raised as
+/// CXlErrorException. A result may still be an error value.
+template <class... Arguments>
+CXlOper CallExcelOrValueError(int xlfn, const Arguments&... arguments) {
+  CXlOper result;
+  if (TryCallExcel(result, xlfn, arguments...) != xlretSuccess) throw CXlErrorException(xlerrValue);
+  return result;
+}
+
 }  // namespace quillmere

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <new>
 #include <utility>
 
 #include "frame/callbacks.h"
@@ -59,6 +61,20 @@ XLOPER12 FakeExcel::LendArray(int rows, int columns, std::initializer_list<XLOPE
     if (IsTextCell(cell))
       if (const auto text = lent_.extract(cell.val.str)) blocks.push_back(text.mapped().front());
   lent_[copies.get()] = std::move(blocks);
+  return value;
+}
+
+XLOPER12 FakeExcel::LendReference(IDSHEET sheet, std::span<const XLREF12> areas) {
+  XLOPER12 value{};
+  value.val.mref.idSheet = sheet;
+  value.xltype = xltypeRef;
+  if (areas.empty()) return value;
+  const std::shared_ptr<void> block(::operator new(offsetof(XLMREF12, reftbl) + areas.size_bytes()),
+                                    [](void* memory) { ::operator delete(memory); });
+  value.val.mref.lpmref = static_cast<XLMREF12*>(block.get());
+  value.val.mref.lpmref->count = static_cast<std::uint16_t>(areas.size());
+  std::copy(areas.begin(), areas.end(), value.val.mref.lpmref->reftbl);
+  lent_[block.get()] = {block};
   return value;
 }
 

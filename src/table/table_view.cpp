@@ -1,0 +1,72 @@
+#include "table/table_view.h"
+
+#include "frame/callbacks.h"
+
+namespace quillmere {
+
+TableView::TableView(const CXlOper& table) {
+  if (table.IsAbsent()) throw CXlErrorException(xlerrValue);
+  if (!table.IsReference()) {
+    const CXlCells cells = table.Cells();
+    first_ = cells.first;
+    rows_ = cells.rows;
+    columns_ = cells.columns;
+    return;
+  }
+  const std::span<const XLREF12> areas = table.Areas();
+  if (areas.size() != 1) throw CXlErrorException(xlerrValue);
+  area_ = areas.front();
+  const auto isRun = [](std::int32_t first, std::int32_t last) { return first >= 0 && first <= last; };
+  if (!isRun(area_.rwFirst, area_.rwLast) || !isRun(area_.colFirst, area_.colLast)) throw CXlErrorException(xlerrValue);
+  rows_ = area_.rwLast - area_.rwFirst + 1;
+  columns_ = area_.colLast - area_.colFirst + 1;
+  isReference_ = true;
+  isOnCurrentSheet_ = table.Type() == xltypeSRef;
+  sheet_ = table.Sheet();
+}
+
+TableView TableView::WithoutFirstRow() const noexcept {
+  TableView rest = *this;
+  --rest.rows_;
+  if (isReference_)
+    ++rest.area_.rwFirst;
+  else
+    rest.first_ += columns_;
+  return rest;
+}
+
+XLREF12 TableView::AreaOf(std::int32_t firstRow, std::int32_t firstColumn, std::int32_t rows,
+                          std::int32_t columns) const noexcept {
+  const RW row = area_.rwFirst + firstRow;
+  const COL column = area_.colFirst + firstColumn;
+  return {row, row + rows - 1, column, column + columns - 1};
+}
+
+CXlOper TableView::CoerceCell(std::int32_t row, std::int32_t column) const {
+  // Put together here, since an area of a CXlOper is allocated.
+  XLMREF12 areas{1, {AreaOf(row, column, 1, 1)}};
+  XLOPER12 reference{};
+  reference.xltype = isOnCurrentSheet_ ? xltypeSRef : xltypeRef;
+  if (isOnCurrentSheet_) {
+    reference.val.sref = {1, areas.reftbl[0]};
+  } else {
+    reference.val.mref = {&areas, sheet_};
+  }
+  CXlOper value = CallExcelOrValueError(xlCoerce, reference);
+  if (value.IsReference()) throw CXlErrorException(xlerrValue);
+  if (!value.IsArray()) return value;
+  if (value.Cells().Count() != 1) throw CXlErrorException(xlerrValue);
+  return CXlOper::FromCell(*value.Cells().first);
+}
+
+CXlOper TableView::ReadCell(std::int32_t row, std::int32_t column) const {
+  return isReference_ ? CoerceCell(row, column) : CXlOper::BorrowCell(Cells().At(row, column));
+}
+
+CXlOper TableView::Part(std::int32_t firstRow, std::int32_t firstColumn, std::int32_t rows,
+                        std::int32_t columns) const {
+  const XLREF12 area = AreaOf(firstRow, firstColumn, rows, columns);
+  return isOnCurrentSheet_ ? CXlOper::Reference(area) : CXlOper::Reference(sheet_, {&area, 1});
+}
+
+}  // namespace quillmere
