@@ -1,0 +1,92 @@
+// Filtering texts of eight units by a wildcard pattern, beside the loop that goes back to the last star. A benchmark's
+// argument is the number of texts; about one in ten gets beyond the ends of the pattern.
+#include <benchmark/benchmark.h>
+
+#include <vector>
+
+#include "table/lower_case.h"
+#include "text/wildcard_pattern.h"
+
+namespace quillmere {
+namespace {
+
+constexpr std::size_t kTextUnits = 8;
+
+/// Texts of a letter and seven digits, one behind the other.
+std::vector<XCHAR> Texts(std::int64_t count) {
+  std::vector<XCHAR> units;
+  units.reserve(count * kTextUnits);
+  for (std::int64_t text = 0; text < count; ++text) {
+    units.push_back(XTEXT('K'));
+    const std::int64_t number = text * 7'919 % 9'999'991;
+    for (std::int64_t power = 1'000'000; power != 0; power /= 10)
+      units.push_back(static_cast<XCHAR>(XTEXT('0') + number / power % 10));
+  }
+  return units;
+}
+
+bool MatchesByGoingBack(XStringView pattern, XStringView text) {
+  std::size_t at = 0;
+  std::size_t in = 0;
+  std::size_t star = XStringView::npos;
+  std::size_t resumed = 0;
+  while (at < text.size()) {
+    if (in < pattern.size() && pattern[in] == XTEXT('*')) {
+      star = in++;
+      resumed = at;
+    } else if (in < pattern.size() && (pattern[in] == XTEXT('?') || pattern[in] == LowerCase(text[at]))) {
+      ++in;
+      ++at;
+    } else if (star != XStringView::npos) {
+      in = star + 1;
+      at = ++resumed;
+    } else {
+      return false;
+    }
+  }
+  while (in < pattern.size() && pattern[in] == XTEXT('*')) ++in;
+  return in == pattern.size();
+}
+
+template <class Match>
+void Filter(benchmark::State& state, const Match& matches) {
+  const std::vector<XCHAR> texts = Texts(state.range(0));
+  std::int64_t found = 0;
+  for (auto _ : state) {
+    found = 0;
+    for (std::size_t at = 0; at < texts.size(); at += kTextUnits) found += matches(XStringView(&texts[at], kTextUnits));
+    benchmark::DoNotOptimize(found);
+  }
+  state.counters["found"] = static_cast<double>(found);
+}
+
+void AllSizes(benchmark::internal::Benchmark* benchmark) {
+  for (const int texts : {1'000, 100'000, 1'000'000}) benchmark->Arg(texts);
+  benchmark->Unit(benchmark::kMicrosecond);
+}
+
+void FilterByGoingBack(benchmark::State& state) {
+  Filter(state, [](XStringView text) { return MatchesByGoingBack(XTEXT("k*5?7*3"), text); });
+}
+BENCHMARK(FilterByGoingBack)->Apply(AllSizes);
+
+void FilterByPattern(benchmark::State& state, bool caseSensitive) {
+  const WildcardPattern pattern(XTEXT("K*5?7*3"), caseSensitive);
+  Filter(state, [&pattern](XStringView text) { return pattern.Matches(text); });
+}
+BENCHMARK_CAPTURE(FilterByPattern, AnyCase, false)->Apply(AllSizes);
+BENCHMARK_CAPTURE(FilterByPattern, CaseSensitive, true)->Apply(AllSizes);
+
+/// One text of 30,000 units against patterns that nearly match everywhere.
+void NearMatches(benchmark::State& state, const XString& segment) {
+  const XString text(30'000, XTEXT('a'));
+  const WildcardPattern pattern(XTEXT("*") + segment + XTEXT("b*"), false);
+  for (auto _ : state) benchmark::DoNotOptimize(pattern.Matches(text));
+}
+BENCHMARK_CAPTURE(NearMatches, ShortSegments, XTEXT("a*a*a*a*"))->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(NearMatches, SegmentOf64, XString(63, XTEXT('a')))->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(NearMatches, SegmentOf1000, XString(1'000, XTEXT('a')))->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(NearMatches, SegmentOf15000, XString(15'000, XTEXT('a')))->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace quillmere

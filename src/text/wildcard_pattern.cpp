@@ -1,0 +1,84 @@
+#include "text/wildcard_pattern.h"
+
+#include <algorithm>
+
+#include "frame/exceptions.h"
+#include "frame/host_copy.h"
+#include "table/lower_case.h"
+#include "table/text_block.h"
+#include "xlcall/xlcall.h"
+
+namespace quillmere {
+namespace {
+
+constexpr XCHAR kStar = XTEXT('*');
+
+/// Whether as many units as a part of a pattern has, at `text`, match it.
+template <bool caseSensitive>
+inline bool MatchesPart(const XCHAR* text, const XString& part) {
+  for (const XCHAR wanted : part) {
+    const XCHAR unit = *text++;
+    if (wanted != kAnyUnit && wanted != (caseSensitive ? unit : LowerCase(unit))) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool HasWildcards(XStringView text) {
+  return std::any_of(text.begin(), text.end(), [](XCHAR unit) { return unit == kStar || unit == kAnyUnit; });
+}
+
+WildcardPattern::WildcardPattern(XStringView pattern, bool caseSensitive)
+    : caseSensitive_(caseSensitive), hasStar_(false), prefix_(pattern.size(), XCHAR{}), leastUnits_(0) {
+  std::transform(pattern.begin(), pattern.end(), prefix_.begin(),
+                 [caseSensitive](XCHAR unit) { return caseSensitive ? unit : LowerCase(unit); });
+  leastUnits_ = prefix_.size() - std::count(prefix_.begin(), prefix_.end(), kStar);
+  const std::size_t firstStar = prefix_.find(kStar);
+  if (firstStar == XString::npos) return;
+  hasStar_ = true;
+  std::size_t star = firstStar;
+  for (std::size_t next = 0; (next = prefix_.find(kStar, star + 1)) != XString::npos; star = next)
+    if (next > star + 1) middle_.emplace_back(prefix_.substr(star + 1, next - star - 1));
+  suffix_ = prefix_.substr(star + 1);
+  prefix_.resize(firstStar);
+}
+
+bool WildcardPattern::Matches(XStringView text) const {
+  if (text.size() > kXlMaxText) [[unlikely]]
+    ThrowStringTooLong();
+  if (text.size() < leastUnits_ || (!hasStar_ && text.size() != leastUnits_)) return false;
+  return caseSensitive_ ? MatchesCased<true>(text) : MatchesCased<false>(text);
+}
+
+template <bool caseSensitive>
+inline bool WildcardPattern::MatchesCased(XStringView text) const {
+  if (!MatchesPart<caseSensitive>(text.data(), prefix_)) return false;
+  if (!MatchesPart<caseSensitive>(text.data() + text.size() - suffix_.size(), suffix_)) return false;
+  if (middle_.empty()) return true;
+  const XStringView middle(text.data() + prefix_.size(), text.size() - prefix_.size() - suffix_.size());
+  constexpr std::size_t kShort = 256;
+  return middle.size() <= kShort ? MatchesMiddle<kShort>(middle) : MatchesMiddle<kXlMaxText>(middle);
+}
+
+/// Out of line, so that a short text does not pay for the room of a long one.
+template <std::size_t kRoom>
+__attribute__((noinline)) bool WildcardPattern::MatchesMiddle(XStringView middle) const {
+  XCHAR counted[1 + kRoom + kTextBlock];
+  XCHAR* const units = counted + 1;
+  if (caseSensitive_)
+    CopyText(counted, middle.data(), middle.size());
+  else
+    LowerTo(units, middle);
+  StoreBlock(units + middle.size(), _mm_setzero_si128());
+  middle = {units, middle.size()};
+  // Each segment where it first matches leaves the most to those behind it, so that no choice is ever taken back.
+  for (const SegmentSearch& segment : middle_) {
+    const std::size_t at = segment.FindIn(middle);
+    if (at == XStringView::npos) return false;
+    middle.remove_prefix(at + segment.Units());
+  }
+  return true;
+}
+
+}  // namespace quillmere
