@@ -46,6 +46,11 @@ void AppendNumber(XString& to, int number) {
   to.append(digits.begin(), digits.end());
 }
 
+/// A field that is empty when there is no category.
+void AppendCategory(XString& to, int category) {
+  if (category != 0) AppendNumber(to, category);
+}
+
 void AppendArgument(XString& to, const ArgumentDeclaration& argument) {
   to += XTEXT("{0,{");
   AppendField(to, argument.name);
@@ -179,11 +184,13 @@ MacroType ReadMacroType(const Node& node) {
   return static_cast<MacroType>(number);
 }
 
+int ReadCategory(const Node& node) { return Text(node).empty() ? 0 : Number(node); }
+
 DescribedFunction ReadFunction(const Node& root) {
   const std::vector<Node>& fields = List(root, kFunctionFields, "expected 19 fields").elements;
   DescribedFunction function{.name = Text(fields[0]),
                              .help = Text(fields[3]),
-                             .category = Number(fields[4]),
+                             .category = ReadCategory(fields[4]),
                              .macroType = ReadMacroType(fields[5]),
                              .flags = Number(fields[6]),
                              .returnLetter = Text(fields[7]),
@@ -204,7 +211,9 @@ XString WriteDescriptor(const FunctionDeclaration& declaration) {
   AppendField(text, declaration.name);
   text += XTEXT(",,,");
   AppendField(text, declaration.help);
-  for (const int number : {declaration.category, static_cast<int>(declaration.macroType), declaration.flags}) {
+  text += XTEXT(',');
+  AppendCategory(text, declaration.category);
+  for (const int number : {static_cast<int>(declaration.macroType), declaration.flags}) {
     text += XTEXT(',');
     AppendNumber(text, number);
   }

@@ -33,7 +33,7 @@ struct DescribedArgument {
 struct DescribedFunction {
   XString name;
   XString help;
-  int category = 0;
+  int category = 0;  ///< 0: none
   MacroType macroType = MacroType::kFunction;
   int flags = 0;
   XString returnLetter;

@@ -3,6 +3,8 @@
 #include "frame/callbacks.h"
 #include "frame/dialogs.h"
 #include "frame/export.h"
+#include "frame/fault_guard.h"
+#include "frame/plain_call.h"
 #include "frame/quillmere4_app.h"
 #include "frame/value4.h"
 #include "frame/value_memory.h"
@@ -37,14 +39,16 @@ XLL_EXPORT void SetExcel12EntryPt(XlMdCallBack12 entry) { quillmere::InstallExce
 
 XLL_EXPORT int xlCheckInstance() { return CXllApp::CheckInstance(); }
 
-/// Shows `path` (ANSI code page) and returns the binary type of that file, -1 when it has none or no path is given.
+/// Shows `path` (ANSI code page) and returns the binary type of that file, -1 when it has none or no path can be read.
 XLL_EXPORT std::int32_t l64BitExe(const char* path) {
-  if (!path) return -1;
-  try {
-    quillmere::ShowMessageBox(0, quillmere::WidenAnsi(path), XTEXT("Display String ByVal"),
-                              quillmere::MessageBoxForm::kInformation);
+  return quillmere::CallPlain([path] {
+    if (!path) return quillmere::kPlainCallFailed;
+    const XString text = quillmere::WidenAnsi(path);
+    {
+      // Whatever the host's windows do meanwhile is the host's own.
+      const quillmere::CallbackScope host;
+      quillmere::ShowMessageBox(0, text, XTEXT("Display String ByVal"), quillmere::MessageBoxForm::kInformation);
+    }
     return quillmere::BinaryTypeOf(path);
-  } catch (const std::exception&) {
-    return -1;
-  }
+  });
 }

@@ -48,7 +48,7 @@ struct FunctionDeclaration {
   std::string_view procedure = {};  ///< export name without its suffix: "VSTACK" for VSTACK_12
   XStringView name = {};            ///< the name Excel shows
   MacroType macroType = MacroType::kFunction;
-  int category = 0;       ///< Excel's built-in category number
+  int category = 0;       ///< Excel's built-in category number; 0: none
   int flags = 0;          ///< FunctionFlag
   int interfaces = 2;     ///< 2: NAME_12 alone is exported; 3: NAME_4 as well
   int helpId = 0;         ///< topic in the help file; 0: none

@@ -78,6 +78,15 @@ __attribute__((noipa)) void CopyText(XCHAR* to, const XCHAR* from, std::size_t u
   MoveText(to + 1, from, units);
 }
 
+__attribute__((noipa)) static void CopyUnits(XCHAR* to, const XCHAR* from, std::size_t units) {
+  MoveText(to, from, units);
+}
+
+void AssignText(XString& to, XStringView text) {
+  to.resize(text.size());
+  CopyUnits(to.data(), text.data(), text.size());
+}
+
 __attribute__((noipa)) void CopyBytes(char* to, const char* from, std::size_t count) {
   for (std::size_t at = 0; at < count; ++at) to[at] = from[at];
 }

@@ -14,6 +14,9 @@ namespace quillmere {
 /// Writes a counted text: to[0] becomes `units`, then `units` units from `from`.
 void CopyText(XCHAR* to, const XCHAR* from, std::size_t units);
 
+/// Makes `to` a copy of a text, in the room that it has where that suffices.
+void AssignText(XString& to, XStringView text);
+
 /// Copies `count` bytes of an 8-bit text.
 void CopyBytes(char* to, const char* from, std::size_t count);
 

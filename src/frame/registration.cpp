@@ -31,7 +31,7 @@ RegistrationTexts TextsOf(const FunctionDeclaration& declaration) {
   texts.name = declaration.name;
   texts.argumentText = ArgumentText(declaration);
   texts.macroType = declaration.macroType;
-  texts.category = Widen(std::to_string(declaration.category));
+  if (declaration.category != 0) texts.category = Widen(std::to_string(declaration.category));
   texts.helpId = declaration.helpId;
   texts.help = declaration.help;
   for (const ArgumentDeclaration& argument : declaration.arguments) texts.argumentHelp.emplace_back(argument.help);

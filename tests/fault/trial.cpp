@@ -108,6 +108,7 @@ Value TrialRunner::Call(const RegisteredFunction& function, std::span<const Valu
 }
 
 void TrialRunner::FindWitnesses(const RegisteredFunction& function) {
+  std::vector<Witness>& witnesses = witnesses_[&function];
   for (const PlainCall plain : kPlainCalls) {
     const Trial trial{&function, values_.PlainOperands(function, plain), {}};
     Witness witness{ValuesOf(trial.operands), {}};
@@ -117,8 +118,8 @@ void TrialRunner::FindWitnesses(const RegisteredFunction& function) {
       if (std::find(usualCallbacks_.begin(), usualCallbacks_.end(), callback) == usualCallbacks_.end())
         usualCallbacks_.push_back(callback);
     witness.answer = Call(function, witness.operands);
-    if (SameValue(witness.answer, Call(function, witness.operands)))
-      witnesses_[&function].push_back(std::move(witness));
+    if (!function.IsHidden() && SameValue(witness.answer, Call(function, witness.operands)))
+      witnesses.push_back(std::move(witness));
   }
 }
 

@@ -84,7 +84,8 @@ class TrialRunner {
   Addin& ItsAddin() { return addin_; }
 
  private:
-  /// A plain call whose answer was the same twice.
+  /// A plain call whose answer was the same twice. Hidden functions have none: they look after what others stored, and
+  /// answer by it.
   struct Witness {
     std::vector<Value> operands;
     Value answer;

@@ -88,7 +88,6 @@ implementation = "Search"
 settings = { mode = "All", caseSensitive = true, position = 0 }
 arguments = ["Lookup_Values", "Other", { name = "Name", kind = "String", help = "", default = '"b"' }, "Pairs"]
 marks = []
-category = 5
 description = "Finds"
 long_text = "Long."
 example = { formula = "=FIND.ALL(1)", result = "1" }
@@ -171,7 +170,7 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
       records,
       HasSubstr(".macroType = MacroType::kFunction, .category = 5, .flags = 33, .interfaces = 3, .helpId = 100,"));
   EXPECT_THAT(records,
-              HasSubstr(".macroType = MacroType::kHidden, .category = 5, .flags = 0, .interfaces = 2, .helpId = 0,"));
+              HasSubstr(".macroType = MacroType::kHidden, .category = 0, .flags = 0, .interfaces = 2, .helpId = 0,"));
 
   EXPECT_THAT(outcome.files["examples.calc"], HasSubstr("\neval =FIND.ALL(1)\nexpect 1\n"));
   EXPECT_THAT(outcome.files["examples.calc"], Not(HasSubstr("Tell")));
@@ -219,7 +218,7 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"interfaces = [12, 4]", "interfaces = [4]", "interfaces are [12] or [12, 4]"},
         Mistake{"description = \"Tells\"", "description = \"\"", "description is empty"},
         Mistake{"description = \"Tells\"", "description = \"Tells\\u0007\"", "description holds U+0007"},
-        Mistake{"example = { formula = \"=FIND.ALL(1)\", result = \"1\" }", "", "[[function]] has no 'example'", -10},
+        Mistake{"example = { formula = \"=FIND.ALL(1)\", result = \"1\" }", "", "[[function]] has no 'example'", -9},
         Mistake{"formula = \"=FIND.ALL(1)\"", "formula = \"=OTHER(1)\"",
                 "the example is no formula that calls FIND.ALL"},
         Mistake{", result = \"1\" }\n\n[[function]]\nname = \"Tell", " }\n\n[[function]]\nname = \"Tell",

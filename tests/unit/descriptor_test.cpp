@@ -64,6 +64,7 @@ TEST(Descriptor, ReadsWhatItWrites) {
   const auto withoutArguments = ParseDescriptor(WriteDescriptor(FunctionDeclaration{}));
   ASSERT_TRUE(std::holds_alternative<DescribedFunction>(withoutArguments));
   EXPECT_TRUE(std::get<DescribedFunction>(withoutArguments).arguments.empty());
+  EXPECT_EQ(std::get<DescribedFunction>(withoutArguments).category, 0) << "none is an empty field";
 }
 
 TEST(Descriptor, SaysWhereATextIsNone) {

@@ -274,10 +274,12 @@ GeneratedFile Exports(const std::vector<Family>& families) {
   return {"exports.cpp", source.Text()};
 }
 
-/// The example of every entry as a script of the headless calculator.
+/// The example of every entry as a script of the headless calculator. What the functions of one family remember is gone
+/// before those of the next.
 GeneratedFile Examples(const std::vector<Family>& families) {
   std::string text = "# " + std::string(kNotice) + "\n";
   for (const Family& family : families) {
+    text += "\nreload 1\n";
     for (const Function& function : family.functions) {
       if (function.exampleFormula.empty()) continue;
       text += "\ncase " + function.name + ", the example of " + TableName(function.place) + ":" +

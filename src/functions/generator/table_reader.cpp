@@ -223,9 +223,11 @@ class FamilyReader {
   }
 
   void ReadNumbers(Function& function, const StrictTable& fields) {
-    function.category = static_cast<int>(fields.Integer("category", 1, 14));
-    if (std::find(kCategories.begin(), kCategories.end(), function.category) == kCategories.end()) {
-      fields.ComplainAt("category", std::to_string(function.category) + " is no category of this add-in");
+    if (fields.Has("category") || function.type != MacroType::kHidden) {
+      function.category = static_cast<int>(fields.Integer("category", 1, 14));
+      if (std::find(kCategories.begin(), kCategories.end(), function.category) == kCategories.end()) {
+        fields.ComplainAt("category", std::to_string(function.category) + " is no category of this add-in");
+      }
     }
     if (fields.Has("help_id") || function.type == MacroType::kFunction) {
       function.helpId = static_cast<int>(fields.Integer("help_id", 1, INT32_MAX));
