@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-#include "frame/cell.h"
+#include "bench/host_array.h"
 #include "implementations/shape.h"
 
 namespace quillmere {
@@ -16,46 +16,11 @@ namespace {
 
 constexpr int kBlocks = 29;
 constexpr int kColumns = 5;
-constexpr int kTextUnits = 8;
 
 int BlockRows(const benchmark::State& state) { return static_cast<int>(state.range(0)) / kBlocks; }
 
 /// Texts of one block, the headers included.
 constexpr int TextsOf(int blockRows) { return blockRows * 2 + kColumns; }
-
-XLOPER12 TextCell(const XCHAR* counted) {
-  XLOPER12 cell{};
-  cell.val.str = const_cast<XCHAR*>(counted);
-  cell.xltype = xltypeStr;
-  return cell;
-}
-
-/// A counted text of eight digits behind a letter of its own.
-std::vector<XCHAR> CountedText(XCHAR letter, int number) {
-  std::vector<XCHAR> text(kTextUnits + 1, letter);
-  text[0] = kTextUnits;
-  for (int at = kTextUnits; at > 1; --at, number /= 10) text[at] = static_cast<XCHAR>(XTEXT('0') + number % 10);
-  return text;
-}
-
-/// An array as Excel hands it over.
-struct HostArray {
-  std::vector<XLOPER12> cells;
-  std::vector<XCHAR> texts;
-  XLOPER12 value{};
-
-  HostArray(int rows, int columns) : cells(static_cast<std::size_t>(rows) * columns), texts(cells.size() * 9) {
-    value.val.array.lparray = cells.data();
-    value.val.array.rows = rows;
-    value.val.array.columns = columns;
-    value.xltype = xltypeMulti;
-  }
-
-  void SetText(std::size_t at, const std::vector<XCHAR>& counted) {
-    std::copy(counted.begin(), counted.end(), texts.begin() + at * 9);
-    cells[at] = TextCell(&texts[at * 9]);
-  }
-};
 
 /// Blocks whose first row holds the headers A to E, in an order that turns from block to block if `turned`.
 std::vector<std::unique_ptr<HostArray>> MixedBlocks(int blockRows, bool turned) {

@@ -1,11 +1,17 @@
 #!/usr/bin/env bash
-# The library exports Excel's entry points and the functions of the tables, both builds alike, and nothing else; and the
-# functions of the tables are the ones that Excel is told of.
+# The library exports Excel's entry points, the functions of the tables and the plain functions for VBA, both builds
+# alike, and nothing else; and the functions of the tables are the ones that Excel is told of.
 set -euo pipefail
 
 entry_points=(
   xlAutoOpen xlAutoClose xlAutoAdd xlAutoRemove xlAutoFree xlAutoFree12
   xlAddInManagerInfo xlAddInManagerInfo12 xlCheckInstance SetExcel12EntryPt l64BitExe
+)
+
+vba_functions=(
+  Put_RowIDLongs Put_ColIDLongs Get_RowIDLongs Get_ColIDLongs
+  Get_RowIDLong_Count Get_ColIDLong_Count Get_RowIDString_Count
+  Destroy_RowIDLong Destroy_ColIDLong Destroy_RowIDString
 )
 
 # Of each function in the tables its name, and 1 if it has an 8-bit entry point too.
@@ -20,7 +26,7 @@ table_functions() {
 }
 
 expected_exports() {
-  printf '%s\n' "${entry_points[@]}"
+  printf '%s\n' "${entry_points[@]}" "${vba_functions[@]}"
   table_functions | while read -r name eight; do
     echo "${name//./_}_12"
     ((eight == 0)) || echo "${name//./_}_4"

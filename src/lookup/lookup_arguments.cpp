@@ -1,0 +1,103 @@
+#include "lookup/lookup_arguments.h"
+
+#include <numeric>
+#include <utility>
+
+#include "table/column_selector.h"
+
+namespace quillmere {
+namespace {
+
+[[noreturn]] void RefuseArgument() { throw CXlErrorException(xlerrValue); }
+
+/// The value of a scalar argument: the only cell of an array of one cell, or the argument itself.
+const XLOPER12& SingleValue(const CXlOper& argument) {
+  return argument.IsArray() && argument.Cells().Count() == 1 ? *argument.Cells().first : argument.Raw();
+}
+
+MemoryChoice ReadMemory(const CXlOper* argument) {
+  if (!argument) return {MemoryType::kNone, {}};
+  std::optional<MemoryChoice> choice = ReadMemoryChoice(*argument);
+  if (!choice) RefuseArgument();
+  return *std::move(choice);
+}
+
+/// The cells of a selector that is one row; none for one left out.
+CXlCells SelectorCells(const CXlOper* selector) {
+  if (!selector || selector->IsAbsent()) return {nullptr, 0, 0};
+  const CXlCells cells = selector->Cells();
+  if (cells.rows != 1) RefuseArgument();
+  return cells;
+}
+
+/// Resolves a selector to 0-based columns; `headerUsed` is set, and not cleared, by labels.
+std::vector<std::int32_t> ResolveColumns(const CXlCells& selector, const TableView& table, bool& headerUsed) {
+  SelectedColumns selected = SelectColumns(selector, table);
+  if (selected.failed) RefuseArgument();
+  headerUsed |= selected.headerUsed;
+  for (std::int32_t& column : selected.columns) --column;
+  return std::move(selected.columns);
+}
+
+std::vector<std::int32_t> LeadingColumns(std::int32_t count, const TableView& table) {
+  if (count > table.Columns()) RefuseArgument();
+  std::vector<std::int32_t> columns(static_cast<std::size_t>(count));
+  std::iota(columns.begin(), columns.end(), 0);
+  return columns;
+}
+
+}  // namespace
+
+LookupPlan ReadLookup(const LookupArguments& arguments) {
+  const bool wantsValues = arguments.answerColumns != nullptr;
+  for (const CXlOper* needed : {&arguments.lookupValues, &arguments.lookupTable})
+    if (needed->IsAbsent() || needed->IsEmpty()) RefuseArgument();
+  if (wantsValues && arguments.answerColumns->IsAbsent()) RefuseArgument();
+
+  const TableView table(arguments.lookupTable);
+  const CXlCells keys = arguments.lookupValues.Cells();
+  const CXlCells lookupSelector = SelectorCells(arguments.lookupColumns);
+  if (lookupSelector.columns != 0 && lookupSelector.columns != keys.columns) RefuseArgument();
+  const CXlCells answerSelector = SelectorCells(arguments.answerColumns);
+  if (arguments.position < wanted_match::kAll) RefuseArgument();
+  MemoryChoice memory = ReadMemory(arguments.memory);
+
+  bool headerUsed = false;
+  std::vector<std::int32_t> answerColumns;
+  if (wantsValues) answerColumns = ResolveColumns(answerSelector, table, headerUsed);
+  std::vector<std::int32_t> lookupColumns = lookupSelector.columns == 0
+                                                ? LeadingColumns(keys.columns, table)
+                                                : ResolveColumns(lookupSelector, table, headerUsed);
+  return {headerUsed ? table.WithoutFirstRow() : table,
+          keys,
+          std::move(lookupColumns),
+          std::move(answerColumns),
+          std::move(memory),
+          arguments.position};
+}
+
+MatchRules ReadMatchRules(const CXlOper& sorted, const CXlOper& exactMatch, bool caseSensitive) {
+  MatchRules rules;
+  rules.caseSensitive = caseSensitive;
+  if (IsErrorCell(SingleValue(sorted))) RefuseArgument();
+  rules.order = ParseSortOrder(sorted);
+
+  const XLOPER12& exact = SingleValue(exactMatch);
+  switch (TypeOf(exact)) {
+    case xltypeErr:
+      RefuseArgument();
+    case xltypeBool:
+      rules.exact = exact.val.xbool != 0 || rules.order == SortOrder::kUnsorted;
+      break;
+    case xltypeNum:
+    case xltypeInt:
+    case xltypeStr:
+      rules.notFound = exact;
+      break;
+    default:
+      break;
+  }
+  return rules;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,54 @@
+// The keys of a lookup.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "frame/xl_oper.h"
+#include "table/compare.h"
+
+namespace quillmere {
+
+/// A key made ready for comparing, part by part.
+using Key = std::span<const PreparedLookupValue>;
+
+/// All keys of a call, a view of the argument. An empty cell is looked for as the number 0.
+class LookupKeys {
+ public:
+  /// Looks at every cell once: what is no single cell is "Bad XLOPER type".
+  LookupKeys(const CXlCells& cells, bool caseSensitive);
+
+  std::int32_t Count() const noexcept { return cells_.rows; }
+  std::size_t Parts() const noexcept { return static_cast<std::size_t>(cells_.columns); }
+  bool CaseSensitive() const noexcept { return caseSensitive_; }
+
+  /// A part of a key (both 0-based), as it is looked for.
+  const XLOPER12& At(std::int32_t key, std::size_t part) const noexcept {
+    const XLOPER12& cell = cells_.Row(key)[part];
+    return IsEmptyCell(cell) ? zero_ : cell;
+  }
+
+  /// Whether any text of any key holds a wildcard character.
+  bool AnyWildcards() const noexcept { return anyWildcards_; }
+
+ private:
+  CXlCells cells_;
+  XLOPER12 zero_ = NumberCell(0);
+  bool caseSensitive_;
+  bool anyWildcards_ = false;
+};
+
+/// Room for one prepared key, used again for the next.
+class KeyRoom {
+ public:
+  /// Makes a key ready; it lasts until the next is made ready here, or the room goes.
+  Key Prepare(const LookupKeys& keys, std::int32_t key);
+
+ private:
+  std::vector<PreparedLookupValue> parts_;
+  XString folded_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,154 @@
+#include "lookup/lookup_memory.h"
+
+#include <charconv>
+#include <limits>
+#include <utility>
+
+#include "frame/callbacks.h"
+#include "frame/host_copy.h"
+#include "workbook/id_stores.h"
+
+namespace quillmere {
+namespace {
+
+void AppendNumber(XString& text, std::size_t number) {
+  char digits[std::numeric_limits<std::size_t>::digits10 + 1];
+  char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+  text.append(digits, end);
+}
+
+/// The one area of a reference to cells; nothing for all else, such as a sheet's identifier.
+std::optional<XLREF12> OnlyArea(const CXlOper& value) {
+  if (!value.IsReference()) return std::nullopt;
+  if (value.Type() == xltypeRef && value.Raw().val.mref.lpmref == nullptr) return std::nullopt;
+  const std::span<const XLREF12> areas = value.Areas();
+  return areas.size() == 1 ? std::optional(areas.front()) : std::nullopt;
+}
+
+/// Narrows the lines from `first` to `last` to the one of a key row: all key rows share a single line. False when there
+/// is no such line.
+bool NarrowTo(std::int32_t& first, std::int32_t& last, std::int32_t keyRow) {
+  if (keyRow > last - first && first != last) return false;
+  if (first != last) first += keyRow;
+  last = first;
+  return true;
+}
+
+}  // namespace
+
+std::optional<MemoryChoice> ReadMemoryChoice(const CXlOper& argument) {
+  if (argument.IsAbsent()) return MemoryChoice{};
+  if (argument.IsReference()) return std::nullopt;
+  const CXlCells cells = argument.Cells();
+  if (cells.Count() != 1) return std::nullopt;
+  const CXlOper value = CXlOper::BorrowCell(*cells.first);
+  if (value.IsText()) {
+    if (value.AsText().empty()) return MemoryChoice{};
+    MemoryChoice choice{MemoryType::kNamed, {}};
+    AssignText(choice.name, value.AsText());
+    return choice;
+  }
+  if (!value.IsNumber() && !value.IsInteger()) return std::nullopt;
+  const double number = value.AsNumber();
+  if (!(number > -1 && number < 4)) return std::nullopt;
+  return MemoryChoice{static_cast<MemoryType>(number), {}};
+}
+
+LookupMemory::LookupMemory(MemoryChoice choice, ListDirection direction)
+    : choice_(std::move(choice)), direction_(direction) {}
+
+bool LookupMemory::IsCalledFromCells() {
+  if (!callerIsKnown_) {
+    CXlOper caller = CallExcelOrValueError(xlfCaller);
+    if (OnlyArea(caller)) caller_ = std::move(caller);
+    callerIsKnown_ = true;
+  }
+  return caller_.IsSet();
+}
+
+std::optional<std::int32_t> LookupMemory::Recall(std::int32_t keyRow) {
+  const std::optional<XLREF12> place = PlaceOf(keyRow);
+  if (!place) return std::nullopt;
+  if (UsesTextStore()) {
+    const std::optional<XStringView> key = TextKey(*place);
+    return key ? FindRowId(*key) : std::nullopt;
+  }
+  return direction_ == ListDirection::kDown ? FindId(NumberStore::kRowIds, place->rwFirst + 1)
+                                            : FindId(NumberStore::kColumnIds, place->colFirst + 1);
+}
+
+void LookupMemory::Remember(std::int32_t keyRow, std::int32_t position) {
+  const std::optional<XLREF12> place = PlaceOf(keyRow);
+  if (!place) return;
+  if (UsesTextStore()) {
+    if (const std::optional<XStringView> key = TextKey(*place)) StoreRowId(*key, position);
+  } else if (direction_ == ListDirection::kDown) {
+    StoreId(NumberStore::kRowIds, place->rwFirst + 1, position);
+  } else {
+    StoreId(NumberStore::kColumnIds, place->colFirst + 1, position);
+  }
+}
+
+bool LookupMemory::UsesTextStore() const noexcept { return choice_.type != MemoryType::kNumber; }
+
+/// The calling cell of a key row.
+std::optional<XLREF12> LookupMemory::PlaceOf(std::int32_t keyRow) {
+  if (!IsInUse() || !IsCalledFromCells()) return std::nullopt;
+  XLREF12 place = caller_.Areas().front();
+  const bool isThere = direction_ == ListDirection::kDown ? NarrowTo(place.rwFirst, place.rwLast, keyRow)
+                                                          : NarrowTo(place.colFirst, place.colLast, keyRow);
+  return isThere ? std::optional(place) : std::nullopt;
+}
+
+std::optional<XStringView> LookupMemory::TextKey(const XLREF12& place) {
+  if (!textKeysAreReady_) PrepareTextKeys();
+  if (head_.empty() && tail_.empty()) return std::nullopt;
+  key_.assign(head_);
+  AppendAddress(place);
+  key_.append(tail_);
+  // The functions that list the stores hand keys to Excel as texts.
+  if (key_.size() > kXlMaxText) return std::nullopt;
+  return key_;
+}
+
+/// Sets what all keys of the call share:
+///
+///     kCell       [Book]Sheet!R5C3
+///     kRowColumn  [Book]Sheet!R5       across: [Book]Sheet!C3
+///     kNamed      R5!4!name[Book]      across: C3!4!name[Book]    (the length of the name before it)
+///
+/// No two places share one, whatever the names hold. The first two end in their address, which holds no "!": the last
+/// "!" is where the sheet ends. The third begins with its address and tells how long the name is; it ends in "]", the
+/// others in a digit. Where the sheet's name cannot be had, or a book is asked for and it names none, nothing is set.
+void LookupMemory::PrepareTextKeys() {
+  textKeysAreReady_ = true;
+  const CXlOper answer = CallExcelOrValueError(xlSheetNm, caller_);
+  if (!answer.IsText()) return;
+  XString sheet;
+  AssignText(sheet, answer.AsText());
+  if (choice_.type != MemoryType::kNamed) {
+    head_ = std::move(sheet) + XTEXT('!');
+    return;
+  }
+  const std::size_t bookEnd = sheet.rfind(XTEXT(']'));
+  if (bookEnd == XString::npos) return;
+  tail_ = XTEXT('!');
+  AppendNumber(tail_, choice_.name.size());
+  tail_ += XTEXT('!');
+  tail_ += choice_.name;
+  tail_.append(sheet, 0, bookEnd + 1);
+}
+
+void LookupMemory::AppendAddress(const XLREF12& place) {
+  const bool isCell = choice_.type == MemoryType::kCell;
+  if (isCell || direction_ == ListDirection::kDown) {
+    key_ += XTEXT('R');
+    AppendNumber(key_, static_cast<std::size_t>(place.rwFirst) + 1);
+  }
+  if (isCell || direction_ == ListDirection::kAcross) {
+    key_ += XTEXT('C');
+    AppendNumber(key_, static_cast<std::size_t>(place.colFirst) + 1);
+  }
+}
+
+}  // namespace quillmere

@@ -1,0 +1,72 @@
+// The lookup memory: the row that the last successful lookup of a calling place found, to be tried first by the next.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "frame/xl_oper.h"
+#include "xlcall/xchar.h"
+
+namespace quillmere {
+
+/// How a calling place is identified.
+enum class MemoryType : std::int8_t {
+  kNone = 0,
+  kCell = 1,       ///< workbook, sheet and cell
+  kRowColumn = 2,  ///< workbook, sheet and row (column, for lists that run across)
+  kNumber = 3,     ///< the row (column) number alone, shared by all sheets and workbooks
+  kNamed = 4,      ///< workbook, row (column) and a name
+};
+
+struct MemoryChoice {
+  MemoryType type = MemoryType::kRowColumn;
+  XString name;  ///< of kNamed
+};
+
+/// Reads MemType_Name: missing or an empty text gives kRowColumn, a number its type (cut to a whole one, 0 to 3), any
+/// other text a named memory; nothing for all else. An array of one cell counts as that cell.
+std::optional<MemoryChoice> ReadMemoryChoice(const CXlOper& argument);
+
+/// Whether a list runs down its rows or across its columns: which number of the calling place identifies it.
+enum class ListDirection { kDown, kAcross };
+
+/// The memory of one call. Which places call is asked of Excel on first use, once; so is the name of their sheet, where
+/// the type needs it. A callback that fails raises CXlErrorException with #VALUE!.
+class LookupMemory {
+ public:
+  explicit LookupMemory(MemoryChoice choice, ListDirection direction = ListDirection::kDown);
+
+  /// Whether the memory is in use at all: its type is not kNone.
+  bool IsInUse() const noexcept { return choice_.type != MemoryType::kNone; }
+
+  /// Whether the formula stands in cells of a worksheet, whatever the memory's type.
+  bool IsCalledFromCells();
+
+  /// The position remembered for the calling place of a key row (0-based): in a formula entered over several rows
+  /// (columns) that of the calling range's like row, else that of its one row. Positions count from 1, but any number
+  /// may have been put into the stores by others. Nothing when none is remembered, the memory is not in use, the
+  /// caller is no cell, or the calling range ends above the key row.
+  std::optional<std::int32_t> Recall(std::int32_t keyRow);
+  /// Remembers a position (1-based) where Recall would look for it; given up silently when the stores stay locked for
+  /// 100 ms.
+  void Remember(std::int32_t keyRow, std::int32_t position);
+
+ private:
+  bool UsesTextStore() const noexcept;
+  std::optional<XLREF12> PlaceOf(std::int32_t keyRow);
+  /// The key of a place in the text store, a view of `key_`; nothing where no key can be made.
+  std::optional<XStringView> TextKey(const XLREF12& place);
+  void PrepareTextKeys();
+  void AppendAddress(const XLREF12& place);
+
+  MemoryChoice choice_;
+  ListDirection direction_;
+  bool callerIsKnown_ = false;
+  bool textKeysAreReady_ = false;
+  CXlOper caller_;  ///< never set where it is no cell
+  XString head_;    ///< of every text key, before the address
+  XString tail_;    ///< and after it
+  XString key_;     ///< the buffer of all text keys
+};
+
+}  // namespace quillmere

@@ -1,0 +1,160 @@
+// MEMMATCH and MEMLOOKUP: one value looked for in a list, first where the calling cell found it the last time.
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "frame/callbacks.h"
+#include "frame/convert_scalar.h"
+#include "implementations/lookup.h"
+#include "lookup/lookup_memory.h"
+#include "table/column_selector.h"
+#include "table/compare.h"
+#include "table/table_view.h"
+
+namespace quillmere {
+namespace {
+
+/// The list in the first column of a table, or in its first row when it runs across.
+struct MemoryList {
+  TableView table;
+  ListDirection direction;
+  std::int32_t headers = 0;  ///< 1: the table's first row (column) holds labels, and entries begin behind it
+
+  bool IsAcross() const noexcept { return direction == ListDirection::kAcross; }
+  std::int32_t Length() const noexcept { return (IsAcross() ? table.Columns() : table.Rows()) - headers; }
+  bool HasPosition(std::int32_t position) const noexcept { return position >= 1 && position <= Length(); }
+
+  /// The cell beside the entry at a position (from 1) in the given column (row; from 1): the entry itself in the first.
+  CXlOper Read(std::int32_t position, std::int32_t line) const {
+    const std::int32_t along = headers + position - 1;
+    return IsAcross() ? table.ReadCell(line - 1, along) : table.ReadCell(along, line - 1);
+  }
+};
+
+struct MemoryLookup {
+  CXlOper value;  ///< a view of the argument
+  bool isSorted;
+  MemoryList list;
+  LookupMemory memory;
+
+  /// Excel compares by its own rules; here type and letter case count.
+  bool HoldsValue(std::int32_t position) const {
+    return list.HasPosition(position) && CompareOpers(&list.Read(position, 1).Raw(), &value.Raw()) == 0;
+  }
+  /// Excel's MATCH of the value in `array`, approximate in a sorted list. It is asked for ascending order even where
+  /// the list is said to descend.
+  template <class Array>
+  CXlOper Match(const Array& array) const {
+    return CallExcelOrValueError(xlfMatch, value, array, BooleanCell(isSorted));
+  }
+};
+
+/// The value of an argument that stands for one; an array of one cell counts as that cell.
+CXlOper SingleValue(const CXlOper& argument) {
+  if (argument.IsAbsent()) throw CXlErrorException(xlerrValue);
+  const CXlCells cells = argument.Cells();
+  if (cells.Count() != 1) throw CXlErrorException(xlerrValue);
+  return CXlOper::BorrowCell(*cells.first);
+}
+
+ListDirection ReadDirection(const CXlOper& verticalHorizontal, const TableView& table) {
+  const auto params = CScalarConvertParams<ElementKind::kInteger>(XTEXT("Vertical_Horizontal")).Default(1);
+  const std::int32_t direction = ConvertArgument(verticalHorizontal, params);
+  const bool isAcross = direction == 2 || (direction == 0 && table.Columns() > table.Rows());
+  return isAcross ? ListDirection::kAcross : ListDirection::kDown;
+}
+
+MemoryLookup ReadArguments(const CXlOper& lookupValue, const CXlOper& lookupArray, const CXlOper& sortType,
+                           const CXlOper& memType, const CXlOper& verticalHorizontal) {
+  CXlOper value = SingleValue(lookupValue);
+  const TableView table(lookupArray);
+  const auto params = CScalarConvertParams<ElementKind::kShortInteger>(XTEXT("Sort_Type")).Default(0);
+  const bool isSorted = ConvertArgument(sortType, params) != 0;
+  const ListDirection direction = ReadDirection(verticalHorizontal, table);
+  std::optional<MemoryChoice> choice = ReadMemoryChoice(memType);
+  if (!choice) throw CXlErrorException(xlerrValue);
+  MemoryLookup lookup{std::move(value), isSorted, {table, direction}, LookupMemory(*std::move(choice), direction)};
+  if (!lookup.memory.IsCalledFromCells()) throw CXlErrorException(xlerrValue);
+  return lookup;
+}
+
+/// The position of the value: the remembered one where the value still stands there, else the one that `search` gives
+/// as Excel's answer, which is then remembered. In a list not said to be sorted that may lie outside the list: Excel
+/// searches a row all the same where a column was to be.
+template <class Search>
+std::optional<std::int32_t> FindPosition(MemoryLookup& lookup, const Search& search) {
+  if (lookup.list.Length() == 0) return std::nullopt;
+  const std::optional<std::int32_t> remembered = lookup.memory.Recall(0);
+  if (remembered && lookup.HoldsValue(*remembered)) return remembered;
+
+  const CXlOper answer = search();
+  if (!answer.IsNumber() || !(answer.AsNumber() >= 1 && answer.AsNumber() <= kXlMaxRows)) return std::nullopt;
+  const auto position = static_cast<std::int32_t>(answer.AsNumber());
+  if (lookup.isSorted && !lookup.HoldsValue(position)) return std::nullopt;
+  lookup.memory.Remember(0, position);
+  return position;
+}
+
+/// Excel's MATCH in the list alone.
+CXlOper MatchInList(const MemoryLookup& lookup) {
+  const MemoryList& list = lookup.list;
+  const std::int32_t length = list.Length();
+  if (list.table.IsReference())
+    return lookup.Match(list.IsAcross() ? list.table.Part(0, list.headers, 1, length)
+                                        : list.table.Part(list.headers, 0, length, 1));
+
+  const CXlCells cells = list.table.Cells();
+  const XLOPER12* first = list.IsAcross() ? &cells.At(0, list.headers) : &cells.At(list.headers, 0);
+  std::vector<XLOPER12> column;
+  if (!list.IsAcross() && cells.columns != 1) {
+    column.reserve(static_cast<std::size_t>(length));
+    for (std::int32_t row = 0; row < length; ++row) column.push_back(cells.At(list.headers + row, 0));
+    first = column.data();
+  }
+  XLOPER12 line{};
+  line.val.array.lparray = const_cast<XLOPER12*>(first);
+  line.val.array.rows = list.IsAcross() ? 1 : length;
+  line.val.array.columns = list.IsAcross() ? length : 1;
+  line.xltype = xltypeMulti;
+  return lookup.Match(line);
+}
+
+}  // namespace
+
+CXlOper* LookupFunctions::MemMatch(CXlOper& result, const CXlOper& lookupValue, const CXlOper& lookupArray,
+                                   const CXlOper& sortType, const CXlOper& memType, const CXlOper& verticalHorizontal) {
+  result.SetError(xlerrValue);
+  MemoryLookup lookup = ReadArguments(lookupValue, lookupArray, sortType, memType, verticalHorizontal);
+  const std::optional<std::int32_t> position = FindPosition(lookup, [&] { return lookup.Match(lookupArray); });
+  if (position)
+    result.SetNumber(*position);
+  else
+    result.SetError(xlerrNA);
+  return &result;
+}
+
+CXlOper* LookupFunctions::MemLookup(CXlOper& result, const CXlOper& lookupValue, const CXlOper& lookupArray,
+                                    const CXlOper& resultColumn, const CXlOper& sortType, const CXlOper& memType,
+                                    const CXlOper& verticalHorizontal) {
+  result.SetError(xlerrValue);
+  MemoryLookup lookup = ReadArguments(lookupValue, lookupArray, sortType, memType, verticalHorizontal);
+  const CXlOper selector = SingleValue(resultColumn);
+  MemoryList& list = lookup.list;
+  const SelectedColumns selected =
+      list.IsAcross() ? SelectRows(selector.Cells(), list.table) : SelectColumns(selector.Cells(), list.table);
+  if (selected.failed) {
+    if (selected.headerUsed) result.SetText(XTEXT("#Result_Column Label not found in Header"));
+    return &result;
+  }
+  list.headers = selected.headerUsed ? 1 : 0;
+
+  const std::optional<std::int32_t> position = FindPosition(lookup, [&] { return MatchInList(lookup); });
+  if (position && list.HasPosition(*position))
+    result = CXlOper::FromCell(list.Read(*position, selected.columns.front()).Raw());
+  else
+    result.SetError(xlerrNA);
+  return &result;
+}
+
+}  // namespace quillmere

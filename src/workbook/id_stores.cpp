@@ -1,0 +1,136 @@
+#include "workbook/id_stores.h"
+
+#include <atomic>
+#include <functional>
+#include <unordered_map>
+
+#include "frame/store_lock.h"
+
+namespace quillmere {
+namespace {
+
+/// Texts are looked up by views, without a string being made.
+struct TextHash {
+  using is_transparent = void;
+  std::size_t operator()(XStringView text) const noexcept { return std::hash<XStringView>{}(text); }
+};
+
+using TextMap = std::unordered_map<XString, std::int32_t, TextHash, std::equal_to<>>;
+using NumberMap = std::unordered_map<std::int32_t, std::int32_t>;
+
+/// One map and the number of its entries. Everything but Count is called with the lock held.
+template <class Map>
+class Store {
+ public:
+  std::uint32_t Count() const noexcept { return count_.load(std::memory_order_relaxed); }
+
+  template <class Key>
+  std::optional<std::int32_t> Find(const Key& key) const {
+    const auto found = entries_.find(key);
+    return found == entries_.end() ? std::nullopt : std::optional(found->second);
+  }
+
+  template <class Key>
+  void Put(const Key& key, std::int32_t number) {
+    if (const auto found = entries_.find(key); found != entries_.end()) {
+      found->second = number;
+      return;
+    }
+    entries_.emplace(key, number);
+    NoteCount();
+  }
+
+  template <class Key>
+  bool Erase(const Key& key) {
+    const auto found = entries_.find(key);
+    if (found == entries_.end()) return false;
+    entries_.erase(found);
+    NoteCount();
+    return true;
+  }
+
+  void Swap(Map& other) noexcept {
+    entries_.swap(other);
+    NoteCount();
+  }
+
+  std::vector<std::pair<typename Map::key_type, std::int32_t>> Entries() const {
+    return {entries_.begin(), entries_.end()};
+  }
+
+ private:
+  void NoteCount() noexcept { count_.store(static_cast<std::uint32_t>(entries_.size()), std::memory_order_relaxed); }
+
+  Map entries_;
+  std::atomic<std::uint32_t> count_{0};
+};
+
+// They take no memory before their first entry, and are given back when the library is unloaded, which is after the
+// last call.
+CStoreMutex mutex;
+Store<TextMap> rowTexts;
+Store<NumberMap> rowNumbers;
+Store<NumberMap> columnNumbers;
+
+Store<NumberMap>& StoreOf(NumberStore store) noexcept {
+  return store == NumberStore::kRowIds ? rowNumbers : columnNumbers;
+}
+
+template <class Map, class Key>
+std::optional<std::int32_t> FindIn(const Store<Map>& store, const Key& key) {
+  const CStoreLock lock(mutex);
+  return store.Find(key);
+}
+
+template <class Map, class Key>
+bool PutInto(Store<Map>& store, const Key& key, std::int32_t number) {
+  const CStoreLock lock(mutex, kStoreWait);
+  if (!lock.HoldsLock()) return false;
+  store.Put(key, number);
+  return true;
+}
+
+template <class Map>
+bool Clear(Store<Map>& store) {
+  Map emptied;  // freed when the lock has been given back: that may take longer than others wait for it
+  const CStoreLock lock(mutex, kDestroyWait);
+  if (!lock.HoldsLock()) return false;
+  store.Swap(emptied);
+  return true;
+}
+
+}  // namespace
+
+std::optional<std::int32_t> FindRowId(XStringView key) { return FindIn(rowTexts, key); }
+
+bool StoreRowId(XStringView key, std::int32_t number) { return PutInto(rowTexts, key, number); }
+
+bool EraseRowId(XStringView key) {
+  const CStoreLock lock(mutex, kStoreWait);
+  return lock.HoldsLock() && rowTexts.Erase(key);
+}
+
+std::vector<std::pair<XString, std::int32_t>> TextStoreEntries() {
+  const CStoreLock lock(mutex);
+  return rowTexts.Entries();
+}
+
+std::optional<std::int32_t> FindId(NumberStore store, std::int32_t key) { return FindIn(StoreOf(store), key); }
+
+bool StoreId(NumberStore store, std::int32_t key, std::int32_t number) { return PutInto(StoreOf(store), key, number); }
+
+std::optional<std::vector<std::pair<std::int32_t, std::int32_t>>> NumberStoreEntries(NumberStore store) {
+  const CStoreLock lock(mutex, kStoreWait);
+  if (!lock.HoldsLock()) return std::nullopt;
+  return StoreOf(store).Entries();
+}
+
+std::uint32_t TextStoreCount() noexcept { return rowTexts.Count(); }
+
+std::uint32_t NumberStoreCount(NumberStore store) noexcept { return StoreOf(store).Count(); }
+
+bool ClearTextStore() { return Clear(rowTexts); }
+
+bool ClearNumberStore(NumberStore store) { return Clear(StoreOf(store)); }
+
+}  // namespace quillmere

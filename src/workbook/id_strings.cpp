@@ -1,0 +1,89 @@
+// The worksheet's side of the row IDs by text: Put_RowIDString, Get_RowIdString, Erase_RowIDString.
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "frame/array_builder.h"
+#include "frame/convert_cell.h"
+#include "frame/host_copy.h"
+#include "frame/number_text.h"
+#include "frame/text_cut.h"
+#include "implementations/workbook.h"
+#include "workbook/id_stores.h"
+
+namespace quillmere {
+namespace {
+
+/// Reads IDs from cells, each into the room of the one before. Texts are copied, since Excel's memory is not read while
+/// a store is locked.
+class RowIdReader {
+ public:
+  /// The ID that a cell stands for, until the next is read; empty for an empty cell and an error.
+  XStringView Read(const XLOPER12& cell) {
+    const std::uint32_t type = CellType(cell);
+    if (type == xltypeErr || type == xltypeMissing) return {};
+    const XStringView text = TextForm(cell, number_);
+    if (type != xltypeStr) return text;
+    AssignText(copy_, text);
+    return copy_;
+  }
+
+ private:
+  NumberTextBuffer number_;
+  XString copy_;
+};
+
+}  // namespace
+
+CXlOper* WorkbookFunctions::PutRowIds(CXlOper& result, const CXlOper& vCellIDString) {
+  result.SetError(xlerrValue);
+  if (vCellIDString.IsAbsent()) return &result;
+  const CXlCells cells = vCellIDString.Cells();
+  if (cells.columns < 2) return &result;
+  RowIdReader ids;
+  for (std::int32_t row = 0; row < cells.rows; ++row) {
+    if (IsErrorCell(cells.At(row, 0))) return &result;
+    const XStringView id = ids.Read(cells.At(row, 0));
+    if (id.empty()) break;
+    std::int32_t number = 0;
+    if (!ConvertCellTo<ElementKind::kInteger>(cells.At(row, 1), TextReading::kPlain, number)) return &result;
+    if (!StoreRowId(id, number)) return &result;
+  }
+  result.SetNumber(1);
+  return &result;
+}
+
+CXlOper* WorkbookFunctions::GetRowIds(CXlOper& result) {
+  std::vector<std::pair<XString, std::int32_t>> entries = TextStoreEntries();
+  if (entries.empty()) {
+    result.SetError(xlerrNA);
+    return &result;
+  }
+  std::ranges::sort(entries);
+  CXlArrayBuilder builder(static_cast<std::int64_t>(entries.size()), 2);
+  std::int64_t row = 0;
+  for (const auto& [id, number] : entries) {
+    // An ID that the lookups have put together may be longer than a cell takes.
+    builder.PutText(row, 0, CutText(id, kXlMaxText));
+    builder.PutNumber(row++, 1, number);
+  }
+  result = builder.Finish();
+  return &result;
+}
+
+CXlOper* WorkbookFunctions::EraseRowIds(CXlOper& result, const CXlOper& erasedIDs) {
+  result.SetError(xlerrValue);
+  if (erasedIDs.IsAbsent()) return &result;
+  const CXlCells cells = erasedIDs.Cells();
+  std::int64_t erased = 0;
+  RowIdReader ids;
+  for (std::int64_t i = 0; i < cells.Count(); ++i) {
+    const XStringView id = ids.Read(cells.first[i]);
+    if (!id.empty() && EraseRowId(id)) ++erased;
+  }
+  result.SetNumber(static_cast<double>(erased));
+  return &result;
+}
+
+}  // namespace quillmere
