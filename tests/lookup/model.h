@@ -1,0 +1,77 @@
+// A slow and plain model of the lookup functions: what a call must give, worked out row by row from the rules that the
+// help pages state, without a thought for speed. It shares nothing with the add-in.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/value.h"
+
+namespace qcalc::lookup {
+
+/// Excel's MATCH and VLOOKUP take no longer texts to look for; those the add-in searches itself.
+constexpr std::size_t kExcelMatchUnits = 255;
+
+/// Which rows a function returns.
+enum class Wanted { kFirst, kAll, kNth };
+
+struct LookupFunction {
+  XStringView name;
+  Wanted wanted;
+  bool returnsValues;  ///< from answer columns; else row numbers
+  bool caseSensitive;
+};
+inline constexpr LookupFunction kLookupFunctions[] = {
+    {XTEXT("AVLOOKUP2"), Wanted::kFirst, true, false},     {XTEXT("AVLOOKUPS2"), Wanted::kAll, true, false},
+    {XTEXT("AVLOOKUPNTH"), Wanted::kNth, true, false},     {XTEXT("AMATCH2"), Wanted::kFirst, false, false},
+    {XTEXT("AMATCHES2"), Wanted::kAll, false, false},      {XTEXT("AMATCHNTH"), Wanted::kNth, false, false},
+    {XTEXT("Case.AVLOOKUP2"), Wanted::kFirst, true, true}, {XTEXT("Case.AVLOOKUPS2"), Wanted::kAll, true, true},
+    {XTEXT("Case.AVLOOKUPNTH"), Wanted::kNth, true, true}, {XTEXT("Case.AMATCH2"), Wanted::kFirst, false, true},
+    {XTEXT("Case.AMATCHES2"), Wanted::kAll, false, true},  {XTEXT("Case.AMATCHNTH"), Wanted::kNth, false, true}};
+
+/// The cells that a formula stands in: one, or several below one another in one column. Zero-based.
+struct CallingPlace {
+  std::string book;
+  IDSHEET sheet = 0;
+  std::int32_t row = 0;
+  std::int32_t column = 0;
+  std::int32_t rows = 1;
+};
+
+/// One call with all its arguments; those that are left out are missing values.
+struct LookupCall {
+  const LookupFunction* function = nullptr;
+  Value keys;
+  ArrayPtr table;              ///< its cells, a header row included
+  bool isReference = false;    ///< the table stands in a sheet
+  std::int32_t rowsBelow = 0;  ///< empty rows that the reference has below the table's cells
+  Value answerColumns = Value::Missing();
+  Value sorted = Value::Missing();
+  Value exactMatch = Value::Missing();
+  Value lookupColumns = Value::Missing();
+  Value memory = Value::Missing();
+  std::optional<std::int32_t> position;
+  CallingPlace caller;
+};
+
+/// Where a cell comes in a sorted table compared with what is looked for: below 0 before it, 0 equal, above 0 after.
+/// Numbers, booleans, errors, empty cells, texts; texts by their units, A to Z as a to z unless case counts.
+int Compare(const CellView& cell, const CellView& key, bool caseSensitive);
+
+/// The rows that unsorted lookups remember, by calling place.
+class MemoryModel {
+ public:
+  std::optional<std::int32_t> Find(const std::string& place) const;
+  void Remember(const std::string& place, std::int32_t row) { rows_[place] = row; }
+
+ private:
+  std::map<std::string, std::int32_t> rows_;
+};
+
+/// What the call gives; what it remembers goes to `memory`.
+Value Expected(const LookupCall& call, MemoryModel& memory);
+
+}  // namespace qcalc::lookup
