@@ -124,6 +124,35 @@ typename Width::Oper* SpoiltCopy(const typename Width::Oper& oper, const Mutatio
   return reason.empty() ? copy : nullptr;
 }
 
+template <typename Width>
+bool IsReadable(const typename Width::Oper& oper) {
+  using Unit = typename Width::Unit;
+  switch (oper.xltype & kTypeMask) {
+    case xltypeStr: {
+      if (!CanRead(oper.val.str, sizeof(Unit))) return false;
+      const std::size_t length = static_cast<std::make_unsigned_t<Unit>>(oper.val.str[0]);
+      return CanRead(oper.val.str, (length + 1) * sizeof(Unit));
+    }
+    case xltypeMulti: {
+      const auto& array = oper.val.array;
+      const std::size_t count = static_cast<std::size_t>(array.rows) * static_cast<std::size_t>(array.columns);
+      if (!CanRead(array.lparray, count * sizeof(oper))) return false;
+      return std::all_of(array.lparray, array.lparray + count, [](const auto& element) {
+        return (element.xltype & kTypeMask) != xltypeStr || IsReadable<Width>(element);
+      });
+    }
+    case xltypeRef: {
+      const auto* const areas = oper.val.mref.lpmref;
+      return !areas || (CanRead(areas, sizeof areas->count) &&
+                        CanRead(areas, sizeof *areas + areas->count * sizeof areas->reftbl[0]));
+    }
+    default:
+      return true;
+  }
+}
+
+template bool IsReadable<Wide>(const XLOPER12&);
+template bool IsReadable<Narrow>(const XLOPER&);
 template XLOPER12* SpoiltCopy<Wide>(const XLOPER12&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
 template XLOPER* SpoiltCopy<Narrow>(const XLOPER&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
 

@@ -16,6 +16,13 @@ template <typename Width>
 typename Width::Oper* SpoiltCopy(const typename Width::Oper& oper, const Mutation& mutation,
                                  std::vector<SpoiltMemory>& memory, std::string& reason);
 
+/// Whether all that hangs on a value can be read: what the host has spoilt may come back to it as an argument of a
+/// callback.
+template <typename Width>
+bool IsReadable(const typename Width::Oper& oper);
+
+extern template bool IsReadable<Wide>(const XLOPER12&);
+extern template bool IsReadable<Narrow>(const XLOPER&);
 extern template XLOPER12* SpoiltCopy<Wide>(const XLOPER12&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
 extern template XLOPER* SpoiltCopy<Narrow>(const XLOPER&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
 

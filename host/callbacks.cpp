@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "host/allocation.h"
+#include "host/argument_damage.h"
 #include "host/callback_rules.h"
 #include "host/handled_fault.h"
 
@@ -118,8 +119,9 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
   CallbackRequest request{*context, *callback, (xlfn & xlIntl) != 0, {}};
   const IDSHEET current = context->evaluation.sheet ? context->evaluation.sheet->Id() : 0;
   for (int i = 0; i < count; ++i) {
-    Reading reading = Marshal<Width>::Read(*arguments[i], current);
     // What the host itself has spoilt may come back to it.
+    if (context->isSpoilt && !IsReadable<Width>(*arguments[i])) return CallbackAnswer::Failure(xlretInvXloper);
+    Reading reading = Marshal<Width>::Read(*arguments[i], current);
     if (!reading.defect.empty() && !context->isSpoilt)
       refuse(xlretInvXloper, "was given " + reading.defect + " as argument " + std::to_string(i + 1));
     if (reading.isMalformed) return CallbackAnswer::Failure(xlretInvXloper);

@@ -24,4 +24,7 @@ class SpoiltMemory {
   std::size_t size_;
 };
 
+/// Whether that much memory can be read. Natively, where no pointer is spoilt, always.
+bool CanRead(const void* address, std::size_t bytes);
+
 }  // namespace qcalc

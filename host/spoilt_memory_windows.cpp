@@ -36,4 +36,16 @@ SpoiltMemory::SpoiltMemory(SpoiltMemory&& other) noexcept
 
 void* SpoiltMemory::Unreadable() const { return data_ + size_; }
 
+bool CanRead(const void* address, std::size_t bytes) {
+  const auto* next = static_cast<const std::byte*>(address);
+  const auto* const end = next + bytes;
+  while (next < end) {
+    MEMORY_BASIC_INFORMATION region;
+    if (!VirtualQuery(next, &region, sizeof region)) return false;
+    if (region.State != MEM_COMMIT || (region.Protect & (PAGE_NOACCESS | PAGE_GUARD))) return false;
+    next = static_cast<const std::byte*>(region.BaseAddress) + region.RegionSize;
+  }
+  return true;
+}
+
 }  // namespace qcalc

@@ -21,11 +21,25 @@ report() {
   (($3 == 0)) || sed 's/^/    /' "$4"
 }
 
+# logged LOG COMMAND...: runs under the time limit; what it prints goes to LOG. A program that Wine could not so much as
+# start, because its server broke the connection off, is started again.
+logged() {
+  local log=$1 status attempt
+  shift
+  for attempt in 1 2 3; do
+    status=0
+    timeout -k 10 $time_limit "$@" </dev/null 2>&1 | tr -d '\r' >"$log" || status=$?
+    [[ $(head -c 200 "$log") == 'wine client error:0: recvmsg'* && $(wc -l <"$log") == 1 ]] || break
+    echo "Wine did not start it, attempt $attempt" >>"$log.wine"
+  done
+  return $status
+}
+
 # unit_suite SUITE COMMAND...: a GoogleTest program.
 unit_suite() {
   local suite=$1 log=$logs/$1.log status=0 good bad
   shift
-  timeout -k 10 $time_limit "$@" --gtest_brief=1 </dev/null 2>&1 | tr -d '\r' >"$log" || status=$?
+  logged "$log" "$@" --gtest_brief=1 || status=$?
   good=$(sed -nE 's/^\[  PASSED  \] ([0-9]+) tests?\.$/\1/p' "$log")
   bad=$(grep -cE '^\[  FAILED  \] .* \([0-9]+ ms\)$' "$log" || true)
   if ((${good:-0} + bad == 0)) || ((status != 0 && bad == 0)) || [[ -z $good ]]; then
@@ -39,7 +53,7 @@ unit_suite() {
 run_script() {
   local result=$1 script=$2 status=0 good bad
   shift 2
-  timeout -k 10 $time_limit "$@" run "$script" </dev/null 2>&1 | tr -d '\r' >"$result.log" || status=$?
+  logged "$result.log" "$@" run "$script" || status=$?
   read -r good bad < <(tail -n 1 "$result.log" | sed -nE 's/^([0-9]+) passed, ([0-9]+) failed$/\1 \2/p') || true
   if [[ -z ${bad:-} ]] || ((good + bad == 0)) || ((status != 0 && bad == 0)); then
     echo "$script: ended with status $status and without its closing line" >>"$result.log"
