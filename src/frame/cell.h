@@ -73,6 +73,12 @@ inline std::int32_t CellErrorCode(const XLOPER12& cell) {
   return cell.val.err;
 }
 
+/// Asks the processor for a cell that is soon to be read. Its value and its kind may lie in two lines of the cache.
+inline void PrefetchCell(const XLOPER12* cell) noexcept {
+  __builtin_prefetch(&cell->val);
+  __builtin_prefetch(&cell->xltype);
+}
+
 // Makers of single cells that point to nothing.
 
 inline XLOPER12 ErrorCell(std::int32_t code) noexcept {

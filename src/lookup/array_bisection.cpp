@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
+#include <optional>
 
-#include "lookup/bisection.h"
+#include "lookup/bisection_top.h"
 
 namespace quillmere {
 namespace {
@@ -13,11 +15,34 @@ namespace {
 constexpr std::int32_t kLanes = 32;
 
 struct Lane {
-  Key key;
+  Key key;        ///< not made ready where `number` is all that is looked for
+  double number;  ///< of a key that is one number
   Bisection bisection;
 };
 
 using Lanes = std::span<Lane>;
+
+/// What a batch of keys is made of.
+enum class LaneKind {
+  kNumbers,  ///< each key is one finite number
+  kAny,
+};
+
+bool IsFiniteNumber(const XLOPER12& cell) { return IsNumberCell(cell) && std::isfinite(cell.val.num); }
+
+/// Gives the lanes the keys from `first` on.
+LaneKind FillLanes(Lanes lanes, std::span<KeyRoom> rooms, const LookupKeys& keys, std::int32_t first) {
+  bool areNumbers = keys.Parts() == 1;
+  for (std::size_t i = 0; areNumbers && i < lanes.size(); ++i) {
+    const XLOPER12& key = keys.At(first + static_cast<std::int32_t>(i), 0);
+    areNumbers = IsFiniteNumber(key);
+    lanes[i].number = key.val.num;
+  }
+  if (areNumbers) return LaneKind::kNumbers;
+  for (std::size_t i = 0; i < lanes.size(); ++i)
+    lanes[i].key = rooms[i].Prepare(keys, first + static_cast<std::int32_t>(i));
+  return LaneKind::kAny;
+}
 
 template <SortOrder order, RunEnd end>
 void StepLane(const ArrayColumns& table, Key key, Bisection& bisection) {
@@ -36,7 +61,7 @@ void BisectLanes(const ArrayColumns& table, Lanes lanes) {
   for (bool busy = true; busy;) {
     busy = false;
     for (Lane& lane : lanes)
-      if (!lane.bisection.IsDone()) __builtin_prefetch(&table.At(lane.bisection.Middle(), 0));
+      if (!lane.bisection.IsDone()) PrefetchCell(&table.At(lane.bisection.Middle(), 0));
     for (Lane& lane : lanes) {
       if (lane.bisection.IsDone()) continue;
       const XLOPER12& cell = table.At(lane.bisection.Middle(), 0);
@@ -50,47 +75,89 @@ void BisectLanes(const ArrayColumns& table, Lanes lanes) {
   }
 }
 
-/// Keys of one part that are numbers. No branch hangs on how they compare with number cells, nor on how far a bisection
-/// has come: to look once more at the row before its end changes nothing.
+/// Takes in a cell that is no number, for a key that is one.
 template <SortOrder order, RunEnd end>
-void BisectNumberLanes(const ArrayColumns& table, Lanes lanes) {
-  std::array<double, kLanes> wanted;
-  std::array<Bisection, kLanes> bisections;
-  for (std::size_t i = 0; i < lanes.size(); ++i) {
-    wanted[i] = lanes[i].key[0].value.val.num;
-    bisections[i] = lanes[i].bisection;
-  }
-  const XLOPER12* const column = &table.At(0, 0);
-  const std::int64_t stride = table.cells.columns;
-  const int rounds = std::bit_width(static_cast<std::uint32_t>(table.cells.rows));
-  for (int round = 0; round < rounds; ++round) {
+void StepOverOther(const XLOPER12& cell, Bisection& bisection) {
+  if (CellType(cell) == xltypeNil)
+    bisection.StepOverEmpty();
+  else
+    bisection.Step<order, end>(false, true);  // all other kinds come after the numbers
+}
+
+/// The lanes' first steps, by the top of all bisections.
+template <SortOrder order, RunEnd end>
+void DescendTop(const BisectionTop& top, Lanes lanes) {
+  std::array<std::uint32_t, kLanes> nodes{};
+  std::array<bool, kLanes> equal{};
+  for (int level = 0; level < BisectionTop::kLevels; ++level) {
     for (std::size_t i = 0; i < lanes.size(); ++i) {
-      Bisection& bisection = bisections[i];
-      const XLOPER12& cell = column[bisection.Middle() * stride];
-      if (IsNumberCell(cell)) [[likely]]
-        bisection.Step<order, end>(cell.val.num<wanted[i], cell.val.num> wanted[i]);
-      else if (!bisection.IsDone())
-        StepLane<order, end>(table, lanes[i].key, bisection);
+      const double number = top[nodes[i]];
+      const bool before = number < lanes[i].number;
+      const bool after = number > lanes[i].number;
+      equal[i] |= !before && !after;
+      nodes[i] = nodes[i] * 2 + (Bisection::GoesOn<order, end>(before, after) ? 2 : 1);
     }
   }
-  for (std::size_t i = 0; i < lanes.size(); ++i) lanes[i].bisection = bisections[i];
+  for (std::size_t i = 0; i < lanes.size(); ++i) {
+    lanes[i].bisection = top.BelowIt(nodes[i]);
+    lanes[i].bisection.equal = equal[i];
+  }
 }
 
-bool AreSingleNumbers(Lanes lanes) {
-  return std::all_of(lanes.begin(), lanes.end(),
-                     [](const Lane& lane) { return lane.key.size() == 1 && IsNumberCell(lane.key[0].value); });
+/// Keys of one part that are numbers. No branch hangs on how they compare with number cells, and each lane asks for its
+/// next cell as soon as it knows which that is.
+template <SortOrder order, RunEnd end>
+void BisectNumberLanes(const ArrayColumns& table, Lanes lanes, const BisectionTop* top) {
+  if (top) DescendTop<order, end>(*top, lanes);
+  const XLOPER12* const column = table.cells.first + table.columns[0];
+  const std::int64_t stride = table.cells.columns;
+  std::array<double, kLanes> wanted;
+  std::array<Bisection, kLanes> bisections;
+  std::array<const XLOPER12*, kLanes> cells;
+  const auto aim = [&](std::size_t i) {
+    cells[i] = column + std::max(bisections[i].Middle(), 0) * stride;
+    PrefetchCell(cells[i]);
+  };
+  for (std::size_t i = 0; i < lanes.size(); ++i) {
+    wanted[i] = lanes[i].number;
+    bisections[i] = lanes[i].bisection;
+    aim(i);
+  }
+  const auto step = [&](std::size_t i) {
+    Bisection& bisection = bisections[i];
+    if (IsNumberCell(*cells[i])) [[likely]]
+      bisection.Step<order, end>(cells[i]->val.num<wanted[i], cells[i]->val.num> wanted[i]);
+    else
+      StepOverOther<order, end>(*cells[i], bisection);
+  };
+  // So many halvings leave every lane with something to halve; after them a lane is done or has one row to look at.
+  const int rounds = std::bit_width(static_cast<std::uint32_t>(table.cells.rows) + 1) - 1;
+  for (int round = top ? BisectionTop::kLevels : 0; round < rounds; ++round) {
+    for (std::size_t i = 0; i < lanes.size(); ++i) {
+      step(i);
+      aim(i);
+    }
+  }
+  for (std::size_t i = 0; i < lanes.size(); ++i) {
+    if (!bisections[i].IsDone()) step(i);
+    lanes[i].bisection = bisections[i];
+  }
 }
 
 template <SortOrder order, RunEnd end>
-void Bisect(const ArrayColumns& table, Lanes lanes) {
+void Bisect(const ArrayColumns& table, Lanes lanes, LaneKind kind, const BisectionTop* top) {
   for (Lane& lane : lanes) lane.bisection = Bisection(table.cells.rows);
-  AreSingleNumbers(lanes) ? BisectNumberLanes<order, end>(table, lanes) : BisectLanes<order, end>(table, lanes);
+  if (kind == LaneKind::kNumbers)
+    BisectNumberLanes<order, end>(table, lanes, top);
+  else
+    BisectLanes<order, end>(table, lanes);
 }
 
 template <SortOrder order>
-void FindRuns(const ArrayColumns& table, Lanes lanes, RunEnds ends, std::span<SortedRun> runs) {
+void FindRuns(const ArrayColumns& table, Lanes lanes, LaneKind kind, const BisectionTop* top, RunEnds ends,
+              std::span<SortedRun> runs) {
   if (ends != RunEnds::kLast) {
-    Bisect<order, RunEnd::kFirst>(table, lanes);
+    Bisect<order, RunEnd::kFirst>(table, lanes, kind, top);
     for (std::size_t i = 0; i < lanes.size(); ++i) {
       const Bisection& bisection = lanes[i].bisection;
       const std::int32_t row = bisection.Row<RunEnd::kFirst>();
@@ -98,7 +165,7 @@ void FindRuns(const ArrayColumns& table, Lanes lanes, RunEnds ends, std::span<So
     }
   }
   if (ends != RunEnds::kFirst) {
-    Bisect<order, RunEnd::kLast>(table, lanes);
+    Bisect<order, RunEnd::kLast>(table, lanes, kind, top);
     for (std::size_t i = 0; i < lanes.size(); ++i) {
       const Bisection& bisection = lanes[i].bisection;
       runs[i].last = bisection.Row<RunEnd::kLast>();
@@ -114,15 +181,18 @@ void FindRuns(const ArrayColumns& table, Lanes lanes, RunEnds ends, std::span<So
 void BisectArray(const ArrayColumns& table, const LookupKeys& keys, const MatchRules& rules, std::int32_t position,
                  FoundRows& found) {
   const RunEnds ends = NeededEnds(rules.order, position);
+  std::optional<BisectionTop> top;
+  if (keys.Parts() == 1 && BisectionTop::Pays(table.cells.rows, keys.Count())) top.emplace(table, rules.order);
+  const BisectionTop* const held = top ? &*top : nullptr;
   std::array<Lane, kLanes> lanes;
   std::array<SortedRun, kLanes> runs;
   std::array<KeyRoom, kLanes> rooms;
   for (std::int32_t first = 0; first < keys.Count(); first += kLanes) {
     const std::int32_t count = std::min(kLanes, keys.Count() - first);
     const Lanes busy(lanes.data(), static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) lanes[i].key = rooms[i].Prepare(keys, first + i);
-    rules.order == SortOrder::kAscending ? FindRuns<SortOrder::kAscending>(table, busy, ends, runs)
-                                         : FindRuns<SortOrder::kDescending>(table, busy, ends, runs);
+    const LaneKind kind = FillLanes(busy, rooms, keys, first);
+    rules.order == SortOrder::kAscending ? FindRuns<SortOrder::kAscending>(table, busy, kind, held, ends, runs)
+                                         : FindRuns<SortOrder::kDescending>(table, busy, kind, held, ends, runs);
     for (int i = 0; i < count; ++i) RecordRun(runs[i], position, rules.exact, found);
   }
 }

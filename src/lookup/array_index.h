@@ -32,7 +32,7 @@ class ArrayIndex {
 
   bool usable_ = true;
   bool wantsAll_;
-  std::vector<std::int32_t> groupOfKey_;  ///< equal keys are one group; kNoGroup where no row is equal
+  std::vector<std::int32_t> groupOfKey_;  ///< equal tuples are one group; kNoGroup where no row is equal
   std::vector<std::int32_t> rowOfGroup_;  ///< the wanted row; with wantsAll_ the groups' first places in allRows_
   std::vector<std::int32_t> allRows_;
 };

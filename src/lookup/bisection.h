@@ -1,7 +1,6 @@
 // Bisection of a sorted table: which of equal rows it ends at, and what it says where no row is equal.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 
 #include "lookup/match_walk.h"
@@ -22,16 +21,22 @@ struct Bisection {
   explicit Bisection(std::int32_t rows = 0) noexcept : high(rows) {}
 
   bool IsDone() const noexcept { return high - low <= 1; }
-  /// The row to look at next; when it is done, one that changes nothing if it is taken in once more.
-  std::int32_t Middle() const noexcept { return std::max((low + high) >> 1, 0); }
+  /// The row to look at next, if it is not done.
+  std::int32_t Middle() const noexcept { return (low + high) >> 1; }
 
-  /// Takes in where the middle row stands to the key: `before` and `after` the key by value, neither when it is equal.
+  /// Whether the search goes on behind a row, which stands `before` or `after` the key by value, or is equal to it.
+  template <SortOrder order, RunEnd end>
+  static bool GoesOn(bool before, bool after) noexcept {
+    const bool ahead = order == SortOrder::kAscending ? before : after;
+    const bool behind = order == SortOrder::kAscending ? after : before;
+    return end == RunEnd::kFirst ? ahead : !behind;
+  }
+
+  /// Takes in where the middle row stands.
   template <SortOrder order, RunEnd end>
   void Step(bool before, bool after) noexcept {
     const std::int32_t middle = Middle();
-    const bool ahead = order == SortOrder::kAscending ? before : after;
-    const bool behind = order == SortOrder::kAscending ? after : before;
-    const bool goOn = end == RunEnd::kFirst ? ahead : !behind;
+    const bool goOn = GoesOn<order, end>(before, after);
     equal |= !before && !after;
     // Which way it goes cannot be foretold, so nothing may jump on it: the bits are picked by a mask.
     const std::int32_t mask = -static_cast<std::int32_t>(goOn);

@@ -25,10 +25,10 @@ class LookupKeys {
   bool CaseSensitive() const noexcept { return caseSensitive_; }
 
   /// A part of a key (both 0-based), as it is looked for.
-  const XLOPER12& At(std::int32_t key, std::size_t part) const noexcept {
-    const XLOPER12& cell = cells_.Row(key)[part];
-    return IsEmptyCell(cell) ? zero_ : cell;
-  }
+  const XLOPER12& At(std::int32_t key, std::size_t part) const noexcept { return Meaning(*CellAt(key, part)); }
+  /// The same as it was passed, and what such a cell is looked for as.
+  const XLOPER12* CellAt(std::int32_t key, std::size_t part) const noexcept { return cells_.Row(key) + part; }
+  const XLOPER12& Meaning(const XLOPER12& cell) const noexcept { return IsEmptyCell(cell) ? zero_ : cell; }
 
   /// Whether any text of any key holds a wildcard character.
   bool AnyWildcards() const noexcept { return anyWildcards_; }

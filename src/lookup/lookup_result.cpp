@@ -8,7 +8,7 @@ namespace quillmere {
 namespace {
 
 /// How many rows ahead the copy asks for a row of the table, since rows found lie anywhere.
-constexpr std::size_t kAhead = 16;
+constexpr std::size_t kAhead = 48;
 
 void PutPositions(CXlArrayBuilder& builder, const FoundRows& found, const XLOPER12& notFound) {
   for (std::size_t i = 0; i < found.size(); ++i) {
@@ -40,7 +40,7 @@ void PutArrayRows(CXlArrayBuilder& builder, const LookupPlan& plan, const FoundR
   const CXlCells cells = plan.data.Cells();
   for (std::size_t i = 0; i < found.size(); ++i) {
     if (i + kAhead < found.size() && found[i + kAhead] != kNoRow)
-      __builtin_prefetch(cells.Row(found[i + kAhead]) + runs.front().column);
+      PrefetchCell(cells.Row(found[i + kAhead]) + runs.front().column);
     XLOPER12* const to = builder.Row(static_cast<std::int64_t>(i));
     if (found[i] == kNoRow) {
       builder.Repeat(to, plan.answerColumns.size(), 1, notFound);

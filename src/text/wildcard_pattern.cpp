@@ -26,7 +26,18 @@ inline bool MatchesPart(const XCHAR* text, const XString& part) {
 }  // namespace
 
 bool HasWildcards(XStringView text) {
-  return std::any_of(text.begin(), text.end(), [](XCHAR unit) { return unit == kStar || unit == kAnyUnit; });
+  const auto hasAny = [](__m128i units) {
+    const __m128i found =
+        _mm_or_si128(_mm_cmpeq_epi16(units, _mm_set1_epi16(kStar)), _mm_cmpeq_epi16(units, _mm_set1_epi16(kAnyUnit)));
+    return _mm_movemask_epi8(found) != 0;
+  };
+  const XCHAR* const units = text.data();
+  const std::size_t count = text.size();
+  if (count < kTextBlock)
+    return std::any_of(text.begin(), text.end(), [](XCHAR unit) { return unit == kStar || unit == kAnyUnit; });
+  for (std::size_t at = 0; at + kTextBlock < count; at += kTextBlock)
+    if (hasAny(LoadBlock(units + at))) return true;
+  return hasAny(LoadBlock(units + count - kTextBlock));
 }
 
 WildcardPattern::WildcardPattern(XStringView pattern, bool caseSensitive)
