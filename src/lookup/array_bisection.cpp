@@ -52,7 +52,9 @@ void StepLane(const ArrayColumns& table, Key key, Bisection& bisection) {
     return;
   }
   const int comparison = CompareRow(table, row, key);
-  bisection.Step<order, end>(comparison<0, comparison> 0);
+  const bool before = comparison < 0;
+  const bool after = comparison > 0;
+  bisection.Step<order, end>(before, after);
 }
 
 /// Keys of any kind, of one or several parts.

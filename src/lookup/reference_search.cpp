@@ -171,7 +171,9 @@ class SortedSearch : public CellSearch {
       int comparison = CompareLookupCell(first.Raw(), key_[0]);
       for (std::size_t part = 1; part < key_.size() && comparison == 0; ++part)
         comparison = CompareLookupCell(ReadPart(row, part).Raw(), key_[part]);
-      bisection.Step<order, end>(comparison<0, comparison> 0);
+      const bool before = comparison < 0;
+      const bool after = comparison > 0;
+      bisection.Step<order, end>(before, after);
     }
     return bisection;
   }
