@@ -2,22 +2,18 @@
 // the model, must give the same.
 #include <gtest/gtest.h>
 
-#include <CLI/CLI.hpp>
-#include <algorithm>
 #include <chrono>
 #include <iostream>
 
 #include "drawn_calls.h"
-#include "host/console.h"
 #include "host/evaluation_watch.h"
 #include "host/literal.h"
 #include "host/session.h"
 #include "host/utf8.h"
+#include "tests/addin_program.h"
 
 namespace qcalc::lookup {
 namespace {
-
-enum : int { kFailed = 1, kUnusable = 2, kNoAddin = 3 };
 
 struct Settings {
   std::uint64_t seed = 1;
@@ -175,40 +171,18 @@ int RunTests(const std::filesystem::path& addin, const Settings& settings) {
   Register("Arrays", caller, settings, TableKind::kArray);
   Register("References", caller, settings, TableKind::kReference);
   std::cout << "seed " << settings.seed << std::endl;
-  const int status = RUN_ALL_TESTS();
-  session.Finish();
-  return session.ItsAddin().complaints.Take().empty() ? status : kFailed;
+  return RunTestsAndFinish(session);
 }
 
-int RunProgram(std::vector<std::string> arguments) {
-  // GoogleTest takes its own flags out of a list that ends as main's does.
-  std::vector<char*> pointers;
-  std::string program = "lookup_model_tests";
-  pointers.push_back(program.data());
-  for (std::string& argument : arguments) pointers.push_back(argument.data());
-  int count = static_cast<int>(pointers.size());
-  pointers.push_back(nullptr);
-  testing::InitGoogleTest(&count, pointers.data());
-  arguments.assign(pointers.begin() + 1, pointers.begin() + count);
-
-  CLI::App app("Holds the lookup functions against a model of their rules.", program);
-  app.allow_windows_style_options(false);
+int RunProgram(const std::vector<std::string>& arguments) {
   Settings settings;
-  std::string addin;
-  app.add_option("--addin", addin, "the add-in to load; by default the one beside the program");
-  app.add_option("--seed", settings.seed, "what all random choices follow from");
-  app.add_option("--cases", settings.cases, "calls with arrays, and as many with references");
-  app.add_option("--seconds", settings.seconds, "seconds of calls of each kind, in place of their number");
-  try {
-    std::reverse(arguments.begin(), arguments.end());
-    app.parse(arguments);
-    return RunTests(addin.empty() ? ProgramFolder() / "Quillmere4.xll" : std::filesystem::path(addin), settings);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kUnusable;
-  } catch (const AddinFailure& failure) {
-    std::cerr << failure.what() << std::endl;
-    return kNoAddin;
-  }
+  const auto addOptions = [&](CLI::App& app) {
+    app.add_option("--seed", settings.seed, "what all random choices follow from");
+    app.add_option("--cases", settings.cases, "calls with arrays, and as many with references");
+    app.add_option("--seconds", settings.seconds, "seconds of calls of each kind, in place of their number");
+  };
+  return RunAddinProgram("lookup_model_tests", "Holds the lookup functions against a model of their rules.", arguments,
+                         addOptions, [&](const std::filesystem::path& addin) { return RunTests(addin, settings); });
 }
 
 }  // namespace
