@@ -18,14 +18,14 @@ class BisectionTop {
  public:
   /// Whether so many keys make up for reading the tree's rows once more.
   static bool Pays(std::int64_t rows, std::int64_t keys) noexcept {
-    return keys >= std::int64_t{1} << kLevels && rows >= std::int64_t{4} << kLevels;
+    return keys >= std::int64_t{1} << (kLevels - 1) && rows >= std::int64_t{4} << kLevels;
   }
 
   /// Reads the tree from the first key column of a table in that order.
   BisectionTop(const ArrayColumns& table, SortOrder order);
 
   /// The steps that the tree holds; every bisection has at least so many.
-  static constexpr int kLevels = 14;
+  static constexpr int kLevels = 15;
 
   double operator[](std::uint32_t node) const noexcept { return numbers_[node]; }
   /// Where a bisection that has come to `node` behind the last level stands.

@@ -9,8 +9,8 @@
 namespace quillmere {
 namespace {
 
-constexpr std::int32_t kRows = 80'000;
-constexpr std::int32_t kKeys = 20'000;  // enough for the top of all bisections to be read beforehand
+constexpr std::int32_t kRows = 150'000;
+constexpr std::int32_t kKeys = 40'000;  // enough for the top of all bisections to be read beforehand
 
 /// A cell of a column that is mostly numbers; texts are shared.
 XLOPER12 DrawCell(std::mt19937& random, double number) {
