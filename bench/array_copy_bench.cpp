@@ -7,8 +7,8 @@
 #include <random>
 #include <vector>
 
-#include "frame/array_builder.h"
-#include "frame/value_memory.h"
+#include "frame/values/array_builder.h"
+#include "frame/values/value_memory.h"
 
 namespace quillmere {
 namespace {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "frame/cell.h"
+#include "frame/values/cell.h"
 
 namespace quillmere {
 

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "table/lower_case.h"
+#include "frame/text/lower_case.h"
 #include "text/wildcard_pattern.h"
 
 namespace quillmere {

@@ -8,8 +8,8 @@
 #include <new>
 #include <utility>
 
-#include "frame/cell.h"
-#include "frame/wrapper.h"
+#include "frame/call/wrapper.h"
+#include "frame/values/cell.h"
 
 namespace {
 std::atomic<std::int64_t> allocations{0};

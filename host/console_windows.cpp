@@ -7,7 +7,7 @@
 #include <stdio.h>
 
 #include "host/console.h"
-#include "host/utf8.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "host/utf8.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/registry.h"
+#include "host/addin/registry.h"
 
 namespace qcalc {
 

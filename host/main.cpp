@@ -7,9 +7,9 @@
 
 #include "host/console.h"
 #include "host/function_list.h"
-#include "host/literal.h"
-#include "host/script_runner.h"
-#include "host/utf8.h"
+#include "host/scripts/script_runner.h"
+#include "host/text/utf8.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 namespace {

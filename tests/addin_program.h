@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "host/console.h"
-#include "host/session.h"
+#include "host/scripts/session.h"
 
 namespace qcalc {
 

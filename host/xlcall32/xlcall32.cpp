@@ -4,7 +4,7 @@
 
 #include <cstdarg>
 
-#include "host/export.h"
+#include "host/library/export.h"
 #include "xlcall/xlcall.h"
 
 namespace {

@@ -1,13 +1,13 @@
 // The functions that Excel calls by name, each a thin forwarder, and the add-in's one application object.
-#include "frame/ansi_text.h"
-#include "frame/callbacks.h"
-#include "frame/dialogs.h"
-#include "frame/export.h"
-#include "frame/fault_guard.h"
-#include "frame/plain_call.h"
+#include "frame/app/dialogs.h"
+#include "frame/call/fault_guard.h"
+#include "frame/call/plain_call.h"
+#include "frame/callbacks/callbacks.h"
+#include "frame/entry/export.h"
 #include "frame/quillmere4_app.h"
-#include "frame/value4.h"
-#include "frame/value_memory.h"
+#include "frame/text/ansi_text.h"
+#include "frame/values/value4.h"
+#include "frame/values/value_memory.h"
 
 using quillmere::CXllApp;
 

@@ -1,7 +1,7 @@
 // The add-in's own application object.
 #pragma once
 
-#include "frame/xll_app.h"
+#include "frame/app/xll_app.h"
 
 namespace quillmere {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "frame/xl_oper.h"
+#include "frame/values/xl_oper.h"
 #include "lookup/lookup_keys.h"
 
 namespace quillmere {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "lookup/tuple_index.h"
+#include "table/tuple_index.h"
 
 namespace quillmere {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "frame/xl_oper.h"
+#include "frame/values/xl_oper.h"
 #include "lookup/lookup_memory.h"
 #include "table/sort_order.h"
 #include "table/table_view.h"

@@ -1,5 +1,5 @@
 // The lookup functions: values or row positions; of the first match, of the n-th, or of all.
-#include "frame/convert_scalar.h"
+#include "frame/convert/convert_scalar.h"
 #include "implementations/lookup.h"
 #include "lookup/array_search.h"
 #include "lookup/lookup_arguments.h"

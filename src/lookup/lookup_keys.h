@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "frame/xl_oper.h"
+#include "frame/values/xl_oper.h"
 #include "table/compare.h"
 
 namespace quillmere {

@@ -4,8 +4,8 @@
 #include <limits>
 #include <utility>
 
-#include "frame/callbacks.h"
-#include "frame/host_copy.h"
+#include "frame/callbacks/callbacks.h"
+#include "frame/values/host_copy.h"
 #include "workbook/id_stores.h"
 
 namespace quillmere {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "frame/xl_oper.h"
+#include "frame/values/xl_oper.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere {

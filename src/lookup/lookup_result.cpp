@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frame/array_builder.h"
+#include "frame/values/array_builder.h"
 
 namespace quillmere {
 namespace {

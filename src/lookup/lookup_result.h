@@ -1,7 +1,7 @@
 // Building the result of a lookup, the last of its three steps.
 #pragma once
 
-#include "frame/xl_oper.h"
+#include "frame/values/xl_oper.h"
 #include "lookup/lookup_arguments.h"
 #include "lookup/match_walk.h"
 

@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "frame/callbacks.h"
-#include "frame/convert_scalar.h"
+#include "frame/callbacks/callbacks.h"
+#include "frame/convert/convert_scalar.h"
 #include "implementations/lookup.h"
 #include "lookup/lookup_memory.h"
 #include "table/column_selector.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frame/callbacks.h"
+#include "frame/callbacks/callbacks.h"
 #include "lookup/bisection.h"
 #include "text/wildcard_pattern.h"
 

@@ -4,8 +4,8 @@
 #include <bit>
 #include <functional>
 
-#include "frame/number_text.h"
-#include "table/upper_case.h"
+#include "frame/text/number_text.h"
+#include "frame/text/upper_case.h"
 
 namespace quillmere {
 namespace {

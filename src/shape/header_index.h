@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "frame/cell.h"
+#include "frame/values/cell.h"
 
 namespace quillmere {
 

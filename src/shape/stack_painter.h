@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "frame/array_builder.h"
-#include "frame/xl_oper.h"
+#include "frame/values/array_builder.h"
+#include "frame/values/xl_oper.h"
 
 namespace quillmere {
 

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "frame/array_builder.h"
+#include "frame/values/array_builder.h"
 #include "implementations/shape.h"
 #include "shape/header_index.h"
 #include "shape/stack_painter.h"

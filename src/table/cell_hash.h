@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/cell.h"
-#include "table/text_block.h"
+#include "frame/text/text_block.h"
+#include "frame/values/cell.h"
 
 namespace quillmere {
 

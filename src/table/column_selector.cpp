@@ -5,10 +5,10 @@
 #include <unordered_map>
 #include <utility>
 
-#include "frame/callbacks.h"
-#include "frame/convert_cell.h"
+#include "frame/callbacks/callbacks.h"
+#include "frame/convert/convert_cell.h"
+#include "frame/text/fold_case.h"
 #include "table/cell_hash.h"
-#include "table/fold_case.h"
 
 namespace quillmere {
 namespace {

@@ -2,8 +2,8 @@
 // the value looked for. No tolerance between numbers, no conversion between types.
 #pragma once
 
-#include "frame/xl_oper.h"
-#include "table/fold_case.h"
+#include "frame/text/fold_case.h"
+#include "frame/values/xl_oper.h"
 
 namespace quillmere {
 

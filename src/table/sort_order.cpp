@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "frame/convert_cell.h"
-#include "table/upper_case.h"
+#include "frame/convert/convert_cell.h"
+#include "frame/text/upper_case.h"
 
 namespace quillmere {
 namespace {

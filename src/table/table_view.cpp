@@ -1,6 +1,6 @@
 #include "table/table_view.h"
 
-#include "frame/callbacks.h"
+#include "frame/callbacks/callbacks.h"
 
 namespace quillmere {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "frame/xl_oper.h"
+#include "frame/values/xl_oper.h"
 
 namespace quillmere {
 

@@ -4,7 +4,7 @@
 #include <bit>
 #include <utility>
 
-#include "table/text_block.h"
+#include "frame/text/text_block.h"
 #include "xlcall/xlcall.h"
 
 namespace quillmere {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "frame/exceptions.h"
-#include "frame/host_copy.h"
-#include "table/lower_case.h"
-#include "table/text_block.h"
+#include "frame/errors/exceptions.h"
+#include "frame/text/lower_case.h"
+#include "frame/text/text_block.h"
+#include "frame/values/host_copy.h"
 #include "xlcall/xlcall.h"
 
 namespace quillmere {

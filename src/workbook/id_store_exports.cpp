@@ -1,8 +1,8 @@
 // The functions with which VBA code fills, reads and empties the ID stores. Its pointers are taken as they come: each
 // element is read and written by a plain access of its own, outside the stores' lock, so that a bad one ends the call
 // with -1 and leaves nothing behind.
-#include "frame/export.h"
-#include "frame/plain_call.h"
+#include "frame/call/plain_call.h"
+#include "frame/entry/export.h"
 #include "workbook/id_stores.h"
 
 namespace quillmere {

@@ -4,7 +4,7 @@
 #include <functional>
 #include <unordered_map>
 
-#include "frame/store_lock.h"
+#include "frame/call/store_lock.h"
 
 namespace quillmere {
 namespace {

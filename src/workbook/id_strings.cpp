@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "frame/array_builder.h"
-#include "frame/convert_cell.h"
-#include "frame/host_copy.h"
-#include "frame/number_text.h"
-#include "frame/text_cut.h"
+#include "frame/convert/convert_cell.h"
+#include "frame/text/number_text.h"
+#include "frame/text/text_cut.h"
+#include "frame/values/array_builder.h"
+#include "frame/values/host_copy.h"
 #include "implementations/workbook.h"
 #include "workbook/id_stores.h"
 

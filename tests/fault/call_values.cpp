@@ -3,9 +3,9 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "host/formula.h"
-#include "host/literal.h"
-#include "host/utf8.h"
+#include "host/formulas/formula.h"
+#include "host/text/utf8.h"
+#include "host/values/literal.h"
 
 namespace qcalc::fault {
 namespace {

@@ -1,7 +1,7 @@
 #include <random>
 
 #include "findings.h"
-#include "host/utf8.h"
+#include "host/text/utf8.h"
 
 namespace qcalc::fault {
 namespace {

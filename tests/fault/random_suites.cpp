@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "findings.h"
-#include "host/evaluation_watch.h"
+#include "host/addin/evaluation_watch.h"
 
 namespace qcalc::fault {
 namespace {

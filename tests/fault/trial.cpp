@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/evaluation_watch.h"
-#include "host/literal.h"
+#include "host/addin/evaluation_watch.h"
+#include "host/values/literal.h"
 
 namespace qcalc::fault {
 namespace {

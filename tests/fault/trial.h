@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "call_values.h"
-#include "host/allocation.h"
-#include "host/mutation.h"
-#include "host/odd_answer.h"
+#include "host/faults/mutation.h"
+#include "host/faults/odd_answer.h"
+#include "host/library/allocation.h"
 
 namespace qcalc::fault {
 

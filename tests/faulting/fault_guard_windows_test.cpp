@@ -13,9 +13,9 @@
 #include <mutex>
 #include <thread>
 
-#include "host/allocation.h"
-#include "host/literal.h"
-#include "host/session.h"
+#include "host/library/allocation.h"
+#include "host/scripts/session.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 namespace {

@@ -11,14 +11,14 @@
 #include <string>
 #include <string_view>
 
-#include "frame/array_builder.h"
-#include "frame/callbacks.h"
-#include "frame/export.h"
-#include "frame/function_record.h"
-#include "frame/host_copy.h"
-#include "frame/store_lock.h"
-#include "frame/thread_record.h"
-#include "frame/wrapper.h"
+#include "frame/call/store_lock.h"
+#include "frame/call/thread_record.h"
+#include "frame/call/wrapper.h"
+#include "frame/callbacks/callbacks.h"
+#include "frame/entry/export.h"
+#include "frame/registration/function_record.h"
+#include "frame/values/array_builder.h"
+#include "frame/values/host_copy.h"
 
 // A leaf, which has no unwind data at all, and a function that faults before its prologue has ended.
 asm(R"(

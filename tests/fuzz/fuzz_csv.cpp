@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "host/csv.h"
+#include "host/files/csv.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   qcalc::Workbooks workbooks;

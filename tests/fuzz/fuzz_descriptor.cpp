@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/descriptor.h"
+#include "frame/registration/descriptor.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   XString text(size / sizeof(XCHAR), XCHAR{0});

@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "host/formula.h"
-#include "host/formula_node.h"
+#include "host/formulas/formula.h"
+#include "host/formulas/formula_node.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto formula = qcalc::ParseFormula({reinterpret_cast<const char*>(data), size});

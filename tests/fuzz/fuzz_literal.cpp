@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "host/literal.h"
+#include "host/values/literal.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto value = qcalc::ParseLiteral({reinterpret_cast<const char*>(data), size});

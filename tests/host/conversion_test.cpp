@@ -1,5 +1,5 @@
 // Numbers to texts, texts to numbers, and the order of values.
-#include "host/conversion.h"
+#include "host/values/conversion.h"
 
 #include <gtest/gtest.h>
 
@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/literal.h"
-#include "host/number_text.h"
-#include "host/text_number.h"
-#include "host/utf8.h"
+#include "host/text/utf8.h"
+#include "host/values/literal.h"
+#include "host/values/number_text.h"
+#include "host/values/text_number.h"
 
 namespace qcalc {
 namespace {

@@ -1,5 +1,5 @@
 // CSV into cells.
-#include "host/csv.h"
+#include "host/files/csv.h"
 
 #include <gtest/gtest.h>
 

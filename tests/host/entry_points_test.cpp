@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "host/callbacks.h"
-#include "host/literal.h"
-#include "host/session.h"
+#include "host/callbacks/callbacks.h"
+#include "host/scripts/session.h"
+#include "host/values/literal.h"
 #include "xlcall/callback_list.h"
 
 namespace qcalc {

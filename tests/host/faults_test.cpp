@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/allocation.h"
-#include "host/literal.h"
-#include "host/session.h"
+#include "host/library/allocation.h"
+#include "host/scripts/session.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 namespace {

@@ -1,5 +1,5 @@
 // The parser of formulas and the evaluation of operators and operands.
-#include "host/formula.h"
+#include "host/formulas/formula.h"
 
 #include <gtest/gtest.h>
 

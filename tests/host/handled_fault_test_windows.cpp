@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "host/handled_fault.h"
+#include "host/faults/handled_fault.h"
 
 namespace qcalc {
 namespace {

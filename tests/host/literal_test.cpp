@@ -1,5 +1,5 @@
 // Literals and UTF-8, there and back.
-#include "host/literal.h"
+#include "host/values/literal.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <random>
 #include <string>
 
-#include "host/utf8.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "host/lookup_search.h"
+#include "host/calculation/lookup_search.h"
 #include "tests/host/model_fixture.h"
 
 namespace qcalc {

@@ -1,15 +1,15 @@
 // Values across the API, in both widths, and what keeps the books over them.
-#include "host/marshal.h"
+#include "host/api/marshal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "host/arguments.h"
-#include "host/literal.h"
-#include "host/show_table.h"
-#include "host/type_text.h"
+#include "host/addin/arguments.h"
+#include "host/api/type_text.h"
+#include "host/scripts/show_table.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 namespace {

@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/literal.h"
-#include "host/session.h"
+#include "host/scripts/session.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 namespace {

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "host/evaluator.h"
-#include "host/literal.h"
-#include "host/recalculation.h"
-#include "host/utf8.h"
+#include "host/calculation/evaluator.h"
+#include "host/calculation/recalculation.h"
+#include "host/text/utf8.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 

@@ -1,5 +1,5 @@
 // Formula cells: order, what is calculated anew, circles, spilled arrays.
-#include "host/recalculation.h"
+#include "host/calculation/recalculation.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "host/script_runner.h"
+#include "host/scripts/script_runner.h"
 
 namespace qcalc {
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/library.h"
+#include "host/library/library.h"
 
 namespace qcalc {
 

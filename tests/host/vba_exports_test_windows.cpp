@@ -8,8 +8,8 @@
 #include <limits>
 #include <thread>
 
-#include "host/allocation.h"
-#include "host/spoilt_memory.h"
+#include "host/faults/spoilt_memory.h"
+#include "host/library/allocation.h"
 #include "vba_exports.h"
 
 namespace qcalc {

@@ -1,5 +1,5 @@
 // Books, sheets and the store of cells.
-#include "host/workbook.h"
+#include "host/workbook/workbook.h"
 
 #include <gtest/gtest.h>
 

@@ -6,10 +6,10 @@
 #include <iostream>
 
 #include "drawn_calls.h"
-#include "host/evaluation_watch.h"
-#include "host/literal.h"
-#include "host/session.h"
-#include "host/utf8.h"
+#include "host/addin/evaluation_watch.h"
+#include "host/scripts/session.h"
+#include "host/text/utf8.h"
+#include "host/values/literal.h"
 #include "tests/addin_program.h"
 
 namespace qcalc::lookup {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/value.h"
+#include "host/values/value.h"
 
 namespace qcalc::lookup {
 

@@ -1,7 +1,7 @@
 // When a cell is what a key looks for: by Excel's MATCH, by a pattern, by plain equality.
 #pragma once
 
-#include "host/value.h"
+#include "host/values/value.h"
 
 namespace qcalc::lookup {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/cell.h"
+#include "frame/values/cell.h"
 
 namespace quillmere::testing {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "fake_excel.h"
-#include "frame/xll_app.h"
+#include "frame/app/xll_app.h"
 
 namespace quillmere::testing {
 

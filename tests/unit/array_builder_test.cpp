@@ -1,4 +1,4 @@
-#include "frame/array_builder.h"
+#include "frame/values/array_builder.h"
 
 #include <gtest/gtest.h>
 

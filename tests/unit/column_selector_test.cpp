@@ -7,7 +7,7 @@
 #include <deque>
 
 #include "fake_excel.h"
-#include "frame/exceptions.h"
+#include "frame/errors/exceptions.h"
 
 namespace quillmere::testing {
 namespace {

@@ -4,9 +4,9 @@
 #include <functional>
 #include <vector>
 
-#include "frame/array_builder.h"
-#include "frame/convert_array.h"
-#include "frame/convert_scalar.h"
+#include "frame/convert/convert_array.h"
+#include "frame/convert/convert_scalar.h"
+#include "frame/values/array_builder.h"
 #include "tests/unit/failing_memory.h"
 #include "tests/unit/fake_excel.h"
 

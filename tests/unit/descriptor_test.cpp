@@ -1,4 +1,4 @@
-#include "frame/descriptor.h"
+#include "frame/registration/descriptor.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "frame/exceptions.h"
+#include "frame/errors/exceptions.h"
 
 #include <gtest/gtest.h>
 
 #include <type_traits>
 
-#include "frame/error_text.h"
+#include "frame/text/error_text.h"
 #include "tests/unit/failing_memory.h"
 #include "xlcall/xlcall.h"
 

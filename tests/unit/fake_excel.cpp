@@ -7,8 +7,8 @@
 #include <new>
 #include <utility>
 
-#include "frame/callbacks.h"
-#include "frame/cell.h"
+#include "frame/callbacks/callbacks.h"
+#include "frame/values/cell.h"
 
 namespace quillmere::testing {
 namespace {

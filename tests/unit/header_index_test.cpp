@@ -5,8 +5,8 @@
 
 #include <random>
 
-#include "frame/number_text.h"
-#include "table/upper_case.h"
+#include "frame/text/number_text.h"
+#include "frame/text/upper_case.h"
 
 namespace quillmere::testing {
 namespace {

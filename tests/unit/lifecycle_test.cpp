@@ -6,11 +6,11 @@
 #include <stdexcept>
 
 #include "addin_excel.h"
-#include "frame/callbacks.h"
-#include "frame/number_text.h"
+#include "frame/callbacks/callbacks.h"
 #include "frame/quillmere4_app.h"
-#include "frame/value4.h"
-#include "frame/value_memory.h"
+#include "frame/text/number_text.h"
+#include "frame/values/value4.h"
+#include "frame/values/value_memory.h"
 
 namespace quillmere::testing {
 namespace {

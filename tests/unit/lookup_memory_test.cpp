@@ -9,7 +9,7 @@
 
 #include "failing_memory.h"
 #include "fake_excel.h"
-#include "frame/callbacks.h"
+#include "frame/callbacks/callbacks.h"
 #include "implementations/lookup.h"
 #include "workbook/id_stores.h"
 

@@ -1,4 +1,4 @@
-#include "frame/number_text.h"
+#include "frame/text/number_text.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,9 @@
 #include <limits>
 #include <random>
 
-#include "frame/cell.h"
-#include "frame/text_number.h"
-#include "frame/white_space.h"
+#include "frame/text/text_number.h"
+#include "frame/text/white_space.h"
+#include "frame/values/cell.h"
 
 namespace quillmere {
 namespace {

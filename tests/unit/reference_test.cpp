@@ -1,4 +1,4 @@
-#include "frame/reference.h"
+#include "frame/values/reference.h"
 
 #include <gtest/gtest.h>
 

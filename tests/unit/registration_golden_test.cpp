@@ -13,9 +13,9 @@
 #include <string>
 
 #include "addin_excel.h"
-#include "frame/descriptor.h"
 #include "frame/quillmere4_app.h"
-#include "frame/type_text.h"
+#include "frame/registration/descriptor.h"
+#include "frame/registration/type_text.h"
 
 namespace quillmere::testing {
 namespace {

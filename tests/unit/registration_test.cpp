@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "addin_excel.h"
-#include "frame/excel_settings.h"
-#include "frame/type_text.h"
+#include "frame/callbacks/excel_settings.h"
+#include "frame/registration/type_text.h"
 
 namespace quillmere::testing {
 namespace {

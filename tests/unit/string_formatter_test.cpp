@@ -1,11 +1,11 @@
-#include "frame/string_formatter.h"
+#include "frame/text/string_formatter.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <optional>
 
-#include "frame/messages.h"
+#include "frame/errors/messages.h"
 
 namespace quillmere::psl {
 namespace {

@@ -8,7 +8,7 @@
 #include <random>
 #include <vector>
 
-#include "frame/exceptions.h"
+#include "frame/errors/exceptions.h"
 
 namespace quillmere::testing {
 namespace {

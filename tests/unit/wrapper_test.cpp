@@ -1,5 +1,5 @@
 // The frame around exported functions: arguments in, results and failures out, and who owns what.
-#include "frame/wrapper.h"
+#include "frame/call/wrapper.h"
 
 #include <gtest/gtest.h>
 
@@ -11,12 +11,12 @@
 
 #include "addin_excel.h"
 #include "failing_memory.h"
-#include "frame/array_builder.h"
-#include "frame/excel_settings.h"
-#include "frame/exceptions.h"
-#include "frame/thread_record.h"
-#include "frame/value4.h"
-#include "frame/value_memory.h"
+#include "frame/call/thread_record.h"
+#include "frame/callbacks/excel_settings.h"
+#include "frame/errors/exceptions.h"
+#include "frame/values/array_builder.h"
+#include "frame/values/value4.h"
+#include "frame/values/value_memory.h"
 
 namespace quillmere::testing {
 namespace {

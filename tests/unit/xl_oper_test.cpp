@@ -1,4 +1,4 @@
-#include "frame/xl_oper.h"
+#include "frame/values/xl_oper.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <limits>
 #include <utility>
 
-#include "frame/array_builder.h"
-#include "frame/value_memory.h"
+#include "frame/values/array_builder.h"
+#include "frame/values/value_memory.h"
 #include "tests/unit/failing_memory.h"
 #include "tests/unit/fake_excel.h"
 

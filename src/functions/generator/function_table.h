@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "frame/function_declaration.h"
+#include "frame/registration/function_declaration.h"
 #include "functions/generator/diagnostics.h"
 
 namespace quillmere::generator {

@@ -83,8 +83,8 @@ GeneratedFile ImplementationsHeader(const Family& family) {
   source.Line("// " + std::string(kNotice));
   source.Line("#pragma once");
   source.Line();
-  source.Line("#include \"frame/oper_run.h\"");
-  source.Line("#include \"frame/xl_oper.h\"");
+  source.Line("#include \"frame/values/oper_run.h\"");
+  source.Line("#include \"frame/values/xl_oper.h\"");
   source.Line();
   source.Line("namespace quillmere {");
   source.Line();
@@ -188,8 +188,8 @@ void WriteRecord(SourceText& source, const Function& function) {
 GeneratedFile Records(const std::vector<Family>& families) {
   SourceText source("records.cpp");
   source.Line("// " + std::string(kNotice));
-  source.Line("#include \"frame/function_declaration.h\"");
-  source.Line("#include \"frame/function_record.h\"");
+  source.Line("#include \"frame/registration/function_declaration.h\"");
+  source.Line("#include \"frame/registration/function_record.h\"");
   source.Line();
   source.Line("namespace quillmere {");
   source.Line("namespace {");
@@ -238,9 +238,9 @@ std::string Export(const Function& function, bool excel4) {
 GeneratedFile Exports(const std::vector<Family>& families) {
   SourceText source("exports.cpp");
   source.Line("// " + std::string(kNotice));
-  source.Line("#include \"frame/export.h\"");
-  source.Line("#include \"frame/function_declaration.h\"");
-  source.Line("#include \"frame/wrapper.h\"");
+  source.Line("#include \"frame/entry/export.h\"");
+  source.Line("#include \"frame/registration/function_declaration.h\"");
+  source.Line("#include \"frame/call/wrapper.h\"");
   for (const Family& family : families) source.Line("#include \"implementations/" + family.name + ".h\"");
   source.Line();
   source.Line("namespace quillmere {");

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/function_declaration.h"
+#include "frame/registration/function_declaration.h"
 
 namespace quillmere::generator {
 

@@ -1,0 +1,176 @@
+#include "host/addin/addin.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+
+#include "host/callbacks/callbacks.h"
+#include "host/library/allocation.h"
+#include "host/library/invoke.h"
+#include "host/library/message_box.h"
+#include "host/text/utf8.h"
+
+namespace qcalc {
+namespace {
+
+std::atomic<Addin*> loaded = nullptr;
+
+Place PlaceOf(const TypeText& type) {
+  if (type.isThreadSafe) return Place::kThreadSafeFunction;
+  return type.isMacroEquivalent ? Place::kMacroFunction : Place::kFunction;
+}
+
+std::string NameOf(const RegisteredFunction& function) {
+  return ToUtf8(function.name.empty() ? function.procedure : function.name);
+}
+
+std::uintptr_t CallExport(const RegisteredFunction& function, const Arguments& arguments) {
+  const RunningCode running(RunningCode::Owner::kAddin);
+  return Invoke(function.entry, arguments.Words());
+}
+
+bool ReturnsOper(const RegisteredFunction& function, char values, char references) {
+  return function.type.result.letter == values || function.type.result.letter == references;
+}
+
+}  // namespace
+
+Addin::~Addin() {
+  if (library_) Unload();
+}
+
+Addin* Addin::Loaded() { return loaded; }
+
+bool Addin::Load(const std::filesystem::path& path, std::string& error) {
+  if (!callLibrary_) callLibrary_ = LoadCallLibrary();
+  loaded = this;
+  library_ = Library::Load(path, error);
+  if (!library_) {
+    loaded = nullptr;
+    return false;
+  }
+  RedirectMessageBoxes(*library_);
+  MeterAllocations(*library_);
+  returnedValues_.Attach(*library_);
+  if (const auto setEntryPoint = library_->FindAs<void (*)(XlMdCallBack12)>("SetExcel12EntryPt")) {
+    const RunningCode running(RunningCode::Owner::kAddin);
+    setEntryPoint(&MdCallBack12);
+  }
+  return true;
+}
+
+std::optional<int> Addin::CallEntryPoint(const char* name, const EvaluationContext& context) {
+  const auto entry = library_->FindAs<int (*)()>(name);
+  if (!entry) return std::nullopt;
+  const CallContext frame(*this, Place::kCommand, name, context);
+  const RunningCode running(RunningCode::Owner::kAddin);
+  return entry();
+}
+
+void Addin::Unload() {
+  const std::filesystem::path path = library_->Path();
+  library_.reset();
+  loaded = nullptr;
+  registry.Clear();
+  if (Library::IsMapped(path)) complaints.Add("the library is still mapped after it was unloaded");
+  for (std::string& sentence : books.Close()) complaints.Add(std::move(sentence));
+}
+
+ReferenceForm Addin::FormOf(const EvaluationContext& context) const {
+  return {settings.shortReferences && context.sheet ? context.sheet->Id() : 0};
+}
+
+const AddinFunction* Addin::Find(XStringView name) const {
+  const RegisteredFunction* function = registry.Find(name);
+  return function && !function->IsCommand() ? function : nullptr;
+}
+
+Value Addin::Call(const AddinFunction& called, std::span<const Value> operands, const EvaluationContext& context) {
+  const auto& function = static_cast<const RegisteredFunction&>(called);
+  if (function.type.isThreadSafe) return CallHere(function, operands, context);
+  const CallContext* outer = CallContext::Current();
+  if (outer && outer->place == Place::kThreadSafeFunction) throw NotThreadSafe{};
+  Value result;
+  mainThread.Do([&] { result = CallHere(function, operands, context); });
+  return result;
+}
+
+Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value> operands,
+                      const EvaluationContext& context) {
+  Arguments arguments(argumentCache_, FormOf(context));
+  if (const auto refused = arguments.Build(function, operands)) return Value::Error(*refused);
+  CallContext frame(*this, PlaceOf(function.type), NameOf(function), context);
+  for (const Mutation& mutation : faults.Mutations()) {
+    if (const std::string reason = arguments.Spoil(function, mutation); !reason.empty())
+      throw FormulaError(frame.function + " was not called: " + reason);
+    frame.isSpoilt = true;
+  }
+  const std::uintptr_t word = CallExport(function, arguments);
+  if (const int changed = arguments.FirstChanged(true))
+    complaints.Add(frame.function + " changed its argument " + std::to_string(changed));
+  Value result = TakeResult(function, word, arguments, frame);
+  if (frame.isVolatile)
+    if (RegisteredFunction* own = registry.Find(function.id)) own->isVolatile = *frame.isVolatile;
+  if (frame.uncalculated) throw UncalculatedCell(*frame.uncalculated);
+  return result;
+}
+
+Value Addin::TakeResult(const RegisteredFunction& function, std::uintptr_t word, const Arguments& arguments,
+                        CallContext& frame) {
+  if (ReturnsOper(function, 'Q', 'U'))
+    return returnedValues_.Take<Wide>(reinterpret_cast<XLOPER12*>(word), function, arguments, frame);
+  if (ReturnsOper(function, 'P', 'R'))
+    return returnedValues_.Take<Narrow>(reinterpret_cast<XLOPER*>(word), function, arguments, frame);
+  switch (function.type.result.letter) {
+    case 'A':
+      return Value::Boolean(static_cast<std::uint16_t>(word) != 0);
+    case 'H':
+      return Value::Number(static_cast<std::uint16_t>(word));
+    case 'I':
+      return Value::Number(static_cast<std::int16_t>(static_cast<std::uint16_t>(word)));
+    default:
+      return Value::Number(static_cast<std::int32_t>(static_cast<std::uint32_t>(word)));
+  }
+}
+
+bool Addin::HandToAutoFree(XLOPER12* value, const EvaluationContext& context) {
+  const CallContext frame(*this, Place::kFunction, "xlAutoFree12", context);
+  return returnedValues_.HandOver<Wide>(value, frame);
+}
+
+bool Addin::HandToAutoFree4(XLOPER* value, const EvaluationContext& context) {
+  const CallContext frame(*this, Place::kFunction, "xlAutoFree", context);
+  return returnedValues_.HandOver<Narrow>(value, frame);
+}
+
+Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> operands, int count,
+                   const EvaluationContext& context) {
+  using Clock = std::chrono::steady_clock;
+  Timing timing;
+  Arguments arguments(argumentCache_, FormOf(context));
+  if (const auto refused = arguments.Build(function, operands)) {
+    timing.result = Value::Error(*refused);
+    return timing;
+  }
+  CallContext frame(*this, PlaceOf(function.type), NameOf(function), context);
+  std::vector<double> microseconds;
+  for (int i = 1; i <= count; ++i) {
+    frame.mustReturn = 0;
+    const auto start = Clock::now();
+    const std::uintptr_t word = CallExport(function, arguments);
+    if (i < count) {
+      if (ReturnsOper(function, 'Q', 'U')) returnedValues_.Release<Wide>(reinterpret_cast<XLOPER12*>(word), frame);
+      if (ReturnsOper(function, 'P', 'R')) returnedValues_.Release<Narrow>(reinterpret_cast<XLOPER*>(word), frame);
+    } else {
+      timing.result = TakeResult(function, word, arguments, frame);
+      if (count > 1) break;
+    }
+    microseconds.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count());
+  }
+  std::sort(microseconds.begin(), microseconds.end());
+  timing.minimum = microseconds.front();
+  timing.median = microseconds[microseconds.size() / 2];
+  return timing;
+}
+
+}  // namespace qcalc

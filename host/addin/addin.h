@@ -1,0 +1,92 @@
+// The loaded add-in: opening and closing it, calling its functions, and everything its callbacks work on.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "host/addin/arguments.h"
+#include "host/addin/call_context.h"
+#include "host/addin/host_settings.h"
+#include "host/addin/registry.h"
+#include "host/addin/returned_values.h"
+#include "host/addin/threads.h"
+#include "host/api/books.h"
+#include "host/api/complaints.h"
+#include "host/calculation/evaluator.h"
+#include "host/faults/callback_meter.h"
+#include "host/faults/fault_switches.h"
+#include "host/library/library.h"
+
+namespace qcalc {
+
+/// A thread-safe function reached, through xlUDF or xlfEvaluate, for one that is not.
+struct NotThreadSafe {};
+
+/// Microseconds of one call, and what the last one returned.
+struct Timing {
+  double median = 0;
+  double minimum = 0;
+  Value result;
+};
+
+/// One library at a time; made on the main thread, where all but Find and Call are called.
+class Addin final : public IAddinFunctions {
+ public:
+  explicit Addin(Workbooks& itsWorkbooks) : workbooks(itsWorkbooks), returnedValues_(complaints, books) {}
+  ~Addin() override;
+
+  /// Loads the library and hands it the callback's address. False, with the reason in `error`, when that fails.
+  bool Load(const std::filesystem::path& path, std::string& error);
+
+  /// Calls an entry point of the form int(void), as Excel does: xlAutoOpen, xlAutoClose, xlAutoRemove. What it returns,
+  /// or nothing when the library does not export it.
+  std::optional<int> CallEntryPoint(const char* name, const EvaluationContext& context);
+
+  /// Unloads the library, forgets what it registered and closes the books. What is out of balance goes to the
+  /// complaints, and so does a library that the system keeps mapped.
+  void Unload();
+
+  bool IsLoaded() const { return library_ != nullptr; }
+  const Library& ItsLibrary() const { return *library_; }
+  /// The add-in that is loaded in this process; null when none is.
+  static Addin* Loaded();
+
+  const AddinFunction* Find(XStringView name) const override;
+  /// Calls on this thread what is thread-safe, on the main thread what is not. May also throw NotThreadSafe.
+  Value Call(const AddinFunction& function, std::span<const Value> operands, const EvaluationContext& context) override;
+
+  /// Calls a function `count` times with arguments that are laid out once.
+  Timing Time(const RegisteredFunction& function, std::span<const Value> operands, int count,
+              const EvaluationContext& context);
+
+  /// Hands any value to xlAutoFree12 (xlAutoFree) as it is, a null pointer too. False when the add-in does not export
+  /// it.
+  bool HandToAutoFree(XLOPER12* value, const EvaluationContext& context);
+  bool HandToAutoFree4(XLOPER* value, const EvaluationContext& context);
+
+  /// How references are handed over in that context.
+  ReferenceForm FormOf(const EvaluationContext& context) const;
+
+  Workbooks& workbooks;
+  HostSettings settings;
+  Registry registry;
+  Complaints complaints;
+  Books books{complaints};
+  CallbackMeter meter;
+  FaultSwitches faults;
+  MacroFunctions macroFunctions;
+  MainThread mainThread;
+
+ private:
+  Value CallHere(const RegisteredFunction& function, std::span<const Value> operands, const EvaluationContext& context);
+  Value TakeResult(const RegisteredFunction& function, std::uintptr_t word, const Arguments& arguments,
+                   CallContext& frame);
+
+  std::unique_ptr<Library> callLibrary_;
+  std::unique_ptr<Library> library_;
+  ReturnedValues returnedValues_;
+  ArgumentCache argumentCache_;
+};
+
+}  // namespace qcalc

@@ -1,0 +1,21 @@
+// One evaluation: callbacks and allocations are counted, and what was armed takes place.
+#pragma once
+
+#include "host/addin/addin.h"
+
+namespace qcalc {
+
+/// Lasts as long as the evaluation; made and ended on the main thread while no other evaluates.
+class EvaluationWatch {
+ public:
+  /// With `countsAllocations` false they are not counted unless one is to fail, which costs the add-in no time.
+  explicit EvaluationWatch(Addin& addin, bool countsAllocations = true);
+  ~EvaluationWatch();
+  EvaluationWatch(const EvaluationWatch&) = delete;
+  EvaluationWatch& operator=(const EvaluationWatch&) = delete;
+
+ private:
+  Addin& addin_;
+};
+
+}  // namespace qcalc

@@ -1,0 +1,23 @@
+// What the host tells the add-in about itself, and what stands in for the macros of a real workbook.
+#pragma once
+
+#include <map>
+#include <optional>
+
+#include "host/values/value.h"
+
+namespace qcalc {
+
+struct HostSettings {
+  XString version = XTEXT("16.0");
+  XCHAR decimalSeparator = XTEXT('.');
+  bool shortReferences = true;  ///< references to the current sheet go out as SRef, else as Ref with its id
+};
+
+/// Functions of the macro language, reached through xlUDF.
+struct MacroFunctions {
+  std::map<XString, Value> results;   ///< what each returns, by name without case (FoldCase)
+  std::optional<Value> lastArgument;  ///< the first argument of the last call
+};
+
+}  // namespace qcalc

@@ -1,0 +1,131 @@
+#include "host/addin/returned_values.h"
+
+#include <type_traits>
+
+#include "host/addin/addin.h"
+#include "host/addin/arguments.h"
+#include "host/library/allocation.h"
+#include "host/library/library.h"
+
+namespace qcalc {
+namespace {
+
+constexpr std::uint32_t kTypeMask = 0x0FFF;
+constexpr std::uint32_t kKnownBits = kTypeMask | xlbitXLFree | xlbitDLLFree;
+
+/// The memory that hangs on a value, null when none does.
+template <typename Oper>
+const void* MemoryOf(const Oper& oper) {
+  switch (oper.xltype & kTypeMask) {
+    case xltypeStr:
+      return oper.val.str;
+    case xltypeMulti:
+      return oper.val.array.lparray;
+    case xltypeRef:
+      return oper.val.mref.lpmref;
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+void ReturnedValues::Attach(const Library& library) {
+  library_ = &library;
+  autoFree12_ = library.FindAs<void (*)(XLOPER12*)>("xlAutoFree12");
+  autoFree_ = library.FindAs<void (*)(XLOPER*)>("xlAutoFree");
+  inHand_.clear();
+  staticOwners_.clear();
+}
+
+void ReturnedValues::CheckOwner(const void* oper, bool ownsMemory, const RegisteredFunction& function) {
+  const std::thread::id self = std::this_thread::get_id();
+  const bool isStatic = ownsMemory && library_->Contains(oper);
+  const std::string name = CallContext::Current()->function;
+  const std::lock_guard lock(mutex_);
+  if (!inHand_.emplace(oper, self).second)
+    complaints_.Add(name + " returned the very value that another call had returned and the host was still copying");
+  if (isStatic && function.type.isThreadSafe && staticOwners_.emplace(oper, self).first->second != self)
+    complaints_.Add(name + " returned one static value on two threads");
+}
+
+void ReturnedValues::LeaveHand(const void* oper) {
+  const std::lock_guard lock(mutex_);
+  inHand_.erase(oper);
+}
+
+void ReturnedValues::CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function) {
+  // What the host lent and nobody marked shows in the books; an argument handed back stays the host's.
+  if (books_.IsLent(memory) || arguments.Contains(memory)) return;
+  if (IsHeapBlock(memory)) complaints_.Add(function + " returned memory of the heap without xlbitDLLFree: it is lost");
+}
+
+template <typename Width>
+Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction& function, const Arguments& arguments,
+                           CallContext& frame) {
+  const std::string& name = frame.function;
+  if (!oper) return Value::Error(xlerrNum);
+  const std::uint32_t bits = oper->xltype & (xlbitXLFree | xlbitDLLFree);
+  const void* memory = MemoryOf(*oper);
+  // Where no memory is left even for a thread's own slot, all threads may return one constant error.
+  const bool isLastResort = oper->xltype == xltypeErr && library_->Contains(oper) && AddinAllocations().Failed() > 0;
+  if (!isLastResort) CheckOwner(oper, memory != nullptr, function);
+  if ((oper->xltype & ~kKnownBits) != 0)
+    complaints_.Add(name + " returned a value with unknown bits in its type (" + std::to_string(oper->xltype) + ")");
+  const IDSHEET current = frame.evaluation.sheet ? frame.evaluation.sheet->Id() : 0;
+  Reading reading = Marshal<Width>::Read(*oper, current);
+  if (!reading.defect.empty()) complaints_.Add(name + " returned " + reading.defect);
+  Value value = Value::Error(xlerrValue);
+  if (const auto* plain = std::get_if<Value>(&reading.value)) {
+    value = plain->IsMissing() ? Value::Empty() : *plain;
+  } else if (const auto* integer = std::get_if<ApiInteger>(&reading.value)) {
+    value = Value::Number(integer->number);
+  } else {
+    complaints_.Add(name + " returned a value of a kind that no function returns");
+  }
+  if (bits == 0 && memory) CheckUnmarked(memory, arguments, name);
+  LeaveHand(oper);
+  Release<Width>(oper, frame);
+  return value;
+}
+
+template <typename Width>
+bool ReturnedValues::HandOver(typename Width::Oper* oper, const CallContext& frame) {
+  const CallContext freeing(frame.addin, Place::kFreeing, frame.function, frame.evaluation);
+  const RunningCode running(RunningCode::Owner::kAddin);
+  if constexpr (std::is_same_v<Width, Wide>) {
+    if (autoFree12_) autoFree12_(oper);
+    return autoFree12_ != nullptr;
+  } else {
+    if (autoFree_) autoFree_(oper);
+    return autoFree_ != nullptr;
+  }
+}
+
+template <typename Width>
+void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
+  if (!oper) return;
+  const std::uint32_t bits = oper->xltype & (xlbitXLFree | xlbitDLLFree);
+  const void* memory = MemoryOf(*oper);
+  if (bits == (xlbitXLFree | xlbitDLLFree)) {
+    complaints_.Add(frame.function + " returned a value with both free bits");
+  } else if (bits == xlbitXLFree) {
+    if (memory && books_.TakeBack(memory) != Books::Receipt::kTaken)
+      complaints_.Add(frame.function + " returned a value with xlbitXLFree that the host had not lent");
+  } else if (bits == xlbitDLLFree) {
+    if (!HandOver<Width>(oper, frame)) return books_.NoteNeverFreed(frame.function);
+  }
+  if (frame.addin.faults.FreesTwice()) {
+    if (bits != xlbitDLLFree) HandOver<Width>(oper, frame);
+    HandOver<Width>(oper, frame);
+  }
+}
+
+template Value ReturnedValues::Take<Wide>(XLOPER12*, const RegisteredFunction&, const Arguments&, CallContext&);
+template Value ReturnedValues::Take<Narrow>(XLOPER*, const RegisteredFunction&, const Arguments&, CallContext&);
+template bool ReturnedValues::HandOver<Wide>(XLOPER12*, const CallContext&);
+template bool ReturnedValues::HandOver<Narrow>(XLOPER*, const CallContext&);
+template void ReturnedValues::Release<Wide>(XLOPER12*, CallContext&);
+template void ReturnedValues::Release<Narrow>(XLOPER*, CallContext&);
+
+}  // namespace qcalc

@@ -1,0 +1,60 @@
+// What the add-in's functions return: checked, copied and given back.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "host/addin/call_context.h"
+#include "host/api/books.h"
+#include "host/api/marshal.h"
+
+namespace qcalc {
+
+class Arguments;
+class Library;
+struct RegisteredFunction;
+
+class ReturnedValues {
+ public:
+  ReturnedValues(Complaints& complaints, Books& books) : complaints_(complaints), books_(books) {}
+
+  /// Looks up the library's xlAutoFree12 and xlAutoFree.
+  void Attach(const Library& library);
+
+  /// Copies what `oper` holds, then releases it as its bits say: through xlAutoFree12 (xlAutoFree) on this thread, or
+  /// by taking back a value of the host's. Every breach of the rules goes to the complaints. A null pointer is #NUM!,
+  /// an unusable value #VALUE!.
+  template <typename Width>
+  Value Take(typename Width::Oper* oper, const RegisteredFunction& function, const Arguments& arguments,
+             CallContext& frame);
+
+  /// Hands any value to xlAutoFree12 (xlAutoFree) on this thread, as from within the call `frame`. False when the
+  /// library does not export it.
+  template <typename Width>
+  bool HandOver(typename Width::Oper* oper, const CallContext& frame);
+
+  /// Releases without copying or looking.
+  template <typename Width>
+  void Release(typename Width::Oper* oper, CallContext& frame);
+
+ private:
+  void CheckOwner(const void* oper, bool ownsMemory, const RegisteredFunction& function);
+  void CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function);
+  void LeaveHand(const void* oper);
+
+  Complaints& complaints_;
+  Books& books_;
+  const Library* library_ = nullptr;
+  void (*autoFree12_)(XLOPER12*) = nullptr;
+  void (*autoFree_)(XLOPER*) = nullptr;
+  std::mutex mutex_;
+  // Results between their return and their release; two of one address are two threads in one slot.
+  std::map<const void*, std::thread::id> inHand_;
+  // Results in the library's static data, which belong to the thread that first returned one.
+  std::map<const void*, std::thread::id> staticOwners_;
+};
+
+}  // namespace qcalc

@@ -1,0 +1,33 @@
+// What Excel's C API carries: the values of cells and formulas, and a few kinds that exist only there.
+#pragma once
+
+#include <cstdint>
+#include <variant>
+
+#include "host/values/value.h"
+
+namespace qcalc {
+
+/// A 32-bit integer (xltypeInt): masks, handles of windows, results of xlCoerce.
+struct ApiInteger {
+  std::int32_t number;
+};
+
+/// A pointer without data (xltypeBigData): what xlGetInstPtr answers.
+struct ApiHandle {
+  void* pointer;
+};
+
+/// A reference that names a sheet and no cells: what xlSheetId answers.
+struct ApiSheet {
+  IDSHEET sheet;
+};
+
+/// Cells as a reference with their sheet's id, whatever sheet is current: what xlCoerce answers when asked for one.
+struct ApiSheetReference {
+  Reference reference;
+};
+
+using ApiValue = std::variant<Value, ApiInteger, ApiHandle, ApiSheet, ApiSheetReference>;
+
+}  // namespace qcalc

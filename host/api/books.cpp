@@ -1,0 +1,106 @@
+#include "host/api/books.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace qcalc {
+namespace {
+
+constexpr int kPoison = 0xDD;
+constexpr std::size_t kQuarantineBytes = 16u << 20;
+constexpr std::size_t kLargestQuarantined = 1u << 20;
+
+bool IsPoisoned(const JunkBlock& block) {
+  return std::all_of(block.data(), block.data() + block.size(), [](std::byte b) { return b == std::byte{kPoison}; });
+}
+
+}  // namespace
+
+void Poison(void* memory, std::size_t bytes) { std::memset(memory, kPoison, bytes); }
+
+JunkBlock::JunkBlock(std::size_t bytes) : data_(static_cast<std::byte*>(::operator new(bytes))), size_(bytes) {
+  std::memset(data_, kJunk, bytes);
+}
+
+JunkBlock::~JunkBlock() {
+  if (!data_) return;
+  Poison(data_, size_);
+  ::operator delete(data_);
+}
+
+JunkBlock::JunkBlock(JunkBlock&& other) noexcept : data_(std::exchange(other.data_, nullptr)), size_(other.size_) {}
+
+Books::~Books() = default;
+
+std::byte* Books::Lend(std::size_t bytes, LoanOrigin origin) {
+  JunkBlock block(bytes);
+  std::byte* memory = block.data();
+  const std::lock_guard lock(mutex_);
+  returnedOrigins_.erase(memory);
+  loans_.emplace(memory, Loan{std::move(block), std::move(origin)});
+  return memory;
+}
+
+bool Books::IsLent(const void* address) const {
+  const std::lock_guard lock(mutex_);
+  return loans_.contains(address);
+}
+
+Books::Receipt Books::TakeBack(const void* address) {
+  const std::lock_guard lock(mutex_);
+  auto node = loans_.extract(address);
+  if (node.empty()) return returnedOrigins_.contains(address) ? Receipt::kTakenBefore : Receipt::kUnknown;
+  returnedOrigins_.emplace(address, node.mapped().origin);
+  Quarantine(std::move(node.mapped()));
+  return Receipt::kTaken;
+}
+
+void Books::Quarantine(Loan loan) {
+#if defined(__SANITIZE_ADDRESS__)
+  // The sanitizer keeps freed memory back itself, and sees reads of it as well as writes.
+  static_cast<void>(loan);
+#else
+  if (loan.block.size() > kLargestQuarantined) return;
+  Poison(loan.block.data(), loan.block.size());
+  returnedBytes_ += loan.block.size();
+  returned_.push_back(std::move(loan));
+  while (returnedBytes_ > kQuarantineBytes) ReleaseOldest();
+#endif
+}
+
+void Books::ReleaseOldest() {
+  const Loan& oldest = returned_.front();
+  if (!IsPoisoned(oldest.block))
+    complaints_.Add(oldest.origin.function + " wrote to memory of " + std::string(oldest.origin.callback) +
+                    " after giving it back through xlFree");
+  returnedBytes_ -= oldest.block.size();
+  returnedOrigins_.erase(oldest.block.data());
+  returned_.pop_front();
+}
+
+void Books::NoteNeverFreed(const std::string& function) {
+  const std::lock_guard lock(mutex_);
+  ++neverFreed_[function];
+}
+
+std::vector<std::string> Books::Close() {
+  const std::lock_guard lock(mutex_);
+  while (!returned_.empty()) ReleaseOldest();
+  std::map<std::pair<std::string, std::string_view>, long long> kept;
+  for (const auto& [address, loan] : loans_) ++kept[{loan.origin.function, loan.origin.callback}];
+  std::vector<std::string> sentences;
+  for (const auto& [origin, count] : kept)
+    sentences.push_back(origin.first + " kept " + std::to_string(count) + " value" + (count == 1 ? "" : "s") + " of " +
+                        std::string(origin.second) + ": never given back through xlFree");
+  for (const auto& [function, count] : neverFreed_)
+    sentences.push_back(function + " returned " + std::to_string(count) + " value" + (count == 1 ? "" : "s") +
+                        " with xlbitDLLFree, and the add-in exports no way to free them");
+  loans_.clear();
+  returnedOrigins_.clear();
+  neverFreed_.clear();
+  return sentences;
+}
+
+}  // namespace qcalc

@@ -1,0 +1,45 @@
+// Excel's own functions that the host offers: the table, and what their implementations share.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "host/calculation/evaluator.h"
+
+namespace qcalc {
+
+/// What an implementation gets: evaluated operands, at least and at most as many as its entry says. References are
+/// kept; an operand left empty behind its comma is missing.
+struct BuiltinCall {
+  std::span<const Value> operands;
+  const EvaluationContext& context;
+};
+
+struct Builtin {
+  std::string_view name;  ///< in capitals
+  std::size_t leastOperands;
+  std::size_t mostOperands;
+  Value (*call)(const BuiltinCall&);
+};
+
+/// The entry of that name, in any case; null when there is none. IF is not among them: the evaluator calculates but the
+/// branch that is taken.
+const Builtin* FindBuiltin(XStringView name);
+/// Whether it is a function of Excel's that formulas for this host may name but that it does not offer.
+bool IsBuiltinNotOffered(XStringView name);
+
+/// The entries by family.
+std::span<const Builtin> LookupBuiltins();
+std::span<const Builtin> ReferenceBuiltins();
+std::span<const Builtin> NumberBuiltins();
+std::span<const Builtin> TextBuiltins();
+
+/// The operand at that place, dereferenced; missing when it was left out.
+Value ScalarOperand(const BuiltinCall& call, std::size_t index);
+/// All operands dereferenced.
+std::vector<Value> ScalarOperands(const BuiltinCall& call);
+/// A number cut off towards zero, from a cell by Excel's conversions; `whole` receives it, the result is an error or
+/// empty. Numbers beyond 2^31 give #VALUE!.
+Value ToWholeNumber(const CellView& cell, std::int32_t& whole);
+
+}  // namespace qcalc

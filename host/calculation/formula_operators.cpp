@@ -1,0 +1,92 @@
+#include "host/calculation/formula_operators.h"
+
+#include <cmath>
+#include <span>
+
+#include "host/calculation/broadcast.h"
+#include "host/values/conversion.h"
+
+namespace qcalc {
+
+namespace {
+
+Value Power(double base, double exponent) {
+  if (base == 0 && exponent == 0) return Value::Error(xlerrNum);
+  if (base == 0 && exponent < 0) return Value::Error(xlerrDiv0);
+  return NumberResult(std::pow(base, exponent));
+}
+
+Value Calculate(FormulaOperator op, double left, double right) {
+  switch (op) {
+    case FormulaOperator::kAdd:
+      return NumberResult(left + right);
+    case FormulaOperator::kSubtract:
+      return NumberResult(left - right);
+    case FormulaOperator::kMultiply:
+      return NumberResult(left * right);
+    case FormulaOperator::kDivide:
+      return right == 0 ? Value::Error(xlerrDiv0) : NumberResult(left / right);
+    default:
+      return Power(left, right);
+  }
+}
+
+Value Concatenate(const CellView& left, const CellView& right) {
+  const Value l = ToText(left), r = ToText(right);
+  if (l.AsText().size() + r.AsText().size() > static_cast<std::size_t>(kXlMaxText)) return Value::Error(xlerrValue);
+  return Value::Text(l.AsText() + r.AsText());
+}
+
+Value Arithmetic(FormulaOperator op, const CellView& left, const CellView& right) {
+  const Value l = ToNumber(left);
+  if (l.IsError()) return l;
+  const Value r = ToNumber(right);
+  return r.IsError() ? r : Calculate(op, l.AsNumber(), r.AsNumber());
+}
+
+Value ApplyToCells(FormulaOperator op, const CellView& left, const CellView& right) {
+  if (left.IsError()) return Value::OfCell(left);
+  if (right.IsError()) return Value::OfCell(right);
+  switch (op) {
+    case FormulaOperator::kConcatenate:
+      return Concatenate(left, right);
+    case FormulaOperator::kEqual:
+      return Value::Boolean(CompareCells(left, right) == 0);
+    case FormulaOperator::kNotEqual:
+      return Value::Boolean(CompareCells(left, right) != 0);
+    case FormulaOperator::kLess:
+      return Value::Boolean(CompareCells(left, right) < 0);
+    case FormulaOperator::kLessOrEqual:
+      return Value::Boolean(CompareCells(left, right) <= 0);
+    case FormulaOperator::kGreater:
+      return Value::Boolean(CompareCells(left, right) > 0);
+    case FormulaOperator::kGreaterOrEqual:
+      return Value::Boolean(CompareCells(left, right) >= 0);
+    default:
+      return Arithmetic(op, left, right);
+  }
+}
+
+}  // namespace
+
+Value NumberResult(double number) {
+  if (!std::isfinite(number)) return Value::Error(xlerrNum);
+  return Value::Number(number == 0 || std::fpclassify(number) == FP_SUBNORMAL ? 0 : number);
+}
+
+Value ApplyUnary(FormulaOperator op, const Value& operand) {
+  return Broadcast(std::span(&operand, 1), [op](std::span<const CellView> cells) {
+    // A plus sign leaves even a text as it is.
+    if (op == FormulaOperator::kPlus) return Value::OfCell(cells[0]);
+    const Value number = ToNumber(cells[0]);
+    if (number.IsError()) return number;
+    return NumberResult(op == FormulaOperator::kPercent ? number.AsNumber() / 100 : -number.AsNumber());
+  });
+}
+
+Value ApplyBinary(FormulaOperator op, const Value& left, const Value& right) {
+  const Value operands[] = {left, right};
+  return Broadcast(operands, [op](std::span<const CellView> cells) { return ApplyToCells(op, cells[0], cells[1]); });
+}
+
+}  // namespace qcalc

@@ -1,0 +1,18 @@
+// The operators of formulas.
+#pragma once
+
+#include "host/formulas/formula_node.h"
+#include "host/values/value.h"
+
+namespace qcalc {
+
+/// Applies the operator, element by element where an operand is an array. Operands are scalars or arrays, no
+/// references; an error is the result, the left one first.
+Value ApplyUnary(FormulaOperator op, const Value& operand);
+Value ApplyBinary(FormulaOperator op, const Value& left, const Value& right);
+
+/// The number as a result of Excel's: #NUM! when it is not finite, 0 when it is subnormal or
+/// negative zero.
+Value NumberResult(double number);
+
+}  // namespace qcalc

@@ -1,0 +1,125 @@
+// xlfRegister, xlfUnregister and xlfSetName.
+#include "host/callbacks/callback_handlers.h"
+#include "host/library/library.h"
+#include "host/text/utf8.h"
+
+namespace qcalc {
+namespace {
+
+constexpr std::size_t kMaxRegisteredText = 255;
+constexpr std::size_t kMaxArgumentHelps = 245;
+constexpr std::size_t kFirstArgumentHelp = 10;
+
+/// The arguments of xlfRegister, 0-based.
+enum : std::size_t {
+  kModule,
+  kProcedure,
+  kTypeText,
+  kFunctionText,
+  kArgumentText,
+  kMacroType,
+  kCategory,
+  kShortcut,
+  kHelpTopic,
+  kFunctionHelp,
+};
+
+OperandKind OperandOf(TypeLetter letter) {
+  switch (letter.letter) {
+    case 'U':
+    case 'R':
+      return OperandKind::kReference;
+    case 'Q':
+    case 'P':
+      return OperandKind::kValue;
+    default:
+      return OperandKind::kByValue;
+  }
+}
+
+/// Why Excel would refuse these arguments, or the host; empty when neither does.
+std::string FindDefect(const CallbackRequest& request) {
+  for (std::size_t i = 0; i < request.arguments.size(); ++i) {
+    const XString* text = request.TextAt(i);
+    if (text && i != kModule && text->size() > kMaxRegisteredText)
+      return "was given a text of " + std::to_string(text->size()) + " units as argument " + std::to_string(i + 1) +
+             ": 255 is the most";
+    const bool takesNumber = i == kMacroType || i == kCategory;
+    if (!text && !request.IsOmitted(i) && !(takesNumber && request.NumberAt(i)))
+      return "was given an argument " + std::to_string(i + 1) + " of the wrong type";
+  }
+  if (request.arguments.size() > kFirstArgumentHelp + kMaxArgumentHelps) return "was given too many argument helps";
+  if (!request.TextAt(kModule)) return "was given no module";
+  if (!request.TextAt(kProcedure)) return "was given no procedure";
+  if (!request.TextAt(kTypeText)) return "was given no type text";
+  const std::u16string path = request.ItsAddin().ItsLibrary().Path().u16string();
+  if (!EqualsIgnoringCase(*request.TextAt(kModule), XString(path.begin(), path.end())))
+    return "names another module than xlGetName gives: " + ToUtf8(*request.TextAt(kModule));
+  if (const auto macroType = request.NumberAt(kMacroType);
+      !request.IsOmitted(kMacroType) && (!macroType || (*macroType != 0 && *macroType != 1 && *macroType != 2)))
+    return "was given a macro type that is not 0, 1 or 2";
+  return {};
+}
+
+XString TextOrEmpty(const CallbackRequest& request, std::size_t index) {
+  if (const XString* text = request.TextAt(index)) return *text;
+  const auto number = request.NumberAt(index);
+  return number ? *FromUtf8(std::to_string(static_cast<long long>(*number))) : XString();
+}
+
+std::unique_ptr<RegisteredFunction> ReadRegistration(const CallbackRequest& request, TypeText type, void* entry) {
+  auto function = std::make_unique<RegisteredFunction>();
+  function->name = TextOrEmpty(request, kFunctionText);
+  for (const TypeLetter& letter : type.arguments) function->operands.push_back(OperandOf(letter));
+  function->isVolatile = type.isVolatile || (type.isMacroEquivalent && type.TakesReferences());
+  function->procedure = *request.TextAt(kProcedure);
+  function->typeText = *request.TextAt(kTypeText);
+  function->type = std::move(type);
+  function->entry = entry;
+  function->argumentNames = TextOrEmpty(request, kArgumentText);
+  function->macroType = static_cast<int>(request.NumberAt(kMacroType).value_or(1));
+  function->category = TextOrEmpty(request, kCategory);
+  function->shortcut = TextOrEmpty(request, kShortcut);
+  function->helpTopic = TextOrEmpty(request, kHelpTopic);
+  function->help = TextOrEmpty(request, kFunctionHelp);
+  for (std::size_t i = kFirstArgumentHelp; i < request.arguments.size(); ++i)
+    function->argumentHelp.push_back(TextOrEmpty(request, i));
+  return function;
+}
+
+}  // namespace
+
+CallbackAnswer HandleRegister(CallbackRequest& request) {
+  const auto refuse = [&](const std::string& why) {
+    request.Complain(why);
+    return CallbackAnswer(Value::Error(xlerrValue));
+  };
+  if (std::string defect = FindDefect(request); !defect.empty()) return refuse(defect);
+  const std::string name = ToUtf8(*request.TextAt(kProcedure));
+  auto parsed = ParseTypeText(*request.TextAt(kTypeText));
+  if (const auto* why = std::get_if<std::string>(&parsed)) return refuse("of " + name + ": " + *why);
+  auto& type = std::get<TypeText>(parsed);
+  void* entry = request.ItsAddin().ItsLibrary().Find(name);
+  if (!entry) return refuse("of " + name + ": the library exports no such procedure");
+  if (!IsOfferedResult(type.result)) return refuse("of " + name + ": this host does not offer its return letter");
+  for (const TypeLetter& letter : type.arguments)
+    if (!IsOfferedArgument(letter))
+      return refuse("of " + name + ": this host does not offer the letter " + std::string(1, letter.letter) +
+                    (letter.isWide ? "%" : ""));
+  return Value::Number(request.ItsAddin().registry.Add(ReadRegistration(request, std::move(type), entry)).id);
+}
+
+CallbackAnswer HandleUnregister(CallbackRequest& request) {
+  if (const auto id = request.NumberAt(0)) return Value::Boolean(request.ItsAddin().registry.Remove(*id));
+  if (request.TextAt(0)) return request.NotOffered("unregistering a whole module");
+  return request.WrongArgument(1, "a register id");
+}
+
+CallbackAnswer HandleSetName(CallbackRequest& request) {
+  const XString* name = request.TextAt(0);
+  if (!name) return request.WrongArgument(1, "a name");
+  if (!request.IsOmitted(1)) return request.NotOffered("defining a name");
+  return Value::Boolean(request.ItsAddin().registry.RemoveName(*name));
+}
+
+}  // namespace qcalc

@@ -1,0 +1,159 @@
+#include "host/faults/argument_damage.h"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+
+namespace qcalc {
+namespace {
+
+constexpr std::uint32_t kTypeMask = 0x0FFF;
+
+template <typename Width>
+class Damage {
+ public:
+  using Oper = typename Width::Oper;
+  using Unit = typename Width::Unit;
+
+  Damage(const Mutation& mutation, std::vector<SpoiltMemory>& memory) : mutation_(mutation), memory_(memory) {}
+
+  /// Spoils `oper`, a copy. What is wrong with that; empty when all went well.
+  std::string DoTo(Oper& oper) {
+    switch (mutation_.kind) {
+      case MutationKind::kType:
+        SetType(oper, static_cast<std::uint32_t>(mutation_.number));
+        return {};
+      case MutationKind::kBits:
+        SetType(oper, oper.xltype | static_cast<std::uint32_t>(mutation_.number));
+        return {};
+      case MutationKind::kLength:
+        return LieAboutLength(oper);
+      case MutationKind::kDims:
+        return LieAboutSize(oper);
+      case MutationKind::kPointer:
+        SetType(oper, xltypeStr);
+        oper.val.str = static_cast<Unit*>(memory_.emplace_back(sizeof(Unit)).Unreadable());
+        return {};
+      case MutationKind::kNested:
+        Nest(oper);
+        return {};
+      case MutationKind::kNull:
+        break;
+    }
+    return "there is nothing to do to the value";
+  }
+
+ private:
+  static bool Is(const Oper& oper, std::uint32_t type) { return (oper.xltype & kTypeMask) == type; }
+  static void SetType(Oper& oper, std::uint32_t type) { oper.xltype = static_cast<decltype(oper.xltype)>(type); }
+
+  static std::span<const Oper> Elements(const Oper& array) {
+    return {array.val.array.lparray,
+            static_cast<std::size_t>(array.val.array.rows) * static_cast<std::size_t>(array.val.array.columns)};
+  }
+
+  /// Gives the array elements of its own, a copy of those it has; texts that hang on them are shared.
+  Oper* CopyElements(Oper& array) {
+    const std::span<const Oper> elements = Elements(array);
+    auto* copy = reinterpret_cast<Oper*>(memory_.emplace_back(elements.size_bytes()).data());
+    std::memcpy(static_cast<void*>(copy), elements.data(), elements.size_bytes());
+    array.val.array.lparray = copy;
+    return copy;
+  }
+
+  void Lengthen(Oper& text) {
+    const auto length = static_cast<std::size_t>(static_cast<std::make_unsigned_t<Unit>>(text.val.str[0]));
+    const std::size_t bytes = (length + 1) * sizeof(Unit);
+    auto* copy = reinterpret_cast<Unit*>(memory_.emplace_back(bytes).data());
+    std::memcpy(copy, text.val.str, bytes);
+    copy[0] = static_cast<Unit>(mutation_.number);
+    text.val.str = copy;
+  }
+
+  std::string LieAboutLength(Oper& oper) {
+    if (Is(oper, xltypeStr)) {
+      Lengthen(oper);
+      return {};
+    }
+    if (!Is(oper, xltypeMulti)) return "it is no text";
+    const std::span<const Oper> elements = Elements(oper);
+    const auto text =
+        std::find_if(elements.begin(), elements.end(), [](const Oper& element) { return Is(element, xltypeStr); });
+    if (text == elements.end()) return "it holds no text";
+    const std::ptrdiff_t index = text - elements.begin();
+    Lengthen(CopyElements(oper)[index]);
+    return {};
+  }
+
+  std::string LieAboutSize(Oper& oper) {
+    if (!Is(oper, xltypeMulti)) return "it is no array";
+    CopyElements(oper);
+    oper.val.array.rows = static_cast<decltype(oper.val.array.rows)>(mutation_.rows);
+    oper.val.array.columns = static_cast<decltype(oper.val.array.columns)>(mutation_.columns);
+    return {};
+  }
+
+  void Nest(Oper& oper) {
+    if (!Is(oper, xltypeMulti)) MakeArray(oper);
+    MakeArray(*CopyElements(oper));
+  }
+
+  /// Makes a value the only element of an array that takes its place.
+  void MakeArray(Oper& oper) {
+    auto* element = reinterpret_cast<Oper*>(memory_.emplace_back(sizeof(Oper)).data());
+    std::memcpy(static_cast<void*>(element), &oper, sizeof(Oper));
+    oper.val.array.lparray = element;
+    oper.val.array.rows = 1;
+    oper.val.array.columns = 1;
+    SetType(oper, xltypeMulti);
+  }
+
+  const Mutation& mutation_;
+  std::vector<SpoiltMemory>& memory_;
+};
+
+}  // namespace
+
+template <typename Width>
+typename Width::Oper* SpoiltCopy(const typename Width::Oper& oper, const Mutation& mutation,
+                                 std::vector<SpoiltMemory>& memory, std::string& reason) {
+  using Oper = typename Width::Oper;
+  auto* copy = reinterpret_cast<Oper*>(memory.emplace_back(sizeof(Oper)).data());
+  std::memcpy(static_cast<void*>(copy), &oper, sizeof(Oper));
+  reason = Damage<Width>(mutation, memory).DoTo(*copy);
+  return reason.empty() ? copy : nullptr;
+}
+
+template <typename Width>
+bool IsReadable(const typename Width::Oper& oper) {
+  using Unit = typename Width::Unit;
+  switch (oper.xltype & kTypeMask) {
+    case xltypeStr: {
+      if (!CanRead(oper.val.str, sizeof(Unit))) return false;
+      const std::size_t length = static_cast<std::make_unsigned_t<Unit>>(oper.val.str[0]);
+      return CanRead(oper.val.str, (length + 1) * sizeof(Unit));
+    }
+    case xltypeMulti: {
+      const auto& array = oper.val.array;
+      const std::size_t count = static_cast<std::size_t>(array.rows) * static_cast<std::size_t>(array.columns);
+      if (!CanRead(array.lparray, count * sizeof(oper))) return false;
+      return std::all_of(array.lparray, array.lparray + count, [](const auto& element) {
+        return (element.xltype & kTypeMask) != xltypeStr || IsReadable<Width>(element);
+      });
+    }
+    case xltypeRef: {
+      const auto* const areas = oper.val.mref.lpmref;
+      return !areas || (CanRead(areas, sizeof areas->count) &&
+                        CanRead(areas, sizeof *areas + areas->count * sizeof areas->reftbl[0]));
+    }
+    default:
+      return true;
+  }
+}
+
+template bool IsReadable<Wide>(const XLOPER12&);
+template bool IsReadable<Narrow>(const XLOPER&);
+template XLOPER12* SpoiltCopy<Wide>(const XLOPER12&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
+template XLOPER* SpoiltCopy<Narrow>(const XLOPER&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
+
+}  // namespace qcalc

@@ -1,0 +1,234 @@
+#include "host/files/csv.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+#include "host/text/utf8.h"
+#include "host/values/constant_parser.h"
+
+namespace qcalc {
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
+
+// A sign, digits with an optional point and exponent, and nothing else.
+std::optional<double> ReadPlainNumber(std::string_view field) {
+  const std::size_t sign = field[0] == '-' || field[0] == '+' ? 1 : 0;
+  const char first = sign < field.size() ? field[sign] : '\0';
+  if (!IsDigit(first) && first != '.') return std::nullopt;
+  double number = 0;
+  const auto [end, fault] = std::from_chars(field.data() + sign, field.data() + field.size(), number);
+  if (fault != std::errc() || end != field.data() + field.size()) return std::nullopt;
+  if (std::fpclassify(number) == FP_SUBNORMAL) number = 0;
+  return field[0] == '-' ? -number : number;
+}
+
+// Reads records and hands their fields on: field(record, index, text), then endOfRecord(record, fields).
+class CsvReader {
+ public:
+  explicit CsvReader(std::string_view text) : text_(text) {
+    if (text_.starts_with(kByteOrderMark)) lineStart_ = at_ = kByteOrderMark.size();
+  }
+
+  // Stops at the first fault, its own or one that a sink throws as CsvError.
+  template <typename Field, typename EndOfRecord>
+  void Read(Field&& field, EndOfRecord&& endOfRecord) {
+    for (std::int64_t record = 0; at_ < text_.size(); ++record) {
+      std::int64_t index = 0;
+      do {
+        fieldStart_ = at_;
+        fieldLine_ = line_;
+        fieldLineStart_ = lineStart_;
+        field(record, index++, TakeField());
+      } while (AcceptComma());
+      endOfRecord(record, index);
+      SkipLineEnd();
+    }
+  }
+
+  // A fault at the field last read.
+  CsvError FaultAtField(std::string message) const {
+    return {fieldLine_, static_cast<std::int64_t>(fieldStart_ - fieldLineStart_) + 1, std::move(message)};
+  }
+
+ private:
+  std::string_view TakeField() {
+    if (at_ < text_.size() && text_[at_] == '"') return TakeQuotedField();
+    const std::size_t start = at_;
+    while (at_ < text_.size() && text_[at_] != ',' && text_[at_] != '\n' && text_[at_] != '\r') ++at_;
+    return text_.substr(start, at_ - start);
+  }
+
+  // A view of the file where no quote is doubled, else of the buffer.
+  std::string_view TakeQuotedField() {
+    buffer_.clear();
+    std::size_t start = ++at_;
+    for (;;) {
+      const std::size_t quote = text_.find('"', at_);
+      if (quote == std::string_view::npos) throw FaultAtField("expected a closing quote for this field, found the end");
+      CountLines(at_, quote);
+      at_ = quote + 1;
+      if (at_ >= text_.size() || text_[at_] != '"') break;
+      buffer_.append(text_.substr(start, at_ - start));
+      start = ++at_;
+    }
+    if (at_ < text_.size() && text_[at_] != ',' && text_[at_] != '\n' && text_[at_] != '\r')
+      throw CsvError{
+          line_, static_cast<std::int64_t>(at_ - lineStart_) + 1,
+          "expected ',' or the end of the record after the closing quote, found '" + std::string(1, text_[at_]) + "'"};
+    const std::string_view last = text_.substr(start, at_ - 1 - start);
+    if (buffer_.empty()) return last;
+    buffer_.append(last);
+    return buffer_;
+  }
+
+  void CountLines(std::size_t from, std::size_t to) {
+    for (std::size_t i = from; i < to; ++i) {
+      const bool pair = text_[i] == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n';
+      if (pair || (text_[i] != '\n' && text_[i] != '\r')) continue;
+      ++line_;
+      lineStart_ = i + 1;
+    }
+  }
+
+  bool AcceptComma() {
+    if (at_ >= text_.size() || text_[at_] != ',') return false;
+    ++at_;
+    return true;
+  }
+
+  void SkipLineEnd() {
+    if (at_ < text_.size() && text_[at_] == '\r') ++at_;
+    if (at_ < text_.size() && text_[at_] == '\n') ++at_;
+    ++line_;
+    lineStart_ = at_;
+  }
+
+  std::string_view text_;
+  std::string buffer_;
+  std::size_t at_ = 0;
+  std::size_t lineStart_ = 0;
+  std::int64_t line_ = 1;
+  std::size_t fieldStart_ = 0;
+  std::size_t fieldLineStart_ = 0;
+  std::int64_t fieldLine_ = 1;
+};
+
+CellView CellOf(std::string_view field, CellStore& cells, const CsvReader& reader) {
+  if (field.empty()) return {};
+  if (const auto number = ReadPlainNumber(field)) return CellView::Number(*number);
+  if (EqualsWord(field, "true") || EqualsWord(field, "false")) return CellView::Boolean(EqualsWord(field, "true"));
+  XCHAR* start = cells.Pool().Reserve(field.size());
+  const XCHAR* end = FromUtf8(field, start);
+  if (!end) throw reader.FaultAtField("expected UTF-8 in this field");
+  const auto units = static_cast<std::size_t>(end - start);
+  if (units > static_cast<std::size_t>(kXlMaxText))
+    throw reader.FaultAtField("expected at most " + std::to_string(kXlMaxText) + " characters in a cell, found " +
+                              std::to_string(units));
+  return CellView::Text(cells.Pool().Keep(start, units));
+}
+
+// Writes the fields of a file from one cell on.
+class CsvLoader {
+ public:
+  CsvLoader(Sheet& sheet, std::int32_t row, std::int32_t column) : sheet_(sheet), row_(row), column_(column) {}
+
+  void Load(std::string_view text) {
+    CsvReader reader(text);
+    reader.Read(
+        [&](std::int64_t record, std::int64_t index, std::string_view field) {
+          if (record + row_ >= kXlMaxRows)
+            throw reader.FaultAtField("expected at most " + std::to_string(kXlMaxRows - row_) + " records, found more");
+          if (index + column_ >= kXlMaxColumns)
+            throw reader.FaultAtField("expected at most " + std::to_string(kXlMaxColumns - column_) +
+                                      " fields in a record, found more");
+          sheet_.Cells().SetPooled(row_ + static_cast<std::int32_t>(record), column_ + static_cast<std::int32_t>(index),
+                                   CellOf(field, sheet_.Cells(), reader));
+        },
+        [&](std::int64_t record, std::int64_t fields) {
+          EndRecord(row_ + static_cast<std::int32_t>(record), static_cast<std::int32_t>(fields));
+        });
+  }
+
+  CsvExtent Extent() const { return extent_; }
+
+ private:
+  // Empties what stood beside a short record, or above one that is wider than all before it.
+  void EndRecord(std::int32_t row, std::int32_t fields) {
+    if (fields > extent_.columns && row > row_)
+      sheet_.Cells().Clear({row_, row - 1, column_ + extent_.columns, column_ + fields - 1});
+    for (std::int32_t index = fields; index < extent_.columns; ++index)
+      sheet_.Cells().SetPooled(row, column_ + index, {});
+    extent_.columns = std::max(extent_.columns, fields);
+    extent_.rows = row - row_ + 1;
+  }
+
+  Sheet& sheet_;
+  std::int32_t row_;
+  std::int32_t column_;
+  CsvExtent extent_;
+};
+
+// The size of what would be loaded, as far as it can be read.
+CsvExtent Measure(std::string_view text, std::int32_t row, std::int32_t column) {
+  CsvExtent extent;
+  try {
+    CsvReader(text).Read(
+        [](std::int64_t, std::int64_t, std::string_view) {},
+        [&](std::int64_t record, std::int64_t fields) {
+          extent.rows = static_cast<std::int32_t>(std::min<std::int64_t>(record + 1, kXlMaxRows - row));
+          extent.columns =
+              static_cast<std::int32_t>(std::clamp<std::int64_t>(fields, extent.columns, kXlMaxColumns - column));
+        });
+  } catch (const CsvError&) {
+    // Loading comes to the same place and reports it.
+  }
+  return extent;
+}
+
+}  // namespace
+
+std::string CsvError::ToString(std::string_view file) const {
+  std::string text(file);
+  if (line > 0) text += ":" + std::to_string(line) + ":" + std::to_string(column);
+  return text + ": " + message;
+}
+
+std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, std::int32_t row, std::int32_t column) {
+  // Formulas and their spilled results must be gone before values take their place.
+  if (!sheet.Formulas().empty())
+    if (const CsvExtent extent = Measure(text, row, column); extent.rows > 0)
+      sheet.Clear({row, row + extent.rows - 1, column, column + extent.columns - 1});
+  CsvLoader loader(sheet, row, column);
+  std::optional<CsvError> error;
+  try {
+    loader.Load(text);
+  } catch (CsvError& fault) {
+    error = std::move(fault);
+  }
+  const CsvExtent extent = loader.Extent();
+  if (extent.rows > 0) sheet.NoteChange({row, row + extent.rows - 1, column, column + extent.columns - 1});
+  if (error) return *std::move(error);
+  return extent;
+}
+
+std::variant<CsvExtent, CsvError> LoadCsvFile(const std::string& path, Sheet& sheet, std::int32_t row,
+                                              std::int32_t column) {
+  const std::filesystem::path file(std::u8string(path.begin(), path.end()));
+  std::ifstream stream(file, std::ios::binary | std::ios::ate);
+  if (!stream || std::filesystem::is_directory(file)) return CsvError{0, 0, "expected a file that can be read"};
+  std::string text(static_cast<std::size_t>(stream.tellg()), '\0');
+  stream.seekg(0);
+  if (!stream.read(text.data(), static_cast<std::streamsize>(text.size())))
+    return CsvError{0, 0, "expected a file that can be read to its end"};
+  return LoadCsv(text, sheet, row, column);
+}
+
+}  // namespace qcalc

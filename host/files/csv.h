@@ -1,0 +1,39 @@
+// CSV files (RFC 4180) into a sheet.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "host/workbook/workbook.h"
+
+namespace qcalc {
+
+/// What was loaded, or where reading stopped.
+struct CsvExtent {
+  std::int32_t rows = 0;
+  std::int32_t columns = 0;  ///< of the widest record
+};
+struct CsvError {
+  std::int64_t line = 0;    ///< 1-based line of the file; 0 when the file could not be read at all
+  std::int64_t column = 0;  ///< 1-based byte of that line
+  std::string message;
+
+  /// "data.csv:12:7: expected ..."; without line and column when there is none.
+  std::string ToString(std::string_view file) const;
+};
+
+/// Fills cells from (row, column) on with the records in `text`: fields in quotes may hold commas, doubled quotes and
+/// line breaks; records end in CR LF, LF or CR; a UTF-8 byte-order mark is passed over. A field that is a plain number
+/// as a whole becomes a number, TRUE or FALSE in any case a boolean, an empty one an empty cell; quotes make no
+/// difference to that, as in Excel. Cells there, their formulas too, are replaced within the extent. On an error the
+/// rows before it are loaded.
+std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, std::int32_t row, std::int32_t column);
+
+/// The same from a file, given by its path in UTF-8.
+std::variant<CsvExtent, CsvError> LoadCsvFile(const std::string& path, Sheet& sheet, std::int32_t row,
+                                              std::int32_t column);
+
+}  // namespace qcalc

@@ -1,0 +1,80 @@
+// The nodes of a parsed formula.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "host/formulas/formula.h"
+#include "host/values/value.h"
+
+namespace qcalc {
+
+enum class FormulaOperator {
+  kNegate,
+  kPlus,
+  kPercent,
+  kPower,
+  kMultiply,
+  kDivide,
+  kAdd,
+  kSubtract,
+  kConcatenate,
+  kEqual,
+  kNotEqual,
+  kLess,
+  kLessOrEqual,
+  kGreater,
+  kGreaterOrEqual,
+};
+
+/// One node; never changed once parsed.
+struct FormulaNode {
+  enum class Kind {
+    kConstant,   ///< `constant`, a missing argument too
+    kReference,  ///< `reference`
+    kName,       ///< `name`, as written
+    kCall,       ///< `name` with `children` as arguments
+    kUnary,      ///< `op` on one child
+    kBinary,     ///< `op` on two children; chains lean to the left
+    kUnion,      ///< two or more children that are references
+    kRange,      ///< two children that are references: the rectangle around both
+  };
+
+  Kind kind = Kind::kConstant;
+  FormulaOperator op = FormulaOperator::kPlus;
+  int column = 1;  ///< 1-based byte of its first character
+  Value constant;
+  ReferenceText reference;
+  XString name;
+  std::vector<std::unique_ptr<FormulaNode>> children;
+
+  FormulaNode() = default;
+  FormulaNode(const FormulaNode&) = delete;
+  FormulaNode& operator=(const FormulaNode&) = delete;
+  /// Takes the tree down node by node: a long chain of operators must not take the stack with it.
+  ~FormulaNode() {
+    while (!children.empty()) {
+      const std::unique_ptr<FormulaNode> last = std::move(children.back());
+      children.pop_back();
+      for (auto& grandchild : last->children) children.push_back(std::move(grandchild));
+      last->children.clear();
+    }
+  }
+};
+
+/// Calls `visitor(const FormulaNode&)` for every node, a parent before its children, children from left to right; does
+/// not recurse, so that long chains of operators take no stack.
+template <typename Visitor>
+void VisitNodes(const FormulaNode& root, Visitor&& visitor) {
+  std::vector<const FormulaNode*> open{&root};
+  while (!open.empty()) {
+    const FormulaNode* node = open.back();
+    open.pop_back();
+    visitor(*node);
+    for (auto child = node->children.rbegin(); child != node->children.rend(); ++child) open.push_back(child->get());
+  }
+}
+
+}  // namespace qcalc

@@ -1,0 +1,64 @@
+#include <malloc.h>
+#include <windows.h>
+
+#include "host/library/library.h"
+
+namespace qcalc {
+
+std::filesystem::path ProgramFolder() {
+  std::wstring program(MAX_PATH, L'\0');
+  for (;;) {
+    const DWORD length = GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    if (length < program.size()) {
+      program.resize(length);
+      return std::filesystem::path(program).parent_path();
+    }
+    program.resize(program.size() * 2);
+  }
+}
+
+void* ProgramHandle() { return GetModuleHandleW(nullptr); }
+
+Library::Library(std::filesystem::path path, void* handle) : path_(std::move(path)), handle_(handle) {}
+
+std::unique_ptr<Library> Library::Load(const std::filesystem::path& path, std::string& error) {
+  std::filesystem::path absolute = std::filesystem::absolute(path).lexically_normal().make_preferred();
+  HMODULE module = LoadLibraryW(absolute.c_str());
+  if (!module) {
+    const DWORD code = GetLastError();
+    char text[256] = "";
+    DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0, text,
+                                  sizeof text, nullptr);
+    while (length > 0 && static_cast<unsigned char>(text[length - 1]) <= ' ') text[--length] = '\0';
+    error = "Windows error " + std::to_string(code) + (length ? ": " + std::string(text) : std::string());
+    return nullptr;
+  }
+  return std::unique_ptr<Library>(new Library(std::move(absolute), module));
+}
+
+Library::~Library() { FreeLibrary(static_cast<HMODULE>(handle_)); }
+
+bool Library::IsMapped(const std::filesystem::path& path) { return GetModuleHandleW(path.c_str()) != nullptr; }
+
+void* Library::Find(const std::string& name) const {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name.c_str()));
+}
+
+bool Library::Contains(const void* address) const {
+  HMODULE module = nullptr;
+  return GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                            static_cast<const wchar_t*>(address), &module) &&
+         module == handle_;
+}
+
+std::unique_ptr<Library> LoadCallLibrary() {
+  std::string error;
+  return Library::Load(ProgramFolder() / L"XLCALL32.DLL", error);
+}
+
+bool IsHeapBlock(const void* address) {
+  return HeapValidate(reinterpret_cast<HANDLE>(_get_heap_handle()), 0, address) ||
+         HeapValidate(GetProcessHeap(), 0, address);
+}
+
+}  // namespace qcalc

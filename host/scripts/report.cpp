@@ -1,0 +1,36 @@
+#include "host/scripts/report.h"
+
+#include <algorithm>
+#include <ostream>
+
+namespace qcalc {
+namespace {
+
+// Results of a million cells are nothing to read in a log.
+constexpr std::size_t kMaxShown = 2000;
+
+std::string Shortened(const std::string& text) {
+  if (text.size() <= kMaxShown) return text;
+  std::size_t end = kMaxShown;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  return text.substr(0, end) + " ... (" + std::to_string(text.size()) + " bytes)";
+}
+
+}  // namespace
+
+void Report::Fail(const ScriptPlace& place, const std::string& sentence,
+                  const std::vector<std::pair<std::string, std::string>>& details) {
+  ++failed_;
+  output_ << place.script << ":" << place.line << ": FAILED";
+  if (!place.caseName.empty()) output_ << " [" << place.caseName << "]";
+  output_ << ": " << sentence << "\n";
+  std::size_t widest = 0;
+  for (const auto& [title, text] : details) widest = std::max(widest, title.size());
+  for (const auto& [title, text] : details)
+    output_ << "  " << title << ":" << std::string(widest - title.size() + 1, ' ') << Shortened(text) << "\n";
+  output_.flush();
+}
+
+void Report::Close() const { output_ << passed_ << " passed, " << failed_ << " failed\n" << std::flush; }
+
+}  // namespace qcalc

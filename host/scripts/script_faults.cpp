@@ -1,0 +1,148 @@
+// Script commands by which things go wrong on purpose in the next evaluation.
+#include <charconv>
+#include <limits>
+
+#include "host/faults/handled_fault.h"
+#include "host/library/allocation.h"
+#include "host/scripts/script_runner.h"
+
+namespace qcalc {
+namespace {
+
+constexpr std::int32_t kMost = 1'000'000'000;
+constexpr std::int32_t kMostType = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kMostLength = 0xFFFF;
+
+struct CodeName {
+  std::string_view name;
+  int code;
+};
+
+constexpr CodeName kCodes[] = {
+    {"xlretAbort", xlretAbort},
+    {"xlretInvXlfn", xlretInvXlfn},
+    {"xlretInvCount", xlretInvCount},
+    {"xlretInvXloper", xlretInvXloper},
+    {"xlretStackOvfl", xlretStackOvfl},
+    {"xlretFailed", xlretFailed},
+    {"xlretUncalced", xlretUncalced},
+    {"xlretNotThreadSafe", xlretNotThreadSafe},
+    {"xlretInvAsynchronousContext", xlretInvAsynchronousContext},
+    {"xlretNotClusterSafe", xlretNotClusterSafe},
+};
+
+int CodeAt(ScriptLine& line) {
+  std::string names;
+  const std::string_view word = line.Word("a return code");
+  for (const CodeName& code : kCodes) {
+    if (code.name == word) return code.code;
+    names += (names.empty() ? "" : ", ") + std::string(code.name);
+  }
+  line.FailIn(word, "expected a return code (" + names + "), found '" + std::string(word) + "'");
+}
+
+/// A number in decimal, or in hexadecimal behind "0x".
+std::int64_t NumberOrHex(ScriptLine& line, std::string_view expected, std::int32_t most) {
+  const std::string_view word = line.Word(expected);
+  const bool isHex = word.starts_with("0x");
+  const std::string_view digits = isHex ? word.substr(2) : word;
+  std::int64_t number = -1;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, isHex ? 16 : 10);
+  if (error != std::errc() || end != digits.data() + digits.size() || number < 0 || number > most)
+    line.FailIn(word, "expected " + std::string(expected) + " from 0 to " + std::to_string(most) + ", found '" +
+                          std::string(word) + "'");
+  return number;
+}
+
+/// A size as ROWSxCOLUMNS; either may be negative or absurd.
+void ReadDims(ScriptLine& line, Mutation& mutation) {
+  const std::string_view word = line.Word("a size such as 3x2");
+  const char* const last = word.data() + word.size();
+  const auto rows = std::from_chars(word.data(), last, mutation.rows);
+  const bool hasCross = rows.ec == std::errc() && rows.ptr != last && *rows.ptr == 'x';
+  const auto columns = hasCross ? std::from_chars(rows.ptr + 1, last, mutation.columns) : rows;
+  if (!hasCross || columns.ec != std::errc() || columns.ptr != last)
+    line.FailIn(word, "expected a size such as 3x2, found '" + std::string(word) + "'");
+}
+
+ScriptAction ParseMutate(ScriptLine& line) {
+  Mutation mutation;
+  mutation.argument = line.WholeNumber("the number of an argument", 1, kXlMaxArguments);
+  mutation.kind = static_cast<MutationKind>(
+      line.Choice({"null", "type", "bits", "length", "dims", "pointer", "nested"}));  // in the order of the kinds
+  switch (mutation.kind) {
+    case MutationKind::kType:
+    case MutationKind::kBits:
+      mutation.number = NumberOrHex(line, "bits of a type", kMostType);
+      break;
+    case MutationKind::kLength:
+      mutation.number = NumberOrHex(line, "a length", kMostLength);
+      break;
+    case MutationKind::kDims:
+      ReadDims(line, mutation);
+      break;
+    default:
+      break;
+  }
+  if (const std::string reason = WhyNotOffered(mutation); !reason.empty()) line.Fail(reason);
+  return [mutation](ScriptRunner& runner) { runner.ItsSession().ItsAddin().faults.Mutate(mutation); };
+}
+
+ScriptAction ParseFailAlloc(ScriptLine& line) {
+  const std::int32_t nth = line.WholeNumber("the number of an allocation", 1, kMost);
+  const bool isOnce = line.IsAtEnd() || line.Choice({"once", "on"}) == 0;
+  const auto failure = isOnce ? AllocationFailure::kOnce : AllocationFailure::kFromThenOn;
+  return [nth, failure](ScriptRunner&) { AddinAllocations().Fail(nth, failure); };
+}
+
+const XlCallback& CallbackAt(ScriptLine& line) {
+  const std::string_view name = line.Word("a callback's name");
+  const XlCallback* callback = FindXlCallback(name);
+  if (!callback) line.FailIn(name, "expected a callback's name such as xlCoerce, found '" + std::string(name) + "'");
+  return *callback;
+}
+
+ScriptAction ParseFail(ScriptLine& line) {
+  const XlCallback& callback = CallbackAt(line);
+  const int code = CodeAt(line);
+  const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMost);
+  return
+      [&callback, code, nth](ScriptRunner& runner) { runner.ItsSession().ItsAddin().meter.Fail(callback, code, nth); };
+}
+
+ScriptAction ParseAnswerWith(ScriptLine& line) {
+  const XlCallback& callback = CallbackAt(line);
+  const std::string_view word = line.Word("a kind of value");
+  const std::optional<AnswerKind> kind = FindAnswerKind(word);
+  if (!kind)
+    line.FailIn(word, "expected a kind of value (" + AnswerKindNames() + "), found '" + std::string(word) + "'");
+  const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMost);
+  return [&callback, kind = *kind, nth](ScriptRunner& runner) {
+    runner.ItsSession().ItsAddin().meter.AnswerWith(callback, kind, nth);
+  };
+}
+
+ScriptAction ParseFaultInCallback(ScriptLine& line) {
+  const XlCallback& callback = CallbackAt(line);
+  if (!CanHandleFaults()) line.Fail("a host that handles its own fault is for the Windows build alone");
+  return [&callback](ScriptRunner& runner) { runner.ItsSession().ItsAddin().meter.FaultIn(callback); };
+}
+
+ScriptAction ParseDoubleFree(ScriptLine&) {
+  return [](ScriptRunner& runner) { runner.ItsSession().ItsAddin().faults.FreeTwice(); };
+}
+
+constexpr ScriptCommandForm kCommands[] = {
+    {"fail", "fail NAME CODE [NTH]", ParseFail},
+    {"mutate", "mutate ARG null, type N, bits N, length N, dims RxC, pointer or nested", ParseMutate},
+    {"fail-alloc", "fail-alloc N [once or on]", ParseFailAlloc},
+    {"answer-with", "answer-with NAME KIND [NTH]", ParseAnswerWith},
+    {"fault-in-callback", "fault-in-callback NAME", ParseFaultInCallback},
+    {"double-free", "double-free", ParseDoubleFree},
+};
+
+}  // namespace
+
+std::span<const ScriptCommandForm> FaultCommands() { return kCommands; }
+
+}  // namespace qcalc

@@ -1,0 +1,84 @@
+#include "host/scripts/script_parser.h"
+
+#include "host/text/utf8.h"
+
+namespace qcalc {
+namespace {
+
+const ScriptCommandForm* FindCommand(std::string_view name) {
+  for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands(), FaultCommands()})
+    for (const ScriptCommandForm& form : group)
+      if (form.name == name) return &form;
+  return nullptr;
+}
+
+std::string AllCommandNames() {
+  std::string names;
+  for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands(), FaultCommands()})
+    for (const ScriptCommandForm& form : group) names += (names.empty() ? "" : ", ") + std::string(form.name);
+  return names;
+}
+
+ScriptCommand ParseLine(ScriptLine& line) {
+  const std::string_view name = line.Word("a command");
+  const ScriptCommandForm* form = FindCommand(name);
+  if (!form) line.FailIn(name, "expected a command (" + AllCommandNames() + "), found '" + std::string(name) + "'");
+  try {
+    ScriptCommand command{line.Number(), form->parse(line)};
+    line.End();
+    return command;
+  } catch (SyntaxError& error) {
+    error.message += "; the form is: " + std::string(form->form);
+    throw;
+  }
+}
+
+/// The next line of the text, which loses it; without its line break.
+std::string_view TakeLine(std::string_view& text) {
+  const std::size_t end = text.find('\n');
+  std::string_view line = text.substr(0, end);
+  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+SyntaxError NotUtf8(std::string_view text, std::size_t badByte) {
+  const std::string_view before = text.substr(0, badByte);
+  SyntaxError error{1, 1, "expected UTF-8, found a byte that is none"};
+  for (const char byte : before) {
+    error.column = byte == '\n' ? 1 : error.column + 1;
+    error.line += byte == '\n';
+  }
+  return error;
+}
+
+}  // namespace
+
+Parsed<std::vector<ScriptCommand>> ParseScript(std::string_view text) {
+  std::size_t badByte = 0;
+  if (!FromUtf8(text, &badByte)) return NotUtf8(text, badByte);
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  std::vector<ScriptCommand> commands;
+  int number = 0;
+  try {
+    while (!text.empty()) {
+      std::string_view piece = TakeLine(text);
+      ++number;
+      if (piece.starts_with('#')) continue;
+      ScriptLine line;
+      while (piece.ends_with('\\') && !text.empty()) {
+        piece.remove_suffix(1);
+        line.Append(piece, number);
+        piece = TakeLine(text);
+        ++number;
+      }
+      line.Append(piece, number);
+      if (!line.IsAtEnd()) commands.push_back(ParseLine(line));
+    }
+  } catch (SyntaxError& error) {
+    return std::move(error);
+  }
+  return commands;
+}
+
+}  // namespace qcalc

@@ -1,0 +1,62 @@
+#include "host/scripts/script_runner.h"
+
+namespace qcalc {
+
+void ScriptRunner::Run(const std::vector<ScriptCommand>& commands) {
+  for (const ScriptCommand& command : commands) {
+    line_ = command.line;
+    try {
+      command.action(*this);
+    } catch (const ScriptError& error) {
+      throw ScriptError(name_ + ":" + std::to_string(line_) + ": " + error.what());
+    } catch (const AddinFailure&) {
+      throw;
+    } catch (const std::exception& error) {
+      report_.Fail(Place(), error.what());
+    } catch (const UncalculatedCell&) {
+      report_.Fail(Place(), "a formula reads a cell that could not be calculated");
+    }
+    ReportComplaints();
+  }
+  session_.Finish();
+  case_ = "end of the script";
+  ReportComplaints();
+}
+
+void ScriptRunner::Evaluate(const std::string& formula, const std::function<Value()>& work) {
+  formula_ = formula;
+  result_.reset();
+  try {
+    result_ = work();
+  } catch (const FormulaError& error) {
+    report_.Fail(Place(), "the formula could not be evaluated", {{"formula", formula_}, {"reason", error.what()}});
+  } catch (const UncalculatedCell&) {
+    report_.Fail(Place(), "the formula reads a cell that could not be calculated", {{"formula", formula_}});
+  } catch (const NotThreadSafe&) {
+    report_.Fail(Place(), "a thread-safe function reached one that is not", {{"formula", formula_}});
+  }
+}
+
+void ScriptRunner::Expect(bool isMet, const std::string& expected, const std::string& got) {
+  ExpectAbout(formula_, isMet, expected, got);
+}
+
+void ScriptRunner::ExpectAbout(const std::string& subject, bool isMet, const std::string& expected,
+                               const std::string& got) {
+  if (isMet)
+    report_.Pass();
+  else
+    report_.Fail(Place(), "not as expected", {{"formula", subject}, {"expected", expected}, {"got", got}});
+}
+
+void ScriptRunner::Fail(const std::string& sentence) { report_.Fail(Place(), sentence, {{"formula", formula_}}); }
+
+Reference ScriptRunner::Resolve(const ReferenceText& text) {
+  return ResolveReference(text, session_.ItsWorkbooks(), session_.CurrentSheet());
+}
+
+void ScriptRunner::ReportComplaints() {
+  for (const std::string& text : session_.ItsAddin().complaints.Take()) report_.Fail(Place(), text);
+}
+
+}  // namespace qcalc

@@ -1,0 +1,170 @@
+// Script commands that set up the workbook, the host and what it answers.
+#include <array>
+
+#include "host/calculation/recalculation.h"
+#include "host/files/csv.h"
+#include "host/library/answers.h"
+#include "host/scripts/script_runner.h"
+#include "host/text/utf8.h"
+
+namespace qcalc {
+namespace {
+
+XString Units(std::string_view text) { return *FromUtf8(text); }
+
+Sheet& SheetOf(ScriptRunner& runner, const Reference& reference) {
+  return *runner.ItsSession().ItsWorkbooks().FindSheet(reference.sheet);
+}
+
+/// Settings that the add-in reads when it opens come too late afterwards.
+HostSettings& SettingsBeforeOpening(ScriptRunner& runner, const char* command) {
+  Addin& addin = runner.ItsSession().ItsAddin();
+  if (addin.IsLoaded()) throw ScriptError(std::string(command) + " must come before the first evaluation");
+  return addin.settings;
+}
+
+ScriptAction ParseCase(ScriptLine& line) {
+  return [name = std::string(line.Rest("the name of the case"))](ScriptRunner& runner) { runner.BeginCase(name); };
+}
+
+ScriptAction ParseBook(ScriptLine& line) {
+  return [name = Units(line.Rest("a workbook's name"))](ScriptRunner& runner) {
+    Book& book = runner.ItsSession().ItsWorkbooks().BookNamed(name);
+    runner.ItsSession().SelectSheet(book.Sheets().empty() ? book.SheetNamed(XTEXT("Sheet1")) : *book.Sheets().front());
+  };
+}
+
+ScriptAction ParseSheet(ScriptLine& line) {
+  return [name = Units(line.Rest("a sheet's name"))](ScriptRunner& runner) {
+    Session& session = runner.ItsSession();
+    session.SelectSheet(session.CurrentSheet().ItsBook().SheetNamed(name));
+  };
+}
+
+ScriptAction ParseSet(ScriptLine& line) {
+  const ReferenceText target = line.ReferenceIn(line.BeforeEquals("a reference"));
+  if (line.StartsFormula()) {
+    return [target, formula = line.FormulaText()](ScriptRunner& runner) {
+      const Reference cells = runner.Resolve(target);
+      Session& session = runner.ItsSession();
+      Sheet& sheet = SheetOf(runner, cells);
+      MakeMentionedSheets(formula, session.ItsWorkbooks(), sheet);
+      sheet.SetFormula(cells.areas[0], formula);
+    };
+  }
+  return [target, value = line.Literal()](ScriptRunner& runner) {
+    const Reference cells = runner.Resolve(target);
+    try {
+      SheetOf(runner, cells).Set(cells.areas[0], value);
+    } catch (const std::length_error&) {
+      throw ScriptError("the array does not fit on the sheet");
+    }
+  };
+}
+
+ScriptAction ParseLoad(ScriptLine& line) {
+  const ReferenceText target = line.ReferenceIn(line.Word("a reference"));
+  return [target, file = std::string(line.Rest("a file's path"))](ScriptRunner& runner) {
+    const Reference cells = runner.Resolve(target);
+    const std::u8string path = (runner.Folder() / std::u8string(file.begin(), file.end())).u8string();
+    const auto loaded = LoadCsvFile(std::string(path.begin(), path.end()), SheetOf(runner, cells),
+                                    cells.areas[0].firstRow, cells.areas[0].firstColumn);
+    if (const auto* error = std::get_if<CsvError>(&loaded)) throw ScriptError(error->ToString(file));
+  };
+}
+
+/// `3:5`, or with a sheet `Data!3:5`.
+ScriptAction ParseRowsHidden(ScriptLine& line, bool isHidden) {
+  const std::string_view part = line.Rest("rows");
+  ReferenceText rows;
+  if (const Parsed<Area> plain = ParseRows(part))
+    rows.area = *plain;
+  else
+    rows = line.ReferenceIn(part);
+  if (rows.area.Columns() != kXlMaxColumns) line.FailIn(part, "expected whole rows");
+  return [rows, isHidden](ScriptRunner& runner) {
+    const Reference cells = runner.Resolve(rows);
+    SheetOf(runner, cells).HideRows(cells.areas[0].firstRow, cells.areas[0].lastRow, isHidden);
+  };
+}
+
+ScriptAction ParseHide(ScriptLine& line) { return ParseRowsHidden(line, true); }
+ScriptAction ParseUnhide(ScriptLine& line) { return ParseRowsHidden(line, false); }
+
+ScriptAction ParseAt(ScriptLine& line) {
+  return [cells = line.ReferenceIn(line.Rest("a reference"))](ScriptRunner& runner) {
+    runner.ItsSession().SetCaller(runner.Resolve(cells));
+  };
+}
+
+ScriptAction ParseVersion(ScriptLine& line) {
+  std::string version(line.Rest("a version"));
+  if (version.find_first_not_of("0123456789.") != std::string::npos) line.Fail("expected a version such as 16 or 15.0");
+  if (version.find('.') == std::string::npos) version += ".0";
+  return
+      [version = Units(version)](ScriptRunner& runner) { SettingsBeforeOpening(runner, "version").version = version; };
+}
+
+ScriptAction ParseDecimal(ScriptLine& line) {
+  const std::string_view part = line.Rest("a decimal separator");
+  const XString separator = Units(part);
+  if (separator.size() != 1) line.FailIn(part, "expected one character");
+  return
+      [unit = separator[0]](ScriptRunner& runner) { SettingsBeforeOpening(runner, "decimal").decimalSeparator = unit; };
+}
+
+ScriptAction ParseUdf(ScriptLine& line) {
+  const XString name = FoldCase(Units(line.Word("a function's name")));
+  return [name, value = line.Literal()](ScriptRunner& runner) {
+    runner.ItsSession().ItsAddin().macroFunctions.results[name] = value;
+  };
+}
+
+ScriptAction ParseRefs(ScriptLine& line) {
+  const bool isShort = line.Choice({"SRef", "Ref"}) == 0;
+  return [isShort](ScriptRunner& runner) { runner.ItsSession().ItsAddin().settings.shortReferences = isShort; };
+}
+
+ScriptAction ParseAnswer(ScriptLine& line) {
+  constexpr Answer kAnswers[] = {Answer::kYes, Answer::kNo, Answer::kOk};
+  return [answer = kAnswers[line.Choice({"yes", "no", "ok"})]](ScriptRunner&) { ProcessAnswers().SetNext(answer); };
+}
+
+ScriptAction ParseLet(ScriptLine& line) {
+  const std::string_view part = line.BeforeEquals("a name");
+  const XString name = FoldCase(Units(part));
+  const bool isName = part.find_first_of(" \t!'\"(),;{}[]:+-*/^&<>%#") == std::string_view::npos;
+  if (!isName || ParseReference(part)) line.FailIn(part, "expected a name that is no reference");
+  const auto bind = [name](ScriptRunner& runner, Value value) {
+    runner.ItsSession().Names()[name] = std::move(value);
+    NoteNameChange(runner.ItsSession().ItsWorkbooks(), name);
+  };
+  if (!line.StartsFormula()) return [bind, value = line.Literal()](ScriptRunner& runner) { bind(runner, value); };
+  return [bind, formula = line.FormulaText()](ScriptRunner& runner) {
+    Session& session = runner.ItsSession();
+    bind(runner, session.Contents(session.EvaluateQuietly(formula)));
+  };
+}
+
+constexpr ScriptCommandForm kCommands[] = {
+    {"case", "case TEXT", ParseCase},
+    {"book", "book NAME", ParseBook},
+    {"sheet", "sheet NAME", ParseSheet},
+    {"set", "set REF = LITERAL or set REF = =FORMULA", ParseSet},
+    {"load", "load REF FILE", ParseLoad},
+    {"hide", "hide ROWS, as in hide 3:5", ParseHide},
+    {"unhide", "unhide ROWS, as in unhide 3:5", ParseUnhide},
+    {"at", "at REF", ParseAt},
+    {"version", "version N", ParseVersion},
+    {"decimal", "decimal C", ParseDecimal},
+    {"udf", "udf NAME LITERAL", ParseUdf},
+    {"refs", "refs SRef or refs Ref", ParseRefs},
+    {"answer", "answer yes, answer no or answer ok", ParseAnswer},
+    {"let", "let NAME = LITERAL or let NAME = =FORMULA", ParseLet},
+};
+
+}  // namespace
+
+std::span<const ScriptCommandForm> SettingCommands() { return kCommands; }
+
+}  // namespace qcalc

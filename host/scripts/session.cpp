@@ -1,0 +1,124 @@
+#include "host/scripts/session.h"
+
+#include <mutex>
+
+#include "host/addin/evaluation_watch.h"
+#include "host/calculation/recalculation.h"
+#include "host/library/allocation.h"
+#include "host/library/answers.h"
+#include "host/text/utf8.h"
+
+namespace qcalc {
+
+Session::Session(std::filesystem::path addinPath)
+    : addinPath_(std::move(addinPath)), sheet_(&workbooks_.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
+  ProcessAnswers().Reset();
+  AddinAllocations().Stop();
+}
+
+Session::~Session() { Finish(); }
+
+EvaluationContext Session::Context() { return {&workbooks_, sheet_, &names_, &addin_, caller_}; }
+
+int Session::LoadAndOpen() {
+  std::string error;
+  if (!addin_.IsLoaded() && !addin_.Load(addinPath_, error)) throw AddinFailure("the add-in did not load: " + error);
+  const std::optional<int> result = addin_.CallEntryPoint("xlAutoOpen", Context());
+  if (!result) throw AddinFailure("the add-in exports no xlAutoOpen");
+  isOpen_ = isOpen_ || *result != 0;
+  return *result;
+}
+
+int Session::CallOpen() {
+  const EvaluationWatch watch(addin_);
+  return LoadAndOpen();
+}
+
+void Session::Open() {
+  if (isOpen_ || addin_.IsLoaded()) return;
+  if (LoadAndOpen() != 0) return;
+  std::string message = "xlAutoOpen failed";
+  for (const std::string& complaint : addin_.complaints.Take()) message += "\n  " + complaint;
+  throw AddinFailure(message);
+}
+
+std::optional<int> Session::CallClose() {
+  if (!addin_.IsLoaded()) return std::nullopt;
+  return addin_.CallEntryPoint("xlAutoClose", Context());
+}
+
+void Session::Reload(int count) {
+  for (int i = 0; i < count; ++i) {
+    Finish();
+    Open();
+  }
+}
+
+void Session::Finish() {
+  if (!addin_.IsLoaded()) return;
+  if (isOpen_ && CallClose().value_or(1) != 1) addin_.complaints.Add("xlAutoClose did not return 1");
+  addin_.Unload();
+  isOpen_ = false;
+}
+
+EvaluationContext Session::Prepare(const Formula& formula) {
+  Open();
+  if (caller_.areas.empty()) {
+    Sheet& sheet = workbooks_.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Calc"));
+    caller_ = {sheet.Id(), {Area{}}};
+  }
+  MakeMentionedSheets(formula, workbooks_, *sheet_);
+  const EvaluationContext context = Context();
+  qcalc::Recalculate(workbooks_, context);
+  return context;
+}
+
+Value Session::Evaluate(const Formula& formula) {
+  const EvaluationContext context = Prepare(formula);
+  const EvaluationWatch watch(addin_);
+  return qcalc::Evaluate(formula, context);
+}
+
+Value Session::EvaluateQuietly(const Formula& formula) { return qcalc::Evaluate(formula, Prepare(formula)); }
+
+Value Session::Recalculate(int count, const Formula& formula) {
+  Value result;
+  for (int i = 0; i < count; ++i) {
+    const EvaluationContext context = Prepare(formula);
+    const EvaluationWatch watch(addin_);
+    result = qcalc::Evaluate(formula, context);
+    if (Sheet* sheet = workbooks_.FindSheet(caller_.sheet))
+      sheet->WriteResult(caller_.areas[0], Dereference(result, workbooks_));
+  }
+  return result;
+}
+
+std::vector<Value> Session::EvaluateInParallel(int threads, int count, const Formula& formula) {
+  const EvaluationContext context = Prepare(formula);
+  const EvaluationWatch watch(addin_);
+  std::mutex mutex;
+  std::vector<Value> results;
+  addin_.mainThread.RunOnThreads(threads, [&](int) {
+    for (int i = 0; i < count; ++i) {
+      Value result = qcalc::Evaluate(formula, context);
+      const Value contents = Dereference(result, workbooks_);
+      const std::lock_guard lock(mutex);
+      if (results.empty() || !SameValue(Dereference(results[0], workbooks_), contents))
+        results.push_back(std::move(result));
+    }
+  });
+  return results;
+}
+
+Timing Session::Time(int count, const Formula& formula, std::string& functionName) {
+  const EvaluationContext context = Prepare(formula);
+  const EvaluationWatch watch(addin_, false);
+  const std::optional<PreparedCall> call = PrepareOutermostCall(formula, context);
+  if (!call) throw FormulaError("the formula calls no function of the add-in");
+  if (call->refused) throw FormulaError("Excel would not make the call: an argument cannot be converted");
+  const auto& function = static_cast<const RegisteredFunction&>(*call->function);
+  functionName = ToUtf8(function.name);
+  return addin_.Time(function, call->operands, count, context);
+}
+
+}  // namespace qcalc

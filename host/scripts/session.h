@@ -1,0 +1,83 @@
+// One calculating session: a workbook, the add-in on top of it, and where formulas stand.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/addin/addin.h"
+
+namespace qcalc {
+
+/// The add-in did not load, or xlAutoOpen failed.
+class AddinFailure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Starts with the empty book `Book1` and its sheet `Sheet1`. The add-in is loaded when it is first needed.
+class Session {
+ public:
+  explicit Session(std::filesystem::path addinPath);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  /// Loads and opens the add-in unless that has been done. Throws AddinFailure.
+  void Open();
+  /// Loads the library unless that has been done, and calls xlAutoOpen with callbacks counted and failing as told; what
+  /// that returns.
+  int CallOpen();
+  /// Calls xlAutoClose of the open add-in; what it returns, nothing when the add-in is not loaded or has no such
+  /// export.
+  std::optional<int> CallClose();
+  /// Closes and unloads the add-in, if it is loaded, then loads and opens it, `count` times. Throws AddinFailure.
+  void Reload(int count);
+  /// Closes and unloads the add-in, if it is loaded, and closes the books.
+  void Finish();
+
+  /// Calculates what is due, then evaluates on the main thread with callbacks counted and failing as told. The result
+  /// may be a reference. Throws FormulaError and AddinFailure.
+  Value Evaluate(const Formula& formula);
+  /// Makes everything ready for evaluations of that formula, on several threads at once too: the add-in, the sheets it
+  /// names, the cells it may read.
+  EvaluationContext Prepare(const Formula& formula);
+  /// The same, beside the counts and failures of callbacks.
+  Value EvaluateQuietly(const Formula& formula);
+  /// Evaluates `count` times in a row and writes each result into the calling cells before the next.
+  Value Recalculate(int count, const Formula& formula);
+  /// Evaluates `count` times on each of `threads` threads at once. All results, the first one first of all; the others
+  /// only as far as they differ from it.
+  std::vector<Value> EvaluateInParallel(int threads, int count, const Formula& formula);
+  /// Makes the formula's outermost add-in call `count` times. Throws FormulaError when it makes none.
+  Timing Time(int count, const Formula& formula, std::string& functionName);
+
+  /// What the value stands for where no reference is wanted.
+  Value Contents(const Value& value) const { return Dereference(value, workbooks_); }
+
+  Workbooks& ItsWorkbooks() { return workbooks_; }
+  Addin& ItsAddin() { return addin_; }
+  Sheet& CurrentSheet() { return *sheet_; }
+  NamedValues& Names() { return names_; }
+
+  /// Unqualified references mean this sheet from now on.
+  void SelectSheet(Sheet& sheet) { sheet_ = &sheet; }
+  /// Formulas that follow are called from there; an empty reference means A1 of the sheet Calc.
+  void SetCaller(Reference caller) { caller_ = std::move(caller); }
+
+ private:
+  EvaluationContext Context();
+  int LoadAndOpen();
+
+  std::filesystem::path addinPath_;
+  Workbooks workbooks_;
+  Addin addin_{workbooks_};
+  NamedValues names_;
+  Sheet* sheet_;
+  Reference caller_;
+  bool isOpen_ = false;
+};
+
+}  // namespace qcalc

@@ -1,0 +1,137 @@
+#include "host/values/constant_parser.h"
+
+#include <charconv>
+#include <string>
+#include <vector>
+
+#include "host/text/utf8.h"
+#include "host/values/literal.h"
+
+namespace qcalc {
+
+namespace {
+
+bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
+
+void SkipDigits(TextCursor& cursor) {
+  while (IsDigit(cursor.Peek())) cursor.Advance();
+}
+
+std::string_view ReadWord(TextCursor& cursor) {
+  const std::size_t start = cursor.Position();
+  while (!cursor.AtEnd() && IsNameByte(cursor.Peek())) cursor.Advance();
+  return cursor.Slice(start);
+}
+
+}  // namespace
+
+bool IsNumberAhead(const TextCursor& cursor) {
+  return IsDigit(cursor.Peek()) || (cursor.Peek() == '.' && IsDigit(cursor.Peek(1)));
+}
+
+bool IsNameByte(char byte) {
+  return IsDigit(byte) || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '_' || byte == '.' ||
+         byte == '\\' || byte == '?' || static_cast<unsigned char>(byte) >= 0x80;
+}
+
+bool EqualsWord(std::string_view word, std::string_view lower) {
+  return std::equal(word.begin(), word.end(), lower.begin(), lower.end(),
+                    [](char w, char l) { return (w >= 'A' && w <= 'Z' ? w + 32 : w) == l; });
+}
+
+double ReadNumber(TextCursor& cursor) {
+  const std::size_t start = cursor.Position();
+  SkipDigits(cursor);
+  if (cursor.Accept('.')) SkipDigits(cursor);
+  if (cursor.Peek() == 'e' || cursor.Peek() == 'E') {
+    const std::size_t sign = cursor.Peek(1) == '+' || cursor.Peek(1) == '-' ? 1 : 0;
+    if (IsDigit(cursor.Peek(1 + sign))) {
+      cursor.Advance(1 + sign);
+      SkipDigits(cursor);
+    }
+  }
+  const std::string_view digits = cursor.Slice(start);
+  double number = 0;
+  const auto [end, fault] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (fault != std::errc() || end != digits.data() + digits.size())
+    cursor.FailAt(start, "expected a number within the range of doubles, found " + std::string(digits));
+  return number;
+}
+
+XString ReadText(TextCursor& cursor) {
+  const std::size_t start = cursor.Position();
+  if (!cursor.Accept('"')) cursor.FailExpecting("a text in quotes");
+  std::string bytes;
+  for (;;) {
+    const std::string_view rest = cursor.Rest();
+    const std::size_t quote = rest.find('"');
+    if (quote == std::string_view::npos) cursor.FailAt(start, "expected a closing quote for this text, found the end");
+    bytes += rest.substr(0, quote);
+    cursor.Advance(quote + 1);
+    if (!cursor.Accept('"')) break;
+    bytes += '"';
+  }
+  std::size_t badByte = 0;
+  auto text = FromUtf8(bytes, &badByte);
+  if (!text)
+    cursor.FailAt(start, "expected UTF-8, found another byte " + std::to_string(badByte + 1) + " into this text");
+  return *std::move(text);
+}
+
+std::int32_t ReadError(TextCursor& cursor) {
+  const auto match = MatchErrorName(cursor.Rest());
+  if (!match) cursor.Fail("expected an error such as #N/A or #VALUE!, found another word after '#'");
+  cursor.Advance(match->length);
+  return match->code;
+}
+
+Value ReadScalar(TextCursor& cursor) {
+  if (cursor.Peek() == '"') return Value::Text(ReadText(cursor));
+  if (cursor.Peek() == '#') return Value::Error(ReadError(cursor));
+  if (IsNumberAhead(cursor)) return Value::Number(ReadNumber(cursor));
+  const std::size_t start = cursor.Position();
+  if (cursor.Peek() == '-' || cursor.Peek() == '+') {
+    const bool negative = cursor.Peek() == '-';
+    cursor.Advance();
+    if (!IsNumberAhead(cursor)) cursor.FailExpecting("digits after the sign");
+    const double number = ReadNumber(cursor);
+    return Value::Number(negative ? -number : number);
+  }
+  const std::string_view word = ReadWord(cursor);
+  if (EqualsWord(word, "true")) return Value::Boolean(true);
+  if (EqualsWord(word, "false")) return Value::Boolean(false);
+  if (EqualsWord(word, "empty")) return Value::Empty();
+  cursor.MoveTo(start);
+  cursor.Fail("expected a number, a text in quotes, TRUE, FALSE, an error or empty, found " +
+              (word.empty() ? cursor.Found() : "'" + std::string(word) + "'"));
+}
+
+ArrayPtr ReadArrayConstant(TextCursor& cursor) {
+  const std::size_t start = cursor.Position();
+  if (!cursor.Accept('{')) cursor.FailExpecting("'{'");
+  std::vector<Value> elements;
+  std::size_t rows = 1, columns = 0;
+  for (;;) {
+    cursor.SkipBlanks();
+    elements.push_back(ReadScalar(cursor));
+    cursor.SkipBlanks();
+    if (cursor.Accept(',')) continue;
+    const std::size_t length = elements.size() - (rows - 1) * columns;
+    if (rows == 1) columns = length;
+    if (length != columns)
+      cursor.Fail("expected " + std::to_string(columns) + " elements in row " + std::to_string(rows) +
+                  " of the array, as in its first row, found " + std::to_string(length));
+    if (cursor.Accept('}')) break;
+    if (!cursor.Accept(';')) cursor.FailExpecting("',', ';' or '}' in the array");
+    ++rows;
+  }
+  if (rows > static_cast<std::size_t>(kXlMaxRows) || columns > static_cast<std::size_t>(kXlMaxColumns))
+    cursor.FailAt(start, "expected an array of at most 1048576 x 16384 elements, found " + std::to_string(rows) +
+                             " x " + std::to_string(columns));
+  ArrayBuilder builder(static_cast<std::int32_t>(rows), static_cast<std::int32_t>(columns));
+  for (std::size_t i = 0; i < elements.size(); ++i)
+    builder.Set(static_cast<std::int32_t>(i / columns), static_cast<std::int32_t>(i % columns), elements[i].AsCell());
+  return builder.Finish();
+}
+
+}  // namespace qcalc

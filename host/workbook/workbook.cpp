@@ -1,0 +1,266 @@
+#include "host/workbook/workbook.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include "host/text/utf8.h"
+
+namespace qcalc {
+
+namespace {
+
+// Ids are opaque to the add-in: neither small nor consecutive, so that nobody takes them for an index.
+constexpr IDSHEET kFirstSheetId = 0x51C0'0010;
+constexpr IDSHEET kSheetIdStep = 0x10;
+
+void CheckFillable(const Area& area) {
+  if (std::int64_t{area.Rows()} * area.Columns() > kMaxArrayCells)
+    throw std::length_error(AreaToText(area) + " is more than can be filled");
+}
+
+}  // namespace
+
+Sheet* Book::FindSheet(XStringView name) const {
+  const auto found = std::find_if(sheets_.begin(), sheets_.end(),
+                                  [name](const auto& sheet) { return EqualsIgnoringCase(sheet->Name(), name); });
+  return found == sheets_.end() ? nullptr : found->get();
+}
+
+Sheet& Book::SheetNamed(XStringView name) {
+  if (Sheet* sheet = FindSheet(name)) return *sheet;
+  const IDSHEET id = workbooks_.NextSheetId();
+  sheets_.push_back(std::make_unique<Sheet>(*this, id, XString(name)));
+  workbooks_.sheetsById_.emplace(id, sheets_.back().get());
+  return *sheets_.back();
+}
+
+Book* Workbooks::FindBook(XStringView name) const {
+  const auto found = std::find_if(books_.begin(), books_.end(),
+                                  [name](const auto& book) { return EqualsIgnoringCase(book->Name(), name); });
+  return found == books_.end() ? nullptr : found->get();
+}
+
+Book& Workbooks::BookNamed(XStringView name) {
+  if (Book* book = FindBook(name)) return *book;
+  return *books_.emplace_back(std::make_unique<Book>(*this, XString(name)));
+}
+
+IDSHEET Workbooks::NextSheetId() {
+  return sheetsById_.empty() ? kFirstSheetId : sheetsById_.rbegin()->first + kSheetIdStep;
+}
+
+Sheet* Workbooks::FindSheet(IDSHEET id) const {
+  const auto found = sheetsById_.find(id);
+  return found == sheetsById_.end() ? nullptr : found->second;
+}
+
+Sheet* Workbooks::FindSheet(XStringView book, XStringView sheet, const Sheet* current) const {
+  const Book* in = book.empty() ? (current ? &current->ItsBook() : nullptr) : FindBook(book);
+  if (sheet.empty()) return book.empty() && current ? FindSheet(current->Id()) : nullptr;
+  return in ? in->FindSheet(sheet) : nullptr;
+}
+
+Sheet& Workbooks::SheetNamed(XStringView book, XStringView sheet, Sheet& current) {
+  if (sheet.empty()) return current;
+  return (book.empty() ? current.ItsBook() : BookNamed(book)).SheetNamed(sheet);
+}
+
+std::pair<XStringView, XStringView> SplitSheetName(XStringView fullName) {
+  const std::size_t close = fullName.find(XTEXT(']'));
+  if (fullName.empty() || fullName[0] != XTEXT('[') || close == XStringView::npos) return {{}, fullName};
+  return {fullName.substr(1, close - 1), fullName.substr(close + 1)};
+}
+
+Reference ResolveReference(const ReferenceText& text, Workbooks& workbooks, Sheet& current) {
+  return {workbooks.SheetNamed(text.book, text.sheet, current).Id(), {text.area}};
+}
+
+void MakeMentionedSheets(const Formula& formula, Workbooks& workbooks, Sheet& current) {
+  for (const ReferenceText& reference : ReferencesIn(formula))
+    workbooks.SheetNamed(reference.book, reference.sheet, current);
+}
+
+Value Dereference(const Value& value, const Workbooks& workbooks) {
+  if (!value.IsReference()) return value;
+  const Reference& reference = value.AsReference();
+  const Sheet* sheet = workbooks.FindSheet(reference.sheet);
+  if (!sheet) return Value::Error(xlerrRef);
+  return reference.areas.size() == 1 ? sheet->Read(reference.areas[0]) : Value::Error(xlerrValue);
+}
+
+std::string ReferenceToText(const Reference& reference, const Workbooks& workbooks) {
+  const Sheet* sheet = workbooks.FindSheet(reference.sheet);
+  const std::string prefix = (sheet ? ToUtf8(sheet->FullName()) : "#REF") + "!";
+  std::string text;
+  for (const Area& area : reference.areas) text += (text.empty() ? "" : ",") + prefix + AreaToText(area);
+  return reference.areas.size() == 1 ? text : "(" + text + ")";
+}
+
+XString Sheet::FullName() const { return XTEXT("[") + book_.Name() + XTEXT("]") + name_; }
+
+ArrayPtr Sheet::ReadArray(const Area& area) const {
+  ArrayBuilder builder(area.Rows(), area.Columns());
+  builder.Share(cells_.SharedPool());
+  CellView* next = builder.Cells().data();
+  cells_.VisitRowMajor(area, [&next](const CellView& cell) { *next++ = cell; });
+  return builder.Finish();
+}
+
+Value Sheet::Read(const Area& area) const {
+  return area.IsOneCell() ? Value::OfCell(Get(area.firstRow, area.firstColumn)) : Value::OfArray(ReadArray(area));
+}
+
+void Sheet::Write(const Area& area, const Value& value) {
+  if (!value.IsArray()) {
+    const CellView cell = value.AsCell();
+    if (cell.IsEmpty()) return cells_.Clear(area);
+    if (area.IsOneCell()) return cells_.Set(area.firstRow, area.firstColumn, cell);
+    const CellView stored = cell.IsText() ? CellView::Text(cells_.Pool().Add(cell.AsText())) : cell;
+    for (std::int32_t row = area.firstRow; row <= area.lastRow; ++row)
+      for (std::int32_t column = area.firstColumn; column <= area.lastColumn; ++column)
+        cells_.SetPooled(row, column, stored);
+    return;
+  }
+  const Array& array = *value.AsArray();
+  for (std::int32_t row = 0; row < array.Rows(); ++row)
+    for (std::int32_t column = 0; column < array.Columns(); ++column)
+      cells_.Set(area.firstRow + row, area.firstColumn + column, array.At(row, column));
+}
+
+void Sheet::Set(const Area& area, const Value& value) {
+  Area target = area;
+  if (value.IsArray()) {
+    target.lastRow = area.firstRow + value.AsArray()->Rows() - 1;
+    target.lastColumn = area.firstColumn + value.AsArray()->Columns() - 1;
+  }
+  if (!target.IsOnSheet())
+    throw std::length_error("the array does not fit on the sheet from " + AreaToText(area) + " on");
+  if (!value.IsEmpty() && !value.IsMissing()) CheckFillable(target);
+  RemoveFormulas(target);
+  Write(target, value);
+  NoteChange(target);
+}
+
+void Sheet::WriteResult(const Area& callingCells, const Value& value) {
+  const auto shown = [](const CellView& cell) { return cell.IsEmpty() ? CellView::Number(0) : cell; };
+  TakeBackSpills(callingCells);
+  if (value.IsArray()) {
+    const Array& array = *value.AsArray();
+    const auto at = [](std::int32_t index, std::int32_t size) { return size == 1 ? 0 : index < size ? index : -1; };
+    for (std::int32_t row = 0; row < callingCells.Rows(); ++row)
+      for (std::int32_t column = 0; column < callingCells.Columns(); ++column) {
+        const std::int32_t r = at(row, array.Rows()), c = at(column, array.Columns());
+        cells_.Set(callingCells.firstRow + row, callingCells.firstColumn + column,
+                   r < 0 || c < 0 ? CellView::Error(xlerrNA) : shown(array.At(r, c)));
+      }
+  } else {
+    Write(callingCells, Value::OfCell(shown(value.AsCell())));
+  }
+  NoteChange(callingCells);
+}
+
+void Sheet::SetFormula(const Area& area, const Formula& formula) {
+  CheckFillable(area);
+  RemoveFormulas(area);
+  Write(area, Value::Number(0));
+  for (std::int32_t row = area.firstRow; row <= area.lastRow; ++row)
+    for (std::int32_t column = area.firstColumn; column <= area.lastColumn; ++column) {
+      formulas_[{row, column}].formula = formula;
+      dirty_.insert({row, column});
+    }
+  NoteChange(area);
+}
+
+void Sheet::Clear(const Area& area) { Set(area, Value::Empty()); }
+
+void Sheet::HideRows(std::int32_t first, std::int32_t last, bool hidden) {
+  if (!hidden) {
+    hiddenRows_.erase(hiddenRows_.lower_bound(first), hiddenRows_.upper_bound(last));
+    return;
+  }
+  for (std::int32_t row = first; row <= last; ++row) hiddenRows_.insert(row);
+}
+
+bool Sheet::IsRowHidden(std::int32_t row) const { return hiddenRows_.contains(row); }
+
+const FormulaCell* Sheet::FindFormula(CellPosition position) const {
+  const auto found = formulas_.find(position);
+  return found == formulas_.end() ? nullptr : &found->second;
+}
+
+FormulaCell* Sheet::FindFormula(CellPosition position) {
+  const auto found = formulas_.find(position);
+  return found == formulas_.end() ? nullptr : &found->second;
+}
+
+std::optional<CellPosition> Sheet::FirstUncalculated(const Area& area) const {
+  for (auto cell = dirty_.lower_bound({area.firstRow, area.firstColumn}); cell != dirty_.end(); ++cell) {
+    if (cell->row > area.lastRow) break;
+    if (area.Contains(cell->row, cell->column)) return *cell;
+  }
+  return std::nullopt;
+}
+
+void Sheet::NoteChange(const Area& area) {
+  // Beyond this many, what lies around them all is taken for changed: a calculation too many does no harm.
+  constexpr std::size_t kMostChanges = 1000;
+  if (!changes_.empty() && changes_.back() == area) return;
+  changes_.push_back(area);
+  if (changes_.size() < kMostChanges) return;
+  Area around = area;
+  for (const Area& change : changes_)
+    around = {std::min(around.firstRow, change.firstRow), std::max(around.lastRow, change.lastRow),
+              std::min(around.firstColumn, change.firstColumn), std::max(around.lastColumn, change.lastColumn)};
+  changes_ = {around};
+}
+
+void Sheet::MarkDirty(CellPosition position, bool dirty) {
+  formulas_.at(position).isDirty = dirty;
+  if (dirty)
+    dirty_.insert(position);
+  else
+    dirty_.erase(position);
+}
+
+void Sheet::SetSpill(CellPosition anchor, const Area& spill) {
+  formulas_.at(anchor).spill = spill;
+  spilling_.insert(anchor);
+}
+
+void Sheet::TakeBackSpill(CellPosition anchor) {
+  FormulaCell& cell = formulas_.at(anchor);
+  if (!cell.spill) return;
+  spilling_.erase(anchor);
+  const Area spill = *std::exchange(cell.spill, std::nullopt);
+  for (std::int32_t row = spill.firstRow; row <= spill.lastRow; ++row)
+    for (std::int32_t column = spill.firstColumn; column <= spill.lastColumn; ++column)
+      if (CellPosition{row, column} != anchor) cells_.SetPooled(row, column, {});
+}
+
+void Sheet::TakeBackSpills(const Area& area) {
+  for (auto next = spilling_.begin(); next != spilling_.end();) {
+    const CellPosition anchor = *next++;
+    const Area spill = *formulas_.at(anchor).spill;
+    if (!spill.Intersects(area)) continue;
+    NoteChange(spill);
+    TakeBackSpill(anchor);
+    MarkDirty(anchor, true);
+  }
+}
+
+void Sheet::RemoveFormulas(const Area& area) {
+  if (formulas_.empty()) return;
+  TakeBackSpills(area);
+  for (auto cell = formulas_.lower_bound({area.firstRow, 0});
+       cell != formulas_.end() && cell->first.row <= area.lastRow;) {
+    if (!area.Contains(cell->first.row, cell->first.column)) {
+      ++cell;
+      continue;
+    }
+    dirty_.erase(cell->first);
+    cell = formulas_.erase(cell);
+  }
+}
+
+}  // namespace qcalc

@@ -1,0 +1,182 @@
+// The model of the host: books, their sheets, and what stands in the cells.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/formulas/formula.h"
+#include "host/values/value.h"
+#include "host/workbook/cell_store.h"
+#include "host/workbook/column_index.h"
+
+namespace qcalc {
+
+class Book;
+class Workbooks;
+
+/// Row and column, zero-based; ordered by rows, then columns.
+struct CellPosition {
+  std::int32_t row = 0;
+  std::int32_t column = 0;
+  auto operator<=>(const CellPosition&) const = default;
+};
+
+/// A formula in a cell. Its value stands in the sheet's cells, as any other.
+struct FormulaCell {
+  Formula formula;
+  std::optional<Area> spill;    ///< the cells that its array result fills, itself included
+  std::optional<Area> blocked;  ///< the cells that its array result would fill, were they empty
+  bool isDirty = true;          ///< to be calculated before its value counts
+};
+
+/// One worksheet. Any number of threads may read while none writes. Positions are zero-based.
+class Sheet {
+ public:
+  Sheet(Book& book, IDSHEET id, XString name) : book_(book), id_(id), name_(std::move(name)) {}
+
+  IDSHEET Id() const { return id_; }
+  const XString& Name() const { return name_; }
+  Book& ItsBook() const { return book_; }
+  /// `[Book1]Sheet1`.
+  XString FullName() const;
+
+  const CellView& Get(std::int32_t row, std::int32_t column) const { return cells_.Get(row, column); }
+  /// All cells of the area, row by row: `visitor(const CellView&)`.
+  template <typename Visitor>
+  void VisitRowMajor(const Area& area, Visitor&& visitor) const {
+    cells_.VisitRowMajor(area, visitor);
+  }
+  /// The non-empty cells of the area: `visitor(row, column, const CellView&)`.
+  template <typename Visitor>
+  void VisitUsed(const Area& area, Visitor&& visitor) const {
+    cells_.VisitUsed(area, visitor);
+  }
+  /// The area as an array that shares the sheet's texts: nothing but the cells is copied.
+  ArrayPtr ReadArray(const Area& area) const;
+  /// One cell gives its value (empty stays empty), several an array.
+  Value Read(const Area& area) const;
+
+  /// Writes a value, as the script command `set` does: an array fills from the area's first cell on and must fit on the
+  /// sheet (std::length_error otherwise); any other value fills the whole area, of kMaxArrayCells at most (likewise);
+  /// empty clears. Formulas there are removed.
+  void Set(const Area& area, const Value& value);
+  /// Writes one result of a formula into the calling cells, as an array formula fills them: an array element by
+  /// element, a single row or column repeated, #N/A where it does not reach; empty cells become 0. Formulas there stay.
+  void WriteResult(const Area& callingCells, const Value& value);
+  /// Puts a formula into every cell of the area, to be calculated by the next recalculation. References are not moved.
+  /// std::length_error beyond kMaxArrayCells.
+  void SetFormula(const Area& area, const Formula& formula);
+  /// Removes values and formulas.
+  void Clear(const Area& area);
+
+  void HideRows(std::int32_t first, std::int32_t last, bool hidden);
+  bool IsRowHidden(std::int32_t row) const;
+
+  /// First and last used row and column; cells with values or formulas count. Nothing for an empty sheet.
+  std::optional<Area> UsedArea() const { return cells_.UsedArea(); }
+
+  /// The formula in that cell, or null.
+  const FormulaCell* FindFormula(CellPosition position) const;
+  FormulaCell* FindFormula(CellPosition position);
+  std::map<CellPosition, FormulaCell>& Formulas() { return formulas_; }
+  const std::map<CellPosition, FormulaCell>& Formulas() const { return formulas_; }
+  /// The first formula cell in the area whose value does not count yet: reading it is xlretUncalced.
+  std::optional<CellPosition> FirstUncalculated(const Area& area) const;
+
+  /// Cells for loaders and recalculation; whoever writes there reports it with NoteChange.
+  CellStore& Cells() { return cells_; }
+  const CellStore& Cells() const { return cells_; }
+  /// For searches in whole columns; they grow with the searches.
+  ColumnIndexes& Indexes() const { return indexes_; }
+  /// Values in the area changed: formulas that read them are to be calculated anew.
+  void NoteChange(const Area& area);
+  /// The areas changed since the last call.
+  std::vector<Area> TakeChanges() { return std::exchange(changes_, {}); }
+  /// Sets the dirty mark of the formula in that cell.
+  void MarkDirty(CellPosition position, bool dirty);
+  /// Notes the cells that the result of the formula in that cell fills.
+  void SetSpill(CellPosition anchor, const Area& spill);
+  /// Empties the cells that the formula's result filled beyond its own; the caller sees to those who read them.
+  void TakeBackSpill(CellPosition anchor);
+
+ private:
+  void RemoveFormulas(const Area& area);
+  void TakeBackSpills(const Area& area);
+  void Write(const Area& area, const Value& value);
+
+  Book& book_;
+  IDSHEET id_;
+  XString name_;
+  CellStore cells_;
+  mutable ColumnIndexes indexes_;
+  std::map<CellPosition, FormulaCell> formulas_;
+  std::set<CellPosition> dirty_;
+  std::set<CellPosition> spilling_;
+  std::set<std::int32_t> hiddenRows_;
+  std::vector<Area> changes_;
+};
+
+/// One workbook. Names of sheets are without case; sheets keep their place in memory.
+class Book {
+ public:
+  Book(Workbooks& workbooks, XString name) : workbooks_(workbooks), name_(std::move(name)) {}
+
+  const XString& Name() const { return name_; }
+  /// In the order they were made.
+  const std::vector<std::unique_ptr<Sheet>>& Sheets() const { return sheets_; }
+  Sheet* FindSheet(XStringView name) const;
+  /// The sheet of that name, made if need be.
+  Sheet& SheetNamed(XStringView name);
+
+ private:
+  Workbooks& workbooks_;
+  XString name_;
+  std::vector<std::unique_ptr<Sheet>> sheets_;
+};
+
+/// All open books.
+class Workbooks {
+ public:
+  const std::vector<std::unique_ptr<Book>>& Books() const { return books_; }
+  Book* FindBook(XStringView name) const;
+  /// The book of that name, made without sheets if need be.
+  Book& BookNamed(XStringView name);
+  /// The sheet with that id; null for 0 and unknown ids.
+  Sheet* FindSheet(IDSHEET id) const;
+  /// The sheet `Sheet1` or `[Book1]Sheet1` names, seen from `current`; null when there is none.
+  Sheet* FindSheet(XStringView book, XStringView sheet, const Sheet* current) const;
+  /// The same, made if need be.
+  Sheet& SheetNamed(XStringView book, XStringView sheet, Sheet& current);
+
+ private:
+  friend class Book;
+  IDSHEET NextSheetId();
+
+  std::vector<std::unique_ptr<Book>> books_;
+  std::map<IDSHEET, Sheet*> sheetsById_;
+};
+
+/// Splits `[Book1]Sheet1` into book and sheet; the book is empty when no brackets stand there.
+std::pair<XStringView, XStringView> SplitSheetName(XStringView fullName);
+
+/// Finds the sheet of a written reference, made if need be, so that commands may name new sheets.
+Reference ResolveReference(const ReferenceText& text, Workbooks& workbooks, Sheet& current);
+
+/// Makes every sheet that the formula names and that is not there yet. To be called once before a formula of a script
+/// is evaluated, on the main thread: evaluation itself makes nothing and gives #REF! for an unknown sheet.
+void MakeMentionedSheets(const Formula& formula, Workbooks& workbooks, Sheet& current);
+
+/// What a value stands for where no reference is wanted: one cell gives its value (empty stays empty), several an
+/// array, a union or an unknown sheet #VALUE! or #REF!. Anything but a reference is returned as it is.
+Value Dereference(const Value& value, const Workbooks& workbooks);
+
+/// `[Book1]Sheet1!B3:C9`, unions as `(…,…)`; for messages.
+std::string ReferenceToText(const Reference& reference, const Workbooks& workbooks);
+
+}  // namespace qcalc

@@ -1,0 +1,18 @@
+#include "frame/call/thread_record.h"
+
+#include "frame/values/value4.h"
+#include "frame/values/value_memory.h"
+
+namespace quillmere {
+
+ThreadRecord::ThreadRecord() noexcept {
+  returnSlot12.xltype = xltypeNil;
+  returnSlot4.xltype = xltypeNil;
+}
+
+ThreadRecord::~ThreadRecord() {
+  ReleaseOwned(returnSlot12);
+  ReleaseOwned4(returnSlot4);
+}
+
+}  // namespace quillmere

@@ -1,0 +1,29 @@
+// What each thread that calls into the add-in keeps between calls.
+#pragma once
+
+#include "frame/call/fault_guard.h"
+#include "frame/values/xl_oper.h"
+
+namespace quillmere {
+
+/// One per thread, created on the thread's first call and released when the thread ends or the library is unloaded.
+struct ThreadRecord {
+  XLOPER12 returnSlot12{};            ///< the value handed to Excel by the thread's last `_12` call
+  XLOPER returnSlot4{};               ///< the same for `_4` calls
+  CXlOper staticResult;               ///< a result that an implementation may return instead of its own
+  FaultGuard* guard = nullptr;        ///< of the innermost protected call in progress
+  ExceptionGlobals exceptionGlobals;  ///< the C++ runtime's, on Windows
+
+  ThreadRecord() noexcept;
+  ThreadRecord(const ThreadRecord&) = delete;
+  ThreadRecord& operator=(const ThreadRecord&) = delete;
+  ~ThreadRecord();  ///< releases what the slots hold
+};
+
+/// This thread's record, made on first use; null when no memory or no slot is left.
+ThreadRecord* CurrentThreadRecord() noexcept;
+
+/// This thread's record if it has one already. Safe where nothing may be allocated.
+ThreadRecord* ExistingThreadRecord() noexcept;
+
+}  // namespace quillmere

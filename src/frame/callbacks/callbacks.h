@@ -1,0 +1,58 @@
+// Calling Excel.
+#pragma once
+
+#include "frame/values/xl_oper.h"
+#include "xlcall/callback_list.h"
+
+namespace quillmere {
+
+/// Takes the callback that a host hands over. Once only: an entry found before, "MdCallBack12" of the host program if
+/// it exports it, comes first, and `passedIn` is used and kept otherwise.
+void InstallExcel12Entry(XlMdCallBack12 passedIn) noexcept;
+
+/// Calls Excel with 16-bit values; allowed only while Excel has called in on this thread. `result` may be null;
+/// otherwise it is overwritten without being released and must be given back with xlFree. Returns Excel's code
+/// (xlretSuccess, ...), and xlretFailed when no host can be found.
+int Excel12v(int xlfn, XLOPER12* result, int count, XLOPER12* arguments[]) noexcept;
+
+/// The same with 8-bit values.
+int Excel4v(int xlfn, XLOPER* result, int count, XLOPER* arguments[]) noexcept;
+
+/// An argument of a callback; only xlFree writes to it.
+inline XLOPER12* RawValue(const CXlOper& value) noexcept { return value.ForCallback(); }
+inline XLOPER12* RawValue(const XLOPER12& value) noexcept { return const_cast<XLOPER12*>(&value); }
+
+/// The out-of-line core of the calls below: `result` receives what Excel returned, or is left never set when the code
+/// is not xlretSuccess.
+int CallExcelWith(CXlOper& result, int xlfn, int count, XLOPER12* arguments[]) noexcept;
+
+/// Raises CXlRuntimeException with the callback's name and the code it failed with.
+[[noreturn]] void ThrowFailedCall(int xlfn, int code);
+
+/// Calls Excel with `arguments` (CXlOper or XLOPER12) and returns its code. `result`, released first, then owns what
+/// Excel returned; it is never set when the code is not xlretSuccess. Nothing is raised. A result may still be an error
+/// value.
+template <class... Arguments>
+int TryCallExcel(CXlOper& result, int xlfn, const Arguments&... arguments) noexcept {
+  XLOPER12* list[] = {RawValue(arguments)..., nullptr};
+  return CallExcelWith(result, xlfn, static_cast<int>(sizeof...(Arguments)), list);
+}
+
+/// Calls Excel and returns what it answers; a code other than xlretSuccess is raised as CXlRuntimeException.
+template <class... Arguments>
+CXlOper CallExcel(int xlfn, const Arguments&... arguments) {
+  CXlOper result;
+  if (const int code = TryCallExcel(result, xlfn, arguments...); code != xlretSuccess) ThrowFailedCall(xlfn, code);
+  return result;
+}
+
+/// The same for functions that answer #VALUE! when a callback fails: a code other than xlretSuccess is raised as
+/// CXlErrorException. A result may still be an error value.
+template <class... Arguments>
+CXlOper CallExcelOrValueError(int xlfn, const Arguments&... arguments) {
+  CXlOper result;
+  if (TryCallExcel(result, xlfn, arguments...) != xlretSuccess) throw CXlErrorException(xlerrValue);
+  return result;
+}
+
+}  // namespace quillmere

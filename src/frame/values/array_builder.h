@@ -1,0 +1,71 @@
+// Building an array result once, at its final size.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/values/value_memory.h"
+#include "frame/values/xl_oper.h"
+
+namespace quillmere {
+
+/// Raises CXlEmptyArrayException for no rows or no columns, CXlArrayTooLargeException beyond 1,048,576 x 16,384.
+void CheckArraySize(std::int64_t rows, std::int64_t columns);
+
+/// An array under construction. Its cells are unset until put: every cell must be put, once, before Finish. An
+/// exception midway frees everything. Places are zero-based; one outside the array, or any after Finish, raises
+/// CXlOutOfRangeException and leaves the array as it was.
+class CXlArrayBuilder {
+ public:
+  /// Takes the memory for the cells: CheckArraySize's exceptions (before any memory is taken), std::bad_alloc.
+  CXlArrayBuilder(std::int64_t rows, std::int64_t columns);
+  ~CXlArrayBuilder();
+  CXlArrayBuilder(const CXlArrayBuilder&) = delete;
+  CXlArrayBuilder& operator=(const CXlArrayBuilder&) = delete;
+
+  std::int32_t Rows() const noexcept { return rows_; }
+  std::int32_t Columns() const noexcept { return columns_; }
+  /// The first cell of a row, to write through.
+  XLOPER12* Row(std::int64_t row) { return At(row, 0); }
+  XLOPER12* At(std::int64_t row, std::int64_t column) {
+    if (row < 0 || row >= rows_ || column < 0 || column >= columns_) [[unlikely]]
+      ThrowOutOfRange();
+    return cells_ + row * columns_ + column;
+  }
+
+  void PutNumber(std::int64_t row, std::int64_t column, double number) { *At(row, column) = NumberCell(number); }
+  void PutBoolean(std::int64_t row, std::int64_t column, bool value) { *At(row, column) = BooleanCell(value); }
+  void PutError(std::int64_t row, std::int64_t column, std::int32_t code) { *At(row, column) = ErrorCell(code); }
+  void PutEmpty(std::int64_t row, std::int64_t column) { *At(row, column) = EmptyCell(); }
+  /// CXlStringTooLongException above 32,767 units.
+  void PutText(std::int64_t row, std::int64_t column, XStringView text);
+  /// A copy of a cell; of anything but a single cell: "Right-hand side of cell assignment must be a scalar value".
+  void Put(std::int64_t row, std::int64_t column, const XLOPER12& cell);
+  void Put(std::int64_t row, std::int64_t column, const CXlOper& value);
+
+  /// Copies `count` cells starting at `from` to the cells starting at `to`, texts included; strides count cells. Here
+  /// and below the cells written must lie in the array; with a count of 0, `to` may be anything.
+  void CopyCells(XLOPER12* to, const XLOPER12* from, std::size_t count, std::ptrdiff_t toStride = 1,
+                 std::ptrdiff_t fromStride = 1);
+  /// Writes `value` to `count` cells; a text is stored once and shared by them. Refusals as Put.
+  void Fill(XLOPER12* to, std::size_t count, std::ptrdiff_t stride, const XLOPER12& value);
+  /// Stores the text of `value`, if it is one: what comes back may be repeated in this array. Refusals as Put.
+  XLOPER12 Store(const XLOPER12& value);
+  /// Writes what Store gave to `count` cells.
+  void Repeat(XLOPER12* to, std::size_t count, std::ptrdiff_t stride, const XLOPER12& stored);
+
+  /// The finished array; the builder is then empty.
+  CXlOper Finish() noexcept;
+  /// The same, but an array of one cell becomes that cell's value.
+  CXlOper FinishCollapsed();
+
+ private:
+  void CheckRun(const XLOPER12* to, std::size_t count, std::ptrdiff_t stride) const;
+
+  std::int32_t rows_ = 0;
+  std::int32_t columns_ = 0;
+  XLOPER12* cells_ = nullptr;
+  TextArena texts_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,120 @@
+#include "frame/values/host_copy.h"
+
+#include <cstdint>
+#include <cstring>
+
+#include "frame/values/cell.h"
+
+namespace quillmere {
+namespace {
+
+/// Copies one `Word` at any address.
+template <class Word>
+inline void MoveWord(char* to, const char* from) {
+  Word word;
+  std::memcpy(&word, from, sizeof word);
+  std::memcpy(to, &word, sizeof word);
+}
+
+/// Copies one to two `Word`s' worth of bytes by two moves that may overlap, never touching a byte outside.
+template <class Word>
+inline void MoveEnds(char* to, const char* from, std::size_t bytes) {
+  MoveWord<Word>(to, from);
+  MoveWord<Word>(to + bytes - sizeof(Word), from + bytes - sizeof(Word));
+}
+
+using Word16 = long long __attribute__((vector_size(16)));
+
+/// Most texts are short: few branches that depend on the length, and no call.
+inline void MoveText(XCHAR* toUnits, const XCHAR* fromUnits, std::size_t units) {
+  char* const to = reinterpret_cast<char*>(toUnits);
+  const char* const from = reinterpret_cast<const char*>(fromUnits);
+  const std::size_t bytes = units * sizeof(XCHAR);
+  if (bytes > 64) {
+    std::memcpy(to, from, bytes);
+  } else if (bytes > 32) {
+    MoveEnds<Word16>(to, from, 32);
+    MoveEnds<Word16>(to + bytes - 32, from + bytes - 32, 32);
+  } else if (bytes >= 16) {
+    MoveEnds<Word16>(to, from, bytes);
+  } else if (bytes >= 8) {
+    MoveEnds<std::uint64_t>(to, from, bytes);
+  } else if (bytes >= 4) {
+    MoveEnds<std::uint32_t>(to, from, bytes);
+  } else if (bytes != 0) {
+    MoveWord<std::uint16_t>(to, from);
+  }
+}
+
+/// How many cells ahead the copy asks for a text, since texts may lie anywhere.
+constexpr std::size_t kAhead = 12;
+
+inline void PrefetchText(const XLOPER12& cell) {
+  if (IsTextCell(cell)) __builtin_prefetch(cell.val.str);
+}
+
+constexpr std::uint64_t kExponentBits = 0x7FF0'0000'0000'0000;
+
+/// The code as it is where it can be one of Excel's, newer ones included; what is none must not reach a cell.
+inline std::uint64_t KnownErrorCode(std::int32_t code) {
+  constexpr std::int32_t kMost = 255;
+  return static_cast<std::uint64_t>(code >= 0 && code <= kMost ? code : xlerrValue);
+}
+
+/// Writes a cell word by word: one that is put together elsewhere and moved in larger pieces waits for its own stores.
+inline void WriteCell(XLOPER12* to, std::uint64_t first, std::uint32_t type) {
+  char* const bytes = reinterpret_cast<char*>(to);
+  constexpr std::uint64_t kUnused[2] = {};
+  const std::uint64_t last = type;
+  std::memcpy(bytes, &first, sizeof first);
+  std::memcpy(bytes + 8, kUnused, sizeof kUnused);
+  std::memcpy(bytes + 24, &last, sizeof last);
+}
+
+}  // namespace
+
+__attribute__((noipa)) void CopyText(XCHAR* to, const XCHAR* from, std::size_t units) {
+  to[0] = static_cast<XCHAR>(units);
+  MoveText(to + 1, from, units);
+}
+
+__attribute__((noipa)) static void CopyUnits(XCHAR* to, const XCHAR* from, std::size_t units) {
+  MoveText(to, from, units);
+}
+
+void AssignText(XString& to, XStringView text) {
+  to.resize(text.size());
+  CopyUnits(to.data(), text.data(), text.size());
+}
+
+__attribute__((noipa)) void CopyBytes(char* to, const char* from, std::size_t count) {
+  for (std::size_t at = 0; at < count; ++at) to[at] = from[at];
+}
+
+__attribute__((noipa)) void CopyCells(TextArena& texts, XLOPER12* to, const XLOPER12* from, std::size_t count,
+                                      std::ptrdiff_t toStride, std::ptrdiff_t fromStride) {
+  for (; count != 0; --count, to += toStride, from += fromStride) {
+    if (count > kAhead) PrefetchText(from[static_cast<std::ptrdiff_t>(kAhead) * fromStride]);
+    const std::uint32_t type = TypeOf(*from);
+    std::uint64_t first;
+    std::memcpy(&first, &from->val, sizeof first);
+    if (type == xltypeNum) {
+      if ((first & kExponentBits) != kExponentBits) [[likely]]
+        WriteCell(to, first, xltypeNum);
+      else
+        WriteCell(to, xlerrNum, xltypeErr);
+    } else if (type == xltypeStr) {
+      const XStringView text = TextOf(*from);
+      XCHAR* const copy = texts.Allocate(text.size());
+      MoveText(copy, text.data() - 1, text.size() + 1);
+      WriteCell(to, reinterpret_cast<std::uintptr_t>(copy), xltypeStr);
+    } else {
+      const std::uint32_t kind = CellType(*from);
+      if (kind == xltypeBool) first = from->val.xbool != 0 ? 1 : 0;
+      if (kind == xltypeErr) first = KnownErrorCode(from->val.err);
+      WriteCell(to, first, kind == xltypeMissing ? std::uint32_t{xltypeNil} : kind);
+    }
+  }
+}
+
+}  // namespace quillmere
