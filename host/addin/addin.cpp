@@ -4,7 +4,6 @@
 #include <atomic>
 #include <chrono>
 
-#include "host/callbacks/callbacks.h"
 #include "host/library/allocation.h"
 #include "host/library/invoke.h"
 #include "host/library/message_box.h"
@@ -54,7 +53,7 @@ bool Addin::Load(const std::filesystem::path& path, std::string& error) {
   returnedValues_.Attach(*library_);
   if (const auto setEntryPoint = library_->FindAs<void (*)(XlMdCallBack12)>("SetExcel12EntryPt")) {
     const RunningCode running(RunningCode::Owner::kAddin);
-    setEntryPoint(&MdCallBack12);
+    setEntryPoint(callback_);
   }
   return true;
 }

@@ -33,7 +33,9 @@ struct Timing {
 /// One library at a time; made on the main thread, where all but Find and Call are called.
 class Addin final : public IAddinFunctions {
  public:
-  explicit Addin(Workbooks& itsWorkbooks) : workbooks(itsWorkbooks), returnedValues_(complaints, books) {}
+  /// `callback` is what the add-in is to call back.
+  Addin(Workbooks& itsWorkbooks, XlMdCallBack12 callback)
+      : workbooks(itsWorkbooks), callback_(callback), returnedValues_(complaints, books) {}
   ~Addin() override;
 
   /// Loads the library and hands it the callback's address. False, with the reason in `error`, when that fails.
@@ -83,6 +85,7 @@ class Addin final : public IAddinFunctions {
   Value TakeResult(const RegisteredFunction& function, std::uintptr_t word, const Arguments& arguments,
                    CallContext& frame);
 
+  const XlMdCallBack12 callback_;
   std::unique_ptr<Library> callLibrary_;
   std::unique_ptr<Library> library_;
   ReturnedValues returnedValues_;

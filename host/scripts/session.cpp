@@ -4,6 +4,7 @@
 
 #include "host/addin/evaluation_watch.h"
 #include "host/calculation/recalculation.h"
+#include "host/callbacks/callbacks.h"
 #include "host/library/allocation.h"
 #include "host/library/answers.h"
 #include "host/text/utf8.h"
@@ -11,7 +12,9 @@
 namespace qcalc {
 
 Session::Session(std::filesystem::path addinPath)
-    : addinPath_(std::move(addinPath)), sheet_(&workbooks_.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
+    : addinPath_(std::move(addinPath)),
+      addin_(workbooks_, &MdCallBack12),
+      sheet_(&workbooks_.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
   ProcessAnswers().Reset();
   AddinAllocations().Stop();
 }

@@ -73,7 +73,7 @@ class Session {
 
   std::filesystem::path addinPath_;
   Workbooks workbooks_;
-  Addin addin_{workbooks_};
+  Addin addin_;
   NamedValues names_;
   Sheet* sheet_;
   Reference caller_;
