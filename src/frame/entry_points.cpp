@@ -1,13 +1,14 @@
 // The functions that Excel calls by name, each a thin forwarder, and the add-in's one application object.
+#include "frame/quillmere4_app.h"
 #include "frame/app/dialogs.h"
 #include "frame/call/fault_guard.h"
 #include "frame/call/plain_call.h"
 #include "frame/callbacks/callbacks.h"
+#include "frame/entry/callback_scope.h"
 #include "frame/entry/export.h"
-#include "frame/quillmere4_app.h"
 #include "frame/text/ansi_text.h"
-#include "frame/values/value4.h"
 #include "frame/values/value_memory.h"
+#include "frame/values/xl_oper4.h"
 
 using quillmere::CXllApp;
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "frame/callbacks/callbacks.h"
-#include "frame/values/host_copy.h"
+#include "frame/values/cell_copy.h"
 #include "workbook/id_stores.h"
 
 namespace quillmere {

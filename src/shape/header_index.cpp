@@ -4,7 +4,7 @@
 #include <bit>
 #include <functional>
 
-#include "frame/text/number_text.h"
+#include "frame/convert/cell_text.h"
 #include "frame/text/upper_case.h"
 
 namespace quillmere {

@@ -5,7 +5,7 @@
 #include "frame/errors/exceptions.h"
 #include "frame/text/lower_case.h"
 #include "frame/text/text_block.h"
-#include "frame/values/host_copy.h"
+#include "frame/values/cell_copy.h"
 #include "xlcall/xlcall.h"
 
 namespace quillmere {

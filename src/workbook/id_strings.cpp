@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
+#include "frame/convert/cell_text.h"
 #include "frame/convert/convert_cell.h"
-#include "frame/text/number_text.h"
 #include "frame/text/text_cut.h"
 #include "frame/values/array_builder.h"
-#include "frame/values/host_copy.h"
+#include "frame/values/cell_copy.h"
 #include "implementations/workbook.h"
 #include "workbook/id_stores.h"
 

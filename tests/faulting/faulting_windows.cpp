@@ -18,7 +18,7 @@
 #include "frame/entry/export.h"
 #include "frame/registration/function_record.h"
 #include "frame/values/array_builder.h"
-#include "frame/values/host_copy.h"
+#include "frame/values/cell_copy.h"
 
 // A leaf, which has no unwind data at all, and a function that faults before its prologue has ended.
 asm(R"(

@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "frame/text/number_text.h"
+#include "frame/convert/cell_text.h"
 #include "frame/text/upper_case.h"
 
 namespace quillmere::testing {

@@ -5,12 +5,12 @@
 #include <memory>
 #include <stdexcept>
 
+#include "frame/quillmere4_app.h"
 #include "addin_excel.h"
 #include "frame/callbacks/callbacks.h"
-#include "frame/quillmere4_app.h"
-#include "frame/text/number_text.h"
-#include "frame/values/value4.h"
+#include "frame/text/number_writing.h"
 #include "frame/values/value_memory.h"
+#include "frame/values/xl_oper4.h"
 
 namespace quillmere::testing {
 namespace {

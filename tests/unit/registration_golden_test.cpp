@@ -12,8 +12,8 @@
 #include <sstream>
 #include <string>
 
-#include "addin_excel.h"
 #include "frame/quillmere4_app.h"
+#include "addin_excel.h"
 #include "frame/registration/descriptor.h"
 #include "frame/registration/type_text.h"
 

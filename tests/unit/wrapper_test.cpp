@@ -15,8 +15,8 @@
 #include "frame/callbacks/excel_settings.h"
 #include "frame/errors/exceptions.h"
 #include "frame/values/array_builder.h"
-#include "frame/values/value4.h"
 #include "frame/values/value_memory.h"
+#include "frame/values/xl_oper4.h"
 
 namespace quillmere::testing {
 namespace {

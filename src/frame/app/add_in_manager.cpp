@@ -3,8 +3,8 @@
 
 #include "frame/app/xll_app.h"
 #include "frame/callbacks/callbacks.h"
-#include "frame/values/value4.h"
 #include "frame/values/value_memory.h"
+#include "frame/values/xl_oper4.h"
 
 namespace quillmere {
 namespace {

@@ -51,16 +51,4 @@ enum class GuardResult { kReturned, kEscaped };
 /// std::terminate was called without a fault.
 GuardResult CallProtected(void (*body)(void*), void* context, ThreadRecord& record, FaultGuard& guard) noexcept;
 
-/// Marks the host as running on this thread while it lives: what goes wrong in a callback is the host's own.
-class CallbackScope {
- public:
-  CallbackScope() noexcept;
-  CallbackScope(const CallbackScope&) = delete;
-  CallbackScope& operator=(const CallbackScope&) = delete;
-  ~CallbackScope();
-
- private:
-  FaultGuard* guard_;
-};
-
 }  // namespace quillmere

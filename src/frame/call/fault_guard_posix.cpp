@@ -2,6 +2,7 @@
 // calls.
 #include "frame/call/fault_guard.h"
 #include "frame/call/thread_record.h"
+#include "frame/entry/callback_scope.h"
 
 namespace quillmere {
 

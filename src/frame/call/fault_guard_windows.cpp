@@ -10,6 +10,7 @@
 #include "frame/call/module_windows.h"
 #include "frame/call/store_lock.h"
 #include "frame/call/thread_record.h"
+#include "frame/entry/callback_scope.h"
 #include "frame/errors/exceptions.h"
 
 extern "C" {

@@ -1,7 +1,7 @@
 #include "frame/call/thread_record.h"
 
-#include "frame/values/value4.h"
 #include "frame/values/value_memory.h"
+#include "frame/values/xl_oper4.h"
 
 namespace quillmere {
 

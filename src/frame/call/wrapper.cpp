@@ -13,9 +13,9 @@
 #include "frame/errors/current_exception.h"
 #include "frame/errors/exceptions.h"
 #include "frame/text/ansi_text.h"
-#include "frame/values/host_copy.h"
-#include "frame/values/value4.h"
+#include "frame/values/cell_copy.h"
 #include "frame/values/value_memory.h"
+#include "frame/values/xl_oper4.h"
 
 namespace quillmere {
 namespace {

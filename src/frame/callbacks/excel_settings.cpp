@@ -1,10 +1,13 @@
 #include "frame/callbacks/excel_settings.h"
 
+#include <atomic>
+
 #include "frame/callbacks/callbacks.h"
-#include "frame/text/number_text.h"
 
 namespace quillmere {
 namespace {
+
+constinit std::atomic<XCHAR> decimalSeparatorInUse = XTEXT('.');
 
 // Types of information that xlfGetWorkspace gives.
 constexpr int kVersionText = 2;
@@ -48,6 +51,12 @@ XCHAR SettingAt(const CXlCells& settings, std::int32_t place, XCHAR fallback) {
 ExcelSettings& CurrentExcelSettings() noexcept {
   static constinit ExcelSettings settings;
   return settings;
+}
+
+XCHAR DecimalSeparator() noexcept { return decimalSeparatorInUse.load(std::memory_order_relaxed); }
+
+void SetDecimalSeparator(XCHAR separator) noexcept {
+  decimalSeparatorInUse.store(separator, std::memory_order_relaxed);
 }
 
 void DetectExcelVersion() noexcept {

@@ -16,12 +16,16 @@ struct ExcelSettings {
 /// The settings of this process. Written on Excel's main thread at opening, before any function can be called.
 ExcelSettings& CurrentExcelSettings() noexcept;
 
+/// The decimal separator in use: "." until another is set at opening. Any thread.
+XCHAR DecimalSeparator() noexcept;
+void SetDecimalSeparator(XCHAR separator) noexcept;
+
 /// Asks Excel for its version. 0 where it gives none; where it cannot read its own version text as a number (its
 /// decimal separator is not a point), the digits before the point count.
 void DetectExcelVersion() noexcept;
 
-/// Asks Excel for the letters of R1C1 references and for the decimal separator, which goes to frame/text/number_text.h.
-/// What Excel does not answer keeps its default.
+/// Asks Excel for the letters of R1C1 references and for the decimal separator. What Excel does not answer keeps its
+/// default.
 void ReadLocalSettings() noexcept;
 
 }  // namespace quillmere

@@ -5,10 +5,11 @@
 #include <optional>
 
 #include "frame/callbacks/callbacks.h"
+#include "frame/callbacks/excel_settings.h"
+#include "frame/convert/cell_text.h"
 #include "frame/text/ascii_case.h"
 #include "frame/text/error_text.h"
-#include "frame/text/number_text.h"
-#include "frame/text/text_number.h"
+#include "frame/text/number_reading.h"
 
 namespace quillmere {
 namespace {
@@ -22,7 +23,7 @@ CXlOper CoerceText(const XLOPER12& text, std::uint32_t type) {
 
 std::optional<double> ReadNumber(const XLOPER12& text, TextReading reading) {
   const XStringView units = TextOf(text);
-  if (reading == TextReading::kPlain) return ReadPlainNumber(units);
+  if (reading == TextReading::kPlain) return ReadPlainNumber(units, DecimalSeparator());
   const CXlOper number = CoerceText(text, xltypeNum);
   return number.IsNumber() ? std::optional(number.AsNumber()) : std::nullopt;
 }

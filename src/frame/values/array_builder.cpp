@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "frame/errors/messages.h"
-#include "frame/values/host_copy.h"
+#include "frame/values/cell_copy.h"
 
 namespace quillmere {
 namespace {

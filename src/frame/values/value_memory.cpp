@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "frame/values/cell.h"
-#include "frame/values/host_copy.h"
+#include "frame/values/cell_copy.h"
 
 namespace quillmere {
 

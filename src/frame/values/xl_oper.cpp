@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "frame/callbacks/callbacks.h"
+#include "frame/entry/excel_entry.h"
 #include "frame/errors/messages.h"
 #include "frame/values/array_builder.h"
+#include "xlcall/callback_list.h"
 
 namespace quillmere {
 namespace {

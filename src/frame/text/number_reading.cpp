@@ -1,4 +1,4 @@
-#include "frame/text/text_number.h"
+#include "frame/text/number_reading.h"
 
 #include <algorithm>
 #include <charconv>

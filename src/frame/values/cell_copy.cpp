@@ -1,4 +1,4 @@
-#include "frame/values/host_copy.h"
+#include "frame/values/cell_copy.h"
 
 #include <cstdint>
 #include <cstring>

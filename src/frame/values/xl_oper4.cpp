@@ -1,4 +1,4 @@
-#include "frame/values/value4.h"
+#include "frame/values/xl_oper4.h"
 
 #include <array>
 #include <cmath>
@@ -11,7 +11,7 @@
 
 #include "frame/text/ansi_text.h"
 #include "frame/values/array_builder.h"
-#include "frame/values/host_copy.h"
+#include "frame/values/cell_copy.h"
 
 namespace quillmere {
 namespace {

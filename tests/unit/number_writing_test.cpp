@@ -1,4 +1,4 @@
-#include "frame/text/number_text.h"
+#include "frame/text/number_writing.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,9 @@
 #include <limits>
 #include <random>
 
-#include "frame/text/text_number.h"
+#include "frame/callbacks/excel_settings.h"
+#include "frame/convert/cell_text.h"
+#include "frame/text/number_reading.h"
 #include "frame/text/white_space.h"
 #include "frame/values/cell.h"
 
@@ -70,10 +72,10 @@ TEST(NumberText, FollowsTheSeparatorInUse) {
   NumberTextBuffer buffer;
   SetDecimalSeparator(XTEXT(','));
   EXPECT_EQ(TextForm(NumberCell(1.5), buffer), XTEXT("1,5"));
-  EXPECT_EQ(ReadPlainNumber(XTEXT("1,5")), 1.5);
-  EXPECT_EQ(ReadPlainNumber(XTEXT("1.5")), std::nullopt);
   SetDecimalSeparator(XTEXT('.'));
-  EXPECT_EQ(ReadPlainNumber(XTEXT("1.5")), 1.5);
+  EXPECT_EQ(TextForm(NumberCell(1.5), buffer), XTEXT("1.5"));
+  EXPECT_EQ(ReadPlainNumber(XTEXT("1,5"), XTEXT(',')), 1.5);
+  EXPECT_EQ(ReadPlainNumber(XTEXT("1.5"), XTEXT(',')), std::nullopt);
 }
 
 TEST(TextNumber, ReadsPlainNotation) {
@@ -120,18 +122,18 @@ TEST(TextNumber, ReadsPlainNotation) {
 TEST(TextNumber, RoundsTextsOfAnyLength) {
   // Exactly halfway between 1 and the next double, then one more digit far behind.
   const XString half = XTEXT("1.00000000000000011102230246251565404236316680908203125");
-  EXPECT_EQ(ReadPlainNumber(half), 1.0);
-  EXPECT_EQ(ReadPlainNumber(half + XString(30'000, XTEXT('0')) + XTEXT("1")), std::nextafter(1.0, 2.0));
-  EXPECT_EQ(ReadPlainNumber(half + XString(30'000, XTEXT('0'))), 1.0);
-  EXPECT_EQ(ReadPlainNumber(XTEXT("0.") + XString(30'000, XTEXT('0')) + XTEXT("1e30001")), 1.0);
-  EXPECT_EQ(ReadPlainNumber(XTEXT("1") + XString(30'000, XTEXT('0')) + XTEXT("e-30000")), 1.0);
+  EXPECT_EQ(ReadPlainNumber(half, XTEXT('.')), 1.0);
+  EXPECT_EQ(ReadPlainNumber(half + XString(30'000, XTEXT('0')) + XTEXT("1"), XTEXT('.')), std::nextafter(1.0, 2.0));
+  EXPECT_EQ(ReadPlainNumber(half + XString(30'000, XTEXT('0')), XTEXT('.')), 1.0);
+  EXPECT_EQ(ReadPlainNumber(XTEXT("0.") + XString(30'000, XTEXT('0')) + XTEXT("1e30001"), XTEXT('.')), 1.0);
+  EXPECT_EQ(ReadPlainNumber(XTEXT("1") + XString(30'000, XTEXT('0')) + XTEXT("e-30000"), XTEXT('.')), 1.0);
 }
 
 TEST(TextNumber, ReadsBackWhatIsWritten) {
   std::mt19937_64 random(7);
   for (int round = 0; round < 2'000; ++round) {
     const double number = std::ldexp(static_cast<double>(random()), static_cast<int>(random() % 1900) - 1000);
-    const std::optional<double> read = ReadPlainNumber(Written(number));
+    const std::optional<double> read = ReadPlainNumber(Written(number), XTEXT('.'));
     ASSERT_TRUE(read);
     EXPECT_NEAR(*read / number, 1, 6e-14);
   }

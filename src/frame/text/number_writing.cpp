@@ -1,19 +1,16 @@
-#include "frame/text/number_text.h"
+#include "frame/text/number_writing.h"
 
-#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
 
 #include "frame/text/error_text.h"
-#include "frame/values/cell.h"
+#include "xlcall/xlcall.h"
 
 namespace quillmere {
 namespace {
 
 constexpr int kDigits = 15;
-
-constinit std::atomic<XCHAR> decimalSeparatorInUse = XTEXT('.');
 
 /// A number's significant digits without trailing zeros; its value is d.ddd times ten to the exponent.
 struct DecimalDigits {
@@ -110,12 +107,6 @@ void WriteDigits(UnitWriter& writer, const DecimalDigits& decimal, XCHAR separat
 
 }  // namespace
 
-XCHAR DecimalSeparator() noexcept { return decimalSeparatorInUse.load(std::memory_order_relaxed); }
-
-void SetDecimalSeparator(XCHAR separator) noexcept {
-  decimalSeparatorInUse.store(separator, std::memory_order_relaxed);
-}
-
 XStringView NumberText(double number, NumberTextBuffer& buffer, XCHAR decimalSeparator) noexcept {
   if (!std::isfinite(number)) return ErrorText(xlerrNum);
   if (!std::isnormal(number)) return XTEXT("0");
@@ -123,22 +114,6 @@ XStringView NumberText(double number, NumberTextBuffer& buffer, XCHAR decimalSep
   if (number < 0) writer.Put(XTEXT('-'));
   WriteDigits(writer, DigitsOf(std::fabs(number)), decimalSeparator);
   return writer.Text();
-}
-
-XStringView TextForm(const XLOPER12& cell, NumberTextBuffer& buffer) {
-  switch (CellType(cell)) {
-    case xltypeStr:
-      return TextOf(cell);
-    case xltypeNum:
-    case xltypeInt:
-      return NumberText(CellNumber(cell), buffer);
-    case xltypeBool:
-      return cell.val.xbool != 0 ? XTEXT("TRUE") : XTEXT("FALSE");
-    case xltypeErr:
-      return ErrorText(cell.val.err);
-    default:
-      return {};
-  }
 }
 
 }  // namespace quillmere
