@@ -1,5 +1,14 @@
 # A room is a folder of sources; its library has the folder's name. Adding a file touches no CMake file.
 
+# rooms_of(RESULT KIND): the add-in's rooms of that kind, by their names, as rooms.txt lists them.
+function(rooms_of result kind)
+  set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/rooms.txt)
+  file(STRINGS ${CMAKE_SOURCE_DIR}/cmake/rooms.txt rows REGEX "^${kind} ")
+  list(TRANSFORM rows REPLACE "^${kind} +src/([a-z]+).*" "\\1")
+  list(REMOVE_DUPLICATES rows)
+  set(${result} ${rows} PARENT_SCOPE)
+endfunction()
+
 # The C++ and assembly sources below FOLDER that belong to the build's system: *_windows.* or *_posix.* go with theirs.
 function(room_sources result folder)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.S)

@@ -1,44 +1,64 @@
 #!/usr/bin/env bash
-# Includes go one way: functions -> families -> table -> frame -> xlcall. Families do not include each other, but for the
-# few that are plainly built on another. The host knows Excel's C API and nothing else of the add-in.
+# Includes go one way: cmake/rooms.txt has a row for each folder with what it may include, and no folder is missing there.
 set -euo pipefail
 
-declare -A allowed=(
-  [xlcall]='xlcall'
-  [frame]='frame xlcall'
-  [excel]='excel frame xlcall'
-  [table]='table frame xlcall'
-  [lookup]='lookup text workbook'
-  [criteria]='criteria text'
-  [sort]='sort'
-  [shape]='shape'
-  [logic]='logic'
-  [text]='text logic'
-  [series]='series'
-  [workbook]='workbook'
-  [functions]='functions lookup criteria sort shape logic text series workbook table frame xlcall'
-  [host]='host xlcall'
-)
-for family in lookup criteria sort shape logic text series workbook; do
-  allowed[$family]+=' implementations table frame xlcall'
-done
-allowed[functions]+=' implementations'
+declare -A allowed=()
+declare -A above=()
+while read -r _ folder arrows; do
+  house=${folder%%/*}
+  if [[ $arrows == above ]]; then
+    allowed[$folder]=${above[$house]:-}
+  else
+    allowed[$folder]=$arrows
+  fi
+  above[$house]+=" $folder"
+done < <(grep -E '^[a-z]' cmake/rooms.txt)
+
+# room_of PATH: the deepest folder with a row that PATH lies in; PATH itself where there is none.
+declare -A room_of=()
+find_room() {
+  local folder=${1%/*}
+  if [[ -z ${room_of[$folder]:-} ]]; then
+    room=$folder
+    while [[ -z ${allowed[$room]+row} && $room == */* ]]; do room=${room%/*}; done
+    [[ -n ${allowed[$room]+row} ]] || room=$folder
+    room_of[$folder]=$room
+  fi
+  room=${room_of[$folder]}
+}
+
+# may_include ROOM INCLUDED: whether the room of INCLUDED, or a folder that it lies in, stands in ROOM's row.
+may_include() {
+  local arrow
+  for arrow in "$1" src/xlcall ${allowed[$1]}; do
+    [[ $2 == "$arrow"/* ]] && return
+  done
+  return 1
+}
 
 status=0
+complain() {
+  echo "$1"
+  status=1
+}
+
+while IFS= read -r file; do
+  find_room "$file"
+  [[ -n ${allowed[$room]+row} ]] || complain "$file: its folder has no row in cmake/rooms.txt"
+done < <(git ls-files --cached --others --exclude-standard src host | grep -E '\.(h|cpp|S)$')
+
 while IFS=: read -r file line include; do
-  room=${file#src/}
-  room=${room%%/*}
+  find_room "$file"
+  from=$room
+  [[ -n ${allowed[$from]+row} ]] || continue
   included=${include#*\"}
   included=${included%%\"*}
-  if [[ -z ${allowed[$room]:-} ]]; then
-    echo "$file: no arrow is known for the folder $room"
-    status=1
-  elif [[ $included != */* ]]; then
-    echo "$file:$line: \"$included\" is not named from src/ (or from the root, in host/)"
-    status=1
-  elif [[ " ${allowed[$room]} " != *" ${included%%/*} "* ]]; then
-    echo "$file:$line: $room may not include \"$included\""
-    status=1
+  if [[ $included != */* ]]; then
+    complain "$file:$line: \"$included\" is not named from src/ (or from the root, in host/)"
+    continue
   fi
+  [[ $included == host/* || $included == implementations/* ]] || included=src/$included
+  find_room "$included"
+  [[ $room == "$from" ]] || may_include "$from" "$included" || complain "$file:$line: $from may not include \"$included\""
 done < <(grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"' src host --include='*.h' --include='*.cpp')
 exit $status

@@ -15,8 +15,8 @@ refuse() {
   fi
 }
 
-# The function code: everything but the frame and the bridge to Excel's object model.
-function_code=(src/table src/lookup src/criteria src/sort src/shape src/logic src/text src/series src/workbook src/functions)
+# The function code: everything but the frame, the bridge to Excel's object model and what opens the add-in.
+mapfile -t function_code < <(sed -nE 's/^(table|family|functions) +(src\/[a-z]+) .*/\2/p' cmake/rooms.txt)
 
 refuse 'a paper that is not here' '(spe[c]|settle[d]|desig[n])\.md|\bthe specificatio[n]\b|\b[Pp]arts? [0-9]+\.[0-9]+|\b[Ii]ssue #?[0-9]+' .
 refuse 'a path of a machine' '(^|[^A-Za-z0-9_./$}*-])/(work|farm|root|home|tmp/q)/' .
@@ -26,6 +26,5 @@ refuse 'pins the library in memory; see frame/call/thread_record.h' '\bthread_lo
 refuse 'allocates and throws at its first lock' '\bstd::(recursive_|timed_|shared_)?mutex\b' src
 refuse 'text is XCHAR' '\bwchar_t\b' 'src/*.cpp' 'src/*.h' ':!src/xlcall/xchar.h' ':!src/*_windows.*'
 refuse 'code for one system belongs in *_windows and *_posix files' '\b_WIN32\b|<windows\.h>' "${function_code[@]}"
-refuse 'the wrapper alone catches' '\b(try|catch) *[{(]' 'src/table/*.cpp' 'src/shape/*.cpp' 'src/lookup/*.cpp' \
-  'src/criteria/*.cpp' 'src/sort/*.cpp' 'src/logic/*.cpp' 'src/text/*.cpp' 'src/series/*.cpp' 'src/workbook/*.cpp'
+refuse 'the wrapper alone catches' '\b(try|catch) *[{(]' "${function_code[@]/%//*.cpp}" "${function_code[@]/%//*.h}" ':!src/functions/generator'
 exit $status
