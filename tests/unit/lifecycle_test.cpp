@@ -5,7 +5,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "frame/quillmere4_app.h"
+#include "addin/quillmere4_app.h"
 #include "addin_excel.h"
 #include "frame/callbacks/callbacks.h"
 #include "frame/text/number_writing.h"

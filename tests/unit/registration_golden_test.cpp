@@ -12,7 +12,7 @@
 #include <sstream>
 #include <string>
 
-#include "frame/quillmere4_app.h"
+#include "addin/quillmere4_app.h"
 #include "addin_excel.h"
 #include "frame/registration/descriptor.h"
 #include "frame/registration/type_text.h"

@@ -1,4 +1,4 @@
-// Windows' own dialogs and what else is asked of the system on a user's behalf.
+// Windows' own dialogs.
 #pragma once
 
 #include <cstdint>
@@ -18,9 +18,5 @@ enum class MessageBoxForm {
 /// Shows a message box owned by `owner` and waits for the answer: true for OK and Yes. Where no box can be shown, a
 /// question counts as answered by No.
 bool ShowMessageBox(WindowHandle owner, const XString& text, const XString& caption, MessageBoxForm form);
-
-/// The binary type that Windows reports for an executable file (0: 32-bit Windows, 6: 64-bit Windows, ...), or -1 when
-/// it is none. `path` is in the ANSI code page.
-std::int32_t BinaryTypeOf(const char* path);
 
 }  // namespace quillmere

@@ -11,9 +11,4 @@ bool ShowMessageBox(WindowHandle owner, const XString& text, const XString& capt
   return answer == IDYES || answer == IDOK;
 }
 
-std::int32_t BinaryTypeOf(const char* path) {
-  DWORD type = 0;
-  return GetBinaryTypeA(path, &type) ? static_cast<std::int32_t>(type) : -1;
-}
-
 }  // namespace quillmere

@@ -1,6 +1,7 @@
 // The functions that Excel calls by name, each a thin forwarder, and the add-in's one application object.
-#include "frame/quillmere4_app.h"
+#include "addin/quillmere4_app.h"
 #include "frame/app/dialogs.h"
+#include "frame/app/executable_type.h"
 #include "frame/call/fault_guard.h"
 #include "frame/call/plain_call.h"
 #include "frame/callbacks/callbacks.h"

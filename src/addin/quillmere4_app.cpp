@@ -1,4 +1,4 @@
-#include "frame/quillmere4_app.h"
+#include "addin/quillmere4_app.h"
 
 namespace quillmere {
 
