@@ -36,12 +36,7 @@ using Argument = XLOPER12*;
 
 template <std::size_t... index>
 XLOPER12* Framed(std::index_sequence<index...>, Argument<index>... arguments) {
-  return CallFunction12(
-      [](CXlOper& result, const CXlOper*) -> CXlOper* {
-        result.SetNumber(1);
-        return &result;
-      },
-      arguments...);
+  return CallFunction12([](CXlOper& result, const CXlOper*) { result.SetNumber(1); }, arguments...);
 }
 
 template <std::size_t... index>

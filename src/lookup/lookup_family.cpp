@@ -26,54 +26,46 @@ std::int32_t ReadPosition(const CXlOper& position) {
 
 }  // namespace
 
-CXlOper* LookupFunctions::AvLookup(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
-                                   const CXlOper& lookupTable, const CXlOper& answerColumns, const CXlOper& sorted,
-                                   const CXlOper& exactMatch, const CXlOper& lookupColumns,
-                                   const CXlOper& memTypeName) {
+void LookupFunctions::AvLookup(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
+                               const CXlOper& lookupTable, const CXlOper& answerColumns, const CXlOper& sorted,
+                               const CXlOper& exactMatch, const CXlOper& lookupColumns, const CXlOper& memTypeName) {
   result = LookUp({lookupValues, lookupTable, &answerColumns, &lookupColumns, &memTypeName}, sorted, exactMatch,
                   caseSensitive);
-  return &result;
 }
 
-CXlOper* LookupFunctions::AvLookups(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
-                                    const CXlOper& lookupTable, const CXlOper& answerColumns, const CXlOper& sorted,
-                                    const CXlOper& exactMatch, const CXlOper& lookupColumns) {
+void LookupFunctions::AvLookups(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
+                                const CXlOper& lookupTable, const CXlOper& answerColumns, const CXlOper& sorted,
+                                const CXlOper& exactMatch, const CXlOper& lookupColumns) {
   result = LookUp({lookupValues, lookupTable, &answerColumns, &lookupColumns, nullptr, wanted_match::kAll}, sorted,
                   exactMatch, caseSensitive);
-  return &result;
 }
 
-CXlOper* LookupFunctions::AvLookupNth(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
-                                      const CXlOper& lookupTable, const CXlOper& answerColumns, const CXlOper& sorted,
-                                      const CXlOper& exactMatch, const CXlOper& lookupColumns,
-                                      const CXlOper& position) {
+void LookupFunctions::AvLookupNth(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
+                                  const CXlOper& lookupTable, const CXlOper& answerColumns, const CXlOper& sorted,
+                                  const CXlOper& exactMatch, const CXlOper& lookupColumns, const CXlOper& position) {
   result = LookUp({lookupValues, lookupTable, &answerColumns, &lookupColumns, nullptr, ReadPosition(position)}, sorted,
                   exactMatch, caseSensitive);
-  return &result;
 }
 
-CXlOper* LookupFunctions::AMatch(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
-                                 const CXlOper& lookupTable, const CXlOper& sorted, const CXlOper& exactMatch,
-                                 const CXlOper& lookupColumns, const CXlOper& memTypeName) {
+void LookupFunctions::AMatch(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
+                             const CXlOper& lookupTable, const CXlOper& sorted, const CXlOper& exactMatch,
+                             const CXlOper& lookupColumns, const CXlOper& memTypeName) {
   result =
       LookUp({lookupValues, lookupTable, nullptr, &lookupColumns, &memTypeName}, sorted, exactMatch, caseSensitive);
-  return &result;
 }
 
-CXlOper* LookupFunctions::AMatches(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
-                                   const CXlOper& lookupTable, const CXlOper& sorted, const CXlOper& exactMatch,
-                                   const CXlOper& lookupColumns) {
+void LookupFunctions::AMatches(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
+                               const CXlOper& lookupTable, const CXlOper& sorted, const CXlOper& exactMatch,
+                               const CXlOper& lookupColumns) {
   result = LookUp({lookupValues, lookupTable, nullptr, &lookupColumns, nullptr, wanted_match::kAll}, sorted, exactMatch,
                   caseSensitive);
-  return &result;
 }
 
-CXlOper* LookupFunctions::AMatchNth(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
-                                    const CXlOper& lookupTable, const CXlOper& sorted, const CXlOper& exactMatch,
-                                    const CXlOper& lookupColumns, const CXlOper& position) {
+void LookupFunctions::AMatchNth(CXlOper& result, bool caseSensitive, const CXlOper& lookupValues,
+                                const CXlOper& lookupTable, const CXlOper& sorted, const CXlOper& exactMatch,
+                                const CXlOper& lookupColumns, const CXlOper& position) {
   result = LookUp({lookupValues, lookupTable, nullptr, &lookupColumns, nullptr, ReadPosition(position)}, sorted,
                   exactMatch, caseSensitive);
-  return &result;
 }
 
 }  // namespace quillmere

@@ -122,8 +122,8 @@ CXlOper MatchInList(const MemoryLookup& lookup) {
 
 }  // namespace
 
-CXlOper* LookupFunctions::MemMatch(CXlOper& result, const CXlOper& lookupValue, const CXlOper& lookupArray,
-                                   const CXlOper& sortType, const CXlOper& memType, const CXlOper& verticalHorizontal) {
+void LookupFunctions::MemMatch(CXlOper& result, const CXlOper& lookupValue, const CXlOper& lookupArray,
+                               const CXlOper& sortType, const CXlOper& memType, const CXlOper& verticalHorizontal) {
   result.SetError(xlerrValue);
   MemoryLookup lookup = ReadArguments(lookupValue, lookupArray, sortType, memType, verticalHorizontal);
   const std::optional<std::int32_t> position = FindPosition(lookup, [&] { return lookup.Match(lookupArray); });
@@ -131,12 +131,11 @@ CXlOper* LookupFunctions::MemMatch(CXlOper& result, const CXlOper& lookupValue, 
     result.SetNumber(*position);
   else
     result.SetError(xlerrNA);
-  return &result;
 }
 
-CXlOper* LookupFunctions::MemLookup(CXlOper& result, const CXlOper& lookupValue, const CXlOper& lookupArray,
-                                    const CXlOper& resultColumn, const CXlOper& sortType, const CXlOper& memType,
-                                    const CXlOper& verticalHorizontal) {
+void LookupFunctions::MemLookup(CXlOper& result, const CXlOper& lookupValue, const CXlOper& lookupArray,
+                                const CXlOper& resultColumn, const CXlOper& sortType, const CXlOper& memType,
+                                const CXlOper& verticalHorizontal) {
   result.SetError(xlerrValue);
   MemoryLookup lookup = ReadArguments(lookupValue, lookupArray, sortType, memType, verticalHorizontal);
   const CXlOper selector = SingleValue(resultColumn);
@@ -145,7 +144,7 @@ CXlOper* LookupFunctions::MemLookup(CXlOper& result, const CXlOper& lookupValue,
       list.IsAcross() ? SelectRows(selector.Cells(), list.table) : SelectColumns(selector.Cells(), list.table);
   if (selected.failed) {
     if (selected.headerUsed) result.SetText(XTEXT("#Result_Column Label not found in Header"));
-    return &result;
+    return;
   }
   list.headers = selected.headerUsed ? 1 : 0;
 
@@ -154,7 +153,6 @@ CXlOper* LookupFunctions::MemLookup(CXlOper& result, const CXlOper& lookupValue,
     result = CXlOper::FromCell(list.Read(*position, selected.columns.front()).Raw());
   else
     result.SetError(xlerrNA);
-  return &result;
 }
 
 }  // namespace quillmere

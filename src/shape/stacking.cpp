@@ -99,11 +99,11 @@ void SetNoMatch(CXlOper& result, int argumentNumber) {
 
 }  // namespace
 
-CXlOper* ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBlock scalarBlock, const CXlOper& fill,
-                               CXlOperRun<29> blocks) {
+void ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBlock scalarBlock, const CXlOper& fill,
+                           CXlOperRun<29> blocks) {
   result.SetError(xlerrValue);
   const StackArguments arguments = ReadArguments(fill, blocks);
-  if (arguments.blocks.empty()) return &result;
+  if (arguments.blocks.empty()) return;
 
   std::int64_t along = 0;
   std::int32_t lanes = 0;
@@ -122,20 +122,19 @@ CXlOper* ShapeFunctions::Stack(CXlOper& result, StackDirection direction, Scalar
     pieces.push_back(Piece(block, {length, 0, length, {}}, {lanes, 0, supplied, {}}, direction));
   }
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
-  return &result;
 }
 
-CXlOper* ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction, const CXlOper& fill,
-                                       CXlOperRun<29> blocks) {
+void ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction, const CXlOper& fill,
+                                   CXlOperRun<29> blocks) {
   result.SetError(xlerrValue);
   const StackArguments arguments = ReadArguments(fill, blocks);
-  if (!arguments.hasHeaderBlock) return &result;
+  if (!arguments.hasHeaderBlock) return;
 
   const Block& first = arguments.blocks.front();
   HeaderIndex index;
   if (!index.Read(Headers(first.cells, direction))) {
     result.SetText(IsAcross(direction) ? XTEXT("#Error: Invalid header column") : XTEXT("#Error: Invalid header row"));
-    return &result;
+    return;
   }
 
   const std::int32_t lanes = Lanes(first.cells, direction);
@@ -153,12 +152,11 @@ CXlOper* ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction
     std::optional<AxisMap> matched = MatchedLanes(index, block, direction, lanes);
     if (!matched) {
       SetNoMatch(result, block.argumentNumber);
-      return &result;
+      return;
     }
     pieces.push_back(Piece(block, std::move(positions), std::move(*matched), direction));
   }
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
-  return &result;
 }
 
 }  // namespace quillmere

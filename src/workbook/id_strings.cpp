@@ -36,29 +36,28 @@ class RowIdReader {
 
 }  // namespace
 
-CXlOper* WorkbookFunctions::PutRowIds(CXlOper& result, const CXlOper& vCellIDString) {
+void WorkbookFunctions::PutRowIds(CXlOper& result, const CXlOper& vCellIDString) {
   result.SetError(xlerrValue);
-  if (vCellIDString.IsAbsent()) return &result;
+  if (vCellIDString.IsAbsent()) return;
   const CXlCells cells = vCellIDString.Cells();
-  if (cells.columns < 2) return &result;
+  if (cells.columns < 2) return;
   RowIdReader ids;
   for (std::int32_t row = 0; row < cells.rows; ++row) {
-    if (IsErrorCell(cells.At(row, 0))) return &result;
+    if (IsErrorCell(cells.At(row, 0))) return;
     const XStringView id = ids.Read(cells.At(row, 0));
     if (id.empty()) break;
     std::int32_t number = 0;
-    if (!ConvertCellTo<ElementKind::kInteger>(cells.At(row, 1), TextReading::kPlain, number)) return &result;
-    if (!StoreRowId(id, number)) return &result;
+    if (!ConvertCellTo<ElementKind::kInteger>(cells.At(row, 1), TextReading::kPlain, number)) return;
+    if (!StoreRowId(id, number)) return;
   }
   result.SetNumber(1);
-  return &result;
 }
 
-CXlOper* WorkbookFunctions::GetRowIds(CXlOper& result) {
+void WorkbookFunctions::GetRowIds(CXlOper& result) {
   std::vector<std::pair<XString, std::int32_t>> entries = TextStoreEntries();
   if (entries.empty()) {
     result.SetError(xlerrNA);
-    return &result;
+    return;
   }
   std::ranges::sort(entries);
   CXlArrayBuilder builder(static_cast<std::int64_t>(entries.size()), 2);
@@ -69,12 +68,11 @@ CXlOper* WorkbookFunctions::GetRowIds(CXlOper& result) {
     builder.PutNumber(row++, 1, number);
   }
   result = builder.Finish();
-  return &result;
 }
 
-CXlOper* WorkbookFunctions::EraseRowIds(CXlOper& result, const CXlOper& erasedIDs) {
+void WorkbookFunctions::EraseRowIds(CXlOper& result, const CXlOper& erasedIDs) {
   result.SetError(xlerrValue);
-  if (erasedIDs.IsAbsent()) return &result;
+  if (erasedIDs.IsAbsent()) return;
   const CXlCells cells = erasedIDs.Cells();
   std::int64_t erased = 0;
   RowIdReader ids;
@@ -83,7 +81,6 @@ CXlOper* WorkbookFunctions::EraseRowIds(CXlOper& result, const CXlOper& erasedID
     if (!id.empty() && EraseRowId(id)) ++erased;
   }
   result.SetNumber(static_cast<double>(erased));
-  return &result;
 }
 
 }  // namespace quillmere

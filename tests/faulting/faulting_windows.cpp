@@ -157,7 +157,7 @@ const NamedProvocation kProvocations[] = {
 };
 
 /// Provokes what `kind` names with a counted object on the way, and returns `value` if it comes back.
-CXlOper* Provoke(CXlOper& result, const CXlOper* arguments) {
+void Provoke(CXlOper& result, const CXlOper* arguments) {
   const XStringView kind = arguments[0].AsText();
   const std::string destroyedByUnwinding(100, 'x');
   const Counted counted;
@@ -165,32 +165,25 @@ CXlOper* Provoke(CXlOper& result, const CXlOper* arguments) {
     if (each.name == kind) each.provoke();
   asm volatile("" : : "r"(destroyedByUnwinding.data()));
   result.SetNumber(arguments[1].AsNumber());
-  return &result;
 }
 
-CXlOper* LiveObjects(CXlOper& result, const CXlOper*) {
-  result.SetNumber(liveObjects);
-  return &result;
-}
+void LiveObjects(CXlOper& result, const CXlOper*) { result.SetNumber(liveObjects); }
 
-CXlOper* StoreIsFree(CXlOper& result, const CXlOper*) {
+void StoreIsFree(CXlOper& result, const CXlOper*) {
   result.SetBoolean(CStoreLock(store, std::chrono::milliseconds(100)).HoldsLock());
-  return &result;
 }
 
 /// 1/0 in the float environment that the frame has set.
-CXlOper* DivideByZero(CXlOper& result, const CXlOper*) {
+void DivideByZero(CXlOper& result, const CXlOper*) {
   volatile double nothing = 0;
   result.SetBoolean(1.0 / nothing > 1e308);
-  return &result;
 }
 
 /// Asks the host for its caller's value, and returns the argument.
-CXlOper* CallBack(CXlOper& result, const CXlOper* arguments) {
+void CallBack(CXlOper& result, const CXlOper* arguments) {
   CXlOper caller;
   TryCallExcel(caller, xlfCaller);
   result.SetNumber(arguments[0].AsNumber());
-  return &result;
 }
 
 double NanosecondsOf(std::chrono::steady_clock::duration duration, double calls) {
@@ -198,7 +191,7 @@ double NanosecondsOf(std::chrono::steady_clock::duration duration, double calls)
 }
 
 /// Nanoseconds that a call inside a guard takes, and one without: two columns.
-CXlOper* GuardCost(CXlOper& result, const CXlOper* arguments) {
+void GuardCost(CXlOper& result, const CXlOper* arguments) {
   const auto calls = static_cast<std::int64_t>(arguments[0].AsNumber());
   using Body = void (*)(void*);
   const volatile Body body = [](void*) { asm volatile(""); };
@@ -215,7 +208,6 @@ CXlOper* GuardCost(CXlOper& result, const CXlOper* arguments) {
   costs.PutNumber(0, 0, NanosecondsOf(middle - begin, static_cast<double>(calls)));
   costs.PutNumber(0, 1, NanosecondsOf(end - middle, static_cast<double>(calls)));
   result = costs.Finish();
-  return &result;
 }
 
 constexpr ArgumentDeclaration kProvokeArguments[] = {{.name = XTEXT("Kind")}, {.name = XTEXT("Value")}};

@@ -139,15 +139,14 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
 
   const std::string& header = outcome.files["implementations/sample.h"];
   EXPECT_THAT(header, HasSubstr("enum class Mode { kFirst, kAll };"));
-  EXPECT_THAT(header,
-              HasSubstr("struct SampleFunctions {\n" + entry +
-                        "  static CXlOper* Search(CXlOper& result, Mode mode, bool caseSensitive, int position, "
-                        "const CXlOper& lookupValues, const CXlOper& maMethod, const CXlOper& name, "
-                        "CXlOperRun<6> pairs);\n"));
-  EXPECT_THAT(header, HasSubstr("  static CXlOper* Tell(CXlOper& result);\n"));
+  EXPECT_THAT(header, HasSubstr("struct SampleFunctions {\n" + entry +
+                                "  static void Search(CXlOper& result, Mode mode, bool caseSensitive, int position, "
+                                "const CXlOper& lookupValues, const CXlOper& maMethod, const CXlOper& name, "
+                                "CXlOperRun<6> pairs);\n"));
+  EXPECT_THAT(header, HasSubstr("  static void Tell(CXlOper& result);\n"));
 
   const std::string& exports = outcome.files["exports.cpp"];
-  EXPECT_THAT(exports, HasSubstr("return SampleFunctions::Search(result, Mode::kFirst, false, -3, arguments[0], "
+  EXPECT_THAT(exports, HasSubstr("{ SampleFunctions::Search(result, Mode::kFirst, false, -3, arguments[0], "
                                  "arguments[1], arguments[2], CXlOperRun<6>(arguments + 3, 6)); }"));
   EXPECT_THAT(exports, HasSubstr("XLOPER12* FIND_FIRST_12(Parameter12<ArgumentKind::kValue, false, false> a0, "
                                  "Parameter12<ArgumentKind::kInt, true, true> a1, "

@@ -36,13 +36,13 @@ XString TextAnswer(XLOPER12* answer) {
 }
 
 template <class Exception>
-CXlOper* Throw(CXlOper& result, const CXlOper*) {
+void Throw(CXlOper& result, const CXlOper*) {
   result.SetText(XTEXT("half done"));
   throw Exception();
 }
 
 TEST_F(Wrapper, WrapsEachFormOfArgumentInOrder) {
-  const FunctionBody body = [](CXlOper& result, const CXlOper* arguments) -> CXlOper* {
+  const FunctionBody body = [](CXlOper& result, const CXlOper* arguments) {
     EXPECT_EQ(arguments[0].AsNumber(), 2.5);
     EXPECT_EQ(arguments[1].AsInteger(), -7);
     EXPECT_EQ(arguments[2].AsText(), XTEXT("key"));
@@ -50,7 +50,6 @@ TEST_F(Wrapper, WrapsEachFormOfArgumentInOrder) {
     EXPECT_TRUE(arguments[4].AsBoolean());
     EXPECT_FALSE(arguments[5].IsSet());
     result.SetNumber(6);
-    return nullptr;
   };
   XLOPER12 number = NumberCell(2.5);
   const XLOPER12* const answer =
@@ -60,37 +59,14 @@ TEST_F(Wrapper, WrapsEachFormOfArgumentInOrder) {
   EXPECT_EQ(answer->val.num, 6);
 }
 
-TEST_F(Wrapper, TakesOverTheThreeLegalAnswers) {
-  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper& result, const CXlOper*) -> CXlOper* {
-              result.SetText(XTEXT("own"));
-              return &result;
-            })),
-            XTEXT("own"));
-  ThreadStaticResult().SetText(XTEXT("kept"));
-  for (int time = 0; time < 2; ++time)
-    EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) { return &ThreadStaticResult(); })),
-              XTEXT("kept"));
-  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) -> CXlOper* {
-              static CXlOper other;
-              return &other;
-            })),
-            XTEXT("#ERROR: Illegal value for result of common function. Must be 0, &xloResult or static."));
-  ThreadStaticResult().Reset();
-}
-
 TEST_F(Wrapper, ResultsThatExcelCannotTakeBecomeErrors) {
-  const XLOPER12* answer = CallFunction12([](CXlOper&, const CXlOper*) -> CXlOper* { return nullptr; });
+  const XLOPER12* answer = CallFunction12([](CXlOper&, const CXlOper*) {});
   EXPECT_EQ(answer->xltype, xltypeErr);
   EXPECT_EQ(answer->val.err, xlerrValue) << "a result never set";
-  answer = CallFunction12([](CXlOper& result, const CXlOper*) -> CXlOper* {
-    result.SetNumber(std::numeric_limits<double>::infinity());
-    return nullptr;
-  });
+  answer = CallFunction12(
+      [](CXlOper& result, const CXlOper*) { result.SetNumber(std::numeric_limits<double>::infinity()); });
   EXPECT_EQ(answer->val.err, xlerrNum);
-  answer = CallFunction12([](CXlOper& result, const CXlOper*) -> CXlOper* {
-    result.SetEmpty();
-    return nullptr;
-  });
+  answer = CallFunction12([](CXlOper& result, const CXlOper*) { result.SetEmpty(); });
   EXPECT_EQ(answer->xltype, xltypeNil) << "an empty cell is a value";
 }
 
@@ -99,29 +75,26 @@ struct Foreign : std::exception {
 };
 
 TEST_F(Wrapper, EveryExceptionEndsInTheCell) {
-  const XLOPER12* const error =
-      CallFunction12([](CXlOper&, const CXlOper*) -> CXlOper* { throw CXlErrorException(xlerrNA); });
+  const XLOPER12* const error = CallFunction12([](CXlOper&, const CXlOper*) { throw CXlErrorException(xlerrNA); });
   EXPECT_EQ(error->xltype, xltypeErr);
   EXPECT_EQ(error->val.err, xlerrNA);
   EXPECT_EQ(TextAnswer(CallFunction12(&Throw<CXlOutOfRangeException>)), XTEXT("#ERROR: Index out of range"));
   EXPECT_EQ(TextAnswer(CallFunction12(&Throw<std::bad_alloc>)), XTEXT("#ERROR: Memory allocation failed"));
   EXPECT_EQ(TextAnswer(CallFunction12(&Throw<Foreign>)), XTEXT("#ERROR: a library's words"));
-  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) -> CXlOper* { throw 7; })),
-            XTEXT("#ERROR: Unknown error"));
-  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) -> CXlOper* {
+  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) { throw 7; })), XTEXT("#ERROR: Unknown error"));
+  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) {
               throw CXlRuntimeException(XString(40'000, XTEXT('m')));
             })).size(),
             32'767u);
   XLOPER12 nonsense{};
   nonsense.xltype = 0x0200;
-  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) -> CXlOper* { return nullptr; }, &nonsense)),
-            XTEXT("#ERROR: Bad XLOPER type"));
+  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) {}, &nonsense)), XTEXT("#ERROR: Bad XLOPER type"));
 }
 
 TEST_F(Wrapper, BelowVersion12ErrorsAreEightBitTexts) {
   CurrentExcelSettings().excel12OrLater = false;
-  const XString answer = TextAnswer(CallFunction12(
-      [](CXlOper&, const CXlOper*) -> CXlOper* { throw CXlRuntimeException(XString(300, XTEXT('\x4E2D'))); }));
+  const XString answer = TextAnswer(
+      CallFunction12([](CXlOper&, const CXlOper*) { throw CXlRuntimeException(XString(300, XTEXT('\x4E2D'))); }));
   EXPECT_EQ(answer, XTEXT("#ERROR: ") + XString(247, XTEXT('?')));
 }
 
@@ -136,19 +109,15 @@ TEST_F(Wrapper, TheApplicationObjectMayTranslateErrorsItself) {
   EXPECT_EQ(CallFunction12(&Throw<CXlEmptyArrayException>)->val.err, xlerrValue);
 }
 
-CXlOper* MakeArray(CXlOper& result, const CXlOper*) {
+void MakeArray(CXlOper& result, const CXlOper*) {
   CXlArrayBuilder builder(2, 1);
   builder.PutText(0, 0, XTEXT("text in the array"));
   builder.PutNumber(1, 0, 1);
   result = builder.Finish();
-  return nullptr;
 }
 
 /// Gives the first argument back as it came.
-CXlOper* Echo(CXlOper& result, const CXlOper* arguments) {
-  result = arguments[0].Clone();
-  return nullptr;
-}
+void Echo(CXlOper& result, const CXlOper* arguments) { result = arguments[0].Clone(); }
 
 constexpr XStringView kMemoryText = XTEXT("#ERROR: Memory allocation failed");
 
@@ -191,21 +160,15 @@ TEST_F(Wrapper, TheSlotFreesWhatExcelDidNot) {
   ReleaseOwned(unmarked);
   EXPECT_EQ(unmarked.val.num, 1);
   CallFunction12(&MakeArray);
-  EXPECT_EQ(CallFunction12([](CXlOper& result, const CXlOper*) -> CXlOper* {
-              result.SetNumber(3);
-              return nullptr;
-            })->val.num,
-            3);
+  EXPECT_EQ(CallFunction12([](CXlOper& result, const CXlOper*) { result.SetNumber(3); })->val.num, 3);
 }
 
 TEST_F(Wrapper, ValuesOfExcelsAreHandedBackAsTheyAre) {
   AddinExcel excel;
   static AddinExcel* lender;
   lender = &excel;
-  XLOPER12* const lent = CallFunction12([](CXlOper& result, const CXlOper*) -> CXlOper* {
-    result = CXlOper::TakeFromExcel(lender->LendText(XTEXT("lent")));
-    return nullptr;
-  });
+  XLOPER12* const lent = CallFunction12(
+      [](CXlOper& result, const CXlOper*) { result = CXlOper::TakeFromExcel(lender->LendText(XTEXT("lent"))); });
   EXPECT_EQ(lent->xltype, xltypeStr | xlbitXLFree);
   EXPECT_EQ(excel.Lent(), 1u);
   static_cast<void>(CXlOper::TakeFromExcel(*lent));
@@ -213,10 +176,7 @@ TEST_F(Wrapper, ValuesOfExcelsAreHandedBackAsTheyAre) {
 
   CXlOper argument = CXlOper::Text(XTEXT("argument"));
   const XLOPER12* const echoed = CallFunction12(
-      [](CXlOper& result, const CXlOper* arguments) -> CXlOper* {
-        result = CXlOper::BorrowCell(*arguments[0].Cells().first);
-        return nullptr;
-      },
+      [](CXlOper& result, const CXlOper* arguments) { result = CXlOper::BorrowCell(*arguments[0].Cells().first); },
       argument.ForCallback());
   EXPECT_EQ(echoed->xltype, xltypeStr);
   EXPECT_EQ(echoed->val.str, argument.ForCallback()->val.str);
@@ -228,7 +188,6 @@ TEST_F(Wrapper, EachThreadHasItsOwnSlotAndReleasesIt) {
   std::thread([&there] {
     EXPECT_EQ(ExistingThreadRecord(), nullptr);
     there = CallFunction12(&MakeArray);
-    ThreadStaticResult().SetText(XTEXT("freed with the thread"));
     EXPECT_NE(ExistingThreadRecord(), nullptr);
   }).join();
   EXPECT_NE(here, there);
@@ -291,9 +250,8 @@ TEST_F(Wrapper, EightBitValuesComeAndGo) {
   EXPECT_EQ(otherSheet->val.mref.lpmref->reftbl[0].colLast, 255);
 
   const XLOPER* const plain = CallFunction4(
-      [](CXlOper& result, const CXlOper* arguments) -> CXlOper* {
+      [](CXlOper& result, const CXlOper* arguments) {
         result.SetInteger(arguments[0].AsInteger() + static_cast<std::int32_t>(arguments[1].AsText().size()));
-        return nullptr;
       },
       std::int32_t{100'000}, "four");
   EXPECT_EQ(plain->xltype, xltypeNum) << "too large for a 16-bit integer";
@@ -301,32 +259,25 @@ TEST_F(Wrapper, EightBitValuesComeAndGo) {
 }
 
 TEST_F(Wrapper, WhatEightBitsCannotHoldIsAnError) {
-  const FunctionBody longText = [](CXlOper& result, const CXlOper*) -> CXlOper* {
-    result.SetText(XString(256, XTEXT('x')));
-    return nullptr;
-  };
-  const FunctionBody longTextInArray = [](CXlOper& result, const CXlOper*) -> CXlOper* {
+  const FunctionBody longText = [](CXlOper& result, const CXlOper*) { result.SetText(XString(256, XTEXT('x'))); };
+  const FunctionBody longTextInArray = [](CXlOper& result, const CXlOper*) {
     CXlArrayBuilder builder(1, 2);
     builder.PutText(0, 0, XString(256, XTEXT('x')));
     builder.PutText(0, 1, XString(255, XTEXT('x')));
     result = builder.Finish();
-    return nullptr;
   };
-  const FunctionBody wide = [](CXlOper& result, const CXlOper*) -> CXlOper* {
+  const FunctionBody wide = [](CXlOper& result, const CXlOper*) {
     CXlArrayBuilder builder(1, 257);
     builder.Fill(builder.Row(0), 257, 1, NumberCell(1));
     result = builder.Finish();
-    return nullptr;
   };
-  const FunctionBody tall = [](CXlOper& result, const CXlOper*) -> CXlOper* {
+  const FunctionBody tall = [](CXlOper& result, const CXlOper*) {
     CXlArrayBuilder builder(65'536, 1);
     builder.Fill(builder.Row(0), 65'536, 1, NumberCell(1));
     result = builder.Finish();
-    return nullptr;
   };
-  const FunctionBody farReference = [](CXlOper& result, const CXlOper*) -> CXlOper* {
+  const FunctionBody farReference = [](CXlOper& result, const CXlOper*) {
     result = CXlOper::Reference(XLREF12{0, 65'536, 0, 0});
-    return nullptr;
   };
   for (const FunctionBody body : {longText, wide, tall, farReference}) {
     const XLOPER* const answer = CallFunction4(body);

@@ -10,7 +10,6 @@ namespace quillmere {
 struct ThreadRecord {
   XLOPER12 returnSlot12{};            ///< the value handed to Excel by the thread's last `_12` call
   XLOPER returnSlot4{};               ///< the same for `_4` calls
-  CXlOper staticResult;               ///< a result that an implementation may return instead of its own
   FaultGuard* guard = nullptr;        ///< of the innermost protected call in progress
   ExceptionGlobals exceptionGlobals;  ///< the C++ runtime's, on Windows
 

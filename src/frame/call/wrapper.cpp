@@ -85,17 +85,13 @@ class WrappedArguments {
 struct Call {
   FunctionBody body;
   std::span<const RawArgument> raw;
-  CXlOper& staticResult;
   WrappedArguments arguments;
   CXlOper result;
 };
 
 void CallBody(Call& call) {
   for (const RawArgument& raw : call.raw) call.arguments.Add(raw);
-  CXlOper* const answer = call.body(call.result, call.arguments.First());
-  if (!answer || answer == &call.result) return;
-  if (answer != &call.staticResult) throw CXlIllegalArgumentException(MessageText(MessageId::kIllegalCommonResult));
-  call.result = call.staticResult.Clone();
+  call.body(call.result, call.arguments.First());
 }
 
 /// Writes the exception being handled into the result. What fails on the way leaves a text or an error value that needs
@@ -145,16 +141,10 @@ void RunGuarded(Call& call, ThreadRecord& record) noexcept {
 
 }  // namespace
 
-CXlOper& ThreadStaticResult() {
-  ThreadRecord* const record = CurrentThreadRecord();
-  if (!record) throw std::bad_alloc();
-  return record->staticResult;
-}
-
 XLOPER12* RunFunction12(FunctionBody body, const RawArgument* raw, std::size_t count, void* storage) noexcept {
   ThreadRecord* const record = CurrentThreadRecord();
   if (!record) return &lastResort12;
-  Call call{body, {raw, count}, record->staticResult, WrappedArguments(storage), {}};
+  Call call{body, {raw, count}, WrappedArguments(storage), {}};
   RunGuarded(call, *record);
   ReleaseOwned(record->returnSlot12);
   call.result.ReturnInto(record->returnSlot12);
@@ -164,7 +154,7 @@ XLOPER12* RunFunction12(FunctionBody body, const RawArgument* raw, std::size_t c
 XLOPER* RunFunction4(FunctionBody body, const RawArgument* raw, std::size_t count, void* storage) noexcept {
   ThreadRecord* const record = CurrentThreadRecord();
   if (!record) return &lastResort4;
-  Call call{body, {raw, count}, record->staticResult, WrappedArguments(storage), {}};
+  Call call{body, {raw, count}, WrappedArguments(storage), {}};
   RunGuarded(call, *record);
   ReleaseOwned4(record->returnSlot4);
   ReturnInto4(call.result, record->returnSlot4);

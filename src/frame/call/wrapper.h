@@ -9,14 +9,9 @@
 
 namespace quillmere {
 
-/// What an export hands to the frame: `result` is never set on entry; `arguments` are in registered order. The answer
-/// is null, `&result` or `&ThreadStaticResult()`; any other pointer is an error of the implementation.
-using FunctionBody = CXlOper* (*)(CXlOper& result, const CXlOper* arguments);
-
-/// A result of this thread that an implementation may fill and return in place of its own: it is copied when returned
-/// and stays as it is until the next use. It holds values of the add-in's own, since it may outlive Excel's. Throws
-/// std::bad_alloc when the thread has no record.
-CXlOper& ThreadStaticResult();
+/// What an export hands to the frame: it writes `result`, which is never set on entry; `arguments` are in registered
+/// order.
+using FunctionBody = void (*)(CXlOper& result, const CXlOper* arguments);
 
 /// One argument as Excel passes it, before it is wrapped.
 struct RawArgument {

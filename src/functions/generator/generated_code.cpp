@@ -111,7 +111,7 @@ GeneratedFile ImplementationsHeader(const Family& family) {
       parameters += ", " + ParameterType(group) + ParameterName(group.id);
     }
     source.LineOf(TableName(entry.place), entry.place.line,
-                  "  static CXlOper* " + implementation.name + "(" + parameters + ");");
+                  "  static void " + implementation.name + "(" + parameters + ");");
   }
   source.Line("};");
   source.Line();
@@ -215,8 +215,8 @@ std::string Body(const Family& family, const Function& function) {
                             : ", arguments[" + first + "]";
     at += group.Count();
   }
-  return "CXlOper* " + function.Procedure() + "Body(CXlOper& result, const CXlOper*" + (at > 0 ? " arguments" : "") +
-         ") { return " + StructName(family) + "::" + function.implementation + "(" + values + "); }";
+  return "void " + function.Procedure() + "Body(CXlOper& result, const CXlOper*" + (at > 0 ? " arguments" : "") +
+         ") { " + StructName(family) + "::" + function.implementation + "(" + values + "); }";
 }
 
 std::string Export(const Function& function, bool excel4) {
