@@ -9,8 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "bench/excel_call.h"
 #include "bench/host_array.h"
-#include "implementations/lookup.h"
+#include "exports.h"
 
 namespace quillmere {
 namespace {
@@ -31,6 +32,8 @@ void SetKey(HostArray& array, KeyKind kind, int row, int number) {
     array.cells[at] = NumberCell(number);
   }
 }
+
+const XLOPER12 kNoMemory = NumberCell(0);
 
 constexpr int PartsOf(KeyKind kind) { return kind == KeyKind::kTextAndNumber ? 2 : 1; }
 
@@ -59,32 +62,23 @@ struct Job {
 
 void Unsorted(benchmark::State& state, KeyKind kind) {
   const Job job(state, kind, false);
-  const CXlOper table = CXlOper::Borrow(&job.table.value), keys = CXlOper::Borrow(&job.keys.value);
   for (auto _ : state) {
-    CXlOper result;
-    LookupFunctions::AvLookup(result, false, keys, table, job.answerColumn, {}, {}, {}, CXlOper::Number(0));
-    benchmark::DoNotOptimize(&result);
+    CallAsExcel(&AVLOOKUP2_12, job.keys.value, job.table.value, job.answerColumn, nullptr, nullptr, nullptr, kNoMemory);
   }
 }
 
 void Sorted(benchmark::State& state, KeyKind kind) {
   const Job job(state, kind, true);
-  const CXlOper table = CXlOper::Borrow(&job.table.value), keys = CXlOper::Borrow(&job.keys.value);
   for (auto _ : state) {
-    CXlOper result;
-    LookupFunctions::AvLookup(result, false, keys, table, job.answerColumn, CXlOper::Boolean(true), {}, {},
-                              CXlOper::Number(0));
-    benchmark::DoNotOptimize(&result);
+    CallAsExcel(&AVLOOKUP2_12, job.keys.value, job.table.value, job.answerColumn, BooleanCell(true), nullptr, nullptr,
+                kNoMemory);
   }
 }
 
 void AllMatches(benchmark::State& state) {
   const Job job(state, KeyKind::kNumber, false);
-  const CXlOper table = CXlOper::Borrow(&job.table.value), keys = CXlOper::Borrow(&job.keys.value);
   for (auto _ : state) {
-    CXlOper result;
-    LookupFunctions::AMatches(result, false, keys, table, {}, {}, {});
-    benchmark::DoNotOptimize(&result);
+    CallAsExcel(&AMATCHES2_12, job.keys.value, job.table.value, nullptr, nullptr, nullptr);
   }
 }
 

@@ -3,13 +3,14 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
+#include "bench/excel_call.h"
 #include "bench/host_array.h"
-#include "implementations/shape.h"
+#include "exports.h"
 
 namespace quillmere {
 namespace {
@@ -42,17 +43,13 @@ std::vector<std::unique_ptr<HostArray>> MixedBlocks(int blockRows, bool turned) 
   return blocks;
 }
 
-/// The 29 arguments of a stacking function.
-class Arguments {
- public:
-  explicit Arguments(const std::vector<std::unique_ptr<HostArray>>& blocks) {
-    for (std::size_t i = 0; i < blocks.size(); ++i) values_[i] = CXlOper::Borrow(&blocks[i]->value);
-  }
-  CXlOperRun<29> Run() const { return values_; }
-
- private:
-  std::array<CXlOper, 29> values_;
-};
+/// Calls a stacking function with the blocks, without a fill value.
+template <class Export>
+void CallStack(Export function, const std::vector<std::unique_ptr<HostArray>>& blocks) {
+  const auto block = [&blocks](std::size_t at) { return at < blocks.size() ? &blocks[at]->value : nullptr; };
+  [&]<std::size_t... at>(std::index_sequence<at...>) { CallAsExcel(function, nullptr, block(at)...); }
+  (std::make_index_sequence<29>());
+}
 
 void AllSizes(benchmark::internal::Benchmark* benchmark) {
   for (const int rows : {1'000, 100'000, 870'000, 1'000'000}) benchmark->Arg(rows);
@@ -85,26 +82,17 @@ void PlainCopy(benchmark::State& state) {
 }
 BENCHMARK(PlainCopy)->Apply(AllSizes);
 
-void Stack(benchmark::State& state, StackDirection direction) {
+template <class Export>
+void Stack(benchmark::State& state, Export function) {
   const auto blocks = MixedBlocks(BlockRows(state), false);
-  const Arguments arguments(blocks);
-  for (auto _ : state) {
-    CXlOper result;
-    ShapeFunctions::Stack(result, direction, ScalarBlock::kRepeated, CXlOper(), arguments.Run());
-    benchmark::DoNotOptimize(&result);
-  }
+  for (auto _ : state) CallStack(function, blocks);
 }
-BENCHMARK_CAPTURE(Stack, Down, StackDirection::kDown)->Apply(AllSizes);
-BENCHMARK_CAPTURE(Stack, Across, StackDirection::kAcross)->Apply(AllSizes);
+BENCHMARK_CAPTURE(Stack, Down, &VSTACK_12)->Apply(AllSizes);
+BENCHMARK_CAPTURE(Stack, Across, &HSTACK_12)->Apply(AllSizes);
 
 void StackByHeader(benchmark::State& state, bool turned) {
   const auto blocks = MixedBlocks(BlockRows(state), turned);
-  const Arguments arguments(blocks);
-  for (auto _ : state) {
-    CXlOper result;
-    ShapeFunctions::StackByHeader(result, StackDirection::kDown, CXlOper(), arguments.Run());
-    benchmark::DoNotOptimize(&result);
-  }
+  for (auto _ : state) CallStack(&HDR_VSTACK_12, blocks);
 }
 BENCHMARK_CAPTURE(StackByHeader, SameOrder, false)->Apply(AllSizes);
 BENCHMARK_CAPTURE(StackByHeader, OtherOrder, true)->Apply(AllSizes);
@@ -120,12 +108,7 @@ void StackWideByHeader(benchmark::State& state) {
       blocks.back()->cells[kXlMaxColumns + column] = NumberCell(header);
     }
   }
-  const Arguments arguments(blocks);
-  for (auto _ : state) {
-    CXlOper result;
-    ShapeFunctions::StackByHeader(result, StackDirection::kDown, CXlOper(), arguments.Run());
-    benchmark::DoNotOptimize(&result);
-  }
+  for (auto _ : state) CallStack(&HDR_VSTACK_12, blocks);
 }
 BENCHMARK(StackWideByHeader)->Unit(benchmark::kMillisecond);
 

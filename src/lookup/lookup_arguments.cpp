@@ -3,6 +3,7 @@
 #include <numeric>
 #include <utility>
 
+#include "frame/convert/single_value.h"
 #include "table/column_selector.h"
 
 namespace quillmere {
@@ -10,22 +11,24 @@ namespace {
 
 [[noreturn]] void RefuseArgument() { throw CXlErrorException(xlerrValue); }
 
-/// The value of a scalar argument: the only cell of an array of one cell, or the argument itself.
-const XLOPER12& SingleValue(const CXlOper& argument) {
-  return argument.IsArray() && argument.Cells().Count() == 1 ? *argument.Cells().first : argument.Raw();
+/// The value of an argument that stands for one; several count as none.
+const XLOPER12& SingleValue(const CXlOper& value) {
+  static const XLOPER12 missing = MissingCell();
+  const XLOPER12* const cell = OnlyCell(value);
+  return cell ? *cell : missing;
 }
 
-MemoryChoice ReadMemory(const CXlOper* argument) {
+MemoryChoice ReadMemory(const CXlArgument* argument) {
   if (!argument) return {MemoryType::kNone, {}};
-  std::optional<MemoryChoice> choice = ReadMemoryChoice(*argument);
+  std::optional<MemoryChoice> choice = ReadMemoryChoice(argument->Value());
   if (!choice) RefuseArgument();
   return *std::move(choice);
 }
 
 /// The cells of a selector that is one row; none for one left out.
-CXlCells SelectorCells(const CXlOper* selector) {
-  if (!selector || selector->IsAbsent()) return {nullptr, 0, 0};
-  const CXlCells cells = selector->Cells();
+CXlCells SelectorCells(const CXlArgument& selector) {
+  if (!selector.IsGiven()) return {nullptr, 0, 0};
+  const CXlCells cells = selector.Value().Cells();
   if (cells.rows != 1) RefuseArgument();
   return cells;
 }
@@ -50,15 +53,15 @@ std::vector<std::int32_t> LeadingColumns(std::int32_t count, const TableView& ta
 
 LookupPlan ReadLookup(const LookupArguments& arguments) {
   const bool wantsValues = arguments.answerColumns != nullptr;
-  for (const CXlOper* needed : {&arguments.lookupValues, &arguments.lookupTable})
-    if (needed->IsAbsent() || needed->IsEmpty()) RefuseArgument();
-  if (wantsValues && arguments.answerColumns->IsAbsent()) RefuseArgument();
+  for (const CXlArgument* needed : {&arguments.lookupValues, &arguments.lookupTable})
+    if (needed->Value().IsEmpty()) RefuseArgument();
+  if (wantsValues) arguments.answerColumns->Value();
 
-  const TableView table(arguments.lookupTable);
-  const CXlCells keys = arguments.lookupValues.Cells();
+  const TableView table(arguments.lookupTable.Value());
+  const CXlCells keys = arguments.lookupValues.Value().Cells();
   const CXlCells lookupSelector = SelectorCells(arguments.lookupColumns);
   if (lookupSelector.columns != 0 && lookupSelector.columns != keys.columns) RefuseArgument();
-  const CXlCells answerSelector = SelectorCells(arguments.answerColumns);
+  const CXlCells answerSelector = wantsValues ? SelectorCells(*arguments.answerColumns) : CXlCells{};
   if (arguments.position < wanted_match::kAll) RefuseArgument();
   MemoryChoice memory = ReadMemory(arguments.memory);
 

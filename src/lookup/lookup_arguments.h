@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "frame/convert/argument.h"
 #include "frame/values/xl_oper.h"
 #include "lookup/lookup_memory.h"
 #include "table/sort_order.h"
@@ -21,11 +22,11 @@ constexpr std::int32_t kAll = -3;
 
 /// The arguments of a lookup as the worksheet functions pass them. Null stands for an argument that a function has not.
 struct LookupArguments {
-  const CXlOper& lookupValues;
-  const CXlOper& lookupTable;
-  const CXlOper* answerColumns = nullptr;  ///< null: row positions are wanted, not values
-  const CXlOper* lookupColumns = nullptr;
-  const CXlOper* memory = nullptr;  ///< null: no memory
+  const CXlArgument& lookupValues;
+  const CXlArgument& lookupTable;
+  const CXlArgument* answerColumns;  ///< null: row positions are wanted, not values
+  const CXlArgument& lookupColumns;
+  const CXlArgument* memory = nullptr;  ///< null: no memory
   std::int32_t position = wanted_match::kDefault;
 };
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "frame/callbacks/callbacks.h"
+#include "frame/convert/single_value.h"
 #include "frame/values/cell_copy.h"
 #include "workbook/id_stores.h"
 
@@ -36,14 +37,12 @@ bool NarrowTo(std::int32_t& first, std::int32_t& last, std::int32_t keyRow) {
 
 }  // namespace
 
-std::optional<MemoryChoice> ReadMemoryChoice(const CXlOper& argument) {
-  if (argument.IsAbsent()) return MemoryChoice{};
-  if (argument.IsReference()) return std::nullopt;
-  const CXlCells cells = argument.Cells();
-  if (cells.Count() != 1) return std::nullopt;
-  const CXlOper value = CXlOper::BorrowCell(*cells.first);
+std::optional<MemoryChoice> ReadMemoryChoice(const CXlOper& memTypeName) {
+  const XLOPER12* const cell = OnlyCell(memTypeName);
+  if (!cell) return std::nullopt;
+  const CXlOper value = CXlOper::BorrowCell(*cell);
   if (value.IsText()) {
-    if (value.AsText().empty()) return MemoryChoice{};
+    if (value.AsText().empty()) return MemoryChoice{MemoryType::kRowColumn, {}};
     MemoryChoice choice{MemoryType::kNamed, {}};
     AssignText(choice.name, value.AsText());
     return choice;

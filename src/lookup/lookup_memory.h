@@ -19,13 +19,13 @@ enum class MemoryType : std::int8_t {
 };
 
 struct MemoryChoice {
-  MemoryType type = MemoryType::kRowColumn;
+  MemoryType type;
   XString name;  ///< of kNamed
 };
 
-/// Reads MemType_Name: missing or an empty text gives kRowColumn, a number its type (cut to a whole one, 0 to 3), any
-/// other text a named memory; nothing for all else. An array of one cell counts as that cell.
-std::optional<MemoryChoice> ReadMemoryChoice(const CXlOper& argument);
+/// Reads MemType_Name: a number gives its type (cut to a whole one, 0 to 3), an empty text kRowColumn, any other text a
+/// named memory; nothing for all else. An array of one cell counts as that cell.
+std::optional<MemoryChoice> ReadMemoryChoice(const CXlOper& memTypeName);
 
 /// Whether a list runs down its rows or across its columns: which number of the calling place identifies it.
 enum class ListDirection { kDown, kAcross };

@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "frame/callbacks/callbacks.h"
-#include "frame/convert/convert_scalar.h"
+#include "frame/convert/argument.h"
+#include "frame/convert/single_value.h"
 #include "implementations/lookup.h"
 #include "lookup/lookup_memory.h"
 #include "table/column_selector.h"
@@ -50,29 +51,37 @@ struct MemoryLookup {
   }
 };
 
-/// The value of an argument that stands for one; an array of one cell counts as that cell.
-CXlOper SingleValue(const CXlOper& argument) {
-  if (argument.IsAbsent()) throw CXlErrorException(xlerrValue);
-  const CXlCells cells = argument.Cells();
-  if (cells.Count() != 1) throw CXlErrorException(xlerrValue);
-  return CXlOper::BorrowCell(*cells.first);
+/// A view of the value of an argument that stands for one; #VALUE! for several.
+CXlOper SingleValue(const CXlArgument& argument) {
+  const XLOPER12* const cell = OnlyCell(argument.Value());
+  if (!cell) throw CXlErrorException(xlerrValue);
+  return CXlOper::BorrowCell(*cell);
 }
 
-ListDirection ReadDirection(const CXlOper& verticalHorizontal, const TableView& table) {
-  const auto params = CScalarConvertParams<ElementKind::kInteger>(XTEXT("Vertical_Horizontal")).Default(1);
-  const std::int32_t direction = ConvertArgument(verticalHorizontal, params);
-  const bool isAcross = direction == 2 || (direction == 0 && table.Columns() > table.Rows());
+/// The arguments that both functions have.
+struct MemoryLookupArguments {
+  const CXlArgument& lookupValue;
+  const CXlArgument& lookupArray;
+  const CXlScalarArgument<ElementKind::kShortInteger>& sortType;
+  const CXlArgument& memType;
+  const CXlScalarArgument<ElementKind::kInteger>& verticalHorizontal;
+};
+
+/// What Vertical_Horizontal asks for; every other number asks for a list that runs down.
+enum : std::int32_t { kGuessDirection = 0, kHorizontal = 2 };
+
+ListDirection DirectionOf(std::int32_t verticalHorizontal, const TableView& table) {
+  const bool isAcross =
+      verticalHorizontal == kHorizontal || (verticalHorizontal == kGuessDirection && table.Columns() > table.Rows());
   return isAcross ? ListDirection::kAcross : ListDirection::kDown;
 }
 
-MemoryLookup ReadArguments(const CXlOper& lookupValue, const CXlOper& lookupArray, const CXlOper& sortType,
-                           const CXlOper& memType, const CXlOper& verticalHorizontal) {
-  CXlOper value = SingleValue(lookupValue);
-  const TableView table(lookupArray);
-  const auto params = CScalarConvertParams<ElementKind::kShortInteger>(XTEXT("Sort_Type")).Default(0);
-  const bool isSorted = ConvertArgument(sortType, params) != 0;
-  const ListDirection direction = ReadDirection(verticalHorizontal, table);
-  std::optional<MemoryChoice> choice = ReadMemoryChoice(memType);
+MemoryLookup ReadArguments(const MemoryLookupArguments& arguments) {
+  CXlOper value = SingleValue(arguments.lookupValue);
+  const TableView table(arguments.lookupArray.Value());
+  const bool isSorted = arguments.sortType.Read() != 0;
+  const ListDirection direction = DirectionOf(arguments.verticalHorizontal.Read(), table);
+  std::optional<MemoryChoice> choice = ReadMemoryChoice(arguments.memType.Value());
   if (!choice) throw CXlErrorException(xlerrValue);
   MemoryLookup lookup{std::move(value), isSorted, {table, direction}, LookupMemory(*std::move(choice), direction)};
   if (!lookup.memory.IsCalledFromCells()) throw CXlErrorException(xlerrValue);
@@ -122,22 +131,25 @@ CXlOper MatchInList(const MemoryLookup& lookup) {
 
 }  // namespace
 
-void LookupFunctions::MemMatch(CXlOper& result, const CXlOper& lookupValue, const CXlOper& lookupArray,
-                               const CXlOper& sortType, const CXlOper& memType, const CXlOper& verticalHorizontal) {
-  result.SetError(xlerrValue);
-  MemoryLookup lookup = ReadArguments(lookupValue, lookupArray, sortType, memType, verticalHorizontal);
-  const std::optional<std::int32_t> position = FindPosition(lookup, [&] { return lookup.Match(lookupArray); });
+void LookupFunctions::MemMatch(CXlOper& result, const CXlArgument& lookupValue, const CXlArgument& lookupArray,
+                               const CXlScalarArgument<ElementKind::kShortInteger>& sortType,
+                               const CXlArgument& memType,
+                               const CXlScalarArgument<ElementKind::kInteger>& verticalHorizontal) {
+  MemoryLookup lookup = ReadArguments({lookupValue, lookupArray, sortType, memType, verticalHorizontal});
+  const std::optional<std::int32_t> position = FindPosition(lookup, [&] { return lookup.Match(lookupArray.Value()); });
   if (position)
     result.SetNumber(*position);
   else
     result.SetError(xlerrNA);
 }
 
-void LookupFunctions::MemLookup(CXlOper& result, const CXlOper& lookupValue, const CXlOper& lookupArray,
-                                const CXlOper& resultColumn, const CXlOper& sortType, const CXlOper& memType,
-                                const CXlOper& verticalHorizontal) {
+void LookupFunctions::MemLookup(CXlOper& result, const CXlArgument& lookupValue, const CXlArgument& lookupArray,
+                                const CXlArgument& resultColumn,
+                                const CXlScalarArgument<ElementKind::kShortInteger>& sortType,
+                                const CXlArgument& memType,
+                                const CXlScalarArgument<ElementKind::kInteger>& verticalHorizontal) {
   result.SetError(xlerrValue);
-  MemoryLookup lookup = ReadArguments(lookupValue, lookupArray, sortType, memType, verticalHorizontal);
+  MemoryLookup lookup = ReadArguments({lookupValue, lookupArray, sortType, memType, verticalHorizontal});
   const CXlOper selector = SingleValue(resultColumn);
   MemoryList& list = lookup.list;
   const SelectedColumns selected =

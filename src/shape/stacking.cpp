@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "frame/convert/argument.h"
+#include "frame/convert/single_value.h"
 #include "frame/values/array_builder.h"
 #include "implementations/shape.h"
 #include "shape/header_index.h"
@@ -31,18 +33,18 @@ struct StackArguments {
 };
 
 /// An array of several cells in the place of the fill value is the first block.
-StackArguments ReadArguments(const CXlOper& fill, CXlOperRun<29> arguments) {
+StackArguments ReadArguments(const CXlArgument& fill, const CXlArgumentRun<29>& blocks) {
+  const XLOPER12* const fillCell = OnlyCell(fill.Value());
   StackArguments read;
-  read.blocks.reserve(arguments.size() + 1);
-  const CXlCells fillCells = fill.IsAbsent() ? CXlCells{nullptr, 0, 0} : fill.Cells();
-  const bool fillIsBlock = fillCells.Count() > 1;
-  if (fillIsBlock) read.blocks.push_back({fillCells, false, 0});
-  if (fillCells.Count() == 1) read.fill = *fillCells.first;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const CXlOper& argument = arguments[i];
-    if (!argument.IsAbsent()) read.blocks.push_back({argument.Cells(), !argument.IsArray(), static_cast<int>(i) + 1});
+  if (fillCell && fill.IsGiven()) read.fill = *fillCell;
+  read.blocks.reserve(blocks.Count() + 1);
+  if (!fillCell) read.blocks.push_back({fill.Value().Cells(), false, 0});
+  for (std::size_t i = 0; i < blocks.Count(); ++i) {
+    if (!blocks[i].IsGiven()) continue;
+    const CXlOper& block = blocks[i].Value();
+    read.blocks.push_back({block.Cells(), !block.IsArray(), static_cast<int>(i) + 1});
   }
-  read.hasHeaderBlock = fillIsBlock || !arguments[0].IsAbsent();
+  read.hasHeaderBlock = !fillCell || blocks[0].IsGiven();
   return read;
 }
 
@@ -99,8 +101,8 @@ void SetNoMatch(CXlOper& result, int argumentNumber) {
 
 }  // namespace
 
-void ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBlock scalarBlock, const CXlOper& fill,
-                           CXlOperRun<29> blocks) {
+void ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBlock scalarBlock, const CXlArgument& fill,
+                           const CXlArgumentRun<29>& blocks) {
   result.SetError(xlerrValue);
   const StackArguments arguments = ReadArguments(fill, blocks);
   if (arguments.blocks.empty()) return;
@@ -124,8 +126,8 @@ void ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBloc
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
 }
 
-void ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction, const CXlOper& fill,
-                                   CXlOperRun<29> blocks) {
+void ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction, const CXlArgument& fill,
+                                   const CXlArgumentRun<29>& blocks) {
   result.SetError(xlerrValue);
   const StackArguments arguments = ReadArguments(fill, blocks);
   if (!arguments.hasHeaderBlock) return;

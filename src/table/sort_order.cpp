@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/convert/convert_cell.h"
+#include "frame/convert/single_value.h"
 #include "frame/text/upper_case.h"
 
 namespace quillmere {
@@ -27,10 +28,9 @@ SortOrder OrderOfText(XStringView text) {
 }  // namespace
 
 SortOrder ParseSortOrder(const CXlOper& sorted) {
-  if (sorted.IsAbsent() || sorted.IsReference()) return SortOrder::kUnsorted;
-  const CXlCells cells = sorted.Cells();
-  if (cells.Count() != 1) return SortOrder::kUnsorted;
-  const XLOPER12& cell = *cells.first;
+  const XLOPER12* const only = OnlyCell(sorted);
+  if (!only) return SortOrder::kUnsorted;
+  const XLOPER12& cell = *only;
   switch (CellType(cell)) {
     case xltypeNum:
     case xltypeInt:

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "frame/convert/argument.h"
 #include "frame/convert/cell_text.h"
 #include "frame/convert/convert_cell.h"
 #include "frame/text/text_cut.h"
@@ -36,10 +37,9 @@ class RowIdReader {
 
 }  // namespace
 
-void WorkbookFunctions::PutRowIds(CXlOper& result, const CXlOper& vCellIDString) {
+void WorkbookFunctions::PutRowIds(CXlOper& result, const CXlArgument& vCellIDString) {
   result.SetError(xlerrValue);
-  if (vCellIDString.IsAbsent()) return;
-  const CXlCells cells = vCellIDString.Cells();
+  const CXlCells cells = vCellIDString.Value().Cells();
   if (cells.columns < 2) return;
   RowIdReader ids;
   for (std::int32_t row = 0; row < cells.rows; ++row) {
@@ -70,10 +70,8 @@ void WorkbookFunctions::GetRowIds(CXlOper& result) {
   result = builder.Finish();
 }
 
-void WorkbookFunctions::EraseRowIds(CXlOper& result, const CXlOper& erasedIDs) {
-  result.SetError(xlerrValue);
-  if (erasedIDs.IsAbsent()) return;
-  const CXlCells cells = erasedIDs.Cells();
+void WorkbookFunctions::EraseRowIds(CXlOper& result, const CXlArgument& erasedIDs) {
+  const CXlCells cells = erasedIDs.Value().Cells();
   std::int64_t erased = 0;
   RowIdReader ids;
   for (std::int64_t i = 0; i < cells.Count(); ++i) {

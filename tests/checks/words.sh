@@ -22,9 +22,11 @@ refuse 'a paper that is not here' '(spe[c]|settle[d]|desig[n])\.md|\bthe specifi
 refuse 'a path of a machine' '(^|[^A-Za-z0-9_./$}*-])/(work|farm|root|home|tmp/q)/' .
 refuse 'a package host' '(registry|deb|ftp|security|pypi|proxy)\.[a-z]+\.(org|com)' .
 refuse 'unfinished' '\b(TODO|FIXME|XXX|HACK)\b' .
-refuse 'pins the library in memory; see frame/call/thread_record.h' '\bthread_local\b' '*.cpp' '*.h' ':!host' ':!tests'
+refuse 'pins the library in memory; see frame/call/thread_record.h' '\bthread_local\b' '*.cpp' '*.h' ':!host' ':!tests' \
+  ':!src/functions/generator'
 refuse 'allocates and throws at its first lock' '\bstd::(recursive_|timed_|shared_)?mutex\b' src
-refuse 'text is XCHAR' '\bwchar_t\b' 'src/*.cpp' 'src/*.h' ':!src/xlcall/xchar.h' ':!src/*_windows.*'
+refuse 'text is XCHAR' '\bwchar_t\b' 'src/*.cpp' 'src/*.h' ':!src/xlcall/xchar.h' ':!src/*_windows.*' \
+  ':!src/functions/generator'
 refuse 'code for one system belongs in *_windows and *_posix files' '\b_WIN32\b|<windows\.h>' "${function_code[@]}"
 refuse 'the wrapper alone catches' '\b(try|catch) *[{(]' "${function_code[@]/%//*.cpp}" "${function_code[@]/%//*.h}" ':!src/functions/generator'
 exit $status

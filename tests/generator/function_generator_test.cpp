@@ -101,6 +101,20 @@ marks = ["framework-2"]
 category = 14
 description = "Tells"
 long_text = "Long."
+
+[[function]]
+name = "Case.FIND"
+like = "FIND.FIRST"
+settings = { caseSensitive = true }
+arguments = [
+  { name = "Return", kind = "Value", required = true, help = "" },
+  { name = "Volatile", kind = "Value", default = "-1", only = true, help = "", choices = [{ code = -1, text = "No" }] },
+  { name = "Error", kind = "Value", default = "#N/A", help = "" },
+  "Pairs",
+]
+help_id = 101
+long_text = "Long."
+example = { formula = "=Case.FIND(1)", result = "1" }
 )toml";
 
 struct Outcome {
@@ -141,13 +155,18 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
   EXPECT_THAT(header, HasSubstr("enum class Mode { kFirst, kAll };"));
   EXPECT_THAT(header, HasSubstr("struct SampleFunctions {\n" + entry +
                                 "  static void Search(CXlOper& result, Mode mode, bool caseSensitive, int position, "
-                                "const CXlOper& lookupValues, const CXlOper& maMethod, const CXlOper& name, "
-                                "CXlOperRun<6> pairs);\n"));
+                                "const CXlArgument& lookupValues, "
+                                "const CXlScalarArgument<ElementKind::kInteger>& maMethod, "
+                                "const CXlScalarArgument<ElementKind::kString>& name, "
+                                "const CXlArgumentRun<6>& pairs);\n"));
   EXPECT_THAT(header, HasSubstr("  static void Tell(CXlOper& result);\n"));
 
   const std::string& exports = outcome.files["exports.cpp"];
-  EXPECT_THAT(exports, HasSubstr("{ SampleFunctions::Search(result, Mode::kFirst, false, -3, arguments[0], "
-                                 "arguments[1], arguments[2], CXlOperRun<6>(arguments + 3, 6)); }"));
+  EXPECT_THAT(exports, HasSubstr("{ SampleFunctions::Search(result, Mode::kFirst, false, -3, "
+                                 "CXlArgument(arguments[0], FIND_FIRSTArguments[0]), "
+                                 "CXlScalarArgument<ElementKind::kInteger>(arguments[1], FIND_FIRSTArguments[1]), "));
+  EXPECT_THAT(exports, HasSubstr("CXlArgumentRun<6>(arguments + 3, FIND_FIRSTArguments + 3)); }"));
+  EXPECT_THAT(exports, HasSubstr("{ SampleFunctions::Search(result, Mode::kFirst, true, -3, "));
   EXPECT_THAT(exports, HasSubstr("XLOPER12* FIND_FIRST_12(Parameter12<ArgumentKind::kValue, false, false> a0, "
                                  "Parameter12<ArgumentKind::kInt, true, true> a1, "
                                  "Parameter12<ArgumentKind::kString, true, false> a2, "
@@ -156,15 +175,21 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
   EXPECT_THAT(exports, Not(HasSubstr("FIND_ALL_4")));
   EXPECT_THAT(exports, HasSubstr("XLOPER12* TellCommand_12() { return CallFunction12(TellCommandBody); }"));
 
-  const std::string& records = outcome.files["records.cpp"];
+  EXPECT_THAT(outcome.files["records.cpp"], HasSubstr("CXllFunctionRecord FIND_ALLRecord(FIND_ALLDeclaration);"));
+  const std::string& records = outcome.files["declarations.h"];
   EXPECT_THAT(records, HasSubstr(R"({{1, XTEXT("One, \"quoted\"")}, {2, XTEXT("Zw\u00F6lf")}, };)"));
-  EXPECT_THAT(records,
-              HasSubstr(R"({.name = XTEXT("Other_Method"), .kind = ArgumentKind::kInt, .flags = 32, )"
-                        R"(.defaultText = XTEXT("2"), .hasDefault = true, .byValue = true, .help = XTEXT("How"))"));
-  EXPECT_THAT(records, HasSubstr(R"({.name = XTEXT("Crit1"), .kind = ArgumentKind::kValue, .flags = 0, .defaultText = )"
-                                 R"(XTEXT(""), .hasDefault = false, .byValue = false, .help = XTEXT("What"))"));
-  EXPECT_THAT(records, HasSubstr(R"({.name = XTEXT("Crit3"), .kind = ArgumentKind::kValue, .flags = 0, .defaultText = )"
-                                 R"(XTEXT(""), .hasDefault = false, .byValue = false, .help = XTEXT(""))"));
+  EXPECT_THAT(records, HasSubstr(R"({.name = XTEXT("Other_Method"), .kind = ArgumentKind::kInt, .flags = 32, )"
+                                 R"(.defaultText = XTEXT("2"), .defaultValue = {.type = xltypeNum, .number = 2}, )"
+                                 R"(.byValue = true, .required = false, .help = XTEXT("How"))"));
+  for (const auto& [name, help] : {std::pair("Crit1", "What"), {"Crit3", ""}})
+    EXPECT_THAT(records, HasSubstr(std::string(R"({.name = XTEXT(")") + name +
+                                   R"("), .kind = ArgumentKind::kValue, .flags = 0, .defaultText = XTEXT(""), )"
+                                   R"(.defaultValue = {}, .byValue = false, .required = false, .help = XTEXT(")" +
+                                   help + "\")"));
+  EXPECT_THAT(records, HasSubstr(R"(.defaultValue = {.type = xltypeStr, .text = XTEXT("b")})"));
+  EXPECT_THAT(records, HasSubstr(R"(.defaultValue = {.type = xltypeErr, .number = xlerrNA})"));
+  EXPECT_THAT(records, HasSubstr(R"(.required = true, .help = XTEXT(""), .choices = {}, .allowedCodes = {}})"));
+  EXPECT_THAT(records, HasSubstr(".allowedCodes = Case_FINDCodes1}"));
   EXPECT_THAT(
       records,
       HasSubstr(".macroType = MacroType::kFunction, .category = 5, .flags = 33, .interfaces = 3, .helpId = 100,"));
@@ -234,6 +259,15 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"default = \"1\"\n", "", "by_value is for an Int with a default: 'MA_Method' is none"},
         Mistake{"flags = 32", "flags = -1", "'flags' in an argument is not a whole number from 0 to"},
         Mistake{"{ code = 2, text", "{ code = 1, text", "choice 1 stands twice"},
+        Mistake{"required = true", "required = true, default = \"1\"", "'Return' is required and has a default"},
+        Mistake{"help = \"\", default = '\"a\"'", "help = \"\", required = true",
+                "'Name' comes as a plain value, which is never left out"},
+        Mistake{"default = \"-1\"", "default = \"0\"", "the default '0' of 'Volatile' is none of its choices"},
+        Mistake{"only = true, help = \"\", choices = [{ code = -1, text = \"No\" }]", "only = true, help = \"\"",
+                "only is for an Int, Short or Value with choices: 'Volatile' is none"},
+        Mistake{"name = \"Crit{}\", kind", "name = \"Crit{}\", default = \"1\", kind",
+                "'Crit{}' of a run has a default"},
+        Mistake{"helped = 1", "helped = 1\nrequired = 4", "'required' in a run of arguments is not a whole number", 1},
         Mistake{"like = \"MA_Method\"", "like = \"Pairs\"", "no single argument 'Pairs' stands above"},
         Mistake{"name = \"Other_Method\"", "name = \"Other Method\"", "'Other Method' cannot name an argument"},
         Mistake{"name = \"Other_Method\"", "name = \"Other{}\"", "'Other{}' is a single argument and has a {}"},
@@ -256,9 +290,11 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"settings = [\"mode\",", "settings = [\"mood\",", "no [[setting]] 'mood' stands in this table"},
         Mistake{"settings = [\"mode\", \"caseSensitive\", \"position\"]", "settings = [\"mode\", \"caseSensitive\"]",
                 "'Search' takes no setting 'position'", 33},
+        Mistake{"like = \"FIND.FIRST\"", "like = \"FIND.LAST\"", "no function 'FIND.LAST' stands above"},
         Mistake{"mode = \"All\", ", "", "'FIND.ALL' gives no setting 'mode'"},
         Mistake{"mode = \"All\"", "mode = \"None\"", "the setting 'mode' is no Mode"},
-        Mistake{"caseSensitive = true", "caseSensitive = 1", "the setting 'caseSensitive' is no bool"},
+        Mistake{"caseSensitive = true, position", "caseSensitive = 1, position",
+                "the setting 'caseSensitive' is no bool"},
         Mistake{"position = 0", "position = 3000000000", "the setting 'position' is no int"},
         Mistake{"implementation = \"Tell\"", "implementation = \"Say\"",
                 "no [[implementation]] 'Say' stands in this table"},

@@ -7,10 +7,10 @@
 #include <string>
 #include <tuple>
 
+#include "exports.h"
 #include "failing_memory.h"
 #include "fake_excel.h"
 #include "frame/callbacks/callbacks.h"
-#include "implementations/lookup.h"
 #include "workbook/id_stores.h"
 
 namespace quillmere::testing {
@@ -144,14 +144,14 @@ TEST_F(LookupMemoryTest, KeyRowsHaveTheLinesOfTheCallingRange) {
       }
   // All key rows of a single line share its memory.
   caller = CXlOper::Reference({9, 9, 2, 5});
-  LookupMemory memory({});
+  LookupMemory memory({MemoryType::kRowColumn, {}});
   memory.Remember(3, 55);
   EXPECT_EQ(memory.Recall(1000), 55);
 }
 
 TEST_F(LookupMemoryTest, AsksExcelOnceAndForWhatItNeeds) {
   caller = CXlOper::Reference({0, 999, 0, 0});
-  LookupMemory memory({});
+  LookupMemory memory({MemoryType::kRowColumn, {}});
   EXPECT_EQ(excel.AllCalls(), 0);
   memory.Remember(999, 1'000'000);
   const auto recallOthers = [&memory] {
@@ -215,7 +215,7 @@ TEST_F(LookupMemoryTest, WithoutAPlaceNothingIsRemembered) {
 TEST_F(LookupMemoryTest, FailedCallbacksEndTheCall) {
   for (const int failing : {1, 2}) {
     excel.FailCall(excel.AllCalls() + failing);
-    LookupMemory memory({});
+    LookupMemory memory({MemoryType::kRowColumn, {}});
     try {
       memory.Remember(0, 1);
       ADD_FAILURE() << "callback " << failing;
@@ -233,7 +233,6 @@ TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
   array.val.array.lparray = cells;
   array.val.array.rows = 2;
   array.val.array.columns = 1;
-  const CXlOper table = CXlOper::Borrow(&array);
   const CXlOper two = CXlOper::Number(2);
   const CXlOper one = CXlOper::Number(1);
   for (const double answer : {0.0, -1.0, 0.5, 3.0, 1e300, std::nan("")})
@@ -243,12 +242,13 @@ TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
         result.val.num = answer;
         return xlretSuccess;
       });
-      CXlOper result;
-      LookupFunctions::MemLookup(result, two, table, one, CXlOper::Number(sorted), {}, {});
-      EXPECT_TRUE(result.IsError() && result.AsErrorCode() == xlerrNA) << answer;
-      LookupFunctions::MemMatch(result, two, table, CXlOper::Number(sorted), {}, {});
+      const CXlOper sortType = CXlOper::Number(sorted);
+      const XLOPER12* result =
+          MEMLOOKUP_12(two.ForCallback(), &array, one.ForCallback(), sortType.ForCallback(), nullptr, nullptr);
+      EXPECT_TRUE(IsErrorCell(*result) && result->val.err == xlerrNA) << answer;
+      result = MEMMATCH_12(two.ForCallback(), &array, sortType.ForCallback(), nullptr, nullptr);
       const bool isTaken = answer == 3 && sorted == 0;
-      EXPECT_TRUE(isTaken ? result.IsNumber() : result.IsError() && result.AsErrorCode() == xlerrNA) << answer;
+      EXPECT_TRUE(isTaken ? IsNumberCell(*result) : IsErrorCell(*result) && result->val.err == xlerrNA) << answer;
     }
 }
 
@@ -257,8 +257,7 @@ TEST(MemoryChoice, IsReadFromTheArgument) {
     const std::optional<MemoryChoice> choice = ReadMemoryChoice(argument);
     return choice ? static_cast<int>(choice->type) : -1;
   };
-  EXPECT_EQ(type({}), 2);
-  EXPECT_EQ(type(CXlOper::Missing()), 2);
+  EXPECT_EQ(type(CXlOper::Missing()), -1) << "its default is the table's to say";
   EXPECT_EQ(type(CXlOper::Text({})), 2);
   for (const auto& [number, expected] :
        {std::pair(0.0, 0), {1.0, 1}, {2.9, 2}, {3.99, 3}, {-0.5, 0}, {-1.0, -1}, {4.0, -1}, {1e300, -1}})

@@ -106,7 +106,8 @@ TEST(Registration, UnregistersInFourStepsFromExcel12On) {
 
 TEST(TypeText, FollowsKindsDefaultsAndMarks) {
   const auto argument = [](ArgumentKind kind, bool hasDefault, bool byValue = false) {
-    return ArgumentDeclaration{.name = XTEXT("A"), .kind = kind, .hasDefault = hasDefault, .byValue = byValue};
+    return ArgumentDeclaration{
+        .name = XTEXT("A"), .kind = kind, .defaultValue = {.type = hasDefault ? xltypeNum : 0u}, .byValue = byValue};
   };
   using enum ArgumentKind;
   const ArgumentDeclaration all[] = {argument(kReference, true), argument(kValue, false),    argument(kInt, false),

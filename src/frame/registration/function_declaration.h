@@ -19,16 +19,27 @@ struct ArgumentChoice {
   XStringView text;
 };
 
+/// The value that an argument left out stands for.
+struct ArgumentDefault {
+  std::uint32_t type = 0;  ///< xltypeNum, xltypeStr, xltypeBool or xltypeErr; 0: there is none
+  double number = 0;       ///< the number; 1 or 0 of a boolean; the code of an error
+  XStringView text = {};
+};
+
 /// One registered argument.
 struct ArgumentDeclaration {
   XStringView name = {};
   ArgumentKind kind = ArgumentKind::kValue;
   int flags = 0;                 ///< field 3 of the descriptor's argument entry, passed on as declared
-  XStringView defaultText = {};  ///< the value used when the argument is missing, as the descriptor writes it
-  bool hasDefault = false;
-  bool byValue = false;  ///< arrives as a plain C value in spite of its default
+  XStringView defaultText = {};  ///< the default as the descriptor writes it
+  ArgumentDefault defaultValue = {};
+  bool byValue = false;   ///< arrives as a plain C value in spite of its default
+  bool required = false;  ///< a call that leaves it out gives #VALUE!
   XStringView help = {};
   std::span<const ArgumentChoice> choices = {};
+  std::span<const std::int32_t> allowedCodes = {};  ///< the codes of the choices, where no others are allowed
+
+  constexpr bool HasDefault() const { return defaultValue.type != 0; }
 };
 
 /// xlfRegister's macro type: what the registered name is and whether the function wizard shows it.
@@ -90,7 +101,7 @@ constexpr TypeLetter LetterOf(ArgumentKind kind, bool hasDefault, bool byValue) 
 }
 
 constexpr TypeLetter LetterOf(const ArgumentDeclaration& argument) {
-  return LetterOf(argument.kind, argument.hasDefault, argument.byValue);
+  return LetterOf(argument.kind, argument.HasDefault(), argument.byValue);
 }
 
 /// The C type of a parameter of a `_12` export.

@@ -58,11 +58,12 @@ ArgumentGroup ArgumentReader::ReadGroup(const std::string& id, const toml::table
 }
 
 ArgumentGroup ArgumentReader::ReadRun(const std::string& id, const toml::table& table) {
-  const StrictTable fields(table, "a run of arguments", file_, *diagnostics_, {"repeat", "helped", "each"});
+  const StrictTable fields(table, "a run of arguments", file_, *diagnostics_, {"repeat", "helped", "required", "each"});
   ArgumentGroup group;
   group.place = fields.OwnPlace();
   group.rounds = static_cast<int>(fields.Integer("repeat", 1, kXlMaxArguments));
   group.helped = static_cast<int>(fields.OptionalInteger("helped", 0, group.rounds, group.rounds));
+  group.required = static_cast<int>(fields.OptionalInteger("required", 0, group.rounds, 0));
   fields.Array("each");
   for (const toml::table* each : fields.OptionalTables("each")) group.each.push_back(ReadArgument("", *each, true));
   if (group.each.empty()) {
@@ -75,8 +76,9 @@ ArgumentGroup ArgumentReader::ReadRun(const std::string& id, const toml::table& 
 }
 
 Argument ArgumentReader::ReadArgument(const std::string& id, const toml::table& table, bool inRun) {
-  const StrictTable fields(table, "an argument", file_, *diagnostics_,
-                           {"name", "kind", "help", "default", "by_value", "flags", "choices", "like"});
+  const StrictTable fields(
+      table, "an argument", file_, *diagnostics_,
+      {"name", "kind", "help", "default", "by_value", "required", "flags", "choices", "only", "like"});
   Argument argument;
   const auto like = fields.OptionalText("like");
   if (like) {
@@ -97,6 +99,8 @@ Argument ArgumentReader::ReadArgument(const std::string& id, const toml::table& 
   if (fields.Has("help") || !like) argument.help = fields.Text("help");
   if (fields.Has("default")) argument.defaultText = fields.OptionalText("default");
   if (fields.Has("by_value")) argument.byValue = fields.OptionalBoolean("by_value");
+  if (fields.Has("required")) argument.required = fields.OptionalBoolean("required");
+  if (fields.Has("only")) argument.only = fields.OptionalBoolean("only");
   argument.flags = static_cast<int>(fields.OptionalInteger("flags", 0, kMaxArgumentFlags, argument.flags));
   if (fields.Has("choices")) ReadChoices(argument, fields);
   CheckArgument(argument, fields, inRun);
@@ -133,12 +137,45 @@ void ArgumentReader::CheckArgument(const Argument& argument, const StrictTable& 
   if (const auto fault = TextFault(argument.help, false)) {
     fields.ComplainAt("help", "the help text of '" + name + "' " + *fault);
   }
-  if (argument.defaultText && !ReadsAs(argument.kind, *argument.defaultText)) {
+  if (argument.defaultText && !DefaultOf(argument.kind, *argument.defaultText)) {
     fields.ComplainAt("default",
                       "the default '" + *argument.defaultText + "' of '" + name + "' does not read as its kind");
   }
   if (argument.byValue && (argument.kind != ArgumentKind::kInt || !argument.defaultText)) {
     fields.ComplainAt("by_value", "by_value is for an Int with a default: '" + name + "' is none");
+  }
+  CheckPresence(argument, fields, inRun);
+  CheckOnly(argument, fields);
+}
+
+/// What is said of an argument that a call may leave out.
+void ArgumentReader::CheckPresence(const Argument& argument, const StrictTable& fields, bool inRun) {
+  const TypeLetter letter = LetterOf(argument.kind, argument.defaultText.has_value(), argument.byValue);
+  if (argument.required && argument.defaultText) {
+    fields.ComplainAt("required", "'" + argument.name + "' is required and has a default");
+  } else if (argument.required && letter != TypeLetter::kValue && letter != TypeLetter::kReference) {
+    fields.ComplainAt("required", "'" + argument.name + "' comes as a plain value, which is never left out");
+  }
+  if (inRun && argument.required) {
+    fields.ComplainAt("required", "in a run, required says how many rounds are: '" + argument.name + "'");
+  }
+  if (inRun && argument.defaultText) fields.ComplainAt("default", "'" + argument.name + "' of a run has a default");
+}
+
+void ArgumentReader::CheckOnly(const Argument& argument, const StrictTable& fields) {
+  if (!argument.only) return;
+  const bool takesCodes = argument.kind == ArgumentKind::kInt || argument.kind == ArgumentKind::kShort ||
+                          argument.kind == ArgumentKind::kValue;
+  if (argument.choices.empty() || !takesCodes) {
+    fields.ComplainAt("only", "only is for an Int, Short or Value with choices: '" + argument.name + "' is none");
+    return;
+  }
+  const bool allowsDefault = std::any_of(argument.choices.begin(), argument.choices.end(), [&](const Choice& choice) {
+    return std::to_string(choice.code) == argument.defaultText;
+  });
+  if (argument.defaultText && !allowsDefault) {
+    fields.ComplainAt("default",
+                      "the default '" + *argument.defaultText + "' of '" + argument.name + "' is none of its choices");
   }
 }
 

@@ -36,6 +36,8 @@ class ArgumentReader {
   Argument ReadArgument(const std::string& id, const toml::table& table, bool inRun);
   void ReadChoices(Argument& argument, const StrictTable& fields);
   void CheckArgument(const Argument& argument, const StrictTable& fields, bool inRun);
+  void CheckPresence(const Argument& argument, const StrictTable& fields, bool inRun);
+  void CheckOnly(const Argument& argument, const StrictTable& fields);
 
   std::string file_;
   Diagnostics* diagnostics_;

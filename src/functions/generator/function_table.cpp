@@ -21,6 +21,7 @@ std::vector<Argument> Function::AllArguments() const {
       for (Argument argument : group.each) {
         argument.name.replace(argument.name.find("{}"), 2, std::to_string(round));
         if (round > group.helped) argument.help.clear();
+        argument.required = round <= group.required;
         all.push_back(std::move(argument));
       }
     }

@@ -37,6 +37,8 @@ struct Argument {
   int flags = 0;
   std::optional<std::string> defaultText;
   bool byValue = false;
+  bool required = false;
+  bool only = false;  ///< the codes of the choices are all that is allowed
   std::string help;
   std::vector<Choice> choices;
 };
@@ -47,6 +49,7 @@ struct ArgumentGroup {
   std::vector<Argument> each;  ///< one argument, or those of one round
   int rounds = 0;              ///< 0: a single argument
   int helped = 0;              ///< rounds whose help texts are registered
+  int required = 0;            ///< rounds that every call must give
   Place place;
 
   bool IsRun() const { return rounds > 0; }

@@ -54,15 +54,29 @@ std::string ParameterName(const std::string& id) {
     name += static_cast<char>(inLeadingCapitals ? std::tolower(c) : startsWord ? std::toupper(c) : c);
     startsWord = false;
   }
-  static const std::vector<std::string> kWords = {"and",  "bool", "case",  "char", "default", "do",  "double", "for",
-                                                  "if",   "int",  "not",   "or",   "result",  "new", "short",  "switch",
-                                                  "this", "true", "false", "xor",  "while",   "long"};
-  if (std::find(kWords.begin(), kWords.end(), name) != kWords.end()) name += '_';
+  if (IsCppWord(name) || name == "result") name += '_';
   return name;
 }
 
-std::string ParameterType(const ArgumentGroup& group) {
-  return group.IsRun() ? "CXlOperRun<" + std::to_string(group.Count()) + "> " : "const CXlOper& ";
+/// The class of a parameter: a run, a scalar, or any value.
+std::string ParameterClass(const ArgumentGroup& group) {
+  if (group.IsRun()) return "CXlArgumentRun<" + std::to_string(group.Count()) + ">";
+  switch (group.each.front().kind) {
+    case ArgumentKind::kInt:
+      return "CXlScalarArgument<ElementKind::kInteger>";
+    case ArgumentKind::kShort:
+      return "CXlScalarArgument<ElementKind::kShortInteger>";
+    case ArgumentKind::kDouble:
+      return "CXlScalarArgument<ElementKind::kNumber>";
+    case ArgumentKind::kString:
+      return "CXlScalarArgument<ElementKind::kString>";
+    case ArgumentKind::kBoolean:
+      return "CXlScalarArgument<ElementKind::kBoolean>";
+    case ArgumentKind::kValue:
+    case ArgumentKind::kReference:
+      break;
+  }
+  return "CXlArgument";
 }
 
 std::string StructName(const Family& family) {
@@ -83,8 +97,7 @@ GeneratedFile ImplementationsHeader(const Family& family) {
   source.Line("// " + std::string(kNotice));
   source.Line("#pragma once");
   source.Line();
-  source.Line("#include \"frame/values/oper_run.h\"");
-  source.Line("#include \"frame/values/xl_oper.h\"");
+  source.Line("#include \"frame/convert/argument.h\"");
   source.Line();
   source.Line("namespace quillmere {");
   source.Line();
@@ -108,7 +121,7 @@ GeneratedFile ImplementationsHeader(const Family& family) {
       parameters += ", " + SettingType(family, setting) + " " + setting;
     }
     for (const ArgumentGroup& group : entry.arguments) {
-      parameters += ", " + ParameterType(group) + ParameterName(group.id);
+      parameters += ", const " + ParameterClass(group) + "& " + ParameterName(group.id);
     }
     source.LineOf(TableName(entry.place), entry.place.line,
                   "  static void " + implementation.name + "(" + parameters + ");");
@@ -139,40 +152,60 @@ std::string KindName(ArgumentKind kind) {
   return "";
 }
 
-std::string ArgumentInitializer(const Argument& argument, const std::string& choices) {
+std::string DefaultInitializer(const Argument& argument) {
+  const auto value = argument.defaultText ? DefaultOf(argument.kind, *argument.defaultText) : std::nullopt;
+  if (!value) return "{}";
+  return "{.type = " + value->type +
+         (value->number.empty() ? ", .text = " + WideLiteral(value->text) : ", .number = " + value->number) + "}";
+}
+
+std::string ArgumentInitializer(const Argument& argument, const std::string& choices, const std::string& codes) {
   std::string text = "{.name = " + WideLiteral(argument.name) + ", .kind = " + KindName(argument.kind);
   text += ", .flags = " + std::to_string(argument.flags);
   text += ", .defaultText = " + WideLiteral(argument.defaultText.value_or(""));
-  text += std::string(", .hasDefault = ") + (argument.defaultText ? "true" : "false");
+  text += ", .defaultValue = " + DefaultInitializer(argument);
   text += std::string(", .byValue = ") + (argument.byValue ? "true" : "false");
-  return text + ", .help = " + WideLiteral(argument.help) + ", .choices = " + choices + "}";
+  text += std::string(", .required = ") + (argument.required ? "true" : "false");
+  return text + ", .help = " + WideLiteral(argument.help) + ", .choices = " + choices + ", .allowedCodes = " + codes +
+         "}";
 }
 
-void WriteRecord(SourceText& source, const Function& function) {
+std::string ArgumentList(const Function& function) { return function.Procedure() + "Arguments"; }
+
+void WriteDeclaration(SourceText& source, const Function& function) {
   const std::string procedure = function.Procedure();
   const std::string file = TableName(function.place);
   const std::vector<Argument> arguments = function.AllArguments();
   std::string list;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     std::string choicesName = "{}";
+    std::string codesName = "{}";
     if (!arguments[i].choices.empty()) {
       choicesName = procedure + "Choices" + std::to_string(i);
       std::string choices;
+      std::string codes;
       for (const Choice& choice : arguments[i].choices) {
         choices += "{" + std::to_string(choice.code) + ", " + WideLiteral(choice.text) + "}, ";
+        codes += std::to_string(choice.code) + ", ";
       }
-      source.LineOf(file, function.place.line, "constexpr ArgumentChoice " + choicesName + "[] = {" + choices + "};");
+      source.LineOf(file, function.place.line,
+                    "inline constexpr ArgumentChoice " + choicesName + "[] = {" + choices + "};");
+      if (arguments[i].only) {
+        codesName = procedure + "Codes" + std::to_string(i);
+        source.LineOf(file, function.place.line,
+                      "inline constexpr std::int32_t " + codesName + "[] = {" + codes + "};");
+      }
     }
-    list += ArgumentInitializer(arguments[i], choicesName) + ", ";
+    list += ArgumentInitializer(arguments[i], choicesName, codesName) + ", ";
   }
   if (!arguments.empty()) {
     source.LineOf(file, function.place.line,
-                  "constexpr ArgumentDeclaration " + procedure + "Arguments[] = {" + list + "};");
+                  "inline constexpr ArgumentDeclaration " + ArgumentList(function) + "[] = {" + list + "};");
   }
   const char* const types[] = {"kHidden", "kFunction", "kCommand"};
   source.LineOf(
       file, function.place.line,
-      "constexpr FunctionDeclaration " + procedure + "Declaration = {.procedure = " + Literal(procedure) +
+      "inline constexpr FunctionDeclaration " + procedure + "Declaration = {.procedure = " + Literal(procedure) +
           ", .name = " + WideLiteral(function.name) +
           ", .macroType = MacroType::" + types[static_cast<int>(function.type)] +
           ", .category = " + std::to_string(function.category) + ", .flags = " + std::to_string(function.flags) +
@@ -180,22 +213,41 @@ void WriteRecord(SourceText& source, const Function& function) {
           ", .helpId = " + std::to_string(function.helpId) + ", .help = " + WideLiteral(function.description) +
           ", .longText = " + WideLiteral(function.longText) + ", .exampleFormula = " +
           WideLiteral(function.exampleFormula) + ", .exampleResult = " + WideLiteral(function.exampleResult) +
-          ", .arguments = " + (arguments.empty() ? "{}" : procedure + "Arguments") + "};");
-  source.Line("CXllFunctionRecord " + procedure + "Record(" + procedure + "Declaration);");
+          ", .arguments = " + (arguments.empty() ? "{}" : ArgumentList(function)) + "};");
+}
+
+/// What is declared of every function.
+GeneratedFile Declarations(const std::vector<Family>& families) {
+  SourceText source("declarations.h");
+  source.Line("// " + std::string(kNotice));
+  source.Line("#pragma once");
+  source.Line();
+  source.Line("#include \"frame/registration/function_declaration.h\"");
+  source.Line();
+  source.Line("namespace quillmere {");
+  source.Line();
+  for (const Family& family : families) {
+    for (const Function& function : family.functions) WriteDeclaration(source, function);
+  }
+  source.Line();
+  source.Line("}  // namespace quillmere");
+  return {"declarations.h", source.Text()};
 }
 
 /// All records in one translation unit: their order of initialisation is that of the tables.
 GeneratedFile Records(const std::vector<Family>& families) {
   SourceText source("records.cpp");
   source.Line("// " + std::string(kNotice));
-  source.Line("#include \"frame/registration/function_declaration.h\"");
+  source.Line("#include \"declarations.h\"");
   source.Line("#include \"frame/registration/function_record.h\"");
   source.Line();
   source.Line("namespace quillmere {");
   source.Line("namespace {");
   source.Line();
   for (const Family& family : families) {
-    for (const Function& function : family.functions) WriteRecord(source, function);
+    for (const Function& function : family.functions) {
+      source.Line("CXllFunctionRecord " + function.Procedure() + "Record(" + function.Procedure() + "Declaration);");
+    }
   }
   source.Line();
   source.Line("}  // namespace");
@@ -210,65 +262,96 @@ std::string Body(const Family& family, const Function& function) {
   int at = 0;
   for (const ArgumentGroup& group : function.arguments) {
     const std::string first = std::to_string(at);
-    const std::string count = std::to_string(group.Count());
-    values += group.IsRun() ? ", CXlOperRun<" + count + ">(arguments + " + first + ", " + count + ")"
-                            : ", arguments[" + first + "]";
+    values += ", " + ParameterClass(group) +
+              (group.IsRun() ? "(arguments + " + first + ", " + ArgumentList(function) + " + " + first + ")"
+                             : "(arguments[" + first + "], " + ArgumentList(function) + "[" + first + "])");
     at += group.Count();
   }
   return "void " + function.Procedure() + "Body(CXlOper& result, const CXlOper*" + (at > 0 ? " arguments" : "") +
          ") { " + StructName(family) + "::" + function.implementation + "(" + values + "); }";
 }
 
-std::string Export(const Function& function, bool excel4) {
-  const std::string suffix = excel4 ? "4" : "12";
+std::string ExportSuffix(bool excel4) { return excel4 ? "4" : "12"; }
+
+/// The export's head: what it returns, its name and its parameters a0, a1, ...
+std::string ExportHead(const Function& function, bool excel4) {
+  const std::string suffix = ExportSuffix(excel4);
   std::string parameters;
-  std::string values = function.Procedure() + "Body";
   int at = 0;
   for (const Argument& argument : function.AllArguments()) {
-    const std::string name = "a" + std::to_string(at++);
     parameters += (parameters.empty() ? "Parameter" : ", Parameter") + suffix + "<" + KindName(argument.kind) + ", " +
-                  (argument.defaultText ? "true" : "false") + ", " + (argument.byValue ? "true" : "false") + "> " +
-                  name;
-    values += ", " + name;
+                  (argument.defaultText ? "true" : "false") + ", " + (argument.byValue ? "true" : "false") + "> a" +
+                  std::to_string(at++);
   }
   return "XLL_EXPORT " + std::string(excel4 ? "XLOPER* " : "XLOPER12* ") + function.Procedure() + "_" + suffix + "(" +
-         parameters + ") { return CallFunction" + suffix + "(" + values + "); }";
+         parameters + ")";
+}
+
+std::string Export(const Function& function, bool excel4) {
+  std::string values = function.Procedure() + "Body";
+  for (std::size_t at = 0; at < function.AllArguments().size(); ++at) values += ", a" + std::to_string(at);
+  return ExportHead(function, excel4) + " { return CallFunction" + ExportSuffix(excel4) + "(" + values + "); }";
+}
+
+/// Calls `use(function, excel4)` for every export.
+template <class Use>
+void ForEachExport(const std::vector<Family>& families, Use use) {
+  for (const Family& family : families) {
+    for (const Function& function : family.functions) {
+      use(function, false);
+      if (function.excel4) use(function, true);
+    }
+  }
+}
+
+/// The exports for programs that call them from inside.
+GeneratedFile ExportsHeader(const std::vector<Family>& families) {
+  SourceText source("exports.h");
+  source.Line("// " + std::string(kNotice));
+  source.Line("#pragma once");
+  source.Line();
+  source.Line("#include \"frame/entry/export.h\"");
+  source.Line("#include \"frame/registration/function_declaration.h\"");
+  source.Line();
+  source.Line("namespace quillmere {");
+  source.Line();
+  for (const std::string suffix : {"12", "4"}) {
+    source.Line("template <ArgumentKind kind, bool hasDefault, bool byValue>");
+    source.Line("using Parameter" + suffix + " = typename XlParameter" + suffix +
+                "<LetterOf(kind, hasDefault, byValue)>::Type;");
+  }
+  source.Line();
+  ForEachExport(families, [&](const Function& function, bool excel4) {
+    source.LineOf(TableName(function.place), function.place.line, ExportHead(function, excel4) + ";");
+  });
+  source.Line();
+  source.Line("}  // namespace quillmere");
+  return {"exports.h", source.Text()};
 }
 
 GeneratedFile Exports(const std::vector<Family>& families) {
   SourceText source("exports.cpp");
   source.Line("// " + std::string(kNotice));
-  source.Line("#include \"frame/entry/export.h\"");
-  source.Line("#include \"frame/registration/function_declaration.h\"");
+  source.Line("#include \"exports.h\"");
+  source.Line();
+  source.Line("#include \"declarations.h\"");
   source.Line("#include \"frame/call/wrapper.h\"");
   for (const Family& family : families) source.Line("#include \"implementations/" + family.name + ".h\"");
   source.Line();
   source.Line("namespace quillmere {");
   source.Line("namespace {");
   source.Line();
-  bool any4 = false;
   for (const Family& family : families) {
     for (const Function& function : family.functions) {
       source.LineOf(TableName(function.place), function.place.line, Body(family, function));
-      any4 = any4 || function.excel4;
     }
   }
   source.Line();
   source.Line("}  // namespace");
   source.Line();
-  for (const std::string suffix : {"12", "4"}) {
-    if (suffix == "4" && !any4) continue;
-    source.Line("template <ArgumentKind kind, bool hasDefault, bool byValue>");
-    source.Line("using Parameter" + suffix + " = typename XlParameter" + suffix +
-                "<LetterOf(kind, hasDefault, byValue)>::Type;");
-  }
-  source.Line();
-  for (const Family& family : families) {
-    for (const Function& function : family.functions) {
-      source.LineOf(TableName(function.place), function.place.line, Export(function, false));
-      if (function.excel4) source.LineOf(TableName(function.place), function.place.line, Export(function, true));
-    }
-  }
+  ForEachExport(families, [&](const Function& function, bool excel4) {
+    source.LineOf(TableName(function.place), function.place.line, Export(function, excel4));
+  });
   source.Line();
   source.Line("}  // namespace quillmere");
   return {"exports.cpp", source.Text()};
@@ -295,7 +378,9 @@ GeneratedFile Examples(const std::vector<Family>& families) {
 std::vector<GeneratedFile> GenerateCode(const std::vector<Family>& families) {
   std::vector<GeneratedFile> files;
   for (const Family& family : families) files.push_back(ImplementationsHeader(family));
+  files.push_back(Declarations(families));
   files.push_back(Records(families));
+  files.push_back(ExportsHeader(families));
   files.push_back(Exports(families));
   files.push_back(Examples(families));
   return files;

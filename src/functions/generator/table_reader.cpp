@@ -110,27 +110,43 @@ class FamilyReader {
 
   void ReadFunction(const toml::table& table) {
     const StrictTable fields = Fields(table, "[[function]]",
-                                      {"name", "implementation", "settings", "arguments", "type", "marks", "category",
-                                       "help_id", "interfaces", "description", "long_text", "example"});
+                                      {"name", "like", "implementation", "settings", "arguments", "type", "marks",
+                                       "category", "help_id", "interfaces", "description", "long_text", "example"});
     Function function;
+    const bool isLike = fields.Has("like");
+    if (isLike) TakeOver(function, fields);
     function.place = fields.OwnPlace();
     function.name = fields.Text("name");
     if (!IsFunctionName(function.name))
       fields.ComplainAt("name", "Excel takes no function of the name '" + function.name + "'");
-    ReadType(function, fields);
-    function.implementation = fields.Text("implementation");
+    if (fields.Has("type") || !isLike) ReadType(function, fields);
+    if (fields.Has("implementation") || !isLike) function.implementation = fields.Text("implementation");
     ReadSettings(function, table, fields);
-    ReadArgumentList(function, fields);
-    ReadMarks(function, fields);
+    if (fields.Has("arguments") || !isLike) ReadArgumentList(function, fields);
+    if (fields.Has("marks") || !isLike) ReadMarks(function, fields);
     ReadNumbers(function, fields);
-    function.description = ReadText(fields, "description", false);
+    if (fields.Has("description") || !isLike) function.description = ReadText(fields, "description", false);
     function.longText = ReadText(fields, "long_text", true);
     ReadExample(function, fields);
     family_.functions.push_back(std::move(function));
   }
 
+  /// Begins with what another function above declares; a help id, a page and an example are each function's own.
+  void TakeOver(Function& function, const StrictTable& fields) {
+    const std::string like = fields.Text("like");
+    const auto model = std::find_if(family_.functions.begin(), family_.functions.end(),
+                                    [&](const Function& each) { return each.name == like; });
+    if (model == family_.functions.end()) {
+      fields.ComplainAt("like", "no function '" + like + "' stands above");
+      return;
+    }
+    function = *model;
+    function.helpId = 0;
+  }
+
   void ReadType(Function& function, const StrictTable& fields) {
     const std::string type = fields.OptionalText("type").value_or("function");
+    function.type = MacroType::kFunction;
     if (type == "hidden") function.type = MacroType::kHidden;
     if (type == "command") function.type = MacroType::kCommand;
     if (type != "function" && type != "hidden" && type != "command") {
@@ -138,7 +154,8 @@ class FamilyReader {
     }
   }
 
-  /// Every setting of the implementation, and no other.
+  /// Every setting of the implementation, and no other; those that the entry does not give stay as they are in the
+  /// function that it is like.
   void ReadSettings(Function& function, const toml::table& table, const StrictTable& fields) {
     const toml::node* node = table.get("settings");
     const toml::table* given = node ? fields.Table("settings") : nullptr;
@@ -152,9 +169,14 @@ class FamilyReader {
       }
       return;
     }
+    const auto takenOver = std::exchange(function.settings, {});
     for (const std::string& name : implementation->settings) {
       const toml::node* value = given ? given->get(name) : nullptr;
-      if (!value) {
+      const auto kept =
+          std::find_if(takenOver.begin(), takenOver.end(), [&](const auto& setting) { return setting.first == name; });
+      if (!value && kept != takenOver.end()) {
+        function.settings.push_back(*kept);
+      } else if (!value) {
         fields.ComplainAt("settings", "'" + function.name + "' gives no setting '" + name + "'");
       } else if (const Setting* setting = FindSetting(name)) {
         function.settings.emplace_back(name, SettingValue(*setting, *value, fields));
@@ -184,6 +206,7 @@ class FamilyReader {
   }
 
   void ReadArgumentList(Function& function, const StrictTable& fields) {
+    function.arguments.clear();
     const toml::array* list = fields.Array("arguments");
     if (!list) return;
     for (const toml::node& element : *list) {
@@ -202,6 +225,7 @@ class FamilyReader {
   }
 
   void ReadMarks(Function& function, const StrictTable& fields) {
+    function.flags = 0;
     for (const std::string& word : fields.Texts("marks")) {
       const auto mark =
           std::find_if(kMarks.begin(), kMarks.end(), [&](const auto& each) { return each.first == word; });
@@ -223,7 +247,8 @@ class FamilyReader {
   }
 
   void ReadNumbers(Function& function, const StrictTable& fields) {
-    if (fields.Has("category") || function.type != MacroType::kHidden) {
+    const bool mayDoWithout = fields.Has("like") || function.type == MacroType::kHidden;
+    if (fields.Has("category") || !mayDoWithout) {
       function.category = static_cast<int>(fields.Integer("category", 1, 14));
       if (std::find(kCategories.begin(), kCategories.end(), function.category) == kCategories.end()) {
         fields.ComplainAt("category", std::to_string(function.category) + " is no category of this add-in");

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <limits>
+#include <utility>
 
 namespace quillmere::generator {
 namespace {
@@ -79,10 +80,47 @@ bool IsQuotedText(std::string_view text) {
   return true;
 }
 
-bool IsErrorValue(std::string_view text) {
-  static constexpr std::array<std::string_view, 7> kErrors = {"#NULL!", "#DIV/0!", "#VALUE!", "#REF!",
-                                                              "#NAME?", "#NUM!",   "#N/A"};
-  return std::find(kErrors.begin(), kErrors.end(), text) != kErrors.end();
+/// What stands between the quotes, quotes within single.
+std::string Unquoted(std::string_view text) {
+  std::string inner;
+  for (std::size_t at = 1; at + 1 < text.size(); ++at) {
+    inner += text[at];
+    if (text[at] == '"') ++at;
+  }
+  return inner;
+}
+
+/// The code's name of an error value; empty when it is none.
+std::string_view ErrorCodeName(std::string_view text) {
+  static constexpr std::array<std::pair<std::string_view, std::string_view>, 7> kErrors = {{{"#NULL!", "xlerrNull"},
+                                                                                            {"#DIV/0!", "xlerrDiv0"},
+                                                                                            {"#VALUE!", "xlerrValue"},
+                                                                                            {"#REF!", "xlerrRef"},
+                                                                                            {"#NAME?", "xlerrName"},
+                                                                                            {"#NUM!", "xlerrNum"},
+                                                                                            {"#N/A", "xlerrNA"}}};
+  const auto found = std::find_if(kErrors.begin(), kErrors.end(), [&](const auto& each) { return each.first == text; });
+  return found == kErrors.end() ? std::string_view() : found->second;
+}
+
+/// Whether a default may be a value of that kind; what it reads as is `value`.
+bool IsOfKind(ArgumentKind kind, std::string_view text, const ReadDefault& value) {
+  switch (kind) {
+    case ArgumentKind::kInt:
+      return IsWhole<std::int32_t>(text);
+    case ArgumentKind::kShort:
+      return IsWhole<std::int16_t>(text);
+    case ArgumentKind::kDouble:
+      return value.type == "xltypeNum";
+    case ArgumentKind::kBoolean:
+      return value.type == "xltypeBool";
+    case ArgumentKind::kString:
+      return value.type == "xltypeStr";
+    case ArgumentKind::kValue:
+    case ArgumentKind::kReference:
+      break;
+  }
+  return true;
 }
 
 bool IsCharacter(char32_t code, bool lineBreaks) {
@@ -133,30 +171,44 @@ bool IsFunctionName(std::string_view name) {
   return !IsA1Reference(upper) && !IsR1C1Reference(upper) && !IsBoolean(upper);
 }
 
-bool IsArgumentName(std::string_view name) { return IsIdentifier(name); }
+bool IsCppWord(std::string_view word) {
+  static constexpr std::array kWords = std::to_array<std::string_view>(
+      {"alignas",     "alignof",  "and",       "and_eq",    "asm",       "auto",         "bitand",
+       "bitor",       "bool",     "break",     "case",      "catch",     "char",         "char8_t",
+       "char16_t",    "char32_t", "class",     "co_await",  "co_return", "co_yield",     "compl",
+       "concept",     "const",    "consteval", "constexpr", "constinit", "const_cast",   "continue",
+       "decltype",    "default",  "delete",    "do",        "double",    "dynamic_cast", "else",
+       "enum",        "explicit", "export",    "extern",    "false",     "float",        "for",
+       "friend",      "goto",     "if",        "inline",    "int",       "long",         "mutable",
+       "namespace",   "new",      "noexcept",  "not",       "not_eq",    "nullptr",      "operator",
+       "or",          "or_eq",    "private",   "protected", "public",    "register",     "reinterpret_cast",
+       "requires",    "return",   "short",     "signed",    "sizeof",    "static",       "static_assert",
+       "static_cast", "struct",   "switch",    "template",  "this",      "thread_local", "throw",
+       "true",        "try",      "typedef",   "typeid",    "typename",  "union",        "unsigned",
+       "using",       "virtual",  "void",      "volatile",  "wchar_t",   "while",        "xor",
+       "xor_eq"});
+  return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
+}
 
 bool IsIdentifier(std::string_view word) {
   return !word.empty() && !IsDigit(word[0]) &&
          std::all_of(word.begin(), word.end(), [](char c) { return IsLetter(c) || IsDigit(c) || c == '_'; });
 }
 
-bool ReadsAs(ArgumentKind kind, std::string_view text) {
-  switch (kind) {
-    case ArgumentKind::kInt:
-      return IsWhole<std::int32_t>(text);
-    case ArgumentKind::kShort:
-      return IsWhole<std::int16_t>(text);
-    case ArgumentKind::kDouble:
-      return IsNumber(text);
-    case ArgumentKind::kBoolean:
-      return IsBoolean(text);
-    case ArgumentKind::kString:
-      return IsQuotedText(text);
-    case ArgumentKind::kValue:
-    case ArgumentKind::kReference:
-      break;
+std::optional<ReadDefault> DefaultOf(ArgumentKind kind, std::string_view text) {
+  ReadDefault value;
+  if (IsNumber(text)) {
+    value = {"xltypeNum", std::string(text), {}};
+  } else if (IsBoolean(text)) {
+    value = {"xltypeBool", Upper(text) == "TRUE" ? "1" : "0", {}};
+  } else if (IsQuotedText(text)) {
+    value = {"xltypeStr", {}, Unquoted(text)};
+  } else if (const std::string_view code = ErrorCodeName(text); !code.empty()) {
+    value = {"xltypeErr", std::string(code), {}};
+  } else {
+    return std::nullopt;
   }
-  return IsNumber(text) || IsBoolean(text) || IsQuotedText(text) || IsErrorValue(text);
+  return IsOfKind(kind, text, value) ? std::optional(value) : std::nullopt;
 }
 
 }  // namespace quillmere::generator

@@ -23,12 +23,22 @@ std::optional<std::string> TextFault(std::string_view utf8, bool lineBreaks);
 /// Whether Excel takes it as a function's name: letters, digits, "_" and ".", not read as a reference or a boolean.
 bool IsFunctionName(std::string_view name);
 
+/// Whether C++ keeps the word for itself.
+bool IsCppWord(std::string_view word);
+
 /// A word of C++ that may name a member, a type, an enumerator; also what an argument's name must be, which stands in a
 /// comma-separated list and names a parameter.
 bool IsIdentifier(std::string_view word);
 
-/// Whether a default reads as a value of its kind. Value and Reference take a number, a boolean, a text in double
-/// quotes or an error value.
-bool ReadsAs(ArgumentKind kind, std::string_view text);
+/// A default as C++ writes it.
+struct ReadDefault {
+  std::string type;    ///< "xltypeNum", ...
+  std::string number;  ///< the number, 1 or 0 of a boolean, the code of an error; empty for a text
+  std::string text;
+};
+
+/// Reads a default as a value of its kind; nothing when it does not read. Value and Reference take a number, a boolean,
+/// a text in double quotes or an error value.
+std::optional<ReadDefault> DefaultOf(ArgumentKind kind, std::string_view text);
 
 }  // namespace quillmere::generator

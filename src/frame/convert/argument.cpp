@@ -1,0 +1,30 @@
+#include "frame/convert/argument.h"
+
+namespace quillmere {
+
+CXlOper ValueOfDefault(const ArgumentDefault& declared) {
+  switch (declared.type) {
+    case xltypeNum:
+      return CXlOper::Number(declared.number);
+    case xltypeStr:
+      return CXlOper::Text(declared.text);
+    case xltypeBool:
+      return CXlOper::Boolean(declared.number != 0);
+    case xltypeErr:
+      return CXlOper::Error(static_cast<std::int32_t>(declared.number));
+    default:
+      return {};
+  }
+}
+
+CXlArgument::CXlArgument(const CXlOper& passed, const ArgumentDeclaration& declaration)
+    : passed_(passed), declaration_(declaration) {
+  if (!IsGiven()) default_ = ValueOfDefault(declaration.defaultValue);
+}
+
+const CXlOper& CXlArgument::Value() const {
+  if (declaration_.required && !IsGiven()) throw CXlErrorException(xlerrValue);
+  return Standing();
+}
+
+}  // namespace quillmere

@@ -1,0 +1,78 @@
+// The arguments of a worksheet function as its body gets them: each with what its table declares of it.
+#pragma once
+
+#include <cstddef>
+
+#include "frame/convert/convert_scalar.h"
+#include "frame/convert/element_kind.h"
+#include "frame/registration/function_declaration.h"
+#include "frame/values/xl_oper.h"
+
+namespace quillmere {
+
+/// What a declared default stands for; a value never set where there is none.
+CXlOper ValueOfDefault(const ArgumentDefault& declared);
+
+/// One argument: what Excel passed, and its declared name, default and codes, which nobody says a second time. It is
+/// read when the body asks, so that faults come in the body's order. It lives as long as the call.
+class CXlArgument {
+ public:
+  CXlArgument(const CXlOper& passed, const ArgumentDeclaration& declaration);
+  CXlArgument(const CXlArgument&) = delete;
+  CXlArgument& operator=(const CXlArgument&) = delete;
+
+  /// The registered name, for messages.
+  XStringView Name() const noexcept { return declaration_.name; }
+  /// Whether the call gives it: it is not left out, whatever its default.
+  bool IsGiven() const noexcept { return !passed_.IsAbsent(); }
+
+  /// What was passed; the default of one that was left out, and without a default a missing value. CXlErrorException
+  /// with #VALUE! when it is required and was left out.
+  const CXlOper& Value() const;
+
+  /// The value as a scalar: that of an array's or a reference's top-left cell. Messages: 45 (left out, no default), 29
+  /// (does not convert), 64 (none of the codes that are allowed).
+  template <ElementKind kind>
+  ElementOf<kind> As() const {
+    CScalarConvertParams<kind> params(Name());
+    if constexpr (std::is_same_v<typename CScalarConvertParams<kind>::Allowed, std::int32_t>)
+      if constexpr (std::is_integral_v<ElementOf<kind>>) params.OneOf(declaration_.allowedCodes);
+    return ConvertArgument(Standing(), params);
+  }
+
+ private:
+  /// What was passed, or the default.
+  const CXlOper& Standing() const noexcept { return default_.IsSet() ? default_ : passed_; }
+
+  const CXlOper& passed_;
+  const ArgumentDeclaration& declaration_;
+  CXlOper default_;  ///< set when the argument was left out and has one
+};
+
+/// An argument that is declared as a scalar of that kind.
+template <ElementKind kind>
+class CXlScalarArgument : public CXlArgument {
+ public:
+  using CXlArgument::CXlArgument;
+
+  /// The scalar: see As.
+  ElementOf<kind> Read() const { return As<kind>(); }
+};
+
+/// N arguments of one run, in registered order: Arg1 ... Arg29, or Col1, Crit1, Col2 ... They have no defaults.
+template <std::size_t N>
+class CXlArgumentRun {
+ public:
+  CXlArgumentRun(const CXlOper* passed, const ArgumentDeclaration* declarations) noexcept
+      : passed_(passed), declarations_(declarations) {}
+
+  static constexpr std::size_t Count() noexcept { return N; }
+  /// The argument at a place of the run, from 0.
+  CXlArgument operator[](std::size_t place) const { return CXlArgument(passed_[place], declarations_[place]); }
+
+ private:
+  const CXlOper* passed_;
+  const ArgumentDeclaration* declarations_;
+};
+
+}  // namespace quillmere
