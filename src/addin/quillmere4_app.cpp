@@ -1,6 +1,10 @@
 #include "addin/quillmere4_app.h"
 
+#include "addin/wiring.h"
+
 namespace quillmere {
+
+CQuillmere4App::CQuillmere4App() noexcept { WireTheFrame(); }
 
 bool CQuillmere4App::Open() {
   SetHelpFilePath(XString(ModuleDirectory()) + XTEXT("\\Quillmere4.chm"));

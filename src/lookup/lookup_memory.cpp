@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "frame/callbacks/caller.h"
 #include "frame/callbacks/callbacks.h"
 #include "frame/convert/single_value.h"
 #include "frame/values/cell_copy.h"
@@ -16,14 +17,6 @@ void AppendNumber(XString& text, std::size_t number) {
   char digits[std::numeric_limits<std::size_t>::digits10 + 1];
   char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
   text.append(digits, end);
-}
-
-/// The one area of a reference to cells; nothing for all else, such as a sheet's identifier.
-std::optional<XLREF12> OnlyArea(const CXlOper& value) {
-  if (!value.IsReference()) return std::nullopt;
-  if (value.Type() == xltypeRef && value.Raw().val.mref.lpmref == nullptr) return std::nullopt;
-  const std::span<const XLREF12> areas = value.Areas();
-  return areas.size() == 1 ? std::optional(areas.front()) : std::nullopt;
 }
 
 /// Narrows the lines from `first` to `last` to the one of a key row: all key rows share a single line. False when there
@@ -58,8 +51,7 @@ LookupMemory::LookupMemory(MemoryChoice choice, ListDirection direction)
 
 bool LookupMemory::IsCalledFromCells() {
   if (!callerIsKnown_) {
-    CXlOper caller = CallExcelOrValueError(xlfCaller);
-    if (OnlyArea(caller)) caller_ = std::move(caller);
+    caller_ = CallingCells();
     callerIsKnown_ = true;
   }
   return caller_.IsSet();
