@@ -1,23 +1,16 @@
 #include "lookup/lookup_memory.h"
 
-#include <charconv>
-#include <limits>
 #include <utility>
 
-#include "frame/callbacks/caller.h"
 #include "frame/callbacks/callbacks.h"
+#include "frame/callbacks/caller.h"
 #include "frame/convert/single_value.h"
+#include "frame/text/integer_text.h"
 #include "frame/values/cell_copy.h"
 #include "workbook/id_stores.h"
 
 namespace quillmere {
 namespace {
-
-void AppendNumber(XString& text, std::size_t number) {
-  char digits[std::numeric_limits<std::size_t>::digits10 + 1];
-  char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  text.append(digits, end);
-}
 
 /// Narrows the lines from `first` to `last` to the one of a key row: all key rows share a single line. False when there
 /// is no such line.
@@ -124,7 +117,7 @@ void LookupMemory::PrepareTextKeys() {
   const std::size_t bookEnd = sheet.rfind(XTEXT(']'));
   if (bookEnd == XString::npos) return;
   tail_ = XTEXT('!');
-  AppendNumber(tail_, choice_.name.size());
+  tail_ += IntegerText(choice_.name.size()).View();
   tail_ += XTEXT('!');
   tail_ += choice_.name;
   tail_.append(sheet, 0, bookEnd + 1);
@@ -134,11 +127,11 @@ void LookupMemory::AppendAddress(const XLREF12& place) {
   const bool isCell = choice_.type == MemoryType::kCell;
   if (isCell || direction_ == ListDirection::kDown) {
     key_ += XTEXT('R');
-    AppendNumber(key_, static_cast<std::size_t>(place.rwFirst) + 1);
+    key_ += IntegerText(place.rwFirst + 1).View();
   }
   if (isCell || direction_ == ListDirection::kAcross) {
     key_ += XTEXT('C');
-    AppendNumber(key_, static_cast<std::size_t>(place.colFirst) + 1);
+    key_ += IntegerText(place.colFirst + 1).View();
   }
 }
 

@@ -9,10 +9,7 @@
 namespace quillmere {
 namespace {
 
-/// Excel's MATCH and VLOOKUP fail on longer texts.
-constexpr std::size_t kMostUnitsForExcel = 255;
-
-bool CanExcelSearch(const XLOPER12& part) { return !IsTextCell(part) || TextOf(part).size() <= kMostUnitsForExcel; }
+bool CanExcelSearch(const XLOPER12& part) { return !IsTextCell(part) || TextOf(part).size() <= kXlMaxSearchedText; }
 
 /// Whether Excel reads a text as more than itself: its wildcards, and the mark that takes their meaning away.
 bool IsExcelPattern(const PreparedLookupValue& part) {

@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <optional>
 #include <span>
-#include <string>
 #include <utility>
 #include <vector>
 
 #include "frame/convert/argument.h"
 #include "frame/convert/single_value.h"
+#include "frame/text/integer_text.h"
 #include "frame/values/array_builder.h"
 #include "implementations/shape.h"
 #include "shape/header_index.h"
@@ -95,7 +95,7 @@ std::optional<AxisMap> MatchedLanes(const HeaderIndex& index, const Block& block
 
 void SetNoMatch(CXlOper& result, int argumentNumber) {
   XString text = XTEXT("#Error: No header matches found for Arg");
-  for (char digit : std::to_string(argumentNumber)) text += static_cast<XCHAR>(digit);
+  text += IntegerText(argumentNumber).View();
   result.SetText(text);
 }
 

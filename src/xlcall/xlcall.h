@@ -200,9 +200,11 @@ enum : int {
 
 constexpr int kXlMaxRows = 1'048'576;
 constexpr int kXlMaxColumns = 16'384;
-constexpr int kXlMaxText = 32'767;    ///< units of a 16-bit text
-constexpr int kXlMaxText4 = 255;      ///< bytes of an 8-bit text
-constexpr int kXlMaxArguments = 255;  ///< arguments of one callback
+constexpr int kXlMaxText = 32'767;                 ///< units of a 16-bit text
+constexpr int kXlMaxText4 = 255;                   ///< bytes of an 8-bit text
+constexpr int kXlMaxArguments = 255;               ///< arguments of one callback
+constexpr std::size_t kXlMaxRegisteredText = 255;  ///< units of a text that xlfRegister takes
+constexpr std::size_t kXlMaxSearchedText = 255;    ///< units of a text that MATCH and VLOOKUP search for
 
 extern "C" {
 /// The callback the host program exports as "MdCallBack12". Mind the order: it differs from Excel12v's.

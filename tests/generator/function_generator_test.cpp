@@ -187,7 +187,7 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
                                    R"(.defaultValue = {}, .byValue = false, .required = false, .help = XTEXT(")" +
                                    help + "\")"));
   EXPECT_THAT(records, HasSubstr(R"(.defaultValue = {.type = xltypeStr, .text = XTEXT("b")})"));
-  EXPECT_THAT(records, HasSubstr(R"(.defaultValue = {.type = xltypeErr, .number = xlerrNA})"));
+  EXPECT_THAT(records, HasSubstr(R"(.defaultValue = {.type = xltypeErr, .number = 42})"));
   EXPECT_THAT(records, HasSubstr(R"(.required = true, .help = XTEXT(""), .choices = {}, .allowedCodes = {}})"));
   EXPECT_THAT(records, HasSubstr(".allowedCodes = Case_FINDCodes1}"));
   EXPECT_THAT(

@@ -65,7 +65,6 @@ class CXllApp {
 
   /// The module name if known, else the display name, else the path, else "Add-in".
   XString Name() const;
-  XStringView ModulePath() const noexcept { return modulePath_; }
   XStringView HelpFilePath() const noexcept { return helpFilePath_; }
   const std::vector<std::unique_ptr<CXllRegistrable>>& Registrables() const noexcept { return registrables_; }
 

@@ -1,9 +1,8 @@
 #include "frame/callbacks/callbacks.h"
 
-#include <string>
-
 #include "frame/errors/exceptions.h"
 #include "frame/errors/messages.h"
+#include "frame/text/integer_text.h"
 
 namespace quillmere {
 
@@ -22,9 +21,9 @@ int CallExcelWith(CXlOper& result, int xlfn, int count, XLOPER12* arguments[]) n
 
 void ThrowFailedCall(int xlfn, int code) {
   const XlCallback* const callback = FindXlCallback(xlfn);
-  const std::string name = callback ? std::string(callback->name) : std::to_string(xlfn);
-  throw CXlRuntimeException(
-      FormatCatalogue(MessageId::kExcelCallFailedWithCode, XString(name.begin(), name.end()), code));
+  const XString name =
+      callback ? XString(callback->name.begin(), callback->name.end()) : XString(IntegerText(xlfn).View());
+  throw CXlRuntimeException(FormatCatalogue(MessageId::kExcelCallFailedWithCode, name, code));
 }
 
 }  // namespace quillmere

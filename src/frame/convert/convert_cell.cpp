@@ -7,8 +7,8 @@
 #include "frame/callbacks/callbacks.h"
 #include "frame/callbacks/excel_settings.h"
 #include "frame/convert/cell_text.h"
-#include "frame/text/ascii_case.h"
 #include "frame/text/error_text.h"
+#include "frame/text/fold_case.h"
 #include "frame/text/number_reading.h"
 
 namespace quillmere {
@@ -31,8 +31,8 @@ std::optional<double> ReadNumber(const XLOPER12& text, TextReading reading) {
 std::optional<bool> ReadBoolean(const XLOPER12& text, TextReading reading) {
   const XStringView units = TextOf(text);
   if (reading == TextReading::kPlain) {
-    if (EqualIgnoringAsciiCase(units, XTEXT("TRUE"))) return true;
-    if (EqualIgnoringAsciiCase(units, XTEXT("FALSE"))) return false;
+    if (EqualFolded(units, XTEXT("TRUE"))) return true;
+    if (EqualFolded(units, XTEXT("FALSE"))) return false;
     return std::nullopt;
   }
   const CXlOper value = CoerceText(text, xltypeBool);

@@ -87,7 +87,6 @@ class CVectorConvertParamsBase : public CConvertParamsBase {
   CVectorConvertParamsBase(XStringView name, Shape shape) noexcept : CConvertParamsBase(name), shape_(shape) {}
 
   Shape GetShape() const noexcept { return shape_; }
-  bool IsRequired() const noexcept { return required_; }
 
   /// Raises message 46 or 47, by shape, for an argument left out that may not be.
   void CheckPresent(ElementKind kind) const;

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "frame/callbacks/callbacks.h"
-#include "frame/text/ascii_case.h"
+#include "frame/text/fold_case.h"
 
 namespace quillmere {
 namespace {
@@ -22,7 +22,7 @@ template <class Value, class Allowed>
 bool IsAllowed(const Value& value, std::span<const Allowed> allowed) {
   return allowed.empty() || std::any_of(allowed.begin(), allowed.end(), [&value](const Allowed& one) {
            if constexpr (std::is_same_v<Value, XString>)
-             return EqualIgnoringAsciiCase(value, one);
+             return EqualFolded(value, one);
            else
              return static_cast<std::int32_t>(value) == one;
          });

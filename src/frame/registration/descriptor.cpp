@@ -6,19 +6,10 @@
 #include <string>
 #include <utility>
 
+#include "frame/text/integer_text.h"
+
 namespace quillmere {
 namespace {
-
-struct KindWord {
-  ArgumentKind kind;
-  XStringView word;
-};
-constexpr KindWord kKindWords[] = {
-    {ArgumentKind::kValue, XTEXT("Value")},     {ArgumentKind::kReference, XTEXT("Reference")},
-    {ArgumentKind::kInt, XTEXT("Int")},         {ArgumentKind::kShort, XTEXT("Short")},
-    {ArgumentKind::kDouble, XTEXT("Double")},   {ArgumentKind::kString, XTEXT("String")},
-    {ArgumentKind::kBoolean, XTEXT("Boolean")},
-};
 
 constexpr XStringView kReturnLetter = XTEXT("U");
 constexpr std::size_t kFunctionFields = 19;
@@ -41,14 +32,9 @@ void AppendField(XString& to, XStringView text) {
   to += XTEXT('"');
 }
 
-void AppendNumber(XString& to, int number) {
-  const std::string digits = std::to_string(number);
-  to.append(digits.begin(), digits.end());
-}
-
 /// A field that is empty when there is no category.
 void AppendCategory(XString& to, int category) {
-  if (category != 0) AppendNumber(to, category);
+  if (category != 0) to += IntegerText(category).View();
 }
 
 void AppendArgument(XString& to, const ArgumentDeclaration& argument) {
@@ -57,7 +43,7 @@ void AppendArgument(XString& to, const ArgumentDeclaration& argument) {
   to += XTEXT(',');
   to += KindName(argument.kind);
   to += XTEXT(',');
-  AppendNumber(to, argument.flags);
+  to += IntegerText(argument.flags).View();
   to += XTEXT(',');
   AppendField(to, argument.defaultText);
   to += XTEXT(',');
@@ -162,8 +148,8 @@ int Number(const Node& node) {
 
 ArgumentKind Kind(const Node& node) {
   const XStringView word = Text(node);
-  const auto* const found = std::ranges::find(kKindWords, word, &KindWord::word);
-  if (found == std::end(kKindWords)) Fail(node.position, "unknown kind of argument");
+  const auto* const found = std::ranges::find(kArgumentKinds, word, &ArgumentKindWord::word);
+  if (found == std::end(kArgumentKinds)) Fail(node.position, "unknown kind of argument");
   return found->kind;
 }
 
@@ -204,7 +190,9 @@ DescribedFunction ReadFunction(const Node& root) {
 
 }  // namespace
 
-XStringView KindName(ArgumentKind kind) { return std::ranges::find(kKindWords, kind, &KindWord::kind)->word; }
+XStringView KindName(ArgumentKind kind) {
+  return std::ranges::find(kArgumentKinds, kind, &ArgumentKindWord::kind)->word;
+}
 
 XString WriteDescriptor(const FunctionDeclaration& declaration) {
   XString text = XTEXT("{");
@@ -215,7 +203,7 @@ XString WriteDescriptor(const FunctionDeclaration& declaration) {
   AppendCategory(text, declaration.category);
   for (const int number : {static_cast<int>(declaration.macroType), declaration.flags}) {
     text += XTEXT(',');
-    AppendNumber(text, number);
+    text += IntegerText(number).View();
   }
   text += XTEXT(',');
   text += kReturnLetter;
@@ -225,9 +213,9 @@ XString WriteDescriptor(const FunctionDeclaration& declaration) {
     AppendArgument(text, declaration.arguments[i]);
   }
   text += XTEXT("},{},");
-  AppendNumber(text, declaration.interfaces);
+  text += IntegerText(declaration.interfaces).View();
   text += XTEXT(",,");
-  AppendNumber(text, declaration.helpId);
+  text += IntegerText(declaration.helpId).View();
   text += XTEXT(",0,,,,0,0}");
   return text;
 }

@@ -13,6 +13,19 @@ namespace quillmere {
 /// The kind of an argument, as the descriptor names it.
 enum class ArgumentKind { kValue, kReference, kInt, kShort, kDouble, kString, kBoolean };
 
+/// A kind, and its word in descriptors and tables.
+struct ArgumentKindWord {
+  ArgumentKind kind;
+  XStringView word;
+};
+
+inline constexpr ArgumentKindWord kArgumentKinds[] = {
+    {ArgumentKind::kValue, XTEXT("Value")},     {ArgumentKind::kReference, XTEXT("Reference")},
+    {ArgumentKind::kInt, XTEXT("Int")},         {ArgumentKind::kShort, XTEXT("Short")},
+    {ArgumentKind::kDouble, XTEXT("Double")},   {ArgumentKind::kString, XTEXT("String")},
+    {ArgumentKind::kBoolean, XTEXT("Boolean")},
+};
+
 /// One of the coded values an argument takes, with its meaning; offered as a drop-down in the function wizard.
 struct ArgumentChoice {
   int code;

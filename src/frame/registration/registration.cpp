@@ -7,20 +7,19 @@
 
 #include "frame/callbacks/callbacks.h"
 #include "frame/registration/type_text.h"
+#include "frame/text/integer_text.h"
 #include "frame/text/text_cut.h"
 
 namespace quillmere {
 namespace {
 
-/// xlfRegister refuses longer texts.
-constexpr std::size_t kMaxRegisteredText = 255;
 constexpr std::size_t kArgumentsBeforeHelp = 10;
 /// All arguments of one call, less those before the help texts and the empty one at the end.
 constexpr std::size_t kMaxArgumentHelp = kXlMaxArguments - kArgumentsBeforeHelp - 1;
 
 XString Widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 
-CXlOper RegisterText(XStringView text) { return CXlOper::Text(CutText(text, kMaxRegisteredText)); }
+CXlOper RegisterText(XStringView text) { return CXlOper::Text(CutText(text, kXlMaxRegisteredText)); }
 
 CXlOper RegisterNumber(MacroType macroType) { return CXlOper::Number(static_cast<int>(macroType)); }
 
@@ -31,7 +30,7 @@ RegistrationTexts TextsOf(const FunctionDeclaration& declaration) {
   texts.name = declaration.name;
   texts.argumentText = ArgumentText(declaration);
   texts.macroType = declaration.macroType;
-  if (declaration.category != 0) texts.category = Widen(std::to_string(declaration.category));
+  if (declaration.category != 0) texts.category = IntegerText(declaration.category).View();
   texts.helpId = declaration.helpId;
   texts.help = declaration.help;
   for (const ArgumentDeclaration& argument : declaration.arguments) texts.argumentHelp.emplace_back(argument.help);
@@ -50,8 +49,9 @@ CXlOper HideName(XStringView modulePath, const CXlOper& name) {
 
 XString HelpTopic(XStringView helpFile, int helpId) {
   if (helpId == 0 || helpFile.empty()) return {};
-  XString topic = XString(helpFile) + XTEXT('!') + Widen(std::to_string(helpId));
-  return topic.size() > kMaxRegisteredText ? XString() : topic;
+  XString topic = XString(helpFile) + XTEXT('!');
+  topic += IntegerText(helpId).View();
+  return topic.size() > kXlMaxRegisteredText ? XString() : topic;
 }
 
 void CXllRegistrable::Register(XStringView modulePath, XStringView helpFile) {

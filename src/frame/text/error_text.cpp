@@ -1,6 +1,6 @@
 #include "frame/text/error_text.h"
 
-#include "frame/text/ascii_case.h"
+#include "frame/text/fold_case.h"
 #include "xlcall/xlcall.h"
 
 namespace quillmere {
@@ -35,7 +35,7 @@ std::string_view ErrorText8(std::int32_t code) noexcept {
 
 std::optional<std::int32_t> ErrorCodeOf(XStringView text) {
   for (const ErrorName& name : kErrorNames)
-    if (EqualIgnoringAsciiCase(name.text, text)) return name.code;
+    if (EqualFolded(name.text, text)) return name.code;
   return std::nullopt;
 }
 

@@ -17,7 +17,7 @@ void FoldCase(XString& text);
 /// Writes the folded form of `text` to `to`, which has room for as many units.
 void FoldTo(XCHAR* to, XStringView text);
 
-/// Whether two texts are equal when both are folded.
+/// Whether two texts are equal when both are folded: the letters A to Z count as a to z.
 bool EqualFolded(XStringView a, XStringView b);
 
 /// Whether two texts are equal, unit by unit.

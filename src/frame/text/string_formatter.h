@@ -1,14 +1,15 @@
 // Placeholder formatting of texts: {0}, {1}, ... with "{{" and "}}" for the braces themselves.
 #pragma once
 
-#include <charconv>
 #include <concepts>
 #include <cstddef>
 #include <exception>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "frame/text/integer_text.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::psl {
@@ -42,20 +43,13 @@ class BasicFormatArgument {
   BasicFormatArgument(const std::basic_string<Char>& text) noexcept : text_(text) {}
   template <std::integral Integer>
   requires(!std::same_as<Integer, bool> && !std::same_as<Integer, Char>) BasicFormatArgument(Integer number)
-  noexcept {
-    char ascii[kDigits];
-    const char* const end = std::to_chars(ascii, ascii + kDigits, number).ptr;
-    for (const char* digit = ascii; digit != end; ++digit) digits_[digitCount_++] = static_cast<Char>(*digit);
-  }
+  noexcept : digits_(number) {}
 
-  View Text() const noexcept { return digitCount_ != 0 ? View(digits_, digitCount_) : text_; }
+  View Text() const noexcept { return digits_ ? digits_->View() : text_; }
 
  private:
-  static constexpr std::size_t kDigits = 24;
-
   View text_;
-  Char digits_[kDigits] = {};
-  std::size_t digitCount_ = 0;
+  std::optional<BasicIntegerText<Char>> digits_;
 };
 
 using FormatArgument = BasicFormatArgument<XCHAR>;

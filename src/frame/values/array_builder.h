@@ -35,7 +35,6 @@ class CXlArrayBuilder {
 
   void PutNumber(std::int64_t row, std::int64_t column, double number) { *At(row, column) = NumberCell(number); }
   void PutBoolean(std::int64_t row, std::int64_t column, bool value) { *At(row, column) = BooleanCell(value); }
-  void PutError(std::int64_t row, std::int64_t column, std::int32_t code) { *At(row, column) = ErrorCell(code); }
   void PutEmpty(std::int64_t row, std::int64_t column) { *At(row, column) = EmptyCell(); }
   /// CXlStringTooLongException above 32,767 units.
   void PutText(std::int64_t row, std::int64_t column, XStringView text);

@@ -15,7 +15,7 @@ struct SheetLimits {
 
 /// The limits of an Excel of that main version number (12 is Excel 2007).
 constexpr SheetLimits SheetLimitsOf(int version) {
-  if (version >= 12) return {1'048'575, 16'383};
+  if (version >= 12) return {kXlMaxRows - 1, kXlMaxColumns - 1};
   return {version >= 8 ? 65'535 : 16'383, 255};
 }
 

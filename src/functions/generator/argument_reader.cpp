@@ -1,8 +1,8 @@
 #include "functions/generator/argument_reader.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "functions/generator/text_rules.h"
@@ -10,16 +10,15 @@
 namespace quillmere::generator {
 namespace {
 
-constexpr std::size_t kMaxHelpLength = 255;
 constexpr int kMaxArgumentFlags = 0xFFFF;
 
-constexpr std::array<std::pair<std::string_view, ArgumentKind>, 7> kKinds = {{{"Value", ArgumentKind::kValue},
-                                                                              {"Reference", ArgumentKind::kReference},
-                                                                              {"Int", ArgumentKind::kInt},
-                                                                              {"Short", ArgumentKind::kShort},
-                                                                              {"Double", ArgumentKind::kDouble},
-                                                                              {"String", ArgumentKind::kString},
-                                                                              {"Boolean", ArgumentKind::kBoolean}}};
+/// The kind of that word; nothing when there is none.
+std::optional<ArgumentKind> KindOf(std::string_view word) {
+  const auto* const found = std::ranges::find_if(kArgumentKinds, [word](const ArgumentKindWord& each) {
+    return std::ranges::equal(each.word, word, {}, {}, [](char c) { return static_cast<XCHAR>(c); });
+  });
+  return found == std::end(kArgumentKinds) ? std::nullopt : std::optional(found->kind);
+}
 
 std::string WithoutNumber(const std::string& name) {
   const std::size_t at = name.find("{}");
@@ -92,9 +91,9 @@ Argument ArgumentReader::ReadArgument(const std::string& id, const toml::table& 
   argument.name = fields.Has("name") || id.empty() ? fields.Text("name") : id;
   if (fields.Has("kind") || !like) {
     const std::string kind = fields.Text("kind");
-    const auto found = std::find_if(kKinds.begin(), kKinds.end(), [&](const auto& each) { return each.first == kind; });
-    if (found != kKinds.end()) argument.kind = found->second;
-    if (found == kKinds.end() && !kind.empty()) fields.ComplainAt("kind", "'" + kind + "' is no kind of argument");
+    const std::optional<ArgumentKind> found = KindOf(kind);
+    argument.kind = found.value_or(argument.kind);
+    if (!found && !kind.empty()) fields.ComplainAt("kind", "'" + kind + "' is no kind of argument");
   }
   if (fields.Has("help") || !like) argument.help = fields.Text("help");
   if (fields.Has("default")) argument.defaultText = fields.OptionalText("default");
@@ -130,7 +129,7 @@ void ArgumentReader::CheckArgument(const Argument& argument, const StrictTable& 
   } else if (!IsIdentifier(WithoutNumber(name))) {
     fields.ComplainAt("name", "'" + name + "' cannot name an argument: letters, digits and _ can");
   }
-  if (Utf16Length(argument.help) > kMaxHelpLength) {
+  if (Utf16Length(argument.help) > kXlMaxRegisteredText) {
     fields.ComplainAt("help", "the help text of '" + name + "' has " + std::to_string(Utf16Length(argument.help)) +
                                   " characters; Excel takes 255");
   }

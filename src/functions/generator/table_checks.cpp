@@ -11,16 +11,8 @@
 namespace quillmere::generator {
 namespace {
 
-constexpr int kMaxArguments = 255;
 constexpr int kMaxArgumentHelps = 245;  // xlfRegister takes ten other arguments
 constexpr int kMaxArguments4 = 30;      // of a function that an 8-bit Excel calls
-constexpr std::size_t kMaxJoinedNames = 255;
-
-/// Excel tells names apart without regard to letter case.
-std::string Folded(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
 
 std::string At(const Place& place) { return place.file + ":" + std::to_string(place.line); }
 
@@ -44,7 +36,7 @@ class Distinct {
 void CheckArguments(const Function& function, Diagnostics& diagnostics) {
   const std::vector<Argument> all = function.AllArguments();
   const int count = static_cast<int>(all.size());
-  if (count > kMaxArguments) {
+  if (count > kXlMaxArguments) {
     diagnostics.Add(function.place,
                     "'" + function.name + "' has " + std::to_string(count) + " arguments; Excel takes 255");
     return;
@@ -64,11 +56,11 @@ void CheckArguments(const Function& function, Diagnostics& diagnostics) {
   std::size_t joined = 0;
   for (const Argument& argument : all) {
     joined += argument.name.size() + (names.empty() ? 0 : 1);
-    if (!names.insert(Folded(argument.name)).second) {
+    if (!names.insert(UpperCase(argument.name)).second) {
       diagnostics.Add(function.place, "'" + function.name + "' has two arguments '" + argument.name + "'");
     }
   }
-  if (joined > kMaxJoinedNames) {
+  if (joined > kXlMaxRegisteredText) {
     diagnostics.Add(function.place, "the argument names of '" + function.name + "' have " + std::to_string(joined) +
                                         " characters with their commas; Excel takes 255");
   }
@@ -147,7 +139,7 @@ void CheckTables(const std::vector<Family>& families, Diagnostics& diagnostics) 
       if (!setting.values.empty()) types.Meet(setting.type, setting.type, setting.place);
     }
     for (const Function& function : family.functions) {
-      if (names.Meet(Folded(function.name), function.name, function.place)) {
+      if (names.Meet(UpperCase(function.name), function.name, function.place)) {
         exports.Meet(function.Procedure(), function.Procedure(), function.place);
       }
       if (function.helpId != 0)

@@ -8,23 +8,14 @@
 #include <cstdint>
 #include <cstdio>
 #include <limits>
-#include <utility>
+
+#include "frame/text/error_text.h"
 
 namespace quillmere::generator {
 namespace {
 
-constexpr std::size_t kMaxNameLength = 255;
-constexpr int kMaxRows = 1'048'576;
-constexpr int kMaxColumns = 16'384;
-
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return upper;
-}
 
 /// Letters, then digits, within the sheet: "DIFF1" is no reference, "DIF1" is.
 bool IsA1Reference(std::string_view upper) {
@@ -33,11 +24,11 @@ bool IsA1Reference(std::string_view upper) {
   while (letters < upper.size() && IsLetter(upper[letters]) && letters < 4) {
     column = column * 26 + (upper[letters++] - 'A' + 1);
   }
-  if (letters == 0 || letters == upper.size() || column > kMaxColumns) return false;
+  if (letters == 0 || letters == upper.size() || column > kXlMaxColumns) return false;
   int row = 0;
   const char* end = upper.data() + upper.size();
   const auto [stop, error] = std::from_chars(upper.data() + letters, end, row);
-  return error == std::errc() && stop == end && row >= 1 && row <= kMaxRows;
+  return error == std::errc() && stop == end && row >= 1 && row <= kXlMaxRows;
 }
 
 /// R, C, R1, C1, R1C1 and their like.
@@ -67,7 +58,7 @@ bool IsNumber(std::string_view text) {
   return !text.empty() && error == std::errc() && stop == text.data() + text.size() && std::isfinite(value);
 }
 
-bool IsBoolean(std::string_view text) { return Upper(text) == "TRUE" || Upper(text) == "FALSE"; }
+bool IsBoolean(std::string_view text) { return UpperCase(text) == "TRUE" || UpperCase(text) == "FALSE"; }
 
 /// In double quotes, quotes within doubled.
 bool IsQuotedText(std::string_view text) {
@@ -88,19 +79,6 @@ std::string Unquoted(std::string_view text) {
     if (text[at] == '"') ++at;
   }
   return inner;
-}
-
-/// The code's name of an error value; empty when it is none.
-std::string_view ErrorCodeName(std::string_view text) {
-  static constexpr std::array<std::pair<std::string_view, std::string_view>, 7> kErrors = {{{"#NULL!", "xlerrNull"},
-                                                                                            {"#DIV/0!", "xlerrDiv0"},
-                                                                                            {"#VALUE!", "xlerrValue"},
-                                                                                            {"#REF!", "xlerrRef"},
-                                                                                            {"#NAME?", "xlerrName"},
-                                                                                            {"#NUM!", "xlerrNum"},
-                                                                                            {"#N/A", "xlerrNA"}}};
-  const auto found = std::find_if(kErrors.begin(), kErrors.end(), [&](const auto& each) { return each.first == text; });
-  return found == kErrors.end() ? std::string_view() : found->second;
 }
 
 /// Whether a default may be a value of that kind; what it reads as is `value`.
@@ -132,6 +110,12 @@ bool IsCharacter(char32_t code, bool lineBreaks) {
 
 }  // namespace
 
+std::string UpperCase(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return upper;
+}
+
 std::u32string CodePoints(std::string_view utf8) {
   std::u32string points;
   for (std::size_t at = 0; at < utf8.size();) {
@@ -162,12 +146,12 @@ std::optional<std::string> TextFault(std::string_view utf8, bool lineBreaks) {
 }
 
 bool IsFunctionName(std::string_view name) {
-  if (name.empty() || name.size() > kMaxNameLength || !(IsLetter(name[0]) || name[0] == '_')) return false;
+  if (name.empty() || name.size() > kXlMaxRegisteredText || !(IsLetter(name[0]) || name[0] == '_')) return false;
   if (!std::all_of(name.begin(), name.end(),
                    [](char c) { return IsLetter(c) || IsDigit(c) || c == '_' || c == '.'; })) {
     return false;
   }
-  const std::string upper = Upper(name);
+  const std::string upper = UpperCase(name);
   return !IsA1Reference(upper) && !IsR1C1Reference(upper) && !IsBoolean(upper);
 }
 
@@ -200,11 +184,11 @@ std::optional<ReadDefault> DefaultOf(ArgumentKind kind, std::string_view text) {
   if (IsNumber(text)) {
     value = {"xltypeNum", std::string(text), {}};
   } else if (IsBoolean(text)) {
-    value = {"xltypeBool", Upper(text) == "TRUE" ? "1" : "0", {}};
+    value = {"xltypeBool", UpperCase(text) == "TRUE" ? "1" : "0", {}};
   } else if (IsQuotedText(text)) {
     value = {"xltypeStr", {}, Unquoted(text)};
-  } else if (const std::string_view code = ErrorCodeName(text); !code.empty()) {
-    value = {"xltypeErr", std::string(code), {}};
+  } else if (const auto code = ErrorCodeOf(XString(text.begin(), text.end()))) {
+    value = {"xltypeErr", std::to_string(*code), {}};
   } else {
     return std::nullopt;
   }

@@ -13,6 +13,9 @@ namespace quillmere::generator {
 /// The length of UTF-8 text in UTF-16 units, which is how Excel counts.
 std::size_t Utf16Length(std::string_view utf8);
 
+/// The letters a to z as capitals: Excel tells names apart without regard to case.
+std::string UpperCase(std::string_view text);
+
 /// UTF-8 to code points. The text is well formed: the TOML parser has seen to it.
 std::u32string CodePoints(std::string_view utf8);
 
