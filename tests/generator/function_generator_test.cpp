@@ -175,7 +175,7 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
   EXPECT_THAT(exports, Not(HasSubstr("FIND_ALL_4")));
   EXPECT_THAT(exports, HasSubstr("XLOPER12* TellCommand_12() { return CallFunction12(TellCommandBody); }"));
 
-  EXPECT_THAT(outcome.files["records.cpp"], HasSubstr("CXllFunctionRecord FIND_ALLRecord(FIND_ALLDeclaration);"));
+  EXPECT_THAT(outcome.files["records.cpp"], HasSubstr("static CXllFunctionRecord FIND_ALLRecord(FIND_ALLDeclaration);"));
   const std::string& records = outcome.files["declarations.h"];
   EXPECT_THAT(records, HasSubstr(R"({{1, XTEXT("One, \"quoted\"")}, {2, XTEXT("Zw\u00F6lf")}, };)"));
   EXPECT_THAT(records, HasSubstr(R"({.name = XTEXT("Other_Method"), .kind = ArgumentKind::kInt, .flags = 32, )"

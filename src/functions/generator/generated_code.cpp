@@ -18,6 +18,41 @@ std::string TableName(const Place& place) {
   return "src/functions/" + std::filesystem::path(place.file).filename().string();
 }
 
+/// A generated file under construction: a notice, what it includes, and a namespace around the rest.
+class CodeFile {
+ public:
+  CodeFile(const std::string& name, const std::vector<std::string>& includes) : name_(name), source_(name) {
+    source_.Line("// " + std::string(kNotice));
+    if (name.ends_with(".h")) source_.Line("#pragma once");
+    source_.Line();
+    for (const std::string& include : includes) source_.Line("#include \"" + include + "\"");
+    source_.Line();
+    source_.Line("namespace quillmere {");
+    source_.Line();
+  }
+
+  void Line(std::string_view text = "") { source_.Line(text); }
+  /// A line that the compiler reports as the place of a table.
+  void LineOf(const Place& place, std::string_view text) { source_.LineOf(TableName(place), place.line, text); }
+
+  GeneratedFile Finish() && {
+    source_.Line();
+    source_.Line("}  // namespace quillmere");
+    return {name_, source_.Text()};
+  }
+
+ private:
+  std::string name_;
+  SourceText source_;
+};
+
+/// Calls `use(family, function)` for every function, in the tables' order.
+template <class Use>
+void ForEachFunction(const std::vector<Family>& families, Use use) {
+  for (const Family& family : families)
+    for (const Function& function : family.functions) use(family, function);
+}
+
 std::string Literal(std::string_view utf8) {
   std::string literal = "\"";
   for (char32_t code : CodePoints(utf8)) {
@@ -92,26 +127,18 @@ std::string SettingType(const Family& family, const std::string& name) {
 }
 
 GeneratedFile ImplementationsHeader(const Family& family) {
-  const std::string name = "implementations/" + family.name + ".h";
-  SourceText source(name);
-  source.Line("// " + std::string(kNotice));
-  source.Line("#pragma once");
-  source.Line();
-  source.Line("#include \"frame/convert/argument.h\"");
-  source.Line();
-  source.Line("namespace quillmere {");
-  source.Line();
+  CodeFile file("implementations/" + family.name + ".h", {"frame/convert/argument.h"});
   for (const Setting& setting : family.settings) {
     if (setting.values.empty()) continue;
     std::string values;
     for (const std::string& value : setting.values) values += (values.empty() ? "k" : ", k") + value;
-    source.LineOf(TableName(setting.place), setting.place.line, "enum class " + setting.type + " { " + values + " };");
+    file.LineOf(setting.place, "enum class " + setting.type + " { " + values + " };");
   }
-  source.Line();
-  source.Line(
+  file.Line();
+  file.Line(
       "/// What the functions of this family do. The settings come from the function's entry, the arguments from "
       "Excel.");
-  source.Line("struct " + StructName(family) + " {");
+  file.Line("struct " + StructName(family) + " {");
   for (const Implementation& implementation : family.implementations) {
     const Function& entry = *std::find_if(family.functions.begin(), family.functions.end(), [&](const Function& each) {
       return each.implementation == implementation.name;
@@ -123,13 +150,10 @@ GeneratedFile ImplementationsHeader(const Family& family) {
     for (const ArgumentGroup& group : entry.arguments) {
       parameters += ", const " + ParameterClass(group) + "& " + ParameterName(group.id);
     }
-    source.LineOf(TableName(entry.place), entry.place.line,
-                  "  static void " + implementation.name + "(" + parameters + ");");
+    file.LineOf(entry.place, "  static void " + implementation.name + "(" + parameters + ");");
   }
-  source.Line("};");
-  source.Line();
-  source.Line("}  // namespace quillmere");
-  return {name, source.Text()};
+  file.Line("};");
+  return std::move(file).Finish();
 }
 
 std::string KindName(ArgumentKind kind) {
@@ -172,9 +196,8 @@ std::string ArgumentInitializer(const Argument& argument, const std::string& cho
 
 std::string ArgumentList(const Function& function) { return function.Procedure() + "Arguments"; }
 
-void WriteDeclaration(SourceText& source, const Function& function) {
+void WriteDeclaration(CodeFile& file, const Function& function) {
   const std::string procedure = function.Procedure();
-  const std::string file = TableName(function.place);
   const std::vector<Argument> arguments = function.AllArguments();
   std::string list;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -188,71 +211,45 @@ void WriteDeclaration(SourceText& source, const Function& function) {
         choices += "{" + std::to_string(choice.code) + ", " + WideLiteral(choice.text) + "}, ";
         codes += std::to_string(choice.code) + ", ";
       }
-      source.LineOf(file, function.place.line,
-                    "inline constexpr ArgumentChoice " + choicesName + "[] = {" + choices + "};");
+      file.LineOf(function.place, "inline constexpr ArgumentChoice " + choicesName + "[] = {" + choices + "};");
       if (arguments[i].only) {
         codesName = procedure + "Codes" + std::to_string(i);
-        source.LineOf(file, function.place.line,
-                      "inline constexpr std::int32_t " + codesName + "[] = {" + codes + "};");
+        file.LineOf(function.place, "inline constexpr std::int32_t " + codesName + "[] = {" + codes + "};");
       }
     }
     list += ArgumentInitializer(arguments[i], choicesName, codesName) + ", ";
   }
   if (!arguments.empty()) {
-    source.LineOf(file, function.place.line,
-                  "inline constexpr ArgumentDeclaration " + ArgumentList(function) + "[] = {" + list + "};");
+    file.LineOf(function.place,
+                "inline constexpr ArgumentDeclaration " + ArgumentList(function) + "[] = {" + list + "};");
   }
   const char* const types[] = {"kHidden", "kFunction", "kCommand"};
-  source.LineOf(
-      file, function.place.line,
-      "inline constexpr FunctionDeclaration " + procedure + "Declaration = {.procedure = " + Literal(procedure) +
-          ", .name = " + WideLiteral(function.name) +
-          ", .macroType = MacroType::" + types[static_cast<int>(function.type)] +
-          ", .category = " + std::to_string(function.category) + ", .flags = " + std::to_string(function.flags) +
-          ", .interfaces = " + std::to_string(function.excel4 ? 3 : 2) +
-          ", .helpId = " + std::to_string(function.helpId) + ", .help = " + WideLiteral(function.description) +
-          ", .longText = " + WideLiteral(function.longText) + ", .exampleFormula = " +
-          WideLiteral(function.exampleFormula) + ", .exampleResult = " + WideLiteral(function.exampleResult) +
-          ", .arguments = " + (arguments.empty() ? "{}" : ArgumentList(function)) + "};");
+  file.LineOf(function.place,
+              "inline constexpr FunctionDeclaration " + procedure +
+                  "Declaration = {.procedure = " + Literal(procedure) + ", .name = " + WideLiteral(function.name) +
+                  ", .macroType = MacroType::" + types[static_cast<int>(function.type)] + ", .category = " +
+                  std::to_string(function.category) + ", .flags = " + std::to_string(function.flags) +
+                  ", .interfaces = " + std::to_string(function.excel4 ? 3 : 2) +
+                  ", .helpId = " + std::to_string(function.helpId) + ", .help = " + WideLiteral(function.description) +
+                  ", .longText = " + WideLiteral(function.longText) + ", .exampleFormula = " +
+                  WideLiteral(function.exampleFormula) + ", .exampleResult = " + WideLiteral(function.exampleResult) +
+                  ", .arguments = " + (arguments.empty() ? "{}" : ArgumentList(function)) + "};");
 }
 
 /// What is declared of every function.
 GeneratedFile Declarations(const std::vector<Family>& families) {
-  SourceText source("declarations.h");
-  source.Line("// " + std::string(kNotice));
-  source.Line("#pragma once");
-  source.Line();
-  source.Line("#include \"frame/registration/function_declaration.h\"");
-  source.Line();
-  source.Line("namespace quillmere {");
-  source.Line();
-  for (const Family& family : families) {
-    for (const Function& function : family.functions) WriteDeclaration(source, function);
-  }
-  source.Line();
-  source.Line("}  // namespace quillmere");
-  return {"declarations.h", source.Text()};
+  CodeFile file("declarations.h", {"frame/registration/function_declaration.h"});
+  ForEachFunction(families, [&](const Family&, const Function& function) { WriteDeclaration(file, function); });
+  return std::move(file).Finish();
 }
 
 /// All records in one translation unit: their order of initialisation is that of the tables.
 GeneratedFile Records(const std::vector<Family>& families) {
-  SourceText source("records.cpp");
-  source.Line("// " + std::string(kNotice));
-  source.Line("#include \"declarations.h\"");
-  source.Line("#include \"frame/registration/function_record.h\"");
-  source.Line();
-  source.Line("namespace quillmere {");
-  source.Line("namespace {");
-  source.Line();
-  for (const Family& family : families) {
-    for (const Function& function : family.functions) {
-      source.Line("CXllFunctionRecord " + function.Procedure() + "Record(" + function.Procedure() + "Declaration);");
-    }
-  }
-  source.Line();
-  source.Line("}  // namespace");
-  source.Line("}  // namespace quillmere");
-  return {"records.cpp", source.Text()};
+  CodeFile file("records.cpp", {"declarations.h", "frame/registration/function_record.h"});
+  ForEachFunction(families, [&](const Family&, const Function& function) {
+    file.Line("static CXllFunctionRecord " + function.Procedure() + "Record(" + function.Procedure() + "Declaration);");
+  });
+  return std::move(file).Finish();
 }
 
 /// The body that hands the arguments of one entry to its implementation.
@@ -267,7 +264,7 @@ std::string Body(const Family& family, const Function& function) {
                              : "(arguments[" + first + "], " + ArgumentList(function) + "[" + first + "])");
     at += group.Count();
   }
-  return "void " + function.Procedure() + "Body(CXlOper& result, const CXlOper*" + (at > 0 ? " arguments" : "") +
+  return "static void " + function.Procedure() + "Body(CXlOper& result, const CXlOper*" + (at > 0 ? " arguments" : "") +
          ") { " + StructName(family) + "::" + function.implementation + "(" + values + "); }";
 }
 
@@ -296,65 +293,38 @@ std::string Export(const Function& function, bool excel4) {
 /// Calls `use(function, excel4)` for every export.
 template <class Use>
 void ForEachExport(const std::vector<Family>& families, Use use) {
-  for (const Family& family : families) {
-    for (const Function& function : family.functions) {
-      use(function, false);
-      if (function.excel4) use(function, true);
-    }
-  }
+  ForEachFunction(families, [&](const Family&, const Function& function) {
+    use(function, false);
+    if (function.excel4) use(function, true);
+  });
 }
 
 /// The exports for programs that call them from inside.
 GeneratedFile ExportsHeader(const std::vector<Family>& families) {
-  SourceText source("exports.h");
-  source.Line("// " + std::string(kNotice));
-  source.Line("#pragma once");
-  source.Line();
-  source.Line("#include \"frame/entry/export.h\"");
-  source.Line("#include \"frame/registration/function_declaration.h\"");
-  source.Line();
-  source.Line("namespace quillmere {");
-  source.Line();
+  CodeFile file("exports.h", {"frame/entry/export.h", "frame/registration/function_declaration.h"});
   for (const std::string suffix : {"12", "4"}) {
-    source.Line("template <ArgumentKind kind, bool hasDefault, bool byValue>");
-    source.Line("using Parameter" + suffix + " = typename XlParameter" + suffix +
-                "<LetterOf(kind, hasDefault, byValue)>::Type;");
+    file.Line("template <ArgumentKind kind, bool hasDefault, bool byValue>");
+    file.Line("using Parameter" + suffix + " = typename XlParameter" + suffix +
+              "<LetterOf(kind, hasDefault, byValue)>::Type;");
   }
-  source.Line();
+  file.Line();
   ForEachExport(families, [&](const Function& function, bool excel4) {
-    source.LineOf(TableName(function.place), function.place.line, ExportHead(function, excel4) + ";");
+    file.LineOf(function.place, ExportHead(function, excel4) + ";");
   });
-  source.Line();
-  source.Line("}  // namespace quillmere");
-  return {"exports.h", source.Text()};
+  return std::move(file).Finish();
 }
 
 GeneratedFile Exports(const std::vector<Family>& families) {
-  SourceText source("exports.cpp");
-  source.Line("// " + std::string(kNotice));
-  source.Line("#include \"exports.h\"");
-  source.Line();
-  source.Line("#include \"declarations.h\"");
-  source.Line("#include \"frame/call/wrapper.h\"");
-  for (const Family& family : families) source.Line("#include \"implementations/" + family.name + ".h\"");
-  source.Line();
-  source.Line("namespace quillmere {");
-  source.Line("namespace {");
-  source.Line();
-  for (const Family& family : families) {
-    for (const Function& function : family.functions) {
-      source.LineOf(TableName(function.place), function.place.line, Body(family, function));
-    }
-  }
-  source.Line();
-  source.Line("}  // namespace");
-  source.Line();
-  ForEachExport(families, [&](const Function& function, bool excel4) {
-    source.LineOf(TableName(function.place), function.place.line, Export(function, excel4));
+  std::vector<std::string> includes = {"exports.h", "declarations.h", "frame/call/wrapper.h"};
+  for (const Family& family : families) includes.push_back("implementations/" + family.name + ".h");
+  CodeFile file("exports.cpp", includes);
+  ForEachFunction(families, [&](const Family& family, const Function& function) {
+    file.LineOf(function.place, Body(family, function));
   });
-  source.Line();
-  source.Line("}  // namespace quillmere");
-  return {"exports.cpp", source.Text()};
+  file.Line();
+  ForEachExport(families,
+                [&](const Function& function, bool excel4) { file.LineOf(function.place, Export(function, excel4)); });
+  return std::move(file).Finish();
 }
 
 /// The example of every entry as a script of the headless calculator. What the functions of one family remember is gone
