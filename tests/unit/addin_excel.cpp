@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "frame/callbacks/excel_settings.h"
 #include "frame/values/cell.h"
 
 namespace quillmere::testing {
@@ -44,6 +45,11 @@ AddinExcel::AddinExcel() {
     result = BooleanCell(true);
     return xlretSuccess;
   });
+}
+
+AddinExcel::~AddinExcel() {
+  CurrentExcelSettings() = {};
+  SetDecimalSeparator(XTEXT('.'));
 }
 
 int AddinExcel::Coerce(const XLOPER12& value, XLOPER12& result) {

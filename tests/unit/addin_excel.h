@@ -15,6 +15,8 @@ namespace quillmere::testing {
 class AddinExcel : public FakeExcel {
  public:
   AddinExcel();
+  /// What the add-in learnt here, it forgets.
+  ~AddinExcel();
 
   XString path = XTEXT("C:\\AddIns\\Quillmere4.xll");
   XString version = XTEXT("16.0");

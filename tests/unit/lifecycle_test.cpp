@@ -48,11 +48,7 @@ int memoryClearings = 0;
 
 class Lifecycle : public ::testing::Test {
  protected:
-  ~Lifecycle() override {
-    CXllApp::SetFormulaMemoryClearer(nullptr);
-    CurrentExcelSettings() = {};
-    SetDecimalSeparator(XTEXT('.'));
-  }
+  ~Lifecycle() override { CXllApp::SetFormulaMemoryClearer(nullptr); }
 
   AddinExcel excel;
 };
