@@ -13,8 +13,8 @@
 #include "frame/text/integer_text.h"
 #include "frame/values/array_builder.h"
 #include "implementations/shape.h"
-#include "shape/header_index.h"
 #include "shape/stack_painter.h"
+#include "table/header_index.h"
 
 namespace quillmere {
 namespace {
@@ -59,9 +59,8 @@ std::int32_t Lanes(const CXlCells& cells, StackDirection direction) {
 }
 
 /// A block's first line across the lanes.
-HeaderLine Headers(const CXlCells& cells, StackDirection direction) {
-  return IsAcross(direction) ? HeaderLine{cells.first, cells.rows, cells.columns}
-                             : HeaderLine{cells.first, cells.columns, 1};
+CellLine Headers(const CXlCells& cells, StackDirection direction) {
+  return IsAcross(direction) ? ColumnLine(cells, 0) : RowLine(cells, 0);
 }
 
 StackPiece Piece(const Block& block, AxisMap along, AxisMap lanes, StackDirection direction) {

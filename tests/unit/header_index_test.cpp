@@ -1,5 +1,5 @@
 // Header matching held against the plain scan that says what it means.
-#include "shape/header_index.h"
+#include "table/header_index.h"
 
 #include <gtest/gtest.h>
 

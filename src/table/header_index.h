@@ -6,20 +6,11 @@
 #include <unordered_map>
 #include <vector>
 
-#include "frame/values/cell.h"
+#include "table/cell_line.h"
 
 namespace quillmere {
 
-/// A row or column of header cells: `count` cells, `stride` cells apart.
-struct HeaderLine {
-  const XLOPER12* first;
-  std::int32_t count;
-  std::ptrdiff_t stride;
-
-  const XLOPER12& At(std::int32_t place) const noexcept { return first[place * stride]; }
-};
-
-/// Two headers match when their texts are equal but for letter case, where a number or boolean of the first block
+/// Two headers match when their texts are equal as UpperLabel gives them, where a number or boolean of the first block
 /// counts as its text; or when they are numbers or booleans of the same type and value. A number of a later block does
 /// not match a text of the first one.
 ///
@@ -28,11 +19,11 @@ struct HeaderLine {
 class HeaderIndex {
  public:
   /// Reads the first block's headers; false when one of them is empty or an error.
-  bool Read(const HeaderLine& headers);
+  bool Read(const CellLine& headers);
 
   /// For each header of the first block, the zero-based place of the matching header in a later block, the last where
-  /// several match, or -1. An empty result when not one header matches. Empty cells and errors match nothing.
-  std::vector<std::int32_t> Match(const HeaderLine& headers) const;
+  /// several match, or kNoPlace. An empty result when not one header matches. Empty cells and errors match nothing.
+  std::vector<std::int32_t> Match(const CellLine& headers) const;
 
  private:
   /// A number or a boolean: its type, and its value as bits.
