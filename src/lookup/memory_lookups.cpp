@@ -2,7 +2,6 @@
 #include <cstdint>
 #include <optional>
 #include <utility>
-#include <vector>
 
 #include "frame/callbacks/callbacks.h"
 #include "frame/convert/argument.h"
@@ -108,25 +107,12 @@ std::optional<std::int32_t> FindPosition(MemoryLookup& lookup, const Search& sea
 /// Excel's MATCH in the list alone.
 CXlOper MatchInList(const MemoryLookup& lookup) {
   const MemoryList& list = lookup.list;
-  const std::int32_t length = list.Length();
-  if (list.table.IsReference())
-    return lookup.Match(list.IsAcross() ? list.table.Part(0, list.headers, 1, length)
-                                        : list.table.Part(list.headers, 0, length, 1));
-
-  const CXlCells cells = list.table.Cells();
-  const XLOPER12* first = list.IsAcross() ? &cells.At(0, list.headers) : &cells.At(list.headers, 0);
-  std::vector<XLOPER12> column;
-  if (!list.IsAcross() && cells.columns != 1) {
-    column.reserve(static_cast<std::size_t>(length));
-    for (std::int32_t row = 0; row < length; ++row) column.push_back(cells.At(list.headers + row, 0));
-    first = column.data();
-  }
-  XLOPER12 line{};
-  line.val.array.lparray = const_cast<XLOPER12*>(first);
-  line.val.array.rows = list.IsAcross() ? 1 : length;
-  line.val.array.columns = list.IsAcross() ? length : 1;
-  line.xltype = xltypeMulti;
-  return lookup.Match(line);
+  const std::int32_t row = list.IsAcross() ? 0 : list.headers;
+  const std::int32_t column = list.IsAcross() ? list.headers : 0;
+  const std::int32_t rows = list.IsAcross() ? 1 : list.Length();
+  const std::int32_t columns = list.IsAcross() ? list.Length() : 1;
+  if (list.table.IsReference()) return lookup.Match(list.table.Part(row, column, rows, columns));
+  return lookup.Match(CXlLentCells(list.table.Cells(), row, column, rows, columns));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/entry/excel_entry.h"
+#include "frame/values/lent_cells.h"
 #include "frame/values/xl_oper.h"
 #include "xlcall/callback_list.h"
 
@@ -9,6 +10,7 @@ namespace quillmere {
 
 /// An argument of a callback; only xlFree writes to it.
 inline XLOPER12* RawValue(const CXlOper& value) noexcept { return value.ForCallback(); }
+inline XLOPER12* RawValue(const CXlLentCells& cells) noexcept { return cells.ForCallback(); }
 inline XLOPER12* RawValue(const XLOPER12& value) noexcept { return const_cast<XLOPER12*>(&value); }
 
 /// The out-of-line core of the calls below: `result` receives what Excel returned, or is left never set when the code
@@ -18,9 +20,9 @@ int CallExcelWith(CXlOper& result, int xlfn, int count, XLOPER12* arguments[]) n
 /// Raises CXlRuntimeException with the callback's name and the code it failed with.
 [[noreturn]] void ThrowFailedCall(int xlfn, int code);
 
-/// Calls Excel with `arguments` (CXlOper or XLOPER12) and returns its code. `result`, released first, then owns what
-/// Excel returned; it is never set when the code is not xlretSuccess. Nothing is raised. A result may still be an error
-/// value.
+/// Calls Excel with `arguments` (CXlOper, CXlLentCells or XLOPER12) and returns its code. `result`, released first,
+/// then owns what Excel returned; it is never set when the code is not xlretSuccess. Nothing is raised. A result may
+/// still be an error value.
 template <class... Arguments>
 int TryCallExcel(CXlOper& result, int xlfn, const Arguments&... arguments) noexcept {
   XLOPER12* list[] = {RawValue(arguments)..., nullptr};
