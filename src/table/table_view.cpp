@@ -1,5 +1,7 @@
 #include "table/table_view.h"
 
+#include <utility>
+
 #include "frame/callbacks/callbacks.h"
 
 namespace quillmere {
@@ -25,14 +27,16 @@ TableView::TableView(const CXlOper& table) {
   sheet_ = table.Sheet();
 }
 
-TableView TableView::WithoutFirstRow() const noexcept {
-  TableView rest = *this;
-  --rest.rows_;
-  if (isReference_)
-    ++rest.area_.rwFirst;
-  else
-    rest.first_ += columns_;
-  return rest;
+TableView TableView::SomeRows(std::int32_t first, std::int32_t count) const noexcept {
+  TableView some = *this;
+  some.rows_ = count;
+  if (isReference_) {
+    some.area_.rwFirst += first;
+    some.area_.rwLast = some.area_.rwFirst + count - 1;
+  } else {
+    some.first_ += std::int64_t{first} * columns_;
+  }
+  return some;
 }
 
 XLREF12 TableView::AreaOf(std::int32_t firstRow, std::int32_t firstColumn, std::int32_t rows,
@@ -42,9 +46,10 @@ XLREF12 TableView::AreaOf(std::int32_t firstRow, std::int32_t firstColumn, std::
   return {row, row + rows - 1, column, column + columns - 1};
 }
 
-CXlOper TableView::CoerceCell(std::int32_t row, std::int32_t column) const {
+CXlOper TableView::CoercePart(std::int32_t firstRow, std::int32_t firstColumn, std::int32_t rows,
+                              std::int32_t columns) const {
   // Put together here, since an area of a CXlOper is allocated.
-  XLMREF12 areas{1, {AreaOf(row, column, 1, 1)}};
+  XLMREF12 areas{1, {AreaOf(firstRow, firstColumn, rows, columns)}};
   XLOPER12 reference{};
   reference.xltype = isOnCurrentSheet_ ? xltypeSRef : xltypeRef;
   if (isOnCurrentSheet_) {
@@ -52,11 +57,16 @@ CXlOper TableView::CoerceCell(std::int32_t row, std::int32_t column) const {
   } else {
     reference.val.mref = {&areas, sheet_};
   }
-  CXlOper value = CallExcelOrValueError(xlCoerce, reference);
-  if (value.IsReference()) throw CXlErrorException(xlerrValue);
-  if (!value.IsArray()) return value;
-  if (value.Cells().Count() != 1) throw CXlErrorException(xlerrValue);
-  return CXlOper::FromCell(*value.Cells().first);
+  CXlOper values = CallExcelOrValueError(xlCoerce, reference);
+  if (values.IsReference()) throw CXlErrorException(xlerrValue);
+  const CXlCells cells = values.Cells();
+  if (cells.rows != rows || cells.columns != columns) throw CXlErrorException(xlerrValue);
+  return values;
+}
+
+CXlOper TableView::CoerceCell(std::int32_t row, std::int32_t column) const {
+  CXlOper value = CoercePart(row, column, 1, 1);
+  return value.IsArray() ? CXlOper::FromCell(*value.Cells().first) : std::move(value);
 }
 
 CXlOper TableView::ReadCell(std::int32_t row, std::int32_t column) const {

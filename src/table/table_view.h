@@ -20,12 +20,17 @@ class TableView {
   std::int32_t Columns() const noexcept { return columns_; }
   bool IsReference() const noexcept { return isReference_; }
 
+  /// `count` rows of the same table, perhaps none, from `first` on; they lie within it.
+  TableView SomeRows(std::int32_t first, std::int32_t count) const noexcept;
   /// The same table from its second row on; it may then have no rows.
-  TableView WithoutFirstRow() const noexcept;
+  TableView WithoutFirstRow() const noexcept { return SomeRows(1, rows_ - 1); }
 
   /// An array's cells, row-major; not for references.
   CXlCells Cells() const noexcept { return {first_, rows_, columns_}; }
 
+  /// The values of a rectangle of a reference, read by one xlCoerce: cells of that size, or the value of the only one.
+  /// It has at least one row and column and lies within the table.
+  CXlOper CoercePart(std::int32_t firstRow, std::int32_t firstColumn, std::int32_t rows, std::int32_t columns) const;
   /// A cell of a reference, read by one xlCoerce.
   CXlOper CoerceCell(std::int32_t row, std::int32_t column) const;
   /// The cell's value, wherever it stands: a view of an array's, one xlCoerce for a reference's.

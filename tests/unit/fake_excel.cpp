@@ -49,6 +49,10 @@ XLOPER12 FakeExcel::LendText(XStringView text) {
 }
 
 XLOPER12 FakeExcel::LendArray(int rows, int columns, std::initializer_list<XLOPER12> cells) {
+  return LendArray(rows, columns, std::span(cells.begin(), cells.size()));
+}
+
+XLOPER12 FakeExcel::LendArray(int rows, int columns, std::span<const XLOPER12> cells) {
   std::shared_ptr<XLOPER12[]> copies(new XLOPER12[cells.size()]);
   std::copy(cells.begin(), cells.end(), copies.get());
   XLOPER12 value{};

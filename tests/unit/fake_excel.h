@@ -35,6 +35,7 @@ class FakeExcel {
   XLOPER12 LendText(XStringView text);
   /// Texts lent before may stand among the cells; from then on they belong to the array.
   XLOPER12 LendArray(int rows, int columns, std::initializer_list<XLOPER12> cells);
+  XLOPER12 LendArray(int rows, int columns, std::span<const XLOPER12> cells);
   /// A reference to areas of a sheet, or to the sheet alone.
   XLOPER12 LendReference(IDSHEET sheet, std::span<const XLREF12> areas);
   std::size_t Lent() const { return lent_.size(); }
