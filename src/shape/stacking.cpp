@@ -13,7 +13,7 @@
 #include "frame/text/integer_text.h"
 #include "frame/values/array_builder.h"
 #include "implementations/shape.h"
-#include "shape/stack_painter.h"
+#include "table/array_painter.h"
 #include "table/header_index.h"
 
 namespace quillmere {
@@ -63,8 +63,8 @@ CellLine Headers(const CXlCells& cells, StackDirection direction) {
   return IsAcross(direction) ? ColumnLine(cells, 0) : RowLine(cells, 0);
 }
 
-StackPiece Piece(const Block& block, AxisMap along, AxisMap lanes, StackDirection direction) {
-  StackPiece piece{block.cells, block.isSingleValue, std::move(along), std::move(lanes)};
+ArrayPiece Piece(const Block& block, const AxisMap& along, const AxisMap& lanes, StackDirection direction) {
+  ArrayPiece piece{block.cells, along, lanes};
   if (IsAcross(direction)) std::swap(piece.rows, piece.columns);
   return piece;
 }
@@ -77,19 +77,20 @@ void CheckSize(std::int64_t along, std::int64_t lanes, StackDirection direction)
 /// cell takes a position and leaves it to the fill value.
 AxisMap DataPositions(const Block& block, StackDirection direction) {
   const std::int32_t along = Along(block.cells, direction);
-  if (block.isSingleValue) return {1, 0, 1, {}};
-  if (block.cells.Count() == 1) return {1, 0, 0, {}};
-  return {along - 1, 1, along - 1, {}};
+  if (block.isSingleValue) return AxisMap::Run(0, 1);
+  if (block.cells.Count() == 1) return AxisMap().PaddedTo(1);
+  return AxisMap::Run(1, along - 1);
 }
 
-/// Where the lanes of the result are supplied from in a later block; nothing when no header matches.
+/// Where the lanes of the result are supplied from in a later block, kept in `places` where headers say so; nothing
+/// when no header matches.
 std::optional<AxisMap> MatchedLanes(const HeaderIndex& index, const Block& block, StackDirection direction,
-                                    std::int32_t lanes) {
-  if (block.isSingleValue) return AxisMap{lanes, 0, lanes, {}};
-  if (block.cells.Count() == 1) return AxisMap{lanes, 0, 0, {}};
-  std::vector<std::int32_t> places = index.Match(Headers(block.cells, direction));
+                                    std::int32_t lanes, std::vector<std::int32_t>& places) {
+  if (block.isSingleValue) return AxisMap::Repeated(lanes);
+  if (block.cells.Count() == 1) return AxisMap().PaddedTo(lanes);
+  places = index.Match(Headers(block.cells, direction));
   if (places.empty()) return std::nullopt;
-  return AxisMap{lanes, 0, 0, std::move(places)};
+  return AxisMap::By(places);
 }
 
 void SetNoMatch(CXlOper& result, int argumentNumber) {
@@ -114,13 +115,13 @@ void ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBloc
   }
   CheckSize(along, lanes, direction);
 
-  std::vector<StackPiece> pieces;
+  std::vector<ArrayPiece> pieces;
   pieces.reserve(arguments.blocks.size());
   for (const Block& block : arguments.blocks) {
     const std::int32_t length = Along(block.cells, direction);
     const bool isRepeated = block.isSingleValue && scalarBlock == ScalarBlock::kRepeated;
-    const std::int32_t supplied = isRepeated ? lanes : Lanes(block.cells, direction);
-    pieces.push_back(Piece(block, {length, 0, length, {}}, {lanes, 0, supplied, {}}, direction));
+    const AxisMap across = isRepeated ? AxisMap::Repeated(lanes) : AxisMap::Run(0, Lanes(block.cells, direction));
+    pieces.push_back(Piece(block, AxisMap::Run(0, length), across.PaddedTo(lanes), direction));
   }
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
 }
@@ -143,19 +144,21 @@ void ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction, co
   for (const Block& block : std::span(arguments.blocks).subspan(1)) along += DataPositions(block, direction).length;
   CheckSize(along, lanes, direction);
 
-  std::vector<StackPiece> pieces;
+  std::vector<ArrayPiece> pieces;
   pieces.reserve(arguments.blocks.size());
   const std::int32_t firstLength = Along(first.cells, direction);
-  pieces.push_back(Piece(first, {firstLength, 0, firstLength, {}}, {lanes, 0, lanes, {}}, direction));
+  std::vector<std::vector<std::int32_t>> matches(arguments.blocks.size());
+  pieces.push_back(Piece(first, AxisMap::Run(0, firstLength), AxisMap::Run(0, lanes), direction));
   for (const Block& block : std::span(arguments.blocks).subspan(1)) {
-    AxisMap positions = DataPositions(block, direction);
+    const AxisMap positions = DataPositions(block, direction);
     if (positions.length == 0) continue;
-    std::optional<AxisMap> matched = MatchedLanes(index, block, direction, lanes);
+    std::vector<std::int32_t>& places = matches[pieces.size()];
+    const std::optional<AxisMap> matched = MatchedLanes(index, block, direction, lanes, places);
     if (!matched) {
       SetNoMatch(result, block.argumentNumber);
       return;
     }
-    pieces.push_back(Piece(block, std::move(positions), std::move(*matched), direction));
+    pieces.push_back(Piece(block, positions, *matched, direction));
   }
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
 }
