@@ -13,6 +13,7 @@ inline XLOPER12* Passed(const CXlOper& value) { return value.ForCallback(); }
 inline XLOPER12* Passed(const XLOPER12& value) { return const_cast<XLOPER12*>(&value); }
 inline XLOPER12* Passed(XLOPER12* value) { return value; }
 inline XLOPER12* Passed(std::nullptr_t) { return nullptr; }
+inline std::int32_t Passed(std::int32_t value) { return value; }
 
 /// Calls an export and gives what it returns back.
 template <class Export, class... Arguments>

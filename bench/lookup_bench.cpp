@@ -60,26 +60,42 @@ struct Job {
   }
 };
 
-void Unsorted(benchmark::State& state, KeyKind kind) {
-  const Job job(state, kind, false);
-  for (auto _ : state) {
-    CallAsExcel(&AVLOOKUP2_12, job.keys.value, job.table.value, job.answerColumn, nullptr, nullptr, nullptr, kNoMemory);
-  }
+/// Times `look(keys, table, answerColumn)`.
+template <class Look>
+void Time(benchmark::State& state, KeyKind kind, bool sorted, const Look& look) {
+  const Job job(state, kind, sorted);
+  for (auto _ : state) look(job.keys.value, job.table.value, job.answerColumn);
 }
 
-void Sorted(benchmark::State& state, KeyKind kind) {
-  const Job job(state, kind, true);
-  for (auto _ : state) {
-    CallAsExcel(&AVLOOKUP2_12, job.keys.value, job.table.value, job.answerColumn, BooleanCell(true), nullptr, nullptr,
-                kNoMemory);
-  }
+void FirstMatches(benchmark::State& state, KeyKind kind, bool sorted) {
+  Time(state, kind, sorted, [sorted](auto& keys, auto& table, auto& answerColumn) {
+    CallAsExcel(&AVLOOKUP2_12, keys, table, answerColumn, BooleanCell(sorted), nullptr, nullptr, kNoMemory);
+  });
 }
+
+void Unsorted(benchmark::State& state, KeyKind kind) { FirstMatches(state, kind, false); }
+
+void Sorted(benchmark::State& state, KeyKind kind) { FirstMatches(state, kind, true); }
 
 void AllMatches(benchmark::State& state) {
-  const Job job(state, KeyKind::kNumber, false);
-  for (auto _ : state) {
-    CallAsExcel(&AMATCHES2_12, job.keys.value, job.table.value, nullptr, nullptr, nullptr);
-  }
+  Time(state, KeyKind::kNumber, false,
+       [](auto& keys, auto& table, auto&) { CallAsExcel(&AMATCHES2_12, keys, table, nullptr, nullptr, nullptr); });
+}
+
+/// The last row of a single key that no row has.
+void LastMatch(benchmark::State& state, KeyKind kind) {
+  Time(state, kind, false, [](auto& keys, auto& table, auto&) {
+    constexpr std::int32_t kLast = -2;
+    CallAsExcel(&AMATCHNTH_12, keys, table, nullptr, nullptr, nullptr, kLast);
+  });
+}
+
+/// Every row whose text matches a pattern; nine texts in ten fail at its last unit.
+void Wildcards(benchmark::State& state, bool caseSensitive) {
+  const CXlOper pattern = CXlOper::Text(XTEXT("K*5?7*3"));
+  Time(state, KeyKind::kText, false, [&](auto&, auto& table, auto&) {
+    CallAsExcel(caseSensitive ? &Case_AMATCHES2_12 : &AMATCHES2_12, pattern, table, nullptr, nullptr, nullptr);
+  });
 }
 
 std::u16string Folded(const XLOPER12& cell) {
@@ -146,6 +162,10 @@ void ManyKeys(benchmark::internal::Benchmark* benchmark) {
   benchmark->Unit(benchmark::kMillisecond);
 }
 
+void OneKey(benchmark::internal::Benchmark* benchmark) {
+  benchmark->Args({1'000'000, 1})->Unit(benchmark::kMillisecond);
+}
+
 BENCHMARK_CAPTURE(Unsorted, Numbers, KeyKind::kNumber)->Apply(ManyKeys);
 BENCHMARK(PlainMapOfNumbers)->Apply(ManyKeys);
 BENCHMARK_CAPTURE(Unsorted, Texts, KeyKind::kText)->Apply(ManyKeys);
@@ -153,10 +173,14 @@ BENCHMARK(PlainMapOfTexts)->Apply(ManyKeys);
 BENCHMARK_CAPTURE(Unsorted, TextAndNumber, KeyKind::kTextAndNumber)->Apply(ManyKeys);
 BENCHMARK_CAPTURE(Unsorted, Mixed, KeyKind::kMixed)->Apply(ManyKeys);
 BENCHMARK(AllMatches)->Apply(ManyKeys);
+BENCHMARK_CAPTURE(LastMatch, Numbers, KeyKind::kNumber)->Apply(OneKey);
+BENCHMARK_CAPTURE(LastMatch, Texts, KeyKind::kText)->Apply(OneKey);
+BENCHMARK_CAPTURE(Wildcards, AnyCase, false)->Apply(OneKey);
+BENCHMARK_CAPTURE(Wildcards, CaseSensitive, true)->Apply(OneKey);
 BENCHMARK_CAPTURE(Sorted, Numbers, KeyKind::kNumber)->Apply(ManyKeys);
 BENCHMARK(PlainBinarySearch)->Apply(ManyKeys);
 BENCHMARK_CAPTURE(Sorted, Texts, KeyKind::kText)->Apply(ManyKeys);
-BENCHMARK(PlainScanOfNumbers)->Args({1'000'000, 1})->Unit(benchmark::kMillisecond);
+BENCHMARK(PlainScanOfNumbers)->Apply(OneKey);
 
 }  // namespace
 }  // namespace quillmere
