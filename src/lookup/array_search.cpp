@@ -1,6 +1,7 @@
 #include "lookup/array_search.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 #include "lookup/array_bisection.h"
@@ -60,7 +61,7 @@ class PatternScan {
     patterns_.reserve(key.size());
     for (const PreparedLookupValue& part : key) {
       patterns_.emplace_back();
-      if (HasPattern(part)) patterns_.back().emplace(part.text, caseSensitive);
+      if (HasPattern(part)) patterns_.back() = std::make_unique<WildcardPattern>(part.text, caseSensitive);
     }
   }
 
@@ -80,7 +81,7 @@ class PatternScan {
   bool Matches(std::int32_t row) const {
     for (std::size_t part = 0; part < key_.size(); ++part) {
       const XLOPER12& cell = table_.At(row, part);
-      const std::optional<WildcardPattern>& pattern = patterns_[part];
+      const TextMatcher* const pattern = patterns_[part].get();
       if (!(pattern ? IsTextCell(cell) && pattern->Matches(TextOf(cell)) : EqualsLookupValue(cell, key_[part])))
         return false;
     }
@@ -89,7 +90,7 @@ class PatternScan {
 
   const ArrayColumns& table_;
   Key key_;
-  std::vector<std::optional<WildcardPattern>> patterns_;
+  std::vector<std::unique_ptr<const TextMatcher>> patterns_;
 };
 
 void SearchUnsorted(const ArrayColumns& table, const LookupKeys& keys, std::int32_t position, FoundRows& found) {

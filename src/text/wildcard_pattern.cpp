@@ -23,6 +23,16 @@ inline bool MatchesPart(const XCHAR* text, const XString& part) {
   return true;
 }
 
+/// Adds to a reject how texts begin and end.
+QuickReject WithEnds(QuickReject reject, XStringView prefix, XStringView suffix, bool caseSensitive) {
+  for (std::size_t at = 0; at < prefix.size(); ++at)
+    if (prefix[at] != kAnyUnit) reject.Require(static_cast<std::ptrdiff_t>(at), prefix[at], caseSensitive);
+  for (std::size_t back = 1; back <= suffix.size(); ++back)
+    if (const XCHAR unit = suffix[suffix.size() - back]; unit != kAnyUnit)
+      reject.Require(-static_cast<std::ptrdiff_t>(back), unit, caseSensitive);
+  return reject;
+}
+
 }  // namespace
 
 bool HasWildcards(XStringView text) {
@@ -41,24 +51,26 @@ bool HasWildcards(XStringView text) {
 }
 
 WildcardPattern::WildcardPattern(XStringView pattern, bool caseSensitive)
-    : caseSensitive_(caseSensitive), hasStar_(false), prefix_(pattern.size(), XCHAR{}), leastUnits_(0) {
+    : caseSensitive_(caseSensitive), prefix_(pattern.size(), XCHAR{}) {
   std::transform(pattern.begin(), pattern.end(), prefix_.begin(),
                  [caseSensitive](XCHAR unit) { return caseSensitive ? unit : LowerCase(unit); });
-  leastUnits_ = prefix_.size() - std::count(prefix_.begin(), prefix_.end(), kStar);
+  const std::size_t least = prefix_.size() - std::count(prefix_.begin(), prefix_.end(), kStar);
   const std::size_t firstStar = prefix_.find(kStar);
-  if (firstStar == XString::npos) return;
-  hasStar_ = true;
+  if (firstStar == XString::npos) {
+    RejectBy(WithEnds({least, least}, prefix_, prefix_, caseSensitive));
+    return;
+  }
   std::size_t star = firstStar;
   for (std::size_t next = 0; (next = prefix_.find(kStar, star + 1)) != XString::npos; star = next)
     if (next > star + 1) middle_.emplace_back(prefix_.substr(star + 1, next - star - 1));
   suffix_ = prefix_.substr(star + 1);
   prefix_.resize(firstStar);
+  RejectBy(WithEnds({least, XStringView::npos}, prefix_, suffix_, caseSensitive));
 }
 
-bool WildcardPattern::Matches(XStringView text) const {
+bool WildcardPattern::MatchesInFull(XStringView text) const {
   if (text.size() > kXlMaxText) [[unlikely]]
     ThrowStringTooLong();
-  if (text.size() < leastUnits_ || (!hasStar_ && text.size() != leastUnits_)) return false;
   return caseSensitive_ ? MatchesCased<true>(text) : MatchesCased<false>(text);
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "text/segment_search.h"
+#include "text/text_matcher.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere {
@@ -15,26 +16,23 @@ bool HasWildcards(XStringView text);
 /// A pattern made ready for matching whole texts against it. A text matches as the anchored regular expression does in
 /// which * is .* and ? is . (any unit, line ends included). Without regard to case, units are compared by their lower
 /// case, of every letter, not A to Z alone. No pattern makes matching go back over the text: each unit is met once by a
-/// segment of the pattern, the units between two stars. Matching allocates nothing. Texts are a cell's, 32,767 units at
-/// most; a longer one is CXlStringTooLongException.
-class WildcardPattern {
+/// segment of the pattern, the units between two stars. A pattern without wildcards matches that text alone, exactly or
+/// in any case. A text longer than a cell's that is not rejected at once is CXlStringTooLongException.
+class WildcardPattern : public TextMatcher {
  public:
   WildcardPattern(XStringView pattern, bool caseSensitive);
 
-  bool Matches(XStringView text) const;
-
  private:
+  bool MatchesInFull(XStringView text) const override;
   template <bool caseSensitive>
   bool MatchesCased(XStringView text) const;
   template <std::size_t kRoom>
   bool MatchesMiddle(XStringView middle) const;
 
   bool caseSensitive_;
-  bool hasStar_;
   XString prefix_;                     ///< before the first star; all units here are in lower case unless case counts
   XString suffix_;                     ///< behind the last star
   std::vector<SegmentSearch> middle_;  ///< between two stars, none empty
-  std::size_t leastUnits_;             ///< what a text needs to match at all
 };
 
 }  // namespace quillmere
