@@ -79,6 +79,11 @@ inline void PrefetchCell(const XLOPER12* cell) noexcept {
   __builtin_prefetch(&cell->xltype);
 }
 
+/// And for the text of a cell that is there already: it lies elsewhere.
+inline void PrefetchText(const XLOPER12& cell) {
+  if (IsTextCell(cell)) __builtin_prefetch(cell.val.str);
+}
+
 // Makers of single cells that point to nothing.
 
 inline XLOPER12 ErrorCell(std::int32_t code) noexcept {

@@ -49,10 +49,6 @@ inline void MoveText(XCHAR* toUnits, const XCHAR* fromUnits, std::size_t units) 
 /// How many cells ahead the copy asks for a text, since texts may lie anywhere.
 constexpr std::size_t kAhead = 12;
 
-inline void PrefetchText(const XLOPER12& cell) {
-  if (IsTextCell(cell)) __builtin_prefetch(cell.val.str);
-}
-
 constexpr std::uint64_t kExponentBits = 0x7FF0'0000'0000'0000;
 
 /// The code as it is where it can be one of Excel's, newer ones included; what is none must not reach a cell.
