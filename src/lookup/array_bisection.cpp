@@ -6,6 +6,7 @@
 #include <cmath>
 #include <optional>
 
+#include "lookup/array_rows.h"
 #include "lookup/bisection_top.h"
 
 namespace quillmere {
@@ -45,13 +46,13 @@ LaneKind FillLanes(Lanes lanes, std::span<KeyRoom> rooms, const LookupKeys& keys
 }
 
 template <SortOrder order, RunEnd end>
-void StepLane(const ArrayColumns& table, Key key, Bisection& bisection) {
+void StepLane(const RowTuples& rows, Key key, Bisection& bisection) {
   const std::int32_t row = bisection.Middle();
-  if (IsEmptyCell(table.At(row, 0))) {
+  if (IsEmptyCell(rows.At(row, 0))) {
     bisection.StepOverEmpty();
     return;
   }
-  const int comparison = CompareRow(table, row, key);
+  const int comparison = CompareRow(rows, row, key);
   const bool before = comparison < 0;
   const bool after = comparison > 0;
   bisection.Step<order, end>(before, after);
@@ -59,19 +60,16 @@ void StepLane(const ArrayColumns& table, Key key, Bisection& bisection) {
 
 /// Keys of any kind, of one or several parts.
 template <SortOrder order, RunEnd end>
-void BisectLanes(const ArrayColumns& table, Lanes lanes) {
+void BisectLanes(const RowTuples& rows, Lanes lanes) {
   for (bool busy = true; busy;) {
     busy = false;
     for (Lane& lane : lanes)
-      if (!lane.bisection.IsDone()) PrefetchCell(&table.At(lane.bisection.Middle(), 0));
+      if (!lane.bisection.IsDone()) PrefetchCell(&rows.At(lane.bisection.Middle(), 0));
+    for (Lane& lane : lanes)
+      if (!lane.bisection.IsDone()) PrefetchText(rows.At(lane.bisection.Middle(), 0));
     for (Lane& lane : lanes) {
       if (lane.bisection.IsDone()) continue;
-      const XLOPER12& cell = table.At(lane.bisection.Middle(), 0);
-      if (IsTextCell(cell)) __builtin_prefetch(cell.val.str);
-    }
-    for (Lane& lane : lanes) {
-      if (lane.bisection.IsDone()) continue;
-      StepLane<order, end>(table, lane.key, lane.bisection);
+      StepLane<order, end>(rows, lane.key, lane.bisection);
       busy = true;
     }
   }
@@ -109,10 +107,10 @@ void DescendTop(const BisectionTop& top, Lanes lanes) {
 /// Keys of one part that are numbers. No branch hangs on how they compare with number cells, and each lane asks for its
 /// next cell as soon as it knows which that is.
 template <SortOrder order, RunEnd end>
-void BisectNumberLanes(const ArrayColumns& table, Lanes lanes, const BisectionTop* top) {
+void BisectNumberLanes(const RowTuples& rows, Lanes lanes, const BisectionTop* top) {
   if (top) DescendTop<order, end>(*top, lanes);
-  const XLOPER12* const column = table.cells.first + table.columns[0];
-  const std::int64_t stride = table.cells.columns;
+  const XLOPER12* const column = rows.CellAt(0, 0);
+  const std::ptrdiff_t stride = rows.Stride();
   std::array<double, kLanes> wanted;
   std::array<Bisection, kLanes> bisections;
   std::array<const XLOPER12*, kLanes> cells;
@@ -133,7 +131,7 @@ void BisectNumberLanes(const ArrayColumns& table, Lanes lanes, const BisectionTo
       StepOverOther<order, end>(*cells[i], bisection);
   };
   // So many halvings leave every lane with something to halve; after them a lane is done or has one row to look at.
-  const int rounds = std::bit_width(static_cast<std::uint32_t>(table.cells.rows) + 1) - 1;
+  const int rounds = std::bit_width(static_cast<std::uint32_t>(rows.Count()) + 1) - 1;
   for (int round = top ? BisectionTop::kLevels : 0; round < rounds; ++round) {
     for (std::size_t i = 0; i < lanes.size(); ++i) {
       step(i);
@@ -147,19 +145,19 @@ void BisectNumberLanes(const ArrayColumns& table, Lanes lanes, const BisectionTo
 }
 
 template <SortOrder order, RunEnd end>
-void Bisect(const ArrayColumns& table, Lanes lanes, LaneKind kind, const BisectionTop* top) {
-  for (Lane& lane : lanes) lane.bisection = Bisection(table.cells.rows);
+void Bisect(const RowTuples& rows, Lanes lanes, LaneKind kind, const BisectionTop* top) {
+  for (Lane& lane : lanes) lane.bisection = Bisection(rows.Count());
   if (kind == LaneKind::kNumbers)
-    BisectNumberLanes<order, end>(table, lanes, top);
+    BisectNumberLanes<order, end>(rows, lanes, top);
   else
-    BisectLanes<order, end>(table, lanes);
+    BisectLanes<order, end>(rows, lanes);
 }
 
 template <SortOrder order>
-void FindRuns(const ArrayColumns& table, Lanes lanes, LaneKind kind, const BisectionTop* top, RunEnds ends,
+void FindRuns(const RowTuples& rows, Lanes lanes, LaneKind kind, const BisectionTop* top, RunEnds ends,
               std::span<SortedRun> runs) {
   if (ends != RunEnds::kLast) {
-    Bisect<order, RunEnd::kFirst>(table, lanes, kind, top);
+    Bisect<order, RunEnd::kFirst>(rows, lanes, kind, top);
     for (std::size_t i = 0; i < lanes.size(); ++i) {
       const Bisection& bisection = lanes[i].bisection;
       const std::int32_t row = bisection.Row<RunEnd::kFirst>();
@@ -167,7 +165,7 @@ void FindRuns(const ArrayColumns& table, Lanes lanes, LaneKind kind, const Bisec
     }
   }
   if (ends != RunEnds::kFirst) {
-    Bisect<order, RunEnd::kLast>(table, lanes, kind, top);
+    Bisect<order, RunEnd::kLast>(rows, lanes, kind, top);
     for (std::size_t i = 0; i < lanes.size(); ++i) {
       const Bisection& bisection = lanes[i].bisection;
       runs[i].last = bisection.Row<RunEnd::kLast>();
@@ -180,11 +178,11 @@ void FindRuns(const ArrayColumns& table, Lanes lanes, LaneKind kind, const Bisec
 
 }  // namespace
 
-void BisectArray(const ArrayColumns& table, const LookupKeys& keys, const MatchRules& rules, std::int32_t position,
+void BisectArray(const RowTuples& rows, const LookupKeys& keys, const MatchRules& rules, std::int32_t position,
                  FoundRows& found) {
   const RunEnds ends = NeededEnds(rules.order, position);
   std::optional<BisectionTop> top;
-  if (keys.Parts() == 1 && BisectionTop::Pays(table.cells.rows, keys.Count())) top.emplace(table, rules.order);
+  if (keys.Parts() == 1 && BisectionTop::Pays(rows.Count(), keys.Count())) top.emplace(rows, rules.order);
   const BisectionTop* const held = top ? &*top : nullptr;
   std::array<Lane, kLanes> lanes;
   std::array<SortedRun, kLanes> runs;
@@ -193,8 +191,8 @@ void BisectArray(const ArrayColumns& table, const LookupKeys& keys, const MatchR
     const std::int32_t count = std::min(kLanes, keys.Count() - first);
     const Lanes busy(lanes.data(), static_cast<std::size_t>(count));
     const LaneKind kind = FillLanes(busy, rooms, keys, first);
-    rules.order == SortOrder::kAscending ? FindRuns<SortOrder::kAscending>(table, busy, kind, held, ends, runs)
-                                         : FindRuns<SortOrder::kDescending>(table, busy, kind, held, ends, runs);
+    rules.order == SortOrder::kAscending ? FindRuns<SortOrder::kAscending>(rows, busy, kind, held, ends, runs)
+                                         : FindRuns<SortOrder::kDescending>(rows, busy, kind, held, ends, runs);
     for (int i = 0; i < count; ++i) RecordRun(runs[i], position, rules.exact, found);
   }
 }

@@ -1,15 +1,15 @@
 // Bisection of sorted arrays, many keys side by side.
 #pragma once
 
-#include "lookup/array_columns.h"
 #include "lookup/lookup_arguments.h"
 #include "lookup/lookup_keys.h"
 #include "lookup/match_walk.h"
+#include "table/cell_tuples.h"
 
 namespace quillmere {
 
 /// Adds the wanted rows of every key; `rules.order` is one of the sorted ones.
-void BisectArray(const ArrayColumns& table, const LookupKeys& keys, const MatchRules& rules, std::int32_t position,
+void BisectArray(const RowTuples& rows, const LookupKeys& keys, const MatchRules& rules, std::int32_t position,
                  FoundRows& found);
 
 }  // namespace quillmere

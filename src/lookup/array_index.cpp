@@ -8,32 +8,6 @@
 namespace quillmere {
 namespace {
 
-/// The rows of a table as tuples of cells, in their order or from the last to the first.
-struct RowTuples {
-  const ArrayColumns& table;
-  bool backwards;
-
-  std::int32_t Count() const noexcept { return table.cells.rows; }
-  std::size_t Parts() const noexcept { return table.columns.size(); }
-  std::int32_t Row(std::int32_t place) const noexcept { return backwards ? table.cells.rows - 1 - place : place; }
-  /// From the cell of a part to that of the next tuple.
-  std::ptrdiff_t Stride() const noexcept { return backwards ? -table.cells.columns : table.cells.columns; }
-  const XLOPER12* CellAt(std::int32_t place, std::size_t part) const noexcept { return &table.At(Row(place), part); }
-  /// What a cell stands for.
-  const XLOPER12& Meaning(const XLOPER12& cell) const noexcept { return cell; }
-};
-
-/// The keys as tuples of cells.
-struct KeyTuples {
-  const LookupKeys& keys;
-
-  std::int32_t Count() const noexcept { return keys.Count(); }
-  std::size_t Parts() const noexcept { return keys.Parts(); }
-  std::ptrdiff_t Stride() const noexcept { return static_cast<std::ptrdiff_t>(keys.Parts()); }
-  const XLOPER12* CellAt(std::int32_t place, std::size_t part) const noexcept { return keys.CellAt(place, part); }
-  const XLOPER12& Meaning(const XLOPER12& cell) const noexcept { return keys.Meaning(cell); }
-};
-
 /// Takes in which rows are in which group, in the order in which they are wanted.
 class RowCollector {
  public:
@@ -86,51 +60,14 @@ class RowCollector {
   std::vector<Pair> pairs_;
 };
 
-/// The groups of all tuples, by their places; false when one cannot be indexed.
-template <TextCase textCase, class Tuples>
-bool AddAll(const Tuples& tuples, TupleIndex<textCase, Tuples>& index, std::vector<std::int32_t>& groups) {
-  groups.reserve(static_cast<std::size_t>(tuples.Count()));
-  HashBatch<textCase, Tuples> hashes(tuples);
-  for (std::int32_t first = 0; first < tuples.Count(); first += kTupleBatch) {
-    if (!hashes.Fill(first)) return false;
-    for (std::int32_t i = 0; i < hashes.Count(); ++i) index.PrefetchSlot(hashes[i]);
-    for (std::int32_t i = 0; i < hashes.Count(); ++i) groups.push_back(index.Add(first + i, hashes[i]));
-  }
-  return true;
-}
-
-/// Calls `take(place, group)` for the tuples that are in the index, until it returns false; false when one cannot be
-/// looked up.
-template <TextCase textCase, class Tuples, class Others, class Take>
-bool FindAll(const Others& others, const TupleIndex<textCase, Tuples>& index, Take take) {
-  HashBatch<textCase, Others> hashes(others);
-  std::int32_t candidates[kTupleBatch];
-  for (std::int32_t first = 0; first < others.Count(); first += kTupleBatch) {
-    if (!hashes.Fill(first)) return false;
-    std::int32_t count = 0;
-    for (std::int32_t i = 0; i < hashes.Count(); ++i) {
-      candidates[count] = i;
-      count += index.MayHold(hashes[i]) ? 1 : 0;
-    }
-    const std::span chosen(candidates, static_cast<std::size_t>(count));
-    for (const std::int32_t i : chosen) index.PrefetchSlot(hashes[i]);
-    for (const std::int32_t i : chosen) index.PrefetchTuple(hashes[i]);
-    for (const std::int32_t i : chosen) index.PrefetchTexts(hashes[i]);
-    for (const std::int32_t i : chosen) {
-      const std::int32_t group = index.Find(others, first + i, hashes[i]);
-      if (group != kNoGroup && !take(first + i, group)) return true;
-    }
-  }
-  return true;
-}
-
 }  // namespace
 
 struct ArrayIndex::Search {
   ArrayIndex& result;
-  const RowTuples rows;
-  const KeyTuples keys;
+  const LookupKeys& keys;
   const std::int32_t position;
+  const bool wantsLast;
+  const RowTuples rows;  ///< in the order in which they are wanted
 
   template <TextCase textCase>
   bool Run() {
@@ -139,11 +76,11 @@ struct ArrayIndex::Search {
 
   template <TextCase textCase>
   bool PassRowsByKeys() {
-    TupleIndex<textCase, KeyTuples> index(keys);
-    if (!AddAll(keys, index, result.groupOfKey_)) return false;
+    TupleIndex<textCase, LookupKeys> index(keys);
+    if (!index.AddAll(result.groupOfKey_)) return false;
     RowCollector collector(keys.Count(), index.Groups(), position);
-    const bool ordinary = FindAll(rows, index, [&](std::int32_t place, std::int32_t group) {
-      collector.Add(group, rows.Row(place));
+    const bool ordinary = index.FindAll(rows, [&](std::int32_t place, std::int32_t group) {
+      collector.Add(group, RowAt(place));
       return !collector.IsDone();
     });
     Take(std::move(collector));
@@ -154,17 +91,19 @@ struct ArrayIndex::Search {
   bool PassKeysByRows() {
     TupleIndex<textCase, RowTuples> index(rows);
     std::vector<std::int32_t> groups;
-    if (!AddAll(rows, index, groups)) return false;
+    if (!index.AddAll(groups)) return false;
     RowCollector collector(rows.Count(), index.Groups(), position);
     for (std::int32_t place = 0; place < rows.Count(); ++place)
-      collector.Add(groups[static_cast<std::size_t>(place)], rows.Row(place));
+      collector.Add(groups[static_cast<std::size_t>(place)], RowAt(place));
     Take(std::move(collector));
     result.groupOfKey_.assign(static_cast<std::size_t>(keys.Count()), kNoGroup);
-    return FindAll(keys, index, [&](std::int32_t place, std::int32_t group) {
+    return index.FindAll(keys, [&](std::int32_t place, std::int32_t group) {
       result.groupOfKey_[static_cast<std::size_t>(place)] = group;
       return true;
     });
   }
+
+  std::int32_t RowAt(std::int32_t place) const noexcept { return wantsLast ? rows.Count() - 1 - place : place; }
 
   void Take(RowCollector&& collector) {
     if (result.wantsAll_)
@@ -174,9 +113,10 @@ struct ArrayIndex::Search {
   }
 };
 
-ArrayIndex::ArrayIndex(const ArrayColumns& table, const LookupKeys& keys, std::int32_t position)
+ArrayIndex::ArrayIndex(const RowTuples& rows, const LookupKeys& keys, std::int32_t position)
     : wantsAll_(position == wanted_match::kAll) {
-  Search search{*this, {table, position == wanted_match::kLast}, {keys}, position};
+  const bool wantsLast = position == wanted_match::kLast;
+  Search search{*this, keys, position, wantsLast, wantsLast ? rows.Reversed() : rows};
   usable_ = keys.CaseSensitive() ? search.Run<TextCase::kCounts>() : search.Run<TextCase::kIgnored>();
 }
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "lookup/array_columns.h"
 #include "lookup/lookup_keys.h"
 #include "lookup/match_walk.h"
+#include "table/cell_tuples.h"
 
 namespace quillmere {
 
@@ -18,7 +18,7 @@ class ArrayIndex {
   static bool Pays(std::int64_t rows, std::int64_t keys) noexcept { return rows * keys > 2 * (rows + keys); }
 
   /// Searches. What it is given must outlive it.
-  ArrayIndex(const ArrayColumns& table, const LookupKeys& keys, std::int32_t position);
+  ArrayIndex(const RowTuples& rows, const LookupKeys& keys, std::int32_t position);
 
   /// False when a number that is none stands among the keys or rows looked at: such a number equals all others, so
   /// that only a scan can find what there is to find.

@@ -6,6 +6,7 @@
 
 #include "lookup/array_bisection.h"
 #include "lookup/array_index.h"
+#include "lookup/array_rows.h"
 #include "text/wildcard_pattern.h"
 
 namespace quillmere {
@@ -20,44 +21,44 @@ bool HasPattern(Key key) {
 /// Scans for a key without wildcards.
 class PlainScan {
  public:
-  PlainScan(const ArrayColumns& table, Key key) noexcept : table_(table), key_(key) {}
+  PlainScan(const RowTuples& rows, Key key) noexcept : rows_(rows), key_(key) {}
 
   std::int32_t Next(std::int32_t from) const {
     return IsNumberCell(key_[0].value) ? NextNumber(from, key_[0].value.val.num) : NextOfAnyKind(from);
   }
 
   std::int32_t Last() const {
-    std::int32_t row = table_.cells.rows - 1;
-    while (row >= 0 && !EqualsRow(table_, row, key_)) --row;
+    std::int32_t row = rows_.Count() - 1;
+    while (row >= 0 && !EqualsRow(rows_, row, key_)) --row;
     return row;
   }
 
  private:
   /// The loop of the most common case, with nothing in it but the cell's kind and number.
   std::int32_t NextNumber(std::int32_t from, double wanted) const {
-    for (std::int32_t row = from; row < table_.cells.rows; ++row) {
-      const XLOPER12& cell = table_.At(row, 0);
+    for (std::int32_t row = from; row < rows_.Count(); ++row) {
+      const XLOPER12& cell = rows_.At(row, 0);
       // Neither below nor above: so a number that is none equals all, as everywhere.
-      if (IsNumberCell(cell) && !(cell.val.num < wanted) && !(cell.val.num > wanted) && EqualsRow(table_, row, key_, 1))
+      if (IsNumberCell(cell) && !(cell.val.num < wanted) && !(cell.val.num > wanted) && EqualsRow(rows_, row, key_, 1))
         return row;
     }
     return kNoRow;
   }
 
   std::int32_t NextOfAnyKind(std::int32_t from) const {
-    for (std::int32_t row = from; row < table_.cells.rows; ++row)
-      if (EqualsRow(table_, row, key_)) return row;
+    for (std::int32_t row = from; row < rows_.Count(); ++row)
+      if (EqualsRow(rows_, row, key_)) return row;
     return kNoRow;
   }
 
-  const ArrayColumns& table_;
+  const RowTuples& rows_;
   Key key_;
 };
 
 /// Scans for a key some of whose parts are patterns.
 class PatternScan {
  public:
-  PatternScan(const ArrayColumns& table, Key key, bool caseSensitive) : table_(table), key_(key) {
+  PatternScan(const RowTuples& rows, Key key, bool caseSensitive) : rows_(rows), key_(key) {
     patterns_.reserve(key.size());
     for (const PreparedLookupValue& part : key) {
       patterns_.emplace_back();
@@ -66,13 +67,13 @@ class PatternScan {
   }
 
   std::int32_t Next(std::int32_t from) const {
-    for (std::int32_t row = from; row < table_.cells.rows; ++row)
+    for (std::int32_t row = from; row < rows_.Count(); ++row)
       if (Matches(row)) return row;
     return kNoRow;
   }
 
   std::int32_t Last() const {
-    std::int32_t row = table_.cells.rows - 1;
+    std::int32_t row = rows_.Count() - 1;
     while (row >= 0 && !Matches(row)) --row;
     return row;
   }
@@ -80,7 +81,7 @@ class PatternScan {
  private:
   bool Matches(std::int32_t row) const {
     for (std::size_t part = 0; part < key_.size(); ++part) {
-      const XLOPER12& cell = table_.At(row, part);
+      const XLOPER12& cell = rows_.At(row, part);
       const TextMatcher* const pattern = patterns_[part].get();
       if (!(pattern ? IsTextCell(cell) && pattern->Matches(TextOf(cell)) : EqualsLookupValue(cell, key_[part])))
         return false;
@@ -88,14 +89,14 @@ class PatternScan {
     return true;
   }
 
-  const ArrayColumns& table_;
+  const RowTuples& rows_;
   Key key_;
   std::vector<std::unique_ptr<const TextMatcher>> patterns_;
 };
 
-void SearchUnsorted(const ArrayColumns& table, const LookupKeys& keys, std::int32_t position, FoundRows& found) {
+void SearchUnsorted(const RowTuples& rows, const LookupKeys& keys, std::int32_t position, FoundRows& found) {
   std::optional<ArrayIndex> index;
-  if (ArrayIndex::Pays(table.cells.rows, keys.Count())) index.emplace(table, keys, position);
+  if (ArrayIndex::Pays(rows.Count(), keys.Count())) index.emplace(rows, keys, position);
   const bool hasIndex = index && index->IsUsable();
   KeyRoom room;
   for (std::int32_t i = 0; i < keys.Count(); ++i) {
@@ -105,24 +106,24 @@ void SearchUnsorted(const ArrayColumns& table, const LookupKeys& keys, std::int3
     }
     const Key key = room.Prepare(keys, i);
     if (keys.AnyWildcards() && HasPattern(key))
-      WalkMatches(PatternScan(table, key, keys.CaseSensitive()), position, found);
+      WalkMatches(PatternScan(rows, key, keys.CaseSensitive()), position, found);
     else if (hasIndex)
       index->Record(i, found);
     else
-      WalkMatches(PlainScan(table, key), position, found);
+      WalkMatches(PlainScan(rows, key), position, found);
   }
 }
 
 }  // namespace
 
 FoundRows SearchArray(const LookupPlan& plan, const LookupKeys& keys, const MatchRules& rules) {
-  const ArrayColumns table{plan.data.Cells(), plan.lookupColumns};
+  const RowTuples rows(plan.data.Cells(), plan.lookupColumns);
   FoundRows found;
   found.reserve(static_cast<std::size_t>(keys.Count()));
   if (rules.order == SortOrder::kUnsorted || keys.AnyWildcards())
-    SearchUnsorted(table, keys, plan.position, found);
+    SearchUnsorted(rows, keys, plan.position, found);
   else
-    BisectArray(table, keys, rules, plan.position, found);
+    BisectArray(rows, keys, rules, plan.position, found);
   return found;
 }
 

@@ -13,15 +13,15 @@ double NumberFor(const XLOPER12& cell, SortOrder order) {
 
 }  // namespace
 
-BisectionTop::BisectionTop(const ArrayColumns& table, SortOrder order) {
+BisectionTop::BisectionTop(const RowTuples& rows, SortOrder order) {
   numbers_.reserve((std::size_t{1} << kLevels) - 1);
-  below_ = {Bisection(table.cells.rows)};
+  below_ = {Bisection(rows.Count())};
   std::vector<Bisection> next;
   for (int level = 0; level < kLevels; ++level) {
     next.clear();
     for (const Bisection& bisection : below_) {
       const std::int32_t middle = bisection.Middle();
-      numbers_.push_back(NumberFor(table.At(middle, 0), order));
+      numbers_.push_back(NumberFor(rows.At(middle, 0), order));
       next.push_back(bisection);
       next.back().high = middle;
       next.push_back(bisection);

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "lookup/array_columns.h"
 #include "lookup/bisection.h"
+#include "table/cell_tuples.h"
 
 namespace quillmere {
 
@@ -22,7 +22,7 @@ class BisectionTop {
   }
 
   /// Reads the tree from the first key column of a table in that order.
-  BisectionTop(const ArrayColumns& table, SortOrder order);
+  BisectionTop(const RowTuples& rows, SortOrder order);
 
   /// The steps that the tree holds; every bisection has at least so many.
   static constexpr int kLevels = 15;

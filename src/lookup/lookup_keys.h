@@ -14,7 +14,7 @@ namespace quillmere {
 /// A key made ready for comparing, part by part.
 using Key = std::span<const PreparedLookupValue>;
 
-/// All keys of a call, a view of the argument. An empty cell is looked for as the number 0.
+/// All keys of a call as tuples of their parts, a view of the argument. An empty cell is looked for as the number 0.
 class LookupKeys {
  public:
   /// Looks at every cell once: what is no single cell is "Bad XLOPER type".
@@ -26,8 +26,9 @@ class LookupKeys {
 
   /// A part of a key (both 0-based), as it is looked for.
   const XLOPER12& At(std::int32_t key, std::size_t part) const noexcept { return Meaning(*CellAt(key, part)); }
-  /// The same as it was passed, and what such a cell is looked for as.
+  /// The same as it was passed, how far the next key's lies, and what such a cell is looked for as.
   const XLOPER12* CellAt(std::int32_t key, std::size_t part) const noexcept { return cells_.Row(key) + part; }
+  std::ptrdiff_t Stride() const noexcept { return cells_.columns; }
   const XLOPER12& Meaning(const XLOPER12& cell) const noexcept { return IsEmptyCell(cell) ? zero_ : cell; }
 
   /// Whether any text of any key holds a wildcard character.

@@ -1,40 +1,21 @@
 // An index of tuples of cells: rows of a table, keys. Engines that meet the same tuples again and again find them here.
 #pragma once
 
-#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
+#include <vector>
 
 #include "frame/text/fold_case.h"
-#include "table/cell_hash.h"
 #include "table/compare.h"
+#include "table/tuple_hash.h"
 
 namespace quillmere {
 
-// `Tuples` tells of a list of tuples, numbered from 0 by their places:
-//   std::int32_t Count()
-//   std::size_t Parts()                                                cells of a tuple
-//   const XLOPER12* CellAt(std::int32_t place, std::size_t part)
-//   std::ptrdiff_t Stride()                                            from a cell to that of the next tuple
-//   const XLOPER12& Meaning(const XLOPER12& cell)                      what a cell stands for
-
 /// In place of a group: none.
 constexpr std::int32_t kNoGroup = -1;
-
-/// Tuples are hashed so many at a time.
-constexpr std::int32_t kTupleBatch = 256;
-
-// How many cells ahead memory is asked for: the cells themselves, and the texts of those that are then there.
-constexpr std::int32_t kCellsAhead = 128;
-constexpr std::int32_t kTextsAhead = 24;
-
-/// What a cell of a tuple stands for.
-template <class Tuples>
-const XLOPER12& ValueAt(const Tuples& tuples, std::int32_t place, std::size_t part) {
-  return tuples.Meaning(*tuples.CellAt(place, part));
-}
 
 /// Whether CompareOpers, with the case of texts as asked, gives 0 for two single cells. A number that is none equals
 /// nothing here: HashBatch tells of it.
@@ -48,48 +29,10 @@ inline bool CellsEqual(const XLOPER12& a, const XLOPER12& b) {
   return CompareOpers(&a, &b) == 0;
 }
 
-/// Asks for the text of a cell, which lies elsewhere.
-inline void PrefetchText(const XLOPER12& cell) {
-  if (IsTextCell(cell)) __builtin_prefetch(cell.val.str);
-}
-
-/// The hashes of one batch of tuples.
-template <TextCase textCase, class Tuples>
-class HashBatch {
- public:
-  explicit HashBatch(const Tuples& tuples) noexcept : tuples_(tuples) {}
-
-  /// Hashes the batch that starts at `first`; false when a number that is none is among its cells.
-  bool Fill(std::int32_t first) {
-    count_ = std::min(kTupleBatch, tuples_.Count() - first);
-    bool ordinary = true;
-    for (std::size_t part = 0; part < tuples_.Parts(); ++part) {
-      const XLOPER12* at = tuples_.CellAt(first, part);
-      const std::ptrdiff_t stride = tuples_.Stride();
-      const std::int32_t left = tuples_.Count() - first;
-      for (std::int32_t i = 0; i < count_; ++i, at += stride) {
-        if (i + kCellsAhead < left) __builtin_prefetch(at + kCellsAhead * stride);
-        if (i + kTextsAhead < left) PrefetchText(at[kTextsAhead * stride]);
-        const XLOPER12& cell = tuples_.Meaning(*at);
-        ordinary &= !IsNumberCell(cell) || cell.val.num == cell.val.num;
-        const std::uint64_t hash = HashCell<textCase>(cell);
-        hashes_[i] = part == 0 ? hash : MixHash(hashes_[i], hash);
-      }
-    }
-    return ordinary;
-  }
-
-  std::int32_t Count() const noexcept { return count_; }
-  std::uint64_t operator[](std::int32_t i) const noexcept { return hashes_[i]; }
-
- private:
-  const Tuples& tuples_;
-  std::int32_t count_ = 0;
-  std::uint64_t hashes_[kTupleBatch];
-};
-
-/// Distinct tuples. Equal tuples are one group, named by the place of its first.
-template <TextCase textCase, class Tuples>
+/// Distinct tuples, 2^30 at most. Equal tuples are one group, named by the place of its first. The tuples that are
+/// indexed are looked at again and must outlive the index. Tuples that count for nothing, such as keys with an empty
+/// part, are passed over by their groups, since equal ones count alike.
+template <TextCase textCase, CellTuples Tuples>
 class TupleIndex {
  public:
   explicit TupleIndex(const Tuples& tuples)
@@ -101,6 +44,48 @@ class TupleIndex {
     filter_ = std::make_unique<std::uint64_t[]>(slots / 8 + std::size_t{1});
   }
 
+  /// Puts all tuples in, once; `groups` gets the group of each. False when a number that is none is among their cells:
+  /// such a number equals all others, so that there are no groups.
+  bool AddAll(std::vector<std::int32_t>& groups) {
+    groups.reserve(static_cast<std::size_t>(tuples_.Count()));
+    HashBatch<textCase, Tuples> hashes(tuples_);
+    for (std::int32_t first = 0; first < tuples_.Count(); first += kTupleBatch) {
+      if (!hashes.Fill(first)) return false;
+      for (std::int32_t i = 0; i < hashes.Count(); ++i) PrefetchSlot(hashes[i]);
+      for (std::int32_t i = 0; i < hashes.Count(); ++i) groups.push_back(Add(first + i, hashes[i]));
+    }
+    return true;
+  }
+
+  std::int32_t Groups() const noexcept { return groups_; }
+
+  /// Calls `take(place, group)` for those of other tuples, of as many parts, that equal tuples in the index, until it
+  /// returns false; false when a number that is none is among the cells looked at.
+  template <CellTuples Others, class Take>
+  bool FindAll(const Others& others, const Take& take) const {
+    HashBatch<textCase, Others> hashes(others);
+    std::int32_t candidates[kTupleBatch];
+    for (std::int32_t first = 0; first < others.Count(); first += kTupleBatch) {
+      if (!hashes.Fill(first)) return false;
+      std::int32_t count = 0;
+      for (std::int32_t i = 0; i < hashes.Count(); ++i) {
+        candidates[count] = i;
+        count += MayHold(hashes[i]) ? 1 : 0;
+      }
+      const std::span chosen(candidates, static_cast<std::size_t>(count));
+      for (const std::int32_t i : chosen) PrefetchSlot(hashes[i]);
+      for (const std::int32_t i : chosen) PrefetchTuple(hashes[i]);
+      for (const std::int32_t i : chosen) PrefetchTexts(hashes[i]);
+      for (const std::int32_t i : chosen) {
+        std::uint32_t slot = 0;
+        const std::int32_t group = Find(others, first + i, hashes[i], slot);
+        if (group != kNoGroup && !take(first + i, group)) return true;
+      }
+    }
+    return true;
+  }
+
+ private:
   /// The group of the tuple at `place`, a new one if no tuple added before equals it.
   std::int32_t Add(std::int32_t place, std::uint64_t hash) {
     std::uint32_t slot = 0;
@@ -111,8 +96,6 @@ class TupleIndex {
     ++groups_;
     return place;
   }
-
-  std::int32_t Groups() const noexcept { return groups_; }
 
   /// False only when no tuple added has that hash. Most tuples of a table are told apart by this, without a jump.
   bool MayHold(std::uint64_t hash) const noexcept {
@@ -136,15 +119,6 @@ class TupleIndex {
     for (std::size_t part = 0; place != kNoGroup && part < tuples_.Parts(); ++part)
       PrefetchText(*tuples_.CellAt(place, part));
   }
-
-  /// The group whose tuples equal the one at `place` of others, or kNoGroup.
-  template <class Others>
-  std::int32_t Find(const Others& others, std::int32_t place, std::uint64_t hash) const {
-    std::uint32_t slot = 0;
-    return Find(others, place, hash, slot);
-  }
-
- private:
   std::int32_t LikelyPlace(std::uint64_t hash) const noexcept {
     const std::uint32_t place = PlaceIn(slots_[static_cast<std::uint32_t>(hash) & slotMask_], Tag(hash));
     return place < static_cast<std::uint32_t>(tuples_.Count()) ? static_cast<std::int32_t>(place) : kNoGroup;
@@ -161,7 +135,8 @@ class TupleIndex {
     return static_cast<std::uint32_t>(hash >> 20) & filterMask_;
   }
 
-  template <class Others>
+  /// The group whose tuples equal the one at `place` of others, or kNoGroup; the slot where that was seen.
+  template <CellTuples Others>
   std::int32_t Find(const Others& others, std::int32_t place, std::uint64_t hash, std::uint32_t& slot) const {
     const std::uint32_t tag = Tag(hash);
     for (slot = static_cast<std::uint32_t>(hash) & slotMask_; slots_[slot] != 0; slot = (slot + 1) & slotMask_) {
@@ -172,10 +147,12 @@ class TupleIndex {
     return kNoGroup;
   }
 
-  template <class Others>
+  template <CellTuples Others>
   bool Equal(std::int32_t first, const Others& others, std::int32_t place) const {
-    for (std::size_t part = 0; part < tuples_.Parts(); ++part)
-      if (!CellsEqual<textCase>(ValueAt(tuples_, first, part), ValueAt(others, place, part))) return false;
+    for (std::size_t part = 0; part < tuples_.Parts(); ++part) {
+      const XLOPER12& cell = tuples_.Meaning(*tuples_.CellAt(first, part));
+      if (!CellsEqual<textCase>(cell, others.Meaning(*others.CellAt(place, part)))) return false;
+    }
     return true;
   }
 

@@ -64,12 +64,12 @@ TEST(ArrayBisection, ManyNumbersGoTheWayOfOne) {
       for (std::int32_t key = 0; key < kKeys; ++key)
         keys.push_back(NumberCell(static_cast<double>(random() % (kRows + 100)) / 3 - 10));
       const std::int32_t columns[] = {0};
-      const ArrayColumns table{{column.data(), kRows, 1}, columns};
+      const RowTuples rows({column.data(), kRows, 1}, columns);
       const LookupKeys lookupKeys({keys.data(), kKeys, 1}, false);
       for (const std::int32_t position : {wanted_match::kFirst, wanted_match::kLast}) {
         MatchRules rules{.order = order, .exact = false};
         FoundRows found;
-        BisectArray(table, lookupKeys, rules, position, found);
+        BisectArray(rows, lookupKeys, rules, position, found);
         ASSERT_EQ(found.size(), keys.size());
         for (std::size_t i = 0; i < keys.size(); ++i) {
           bool equal = false;

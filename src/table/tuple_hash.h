@@ -1,0 +1,55 @@
+// Hashing tuples of cells, many at a time: equal tuples have equal hashes.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "table/cell_hash.h"
+#include "table/cell_tuples.h"
+
+namespace quillmere {
+
+/// Tuples are hashed so many at a time.
+constexpr std::int32_t kTupleBatch = 256;
+
+// How many cells ahead memory is asked for: the cells themselves, and the texts of those that are then there.
+constexpr std::int32_t kCellsAhead = 128;
+constexpr std::int32_t kTextsAhead = 24;
+
+/// The hashes of one batch of tuples.
+template <TextCase textCase, CellTuples Tuples>
+class HashBatch {
+ public:
+  explicit HashBatch(const Tuples& tuples) noexcept : tuples_(tuples) {}
+
+  /// Hashes the batch that starts at `first`; false when a number that is none is among its cells.
+  bool Fill(std::int32_t first) {
+    count_ = std::min(kTupleBatch, tuples_.Count() - first);
+    bool ordinary = true;
+    for (std::size_t part = 0; part < tuples_.Parts(); ++part) {
+      const XLOPER12* at = tuples_.CellAt(first, part);
+      const std::ptrdiff_t stride = tuples_.Stride();
+      const std::int32_t left = tuples_.Count() - first;
+      for (std::int32_t i = 0; i < count_; ++i, at += stride) {
+        if (i + kCellsAhead < left) __builtin_prefetch(at + kCellsAhead * stride);
+        if (i + kTextsAhead < left) PrefetchText(at[kTextsAhead * stride]);
+        const XLOPER12& cell = tuples_.Meaning(*at);
+        ordinary &= !IsNumberCell(cell) || cell.val.num == cell.val.num;
+        const std::uint64_t hash = HashCell<textCase>(cell);
+        hashes_[i] = part == 0 ? hash : MixHash(hashes_[i], hash);
+      }
+    }
+    return ordinary;
+  }
+
+  std::int32_t Count() const noexcept { return count_; }
+  std::uint64_t operator[](std::int32_t i) const noexcept { return hashes_[i]; }
+
+ private:
+  const Tuples& tuples_;
+  std::int32_t count_ = 0;
+  std::uint64_t hashes_[kTupleBatch];
+};
+
+}  // namespace quillmere
