@@ -1,9 +1,9 @@
 // Bisection of sorted arrays, many keys side by side.
 #pragma once
 
+#include "lookup/found_rows.h"
 #include "lookup/lookup_arguments.h"
 #include "lookup/lookup_keys.h"
-#include "lookup/match_walk.h"
 #include "table/cell_tuples.h"
 
 namespace quillmere {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "lookup/lookup_arguments.h"
 #include "table/tuple_index.h"
 
 namespace quillmere {

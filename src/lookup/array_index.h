@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "lookup/found_rows.h"
 #include "lookup/lookup_keys.h"
-#include "lookup/match_walk.h"
 #include "table/cell_tuples.h"
 
 namespace quillmere {

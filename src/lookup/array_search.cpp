@@ -7,6 +7,7 @@
 #include "lookup/array_bisection.h"
 #include "lookup/array_index.h"
 #include "lookup/array_rows.h"
+#include "lookup/match_walk.h"
 #include "text/wildcard_pattern.h"
 
 namespace quillmere {

@@ -1,9 +1,9 @@
 // Searching an array: everything is done here, Excel is never called.
 #pragma once
 
+#include "lookup/found_rows.h"
 #include "lookup/lookup_arguments.h"
 #include "lookup/lookup_keys.h"
-#include "lookup/match_walk.h"
 
 namespace quillmere {
 

@@ -3,7 +3,8 @@
 
 #include <cstdint>
 
-#include "lookup/match_walk.h"
+#include "lookup/found_rows.h"
+#include "lookup/lookup_arguments.h"
 #include "table/sort_order.h"
 
 namespace quillmere {

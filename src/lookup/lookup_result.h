@@ -2,8 +2,8 @@
 #pragma once
 
 #include "frame/values/xl_oper.h"
+#include "lookup/found_rows.h"
 #include "lookup/lookup_arguments.h"
-#include "lookup/match_walk.h"
 
 namespace quillmere {
 

@@ -2,23 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
+#include "lookup/found_rows.h"
 #include "lookup/lookup_arguments.h"
 
 namespace quillmere {
-
-/// In place of a row: none.
-constexpr std::int32_t kNoRow = -1;
-
-/// Rows found, key by key and in each key's order; 0-based rows of the data, kNoRow for a key without a match.
-using FoundRows = std::vector<std::int32_t>;
-
-/// Adds a row; more than a result can have are refused before they take memory.
-inline void AddFoundRow(FoundRows& found, std::int32_t row) {
-  if (found.size() >= kXlMaxRows) throw CXlArrayTooLargeException();
-  found.push_back(row);
-}
 
 /// Adds the wanted matches of one key to `found`, kNoRow when there is none. A `Search` knows the key and has
 ///   std::int32_t Next(std::int32_t from)   the first matching row at or after `from`, or kNoRow; `from` may be the

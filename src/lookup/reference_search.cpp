@@ -4,6 +4,7 @@
 
 #include "frame/callbacks/callbacks.h"
 #include "lookup/bisection.h"
+#include "lookup/match_walk.h"
 #include "text/wildcard_pattern.h"
 
 namespace quillmere {

@@ -1,9 +1,9 @@
 // Searching cells of a sheet, with Excel's help where it can.
 #pragma once
 
+#include "lookup/found_rows.h"
 #include "lookup/lookup_arguments.h"
 #include "lookup/lookup_keys.h"
-#include "lookup/match_walk.h"
 
 namespace quillmere {
 
