@@ -6,7 +6,6 @@
 
 #include "lookup/lookup_keys.h"
 #include "table/cell_tuples.h"
-#include "table/compare.h"
 
 namespace quillmere {
 
@@ -14,14 +13,14 @@ namespace quillmere {
 inline int CompareRow(const RowTuples& rows, std::int32_t row, Key key) {
   int comparison = 0;
   for (std::size_t part = 0; part < key.size() && comparison == 0; ++part)
-    comparison = CompareLookupCell(rows.At(row, part), key[part]);
+    comparison = CompareLookupCell(rows.At(row, part), key[part].value);
   return comparison;
 }
 
-/// Whether a row equals a key in the parts from `part` on.
-inline bool EqualsRow(const RowTuples& rows, std::int32_t row, Key key, std::size_t part = 0) {
+/// Whether a row matches a key in the parts from `part` on.
+inline bool MatchesRow(const RowTuples& rows, std::int32_t row, Key key, std::size_t part = 0) {
   for (; part < key.size(); ++part)
-    if (!EqualsLookupValue(rows.At(row, part), key[part])) return false;
+    if (!key[part].Matches(rows.At(row, part))) return false;
   return true;
 }
 

@@ -1,99 +1,39 @@
 #include "lookup/array_search.h"
 
-#include <algorithm>
-#include <memory>
 #include <optional>
 
 #include "lookup/array_bisection.h"
 #include "lookup/array_index.h"
 #include "lookup/array_rows.h"
 #include "lookup/match_walk.h"
-#include "text/wildcard_pattern.h"
 
 namespace quillmere {
 namespace {
 
-bool HasPattern(const PreparedLookupValue& part) { return part.isText && HasWildcards(part.text); }
-
-bool HasPattern(Key key) {
-  return std::any_of(key.begin(), key.end(), [](const PreparedLookupValue& part) { return HasPattern(part); });
+/// Walks the rows whose first cell passes `firstMatches` and whose others match the key.
+template <class FirstTest>
+void WalkRows(const RowTuples& rows, Key key, const FirstTest& firstMatches, std::int32_t position, FoundRows& found) {
+  // Held by value, so that the loop has them in registers.
+  const auto matches = [=, &rows, first = rows.CellAt(0, 0), stride = rows.Stride()](std::int32_t row) {
+    return firstMatches(first[row * stride]) && (key.size() == 1 || MatchesRow(rows, row, key, 1));
+  };
+  WalkMatches(RowScan(rows.Count(), matches), position, found);
 }
 
-/// Scans for a key without wildcards.
-class PlainScan {
- public:
-  PlainScan(const RowTuples& rows, Key key) noexcept : rows_(rows), key_(key) {}
-
-  std::int32_t Next(std::int32_t from) const {
-    return IsNumberCell(key_[0].value) ? NextNumber(from, key_[0].value.val.num) : NextOfAnyKind(from);
+void ScanRows(const RowTuples& rows, Key key, std::int32_t position, FoundRows& found) {
+  const KeyPart& first = key[0];
+  if (IsNumberCell(first.value.value)) {
+    // The most common case, with nothing in the loop but the cell's kind and number. Neither below nor above: so a
+    // number that is none equals all, as everywhere.
+    const auto isEqual = [wanted = first.value.value.val.num](const XLOPER12& cell) {
+      return IsNumberCell(cell) && !(cell.val.num < wanted) && !(cell.val.num > wanted);
+    };
+    WalkRows(rows, key, isEqual, position, found);
+  } else {
+    const auto matches = [&first](const XLOPER12& cell) { return first.Matches(cell); };
+    WalkRows(rows, key, matches, position, found);
   }
-
-  std::int32_t Last() const {
-    std::int32_t row = rows_.Count() - 1;
-    while (row >= 0 && !EqualsRow(rows_, row, key_)) --row;
-    return row;
-  }
-
- private:
-  /// The loop of the most common case, with nothing in it but the cell's kind and number.
-  std::int32_t NextNumber(std::int32_t from, double wanted) const {
-    for (std::int32_t row = from; row < rows_.Count(); ++row) {
-      const XLOPER12& cell = rows_.At(row, 0);
-      // Neither below nor above: so a number that is none equals all, as everywhere.
-      if (IsNumberCell(cell) && !(cell.val.num < wanted) && !(cell.val.num > wanted) && EqualsRow(rows_, row, key_, 1))
-        return row;
-    }
-    return kNoRow;
-  }
-
-  std::int32_t NextOfAnyKind(std::int32_t from) const {
-    for (std::int32_t row = from; row < rows_.Count(); ++row)
-      if (EqualsRow(rows_, row, key_)) return row;
-    return kNoRow;
-  }
-
-  const RowTuples& rows_;
-  Key key_;
-};
-
-/// Scans for a key some of whose parts are patterns.
-class PatternScan {
- public:
-  PatternScan(const RowTuples& rows, Key key, bool caseSensitive) : rows_(rows), key_(key) {
-    patterns_.reserve(key.size());
-    for (const PreparedLookupValue& part : key) {
-      patterns_.emplace_back();
-      if (HasPattern(part)) patterns_.back() = std::make_unique<WildcardPattern>(part.text, caseSensitive);
-    }
-  }
-
-  std::int32_t Next(std::int32_t from) const {
-    for (std::int32_t row = from; row < rows_.Count(); ++row)
-      if (Matches(row)) return row;
-    return kNoRow;
-  }
-
-  std::int32_t Last() const {
-    std::int32_t row = rows_.Count() - 1;
-    while (row >= 0 && !Matches(row)) --row;
-    return row;
-  }
-
- private:
-  bool Matches(std::int32_t row) const {
-    for (std::size_t part = 0; part < key_.size(); ++part) {
-      const XLOPER12& cell = rows_.At(row, part);
-      const TextMatcher* const pattern = patterns_[part].get();
-      if (!(pattern ? IsTextCell(cell) && pattern->Matches(TextOf(cell)) : EqualsLookupValue(cell, key_[part])))
-        return false;
-    }
-    return true;
-  }
-
-  const RowTuples& rows_;
-  Key key_;
-  std::vector<std::unique_ptr<const TextMatcher>> patterns_;
-};
+}
 
 void SearchUnsorted(const RowTuples& rows, const LookupKeys& keys, std::int32_t position, FoundRows& found) {
   std::optional<ArrayIndex> index;
@@ -101,17 +41,10 @@ void SearchUnsorted(const RowTuples& rows, const LookupKeys& keys, std::int32_t 
   const bool hasIndex = index && index->IsUsable();
   KeyRoom room;
   for (std::int32_t i = 0; i < keys.Count(); ++i) {
-    if (hasIndex && !keys.AnyWildcards()) {
-      index->Record(i, found);
-      continue;
-    }
-    const Key key = room.Prepare(keys, i);
-    if (keys.AnyWildcards() && HasPattern(key))
-      WalkMatches(PatternScan(rows, key, keys.CaseSensitive()), position, found);
-    else if (hasIndex)
+    if (hasIndex && !keys.HasPattern(i))
       index->Record(i, found);
     else
-      WalkMatches(PlainScan(rows, key), position, found);
+      ScanRows(rows, room.Prepare(keys, i, keys.Parts()), position, found);
   }
 }
 
@@ -121,7 +54,7 @@ FoundRows SearchArray(const LookupPlan& plan, const LookupKeys& keys, const Matc
   const RowTuples rows(plan.data.Cells(), plan.lookupColumns);
   FoundRows found;
   found.reserve(static_cast<std::size_t>(keys.Count()));
-  if (rules.order == SortOrder::kUnsorted || keys.AnyWildcards())
+  if (rules.order == SortOrder::kUnsorted || keys.AnyPatterns())
     SearchUnsorted(rows, keys, plan.position, found);
   else
     BisectArray(rows, keys, rules, plan.position, found);

@@ -1,15 +1,34 @@
 #include "lookup/lookup_keys.h"
 
+#include <algorithm>
+
 #include "text/wildcard_pattern.h"
 
 namespace quillmere {
+namespace {
+
+bool IsPattern(const XLOPER12& cell) { return IsTextCell(cell) && HasWildcards(TextOf(cell)); }
+
+}  // namespace
 
 LookupKeys::LookupKeys(const CXlCells& cells, bool caseSensitive) : cells_(cells), caseSensitive_(caseSensitive) {
   for (const XLOPER12& cell : std::span(cells.first, static_cast<std::size_t>(cells.Count())))
-    if (CellType(cell) == xltypeStr && !anyWildcards_) anyWildcards_ = HasWildcards(TextOf(cell));
+    if (CellType(cell) == xltypeStr && !anyPatterns_) anyPatterns_ = IsPattern(cell);
 }
 
-Key KeyRoom::Prepare(const LookupKeys& keys, std::int32_t key) {
+bool LookupKeys::HasPattern(std::int32_t key) const {
+  if (!anyPatterns_) return false;
+  const std::span parts(CellAt(key, 0), Parts());
+  return std::any_of(parts.begin(), parts.end(), IsPattern);
+}
+
+std::unique_ptr<const TextMatcher> LookupKeys::PatternAt(std::int32_t key, std::size_t part) const {
+  const XLOPER12& cell = At(key, part);
+  if (!anyPatterns_ || !IsPattern(cell)) return nullptr;
+  return std::make_unique<WildcardPattern>(TextOf(cell), caseSensitive_);
+}
+
+Key KeyRoom::Prepare(const LookupKeys& keys, std::int32_t key, std::size_t patternParts) {
   std::size_t units = 0;
   for (std::size_t part = 0; part < keys.Parts(); ++part)
     if (const XLOPER12& cell = keys.At(key, part); IsTextCell(cell)) units += TextOf(cell).size();
@@ -18,8 +37,9 @@ Key KeyRoom::Prepare(const LookupKeys& keys, std::int32_t key) {
   parts_.clear();
   XCHAR* next = folded_.data();
   for (std::size_t part = 0; part < keys.Parts(); ++part) {
-    parts_.push_back(PrepareLookupValue(keys.At(key, part), keys.CaseSensitive(), next));
-    next += parts_.back().text.size();
+    parts_.push_back({PrepareLookupValue(keys.At(key, part), keys.CaseSensitive(), next), nullptr});
+    if (part < patternParts) parts_.back().pattern = keys.PatternAt(key, part);
+    next += parts_.back().value.text.size();
   }
   return parts_;
 }

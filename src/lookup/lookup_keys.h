@@ -3,16 +3,28 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 #include "frame/values/xl_oper.h"
 #include "table/compare.h"
+#include "text/text_matcher.h"
 
 namespace quillmere {
 
-/// A key made ready for comparing, part by part.
-using Key = std::span<const PreparedLookupValue>;
+/// A part of a key made ready.
+struct KeyPart {
+  PreparedLookupValue value;                   ///< what cells are compared with,
+  std::unique_ptr<const TextMatcher> pattern;  ///< or, where set, what texts are matched against instead
+
+  bool Matches(const XLOPER12& cell) const {
+    if (!pattern) return EqualsLookupValue(cell, value);
+    return IsTextCell(cell) && pattern->Matches(TextOf(cell));
+  }
+};
+
+using Key = std::span<const KeyPart>;
 
 /// All keys of a call as tuples of their parts, a view of the argument. An empty cell is looked for as the number 0.
 class LookupKeys {
@@ -31,24 +43,29 @@ class LookupKeys {
   std::ptrdiff_t Stride() const noexcept { return cells_.columns; }
   const XLOPER12& Meaning(const XLOPER12& cell) const noexcept { return IsEmptyCell(cell) ? zero_ : cell; }
 
-  /// Whether any text of any key holds a wildcard character.
-  bool AnyWildcards() const noexcept { return anyWildcards_; }
+  /// Whether any part of any key can be a pattern: a text with wildcards.
+  bool AnyPatterns() const noexcept { return anyPatterns_; }
+  /// Whether a part of this key can.
+  bool HasPattern(std::int32_t key) const;
+  /// What texts are matched against for a part that can be a pattern; nothing for any other.
+  std::unique_ptr<const TextMatcher> PatternAt(std::int32_t key, std::size_t part) const;
 
  private:
   CXlCells cells_;
   XLOPER12 zero_ = NumberCell(0);
   bool caseSensitive_;
-  bool anyWildcards_ = false;
+  bool anyPatterns_ = false;
 };
 
 /// Room for one prepared key, used again for the next.
 class KeyRoom {
  public:
-  /// Makes a key ready; it lasts until the next is made ready here, or the room goes.
-  Key Prepare(const LookupKeys& keys, std::int32_t key);
+  /// Makes a key ready; it lasts until the next is made ready here, or the room goes. What can be a pattern is one in
+  /// the first `patternParts` parts; all else is compared.
+  Key Prepare(const LookupKeys& keys, std::int32_t key, std::size_t patternParts = 0);
 
  private:
-  std::vector<PreparedLookupValue> parts_;
+  std::vector<KeyPart> parts_;
   XString folded_;
 };
 

@@ -5,7 +5,6 @@
 #include "frame/callbacks/callbacks.h"
 #include "lookup/bisection.h"
 #include "lookup/match_walk.h"
-#include "text/wildcard_pattern.h"
 
 namespace quillmere {
 namespace {
@@ -30,23 +29,25 @@ class CellSearch {
     return plan_.data.CoerceCell(row, plan_.lookupColumns[part]);
   }
 
-  /// Whether the row equals the key in the parts from `part` on.
-  bool Equals(std::int32_t row, std::size_t part) const {
+  /// Whether the row matches the key in the parts from `part` on.
+  bool MatchesParts(std::int32_t row, std::size_t part) const {
     for (; part < key_.size(); ++part)
-      if (!EqualsLookupValue(ReadPart(row, part).Raw(), key_[part])) return false;
+      if (!key_[part].Matches(ReadPart(row, part).Raw())) return false;
     return true;
   }
 
   /// The row that Excel's MATCH finds for the first part in rows `from` on, or kNoRow.
   std::int32_t AskExcel(std::int32_t from, std::int32_t rows, int matchType) const {
     const CXlOper cells = plan_.data.Part(from, plan_.lookupColumns[0], rows, 1);
-    const CXlOper place = CallExcelOrValueError(xlfMatch, key_[0].value, cells, CXlOper::Integer(matchType));
+    const CXlOper place = CallExcelOrValueError(xlfMatch, FirstPart().value, cells, CXlOper::Integer(matchType));
     if (!place.IsNumber() && !place.IsInteger()) return kNoRow;
     const double position = place.AsNumber();
     return position >= 1 && position <= rows ? from + static_cast<std::int32_t>(position) - 1 : kNoRow;
   }
 
  protected:
+  const PreparedLookupValue& FirstPart() const noexcept { return key_[0].value; }
+
   const LookupPlan& plan_;
   Key key_;
   const MatchRules& rules_;
@@ -57,61 +58,31 @@ class MatchSearch : public CellSearch {
  public:
   using CellSearch::CellSearch;
 
-  std::int32_t Next(std::int32_t from) const {
-    while (from < Rows()) {
-      const std::int32_t row = AskExcel(from, Rows() - from, 0);
+  std::int32_t FindUnsorted(std::int32_t start) const {
+    while (start < Rows()) {
+      const std::int32_t row = AskExcel(start, Rows() - start, 0);
       if (row == kNoRow || IsVerified(row)) return row;
-      from = row + 1;
+      start = row + 1;
     }
     return kNoRow;
   }
 
-  std::int32_t Last() const {
+  std::int32_t FindLastUnsorted() const {
     std::int32_t last = kNoRow;
-    for (std::int32_t row = Next(0); row != kNoRow; row = Next(row + 1)) last = row;
+    for (std::int32_t row = FindUnsorted(0); row != kNoRow; row = FindUnsorted(row + 1)) last = row;
     return last;
   }
 
-  /// Whether a remembered row still matches. MATCH finds no error, so that none is to be remembered either.
-  bool StillMatches(std::int32_t row) const {
-    if (IsErrorCell(key_[0].value)) return false;
-    if (rules_.caseSensitive || !IsExcelPattern(key_[0])) return Equals(row, 0);
-    return AskExcel(row, 1, 0) == row && Equals(row, 1);
+  /// Whether a row is one of those found. MATCH finds no error.
+  bool Matches(std::int32_t row) const {
+    if (IsErrorCell(FirstPart().value)) return false;
+    if (rules_.caseSensitive || !IsExcelPattern(FirstPart())) return MatchesParts(row, 0);
+    return AskExcel(row, 1, 0) == row && MatchesParts(row, 1);
   }
 
  private:
   /// MATCH disregards case, so that its word on the first part is enough only where case does not count.
-  bool IsVerified(std::int32_t row) const { return Equals(row, rules_.caseSensitive ? 0 : 1); }
-};
-
-/// Rows read one by one, for a first part that is too long for Excel.
-class LongTextSearch : public CellSearch {
- public:
-  LongTextSearch(const LookupPlan& plan, Key key, const MatchRules& rules)
-      : CellSearch(plan, key, rules), pattern_(key[0].text, rules.caseSensitive) {}
-
-  std::int32_t Next(std::int32_t from) const {
-    for (std::int32_t row = from; row < Rows(); ++row)
-      if (Matches(row)) return row;
-    return kNoRow;
-  }
-
-  std::int32_t Last() const {
-    std::int32_t row = Rows() - 1;
-    while (row >= 0 && !Matches(row)) --row;
-    return row;
-  }
-
-  bool StillMatches(std::int32_t row) const { return Matches(row); }
-
- private:
-  bool Matches(std::int32_t row) const {
-    if (rules_.caseSensitive || !HasWildcards(key_[0].text)) return Equals(row, 0);
-    const CXlOper cell = ReadPart(row, 0);
-    return cell.IsText() && pattern_.Matches(cell.AsText()) && Equals(row, 1);
-  }
-
-  WildcardPattern pattern_;
+  bool IsVerified(std::int32_t row) const { return MatchesParts(row, rules_.caseSensitive ? 0 : 1); }
 };
 
 class SortedSearch : public CellSearch {
@@ -129,13 +100,13 @@ class SortedSearch : public CellSearch {
   /// Whether Excel's sorted MATCH ends at the wanted one of equal rows: the last of ascending, the first of descending.
   bool IsExcelsOwn(std::int32_t position) const {
     const std::int32_t alike = rules_.order == SortOrder::kAscending ? wanted_match::kLast : wanted_match::kFirst;
-    return !rules_.caseSensitive && key_.size() == 1 && CanExcelSearch(key_[0].value) &&
+    return !rules_.caseSensitive && key_.size() == 1 && CanExcelSearch(FirstPart().value) &&
            (position == wanted_match::kDefault || position == alike);
   }
 
   SortedRun AskExcelForRun() const {
     const std::int32_t row = AskExcel(0, Rows(), static_cast<int>(rules_.order));
-    return row == kNoRow ? SortedRun{} : SortedRun{row, row, Equals(row, 0)};
+    return row == kNoRow ? SortedRun{} : SortedRun{row, row, MatchesParts(row, 0)};
   }
 
   template <SortOrder order>
@@ -166,9 +137,9 @@ class SortedSearch : public CellSearch {
         bisection.StepOverEmpty();
         continue;
       }
-      int comparison = CompareLookupCell(first.Raw(), key_[0]);
+      int comparison = CompareLookupCell(first.Raw(), FirstPart());
       for (std::size_t part = 1; part < key_.size() && comparison == 0; ++part)
-        comparison = CompareLookupCell(ReadPart(row, part).Raw(), key_[part]);
+        comparison = CompareLookupCell(ReadPart(row, part).Raw(), key_[part].value);
       const bool before = comparison < 0;
       const bool after = comparison > 0;
       bisection.Step<order, end>(before, after);
@@ -179,17 +150,17 @@ class SortedSearch : public CellSearch {
 
 /// The unsorted search of one key, a remembered row first.
 template <class Search>
-void SearchUnsorted(const Search& search, std::int32_t key, std::int32_t position, LookupMemory& memory,
+void SearchUnsorted(const Search& search, const LookupPlan& plan, std::int32_t key, LookupMemory& memory,
                     FoundRows& found) {
-  const bool remembers = position == wanted_match::kDefault && memory.IsInUse();
+  const bool remembers = plan.position == wanted_match::kDefault && memory.IsInUse();
   if (remembers) {
     const std::optional<std::int32_t> remembered = memory.Recall(key);
-    if (remembered && *remembered >= 1 && *remembered <= search.Rows() && search.StillMatches(*remembered - 1)) {
+    if (remembered && *remembered >= 1 && *remembered <= plan.data.Rows() && search.Matches(*remembered - 1)) {
       AddFoundRow(found, *remembered - 1);
       return;
     }
   }
-  WalkMatches(search, position, found);
+  WalkMatches(search, plan.position, found);
   if (remembers && found.back() != kNoRow) memory.Remember(key, found.back() + 1);
 }
 
@@ -217,17 +188,23 @@ FoundRows SearchReference(const LookupPlan& plan, const LookupKeys& keys, const 
   found.reserve(static_cast<std::size_t>(keys.Count()));
   LookupMemory memory(plan.memory);
   KeyRoom room;
-  const bool isUnsorted = rules.order == SortOrder::kUnsorted || keys.AnyWildcards();
+  const bool isUnsorted = rules.order == SortOrder::kUnsorted || keys.AnyPatterns();
   for (std::int32_t i = 0; i < keys.Count(); ++i) {
-    const Key key = room.Prepare(keys, i);
-    if (plan.data.Rows() == 0)
+    const bool canExcelSearch = CanExcelSearch(keys.At(i, 0));
+    // What Excel has no say in is matched as it would match it: the first part by its pattern unless case counts.
+    const std::size_t patternParts = canExcelSearch || rules.caseSensitive ? 0 : 1;
+    const Key key = room.Prepare(keys, i, patternParts);
+    if (plan.data.Rows() == 0) {
       AddFoundRow(found, kNoRow);
-    else if (!isUnsorted)
+    } else if (!isUnsorted) {
       RecordRun(SortedSearch(plan, key, rules).FindRun(plan.position), plan.position, rules.exact, found);
-    else if (CanExcelSearch(key[0].value))
-      SearchUnsorted(MatchSearch(plan, key, rules), i, plan.position, memory, found);
-    else
-      SearchUnsorted(LongTextSearch(plan, key, rules), i, plan.position, memory, found);
+    } else if (canExcelSearch) {
+      SearchUnsorted(MatchSearch(plan, key, rules), plan, i, memory, found);
+    } else {
+      const CellSearch cells(plan, key, rules);
+      const auto matches = [&cells](std::int32_t row) { return cells.MatchesParts(row, 0); };
+      SearchUnsorted(RowScan(plan.data.Rows(), matches), plan, i, memory, found);
+    }
   }
   return found;
 }
