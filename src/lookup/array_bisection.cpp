@@ -22,6 +22,7 @@ struct Lane {
 };
 
 using Lanes = std::span<Lane>;
+using Runs = std::array<SortedRun, kLanes>;
 
 /// What a batch of keys is made of.
 enum class LaneKind {
@@ -145,35 +146,36 @@ void BisectNumberLanes(const RowTuples& rows, Lanes lanes, const BisectionTop* t
 }
 
 template <SortOrder order, RunEnd end>
-void Bisect(const RowTuples& rows, Lanes lanes, LaneKind kind, const BisectionTop* top) {
+void Bisect(const RowTuples& rows, Lanes lanes, LaneKind kind, const BisectionTop* top, Runs& runs) {
   for (Lane& lane : lanes) lane.bisection = Bisection(rows.Count());
   if (kind == LaneKind::kNumbers)
     BisectNumberLanes<order, end>(rows, lanes, top);
   else
     BisectLanes<order, end>(rows, lanes);
+  for (std::size_t i = 0; i < lanes.size(); ++i) runs[i] = RunOf<end>(lanes[i].bisection);
 }
 
 template <SortOrder order>
-void FindRuns(const RowTuples& rows, Lanes lanes, LaneKind kind, const BisectionTop* top, RunEnds ends,
-              std::span<SortedRun> runs) {
-  if (ends != RunEnds::kLast) {
-    Bisect<order, RunEnd::kFirst>(rows, lanes, kind, top);
-    for (std::size_t i = 0; i < lanes.size(); ++i) {
-      const Bisection& bisection = lanes[i].bisection;
-      const std::int32_t row = bisection.Row<RunEnd::kFirst>();
-      runs[i] = {row, row, bisection.equal};
-    }
+void FindFirstSorted(const RowTuples& rows, Lanes lanes, LaneKind kind, const BisectionTop* top, Runs& runs) {
+  Bisect<order, RunEnd::kFirst>(rows, lanes, kind, top, runs);
+}
+
+template <SortOrder order>
+void FindLastSorted(const RowTuples& rows, Lanes lanes, LaneKind kind, const BisectionTop* top, Runs& runs) {
+  Bisect<order, RunEnd::kLast>(rows, lanes, kind, top, runs);
+}
+
+template <SortOrder order>
+void FindRuns(const RowTuples& rows, Lanes lanes, LaneKind kind, const BisectionTop* top, RunEnds ends, Runs& runs) {
+  if (ends == RunEnds::kLast) {
+    FindLastSorted<order>(rows, lanes, kind, top, runs);
+    return;
   }
-  if (ends != RunEnds::kFirst) {
-    Bisect<order, RunEnd::kLast>(rows, lanes, kind, top);
-    for (std::size_t i = 0; i < lanes.size(); ++i) {
-      const Bisection& bisection = lanes[i].bisection;
-      runs[i].last = bisection.Row<RunEnd::kLast>();
-      if (ends == RunEnds::kBoth) continue;
-      runs[i].first = runs[i].last;
-      runs[i].equal = bisection.equal;
-    }
-  }
+  FindFirstSorted<order>(rows, lanes, kind, top, runs);
+  if (ends == RunEnds::kFirst) return;
+  Runs lasts;
+  FindLastSorted<order>(rows, lanes, kind, top, lasts);
+  for (std::size_t i = 0; i < lanes.size(); ++i) runs[i].last = lasts[i].last;
 }
 
 }  // namespace
@@ -185,7 +187,7 @@ void BisectArray(const RowTuples& rows, const LookupKeys& keys, const MatchRules
   if (keys.Parts() == 1 && BisectionTop::Pays(rows.Count(), keys.Count())) top.emplace(rows, rules.order);
   const BisectionTop* const held = top ? &*top : nullptr;
   std::array<Lane, kLanes> lanes;
-  std::array<SortedRun, kLanes> runs;
+  Runs runs;
   std::array<KeyRoom, kLanes> rooms;
   for (std::int32_t first = 0; first < keys.Count(); first += kLanes) {
     const std::int32_t count = std::min(kLanes, keys.Count() - first);

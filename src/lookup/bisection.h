@@ -61,6 +61,13 @@ struct SortedRun {
   bool equal = false;  ///< else `first` is the nearest row, or kNoRow
 };
 
+/// What a bisection that is done tells of the end that it looked for.
+template <RunEnd end>
+SortedRun RunOf(const Bisection& bisection) noexcept {
+  const std::int32_t row = bisection.Row<end>();
+  return {row, row, bisection.equal};
+}
+
 /// Which ends of a run must be known for the row that is wanted.
 enum class RunEnds { kFirst, kLast, kBoth };
 

@@ -92,8 +92,8 @@ class SortedSearch : public CellSearch {
   SortedRun FindRun(std::int32_t position) const {
     const RunEnds ends = NeededEnds(rules_.order, position);
     if (IsExcelsOwn(position)) return AskExcelForRun();
-    return rules_.order == SortOrder::kAscending ? Bisect<SortOrder::kAscending>(ends)
-                                                 : Bisect<SortOrder::kDescending>(ends);
+    return rules_.order == SortOrder::kAscending ? FindEnds<SortOrder::kAscending>(ends)
+                                                 : FindEnds<SortOrder::kDescending>(ends);
   }
 
  private:
@@ -110,25 +110,25 @@ class SortedSearch : public CellSearch {
   }
 
   template <SortOrder order>
-  SortedRun Bisect(RunEnds ends) const {
-    SortedRun run;
-    if (ends != RunEnds::kLast) {
-      const Bisection bisection = Bisect<order, RunEnd::kFirst>();
-      run.first = run.last = bisection.Row<RunEnd::kFirst>();
-      run.equal = bisection.equal;
-      if (ends == RunEnds::kFirst || !run.equal) return run;
-    }
-    const Bisection bisection = Bisect<order, RunEnd::kLast>();
-    run.last = bisection.Row<RunEnd::kLast>();
-    if (ends == RunEnds::kLast) {
-      run.first = run.last;
-      run.equal = bisection.equal;
-    }
+  SortedRun FindEnds(RunEnds ends) const {
+    if (ends == RunEnds::kLast) return FindLastSorted<order>();
+    SortedRun run = FindFirstSorted<order>();
+    if (ends == RunEnds::kBoth && run.equal) run.last = FindLastSorted<order>().last;
     return run;
   }
 
+  template <SortOrder order>
+  SortedRun FindFirstSorted() const {
+    return Bisect<order, RunEnd::kFirst>();
+  }
+
+  template <SortOrder order>
+  SortedRun FindLastSorted() const {
+    return Bisect<order, RunEnd::kLast>();
+  }
+
   template <SortOrder order, RunEnd end>
-  Bisection Bisect() const {
+  SortedRun Bisect() const {
     Bisection bisection(Rows());
     while (!bisection.IsDone()) {
       const std::int32_t row = bisection.Middle();
@@ -144,7 +144,7 @@ class SortedSearch : public CellSearch {
       const bool after = comparison > 0;
       bisection.Step<order, end>(before, after);
     }
-    return bisection;
+    return RunOf<end>(bisection);
   }
 };
 
