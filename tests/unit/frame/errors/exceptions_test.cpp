@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "frame/text/error_text.h"
-#include "tests/unit/failing_memory.h"
+#include "tests/unit/fixtures/failing_memory.h"
 #include "xlcall/xlcall.h"
 
 namespace quillmere {

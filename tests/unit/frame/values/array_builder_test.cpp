@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/unit/failing_memory.h"
+#include "tests/unit/fixtures/failing_memory.h"
 
 namespace quillmere {
 namespace {

@@ -6,8 +6,8 @@
 
 #include <deque>
 
-#include "fake_excel.h"
 #include "frame/errors/exceptions.h"
+#include "tests/unit/fixtures/fake_excel.h"
 
 namespace quillmere::testing {
 namespace {

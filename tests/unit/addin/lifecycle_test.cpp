@@ -6,11 +6,11 @@
 #include <stdexcept>
 
 #include "addin/quillmere4_app.h"
-#include "addin_excel.h"
 #include "frame/callbacks/callbacks.h"
 #include "frame/text/number_writing.h"
 #include "frame/values/value_memory.h"
 #include "frame/values/xl_oper4.h"
+#include "tests/unit/fixtures/addin_excel.h"
 
 namespace quillmere::testing {
 namespace {

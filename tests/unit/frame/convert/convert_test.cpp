@@ -7,8 +7,8 @@
 #include "frame/convert/convert_array.h"
 #include "frame/convert/convert_scalar.h"
 #include "frame/values/array_builder.h"
-#include "tests/unit/failing_memory.h"
-#include "tests/unit/fake_excel.h"
+#include "tests/unit/fixtures/failing_memory.h"
+#include "tests/unit/fixtures/fake_excel.h"
 
 namespace quillmere {
 namespace {

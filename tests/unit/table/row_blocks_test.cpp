@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "fake_excel.h"
+#include "tests/unit/fixtures/fake_excel.h"
 
 namespace quillmere::testing {
 namespace {

@@ -1,5 +1,5 @@
 // The ID stores as VBA code fills, reads and empties them.
-#include "vba_exports.h"
+#include "tests/addin/vba_exports.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

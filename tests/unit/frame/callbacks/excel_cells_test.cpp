@@ -3,7 +3,7 @@
 
 #include "frame/callbacks/caller.h"
 #include "frame/callbacks/used_range.h"
-#include "tests/unit/fake_excel.h"
+#include "tests/unit/fixtures/fake_excel.h"
 
 namespace quillmere {
 namespace {

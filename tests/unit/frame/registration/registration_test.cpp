@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "addin_excel.h"
 #include "frame/callbacks/excel_settings.h"
 #include "frame/registration/type_text.h"
+#include "tests/unit/fixtures/addin_excel.h"
 
 namespace quillmere::testing {
 namespace {

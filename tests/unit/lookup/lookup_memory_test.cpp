@@ -8,9 +8,9 @@
 #include <tuple>
 
 #include "exports.h"
-#include "failing_memory.h"
-#include "fake_excel.h"
 #include "frame/callbacks/callbacks.h"
+#include "tests/unit/fixtures/failing_memory.h"
+#include "tests/unit/fixtures/fake_excel.h"
 #include "workbook/id_stores.h"
 
 namespace quillmere::testing {

@@ -13,9 +13,9 @@
 #include <string>
 
 #include "addin/quillmere4_app.h"
-#include "addin_excel.h"
 #include "frame/registration/descriptor.h"
 #include "frame/registration/type_text.h"
+#include "tests/unit/fixtures/addin_excel.h"
 
 namespace quillmere::testing {
 namespace {
@@ -62,7 +62,7 @@ std::string WhatIsRegistered() {
   std::ostringstream out;
   out << "What Excel is told of each function: the arguments of xlfRegister in order, and the descriptor. How this "
          "file\n"
-         "is written anew stands in tests/unit/registration_golden_test.cpp.\n";
+         "is written anew stands in tests/unit/addin/registration_golden_test.cpp.\n";
   for (const CXllFunctionRecord* record = CXllFunctionRecord::Head(); record; record = record->Next()) {
     const FunctionDeclaration& declaration = record->Declaration();
     if (IsOfATest(declaration)) continue;

@@ -8,8 +8,8 @@
 
 #include "frame/values/array_builder.h"
 #include "frame/values/value_memory.h"
-#include "tests/unit/failing_memory.h"
-#include "tests/unit/fake_excel.h"
+#include "tests/unit/fixtures/failing_memory.h"
+#include "tests/unit/fixtures/fake_excel.h"
 
 namespace quillmere {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <thread>
 
-#include "failing_memory.h"
+#include "tests/unit/fixtures/failing_memory.h"
 
 namespace quillmere::testing {
 namespace {

@@ -9,14 +9,14 @@
 #include <stdexcept>
 #include <thread>
 
-#include "addin_excel.h"
-#include "failing_memory.h"
 #include "frame/call/thread_record.h"
 #include "frame/callbacks/excel_settings.h"
 #include "frame/errors/exceptions.h"
 #include "frame/values/array_builder.h"
 #include "frame/values/value_memory.h"
 #include "frame/values/xl_oper4.h"
+#include "tests/unit/fixtures/addin_excel.h"
+#include "tests/unit/fixtures/failing_memory.h"
 
 namespace quillmere::testing {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "host/faults/spoilt_memory.h"
 #include "host/library/allocation.h"
-#include "vba_exports.h"
+#include "tests/addin/vba_exports.h"
 
 namespace qcalc {
 namespace {
