@@ -136,8 +136,8 @@ unit_suite 'faults, guarded pages' wine build/windows/bin/fault_tests.exe --addi
 unit_suite 'faults, asan' build/asan/bin/fault_tests --examples $examples
 unit_suite 'faults, tsan' build/tsan/bin/fault_tests --gtest_filter=Random.AllThreads --rounds 15
 
-unit_suite 'lookup model, Windows' wine build/windows/bin/lookup_model_tests.exe
-unit_suite 'lookup model, asan' build/asan/bin/lookup_model_tests
+unit_suite 'lookup model, Windows' wine build/windows/bin/model_tests.exe
+unit_suite 'lookup model, asan' build/asan/bin/model_tests
 
 echo "$passed passed, $failed failed"
 ((failed == 0))

@@ -1,9 +1,9 @@
-#include "model.h"
+#include "tests/models/lookup/model.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "model_matching.h"
+#include "tests/models/lookup/model_matching.h"
 
 namespace qcalc::lookup {
 namespace {
@@ -280,7 +280,7 @@ class Finder {
 
   /// Whose memory it is.
   std::string Place(std::int32_t keyRow) const {
-    const CallingPlace& caller = call_.caller;
+    const models::CallingPlace& caller = call_.caller;
     const std::string row = std::to_string(caller.row + (caller.rows > 1 ? keyRow : 0));
     const std::string sheet = std::to_string(reinterpret_cast<std::uintptr_t>(caller.sheet));
     switch (question_.memoryType) {

@@ -1,4 +1,4 @@
-#include "model_matching.h"
+#include "tests/models/lookup/model_matching.h"
 
 #include <algorithm>
 

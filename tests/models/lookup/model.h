@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/values/value.h"
+#include "tests/models/calling_place.h"
 
 namespace qcalc::lookup {
 
@@ -32,15 +33,6 @@ inline constexpr LookupFunction kLookupFunctions[] = {
     {XTEXT("Case.AVLOOKUPNTH"), Wanted::kNth, true, true}, {XTEXT("Case.AMATCH2"), Wanted::kFirst, false, true},
     {XTEXT("Case.AMATCHES2"), Wanted::kAll, false, true},  {XTEXT("Case.AMATCHNTH"), Wanted::kNth, false, true}};
 
-/// The cells that a formula stands in: one, or several below one another in one column. Zero-based.
-struct CallingPlace {
-  std::string book;
-  IDSHEET sheet = 0;
-  std::int32_t row = 0;
-  std::int32_t column = 0;
-  std::int32_t rows = 1;
-};
-
 /// One call with all its arguments; those that are left out are missing values.
 struct LookupCall {
   const LookupFunction* function = nullptr;
@@ -54,7 +46,7 @@ struct LookupCall {
   Value lookupColumns = Value::Missing();
   Value memory = Value::Missing();
   std::optional<std::int32_t> position;
-  CallingPlace caller;
+  models::CallingPlace caller;
 };
 
 /// Where a cell comes in a sorted table compared with what is looked for: below 0 before it, 0 equal, above 0 after.

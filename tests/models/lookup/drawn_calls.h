@@ -3,18 +3,15 @@
 
 #include <cstdint>
 
-#include "model.h"
+#include "tests/models/lookup/model.h"
 
 namespace qcalc::lookup {
 
 /// What a drawn call has a table of.
 enum class TableKind { kArray, kReference };
 
-/// The places that calls come from: single cells and columns of cells, on several sheets, some in the same row.
-using CallingPlaces = std::vector<CallingPlace>;
-
 /// Draws the call of that number. All of it follows from the seed and the number alone. Calls avoid what the rules
 /// leave open: the order of texts that Excel sorts by language, and remembered rows with errors for keys.
-LookupCall DrawCall(std::uint64_t seed, std::uint64_t number, TableKind kind, const CallingPlaces& places);
+LookupCall DrawCall(std::uint64_t seed, std::uint64_t number, TableKind kind, const models::CallingPlaces& places);
 
 }  // namespace qcalc::lookup

@@ -1,13 +1,12 @@
-#include "drawn_calls.h"
+#include "tests/models/lookup/drawn_calls.h"
 
 #include <algorithm>
 #include <array>
 #include <deque>
-#include <initializer_list>
 #include <numeric>
-#include <random>
 
-#include "model_matching.h"
+#include "tests/models/draws.h"
+#include "tests/models/lookup/model_matching.h"
 
 namespace qcalc::lookup {
 namespace {
@@ -70,10 +69,10 @@ constexpr double kNumbers[] = {
 constexpr std::int32_t kErrors[] = {xlerrNull, xlerrDiv0, xlerrValue, xlerrRef, xlerrName, xlerrNum, xlerrNA};
 constexpr XStringView kLabels[] = {XTEXT("Name"), XTEXT("Qty"), XTEXT("Price"), XTEXT("É 1")};
 
-class CallMaker {
+class CallMaker : private models::Draws {
  public:
-  CallMaker(std::uint64_t seed, std::uint64_t number, TableKind kind, const CallingPlaces& places)
-      : random_(seed * 1'000'003 + number), places_(places) {
+  CallMaker(std::uint64_t seed, std::uint64_t number, TableKind kind, const models::CallingPlaces& places)
+      : Draws(seed, number), places_(places) {
     call_.isReference = kind == TableKind::kReference;
     isLarge_ = number % kLargeEvery == kLargeEvery - 1;
   }
@@ -94,18 +93,6 @@ class CallMaker {
   }
 
  private:
-  std::int32_t Below(std::int32_t end) {
-    return static_cast<std::int32_t>(random_() % static_cast<std::uint64_t>(std::max(end, 1)));
-  }
-  bool Chance(int percent) { return Below(100) < percent; }
-  template <typename List>
-  auto Pick(const List& list) -> decltype(list[0]) {
-    return list[static_cast<std::size_t>(Below(static_cast<std::int32_t>(std::size(list))))];
-  }
-  /// One of a few values.
-  Value PickOf(std::initializer_list<Value> values) {
-    return values.begin()[Below(static_cast<std::int32_t>(values.size()))];
-  }
   static Value TextValue(XStringView text) { return Value::Text(XString(text)); }
 
   void DrawSizes() {
@@ -335,8 +322,7 @@ class CallMaker {
     return Value::OfArray(array.Finish());
   }
 
-  std::mt19937_64 random_;
-  const CallingPlaces& places_;
+  const models::CallingPlaces& places_;
   LookupCall call_;
   bool isLarge_ = false;
   std::int32_t order_ = 0;
@@ -352,7 +338,7 @@ class CallMaker {
 
 }  // namespace
 
-LookupCall DrawCall(std::uint64_t seed, std::uint64_t number, TableKind kind, const CallingPlaces& places) {
+LookupCall DrawCall(std::uint64_t seed, std::uint64_t number, TableKind kind, const models::CallingPlaces& places) {
   return CallMaker(seed, number, kind, places).Make();
 }
 

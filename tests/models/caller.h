@@ -1,0 +1,47 @@
+// Makes calls of the add-in's functions, with their tables where they belong.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/scripts/session.h"
+#include "tests/models/calling_place.h"
+
+namespace qcalc::models {
+
+class Caller {
+ public:
+  explicit Caller(Session& session);
+
+  const CallingPlaces& Places() const { return places_; }
+
+  /// Writes the table somewhere, on the current sheet or another, at the sheet's lower end too, and refers to it and to
+  /// `rowsBelow` empty rows under it. The table before it is gone.
+  Value PutInSheet(const ArrayPtr& table, std::int32_t rowsBelow);
+
+  /// Calls the function that is registered by that name; there is an operand for each of its arguments.
+  Value Call(XStringView function, const std::vector<Value>& operands, const CallingPlace& place);
+
+  /// Callbacks of the last call.
+  int Callbacks() const;
+
+  /// What the host has to complain of since it was last asked; "" when nothing.
+  std::string Complaints() const;
+
+  /// The call as a formula, with where it was made from.
+  std::string Describe(XStringView function, const std::vector<Value>& operands, const CallingPlace& place) const;
+
+  /// Where the last table stands, and how it was handed over.
+  std::string DescribeTable() const;
+
+ private:
+  std::string At(const Reference& reference) const;
+
+  Session& session_;
+  CallingPlaces places_;
+  int tables_ = 0;
+  Reference lastTable_;
+};
+
+}  // namespace qcalc::models
