@@ -1,4 +1,7 @@
 // The lookup functions: values or row positions; of the first match, of the n-th, or of all.
+//
+// Serves AVLOOKUP2, AVLOOKUPS2, AVLOOKUPNTH, AMATCH2, AMATCHES2, AMATCHNTH, Case.AVLOOKUP2, Case.AVLOOKUPS2,
+// Case.AVLOOKUPNTH, Case.AMATCH2, Case.AMATCHES2, Case.AMATCHNTH.
 #include "frame/convert/argument.h"
 #include "implementations/lookup.h"
 #include "lookup/array_search.h"

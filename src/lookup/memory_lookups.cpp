@@ -1,4 +1,6 @@
-// MEMMATCH and MEMLOOKUP: one value looked for in a list, first where the calling cell found it the last time.
+// One value looked for in a list, first where the calling cell found it the last time.
+//
+// Serves MEMMATCH, MEMLOOKUP.
 #include <cstdint>
 #include <optional>
 #include <utility>

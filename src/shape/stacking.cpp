@@ -1,4 +1,6 @@
-// VSTACK, HSTACK and their variants: blocks below one another or side by side, as they come or matched by headers.
+// Stacking: blocks below one another or side by side, as they come or matched by headers.
+//
+// Serves VSTACK, VSTACKF, HSTACK, HSTACKF, HDR.VSTACK, HDR.HSTACK, ROW.ARRAY, COL.ARRAY.
 //
 // Both directions are one piece of code. `along` is the axis the blocks follow each other on (rows when stacking down),
 // a lane is a row or column of the result that runs that way.

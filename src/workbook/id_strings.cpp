@@ -1,4 +1,6 @@
-// The worksheet's side of the row IDs by text: Put_RowIDString, Get_RowIdString, Erase_RowIDString.
+// The worksheet's side of the row IDs by text.
+//
+// Serves Put_RowIDString, Get_RowIdString, Erase_RowIDString.
 #include <algorithm>
 #include <cstdint>
 #include <utility>
