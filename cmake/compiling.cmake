@@ -32,6 +32,7 @@ target_compile_options(
             -Wnon-virtual-dtor
             -Wold-style-cast
             -Woverloaded-virtual
+            -Wmissing-declarations
             -Werror>
             -fstack-protector-strong)
 target_link_libraries(own_code INTERFACE Threads::Threads)

@@ -7,6 +7,8 @@ int QcalcFaultAndRecover();
 extern const char qcalcFaultyInstruction;
 extern const char qcalcBehindFault;
 
+EXCEPTION_DISPOSITION QcalcHandleFault(EXCEPTION_RECORD* record, void*, CONTEXT* context, void*);
+
 /// The language handler of QcalcFaultAndRecover: goes on behind the instruction, telling that it was here.
 EXCEPTION_DISPOSITION QcalcHandleFault(EXCEPTION_RECORD* record, void*, CONTEXT* context, void*) {
   if (record->ExceptionCode != EXCEPTION_ACCESS_VIOLATION || record->ExceptionAddress != &qcalcFaultyInstruction)

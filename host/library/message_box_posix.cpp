@@ -9,6 +9,9 @@ void RedirectMessageBoxes(const Library&) {}
 
 }  // namespace qcalc
 
+// Called by name from outside.
+#pragma GCC diagnostic ignored "-Wmissing-declarations"
+
 /// What the native add-in finds by name in the program and calls for MessageBox: zero-terminated texts, Windows' flags
 /// and answers.
 QCALC_EXPORT int QcalcMessageBox(const XCHAR* text, const XCHAR* caption, std::uint32_t flags) {

@@ -16,6 +16,9 @@ Function FindInProgram(const char* name) {
 
 }  // namespace
 
+// Called by name from outside.
+#pragma GCC diagnostic ignored "-Wmissing-declarations"
+
 QCALC_EXPORT int Excel4v(int xlfn, XLOPER* result, int count, XLOPER** arguments) {
   const auto forward = FindInProgram<XlExcel4v>("Excel4v");
   return forward ? forward(xlfn, result, count, arguments) : xlretFailed;

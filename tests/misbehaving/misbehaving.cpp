@@ -89,6 +89,9 @@ void Register(XStringView procedure, XStringView type, XStringView name) {
 
 }  // namespace
 
+// Called by name from outside.
+#pragma GCC diagnostic ignored "-Wmissing-declarations"
+
 QCALC_EXPORT void SetExcel12EntryPt(XlMdCallBack12 entryPoint) { callback = entryPoint; }
 
 QCALC_EXPORT int xlAutoClose() {

@@ -28,6 +28,10 @@ extern IMAGE_DOS_HEADER __ImageBase;
 
 /// Allocates the memory of an exception object; ends in std::terminate when there is none.
 void* __cxa_allocate_exception(std::size_t size) noexcept;
+
+/// The C++ runtime's words for each thread, which it asks for by these names.
+quillmere::ExceptionGlobals* __cxa_get_globals() noexcept;
+quillmere::ExceptionGlobals* __cxa_get_globals_fast() noexcept;
 }
 
 namespace quillmere {
@@ -244,13 +248,12 @@ EXCEPTION_DISPOSITION HandleFaultInGuard(EXCEPTION_RECORD* exception, void*, CON
   return ExceptionContinueExecution;
 }
 
-// The C++ runtime's words for each thread, in the record that the thread has anyway. The runtime's own stand in
-// emulated thread storage, which is allocated at the first throw and stays behind when the library is unloaded under
-// live threads.
-extern "C" quillmere::ExceptionGlobals* __cxa_get_globals() noexcept {
+// The words are in the record that the thread has anyway. The runtime's own stand in emulated thread storage, which is
+// allocated at the first throw and stays behind when the library is unloaded under live threads.
+quillmere::ExceptionGlobals* __cxa_get_globals() noexcept {
   static quillmere::ExceptionGlobals ofThreadsWithoutRecord;
   quillmere::ThreadRecord* const record = quillmere::CurrentThreadRecord();
   return record ? &record->exceptionGlobals : &ofThreadsWithoutRecord;
 }
 
-extern "C" quillmere::ExceptionGlobals* __cxa_get_globals_fast() noexcept { return __cxa_get_globals(); }
+quillmere::ExceptionGlobals* __cxa_get_globals_fast() noexcept { return __cxa_get_globals(); }

@@ -7,6 +7,8 @@ namespace __gnu_cxx {
 void __freeres();
 }  // namespace __gnu_cxx
 
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds);
+
 // Thread notifications stay on: the runtime releases its own per-thread memory by them.
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) quillmere::InstallFaultHandling();
