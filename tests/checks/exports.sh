@@ -2,6 +2,7 @@
 # The library exports Excel's entry points, the functions of the tables and the plain functions for VBA, both builds
 # alike, and nothing else; and the functions of the tables are the ones that Excel is told of.
 set -euo pipefail
+source tests/run/functions.sh
 
 entry_points=(
   xlAutoOpen xlAutoClose xlAutoAdd xlAutoRemove xlAutoFree xlAutoFree12
@@ -14,23 +15,10 @@ vba_functions=(
   Destroy_RowIDLong Destroy_ColIDLong Destroy_RowIDString
 )
 
-# Of each function in the tables its name, and 1 if it has an 8-bit entry point too.
-table_functions() {
-  awk '
-    function flush() { if (name != "") print name, eight; name = ""; eight = 0 }
-    /^\[/ { flush(); inside = /^\[\[function\]\]/ }
-    inside && match($0, /^name = "[^"]*"/) { name = substr($0, 9, RLENGTH - 9) }
-    inside && /^interfaces = .*[^0-9]4[^0-9]/ { eight = 1 }
-    END { flush() }
-  ' src/functions/*.toml
-}
-
+# expected_exports TREE: what is generated from the tables says which functions have an 8-bit entry point too.
 expected_exports() {
   printf '%s\n' "${entry_points[@]}" "${vba_functions[@]}"
-  table_functions | while read -r name eight; do
-    echo "${name//./_}_12"
-    ((eight == 0)) || echo "${name//./_}_4"
-  done
+  declared_exports "$1" | cut -d ' ' -f 2
 }
 
 windows_exports() {
@@ -52,8 +40,8 @@ same() {
 }
 
 status=0
-same 'exports of the Windows build' "$(expected_exports)" "$(windows_exports)" || status=1
-same 'exports of the native build' "$(expected_exports)" "$(native_exports)" || status=1
-same 'functions that Excel is told of' "$(table_functions | cut -d ' ' -f 1)" \
-  "$(wine build/windows/bin/qcalc.exe functions | tr -d '\r' | sed 's/(.*//')" || status=1
+same 'exports of the Windows build' "$(expected_exports build/windows)" "$(windows_exports)" || status=1
+same 'exports of the native build' "$(expected_exports build/asan)" "$(native_exports)" || status=1
+same 'functions that Excel is told of' "$(declared_functions build/windows | cut -d ' ' -f 2)" \
+  "$(wine build/windows/bin/qcalc.exe functions | tr -d '\r' | sed 's/(.*//; s/\./_/g')" || status=1
 exit $status
