@@ -1,0 +1,104 @@
+# shellcheck shell=bash
+# The suites of `./dev test`, and what a part of them is made of. Sourced by dev, which builds.
+source tests/run/functions.sh
+source tests/run/runners.sh
+
+guarded=build/windows/bin/Quillmere4_guarded.xll
+
+# each_suite COMMAND...: calls COMMAND with each suite: the part that it belongs to; the build and, joined by commas, the
+# targets that it needs; whether it is run for a single family too or only as a whole; its name; and how it is run. The
+# longest of a build come first, so that none is left to run alone at the end. Scripts share a process, but where a fresh
+# one is worth more: guarded pages use up the mappings that the system gives one, and the thread sanitizer remembers what
+# a library did that is unloaded.
+each_suite() {
+  local native_faults windows_faults
+  native_faults="asan fault_tests --examples $(examples asan)"
+  windows_faults="windows fault_tests --examples $(examples windows)"
+  # shellcheck disable=SC2086
+  {
+    "$@" faults    asan    fault_tests              family 'faults, asan'           program $native_faults
+    "$@" host      asan    host_tests               whole  'host tests, asan'       program asan host_tests
+    "$@" scripts   asan    qcalc                    family 'scripts, asan'          scripts asan 100
+    "$@" models    asan    model_tests              family 'models, asan'           program asan model_tests
+    "$@" unit      asan    unit_tests               family 'unit tests, asan'       program asan unit_tests
+    "$@" generator asan    generator_tests          whole  'generator tests, asan'  program asan generator_tests
+    "$@" checks    asan    Quillmere4               whole  'the native library'     needed
+
+    "$@" faults    windows fault_tests              whole  'faults, guarded pages'  program $windows_faults --addin $guarded
+    "$@" faults    windows fault_tests              whole  'faults, Windows'        program $windows_faults
+    "$@" checks    windows qcalc,XLCALL32           whole  'checks'                 checks
+    "$@" scripts   windows qcalc                    family 'scripts, Windows'       scripts windows 100
+    "$@" scripts   windows qcalc,Quillmere4_guarded whole  'scripts, guarded pages' scripts windows 1 --addin $guarded
+    "$@" host      windows host_tests               whole  'host tests, Windows'    program windows host_tests
+    "$@" guard     windows fault_guard_tests        whole  'fault guard, Windows'   program windows fault_guard_tests
+    "$@" unit      windows unit_tests               whole  'unit tests, Windows'    program windows unit_tests
+    "$@" models    windows model_tests              whole  'models, Windows'        program windows model_tests
+
+    "$@" faults    tsan    fault_tests              whole  'faults, tsan'           program tsan fault_tests \
+      --gtest_filter=Random.AllThreads --rounds 15
+    "$@" scripts   tsan    qcalc                    whole  'parallel scripts, tsan' scripts tsan 1
+  }
+}
+
+# Of each part that is wanted: "all", or the folders and families of it that are.
+declare -A wanted=()
+
+# want WORD: a part, or what each part has of a family.
+want() {
+  local part
+  case $1 in
+    checks | faults | generator | guard | models | scripts | unit) wanted[$1]=all ;;
+    host)
+      wanted[host]=all
+      want_some scripts host windows
+      ;;
+    *)
+      [[ -e src/functions/$1.toml ]] || return
+      for part in faults models scripts unit; do want_some "$part" "$1"; done
+      ;;
+  esac
+}
+
+want_some() {
+  [[ ${wanted[$1]:-} == all ]] || wanted[$1]+=" ${*:2}"
+}
+
+is_wanted() {
+  local part=$1 scope=$2
+  [[ -n ${wanted[$part]:-} && (${wanted[$part]} == all || $scope == family) ]]
+}
+
+targets_in() {
+  local of_build=$1 part=$2 build=$3 targets=$4 scope=$5
+  [[ $build != "$of_build" ]] || ! is_wanted "$part" "$scope" || echo "${targets//,/$'\n'}"
+}
+
+run_in() {
+  local of_build=$1 part=$2 build=$3 scope=$5 name=$6 runner=$7
+  [[ $build == "$of_build" && $runner != needed ]] && is_wanted "$part" "$scope" || return 0
+  at_once "${runner}_suite" "$name" "$part" "${wanted[$part]}" "${@:8}"
+}
+
+# run_tests [WORD...]: the parts of that name, or all; native ones first, since their build is the cheapest.
+run_tests() {
+  local word build targets
+  export LC_ALL=C.UTF-8
+  (($#)) || set -- checks faults generator guard host models scripts unit
+  for word in "$@"; do
+    want "$word" || {
+      echo "no tests named '$word'. There are checks, faults, generator, guard, host, models, scripts, unit, and of a" \
+        "family: $(families | paste -sd ' ')" >&2
+      return 2
+    }
+  done
+  begin_runs
+  for build in asan windows tsan; do
+    mapfile -t targets < <(each_suite targets_in "$build" | sort -u)
+    ((${#targets[@]})) || continue
+    build_preset "$build" "${targets[@]}"
+    [[ $build != windows ]] || enter_wine
+    each_suite run_in "$build"
+    wait
+  done
+  close_runs
+}
