@@ -71,7 +71,7 @@ void FilterByGoingBack(benchmark::State& state) {
 BENCHMARK(FilterByGoingBack)->Apply(AllSizes);
 
 void FilterByPattern(benchmark::State& state, bool caseSensitive) {
-  const WildcardPattern pattern(XTEXT("K*5?7*3"), caseSensitive);
+  const text::WildcardPattern pattern(XTEXT("K*5?7*3"), caseSensitive);
   Filter(state, [&pattern](XStringView text) { return pattern.Matches(text); });
 }
 BENCHMARK_CAPTURE(FilterByPattern, AnyCase, false)->Apply(AllSizes);
@@ -80,7 +80,7 @@ BENCHMARK_CAPTURE(FilterByPattern, CaseSensitive, true)->Apply(AllSizes);
 /// One text of 30,000 units against patterns that nearly match everywhere.
 void NearMatches(benchmark::State& state, const XString& segment) {
   const XString text(30'000, XTEXT('a'));
-  const WildcardPattern pattern(XTEXT("*") + segment + XTEXT("b*"), false);
+  const text::WildcardPattern pattern(XTEXT("*") + segment + XTEXT("b*"), false);
   for (auto _ : state) benchmark::DoNotOptimize(pattern.Matches(text));
 }
 BENCHMARK_CAPTURE(NearMatches, ShortSegments, XTEXT("a*a*a*a*"))->Unit(benchmark::kMicrosecond);

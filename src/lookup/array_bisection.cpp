@@ -9,7 +9,7 @@
 #include "lookup/array_rows.h"
 #include "lookup/bisection_top.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 /// So many bisections go on side by side: while one waits for its cell, the others' are on their way.
@@ -199,4 +199,4 @@ void BisectArray(const RowTuples& rows, const LookupKeys& keys, const MatchRules
   }
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -6,10 +6,10 @@
 #include "lookup/lookup_keys.h"
 #include "table/cell_tuples.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// Adds the wanted rows of every key; `rules.order` is one of the sorted ones.
 void BisectArray(const RowTuples& rows, const LookupKeys& keys, const MatchRules& rules, std::int32_t position,
                  FoundRows& found);
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -6,7 +6,7 @@
 #include "lookup/lookup_arguments.h"
 #include "table/tuple_index.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 /// Takes in which rows are in which group, in the order in which they are wanted.
@@ -137,4 +137,4 @@ void ArrayIndex::Record(std::int32_t key, FoundRows& found) const {
     AddFoundRow(found, allRows_[static_cast<std::size_t>(i)]);
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -8,7 +8,7 @@
 #include "lookup/lookup_keys.h"
 #include "table/cell_tuples.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// The wanted rows of every key of a call. The rows found are those that a scan for each key would find; the cost grows
 /// with rows plus keys. The index holds the fewer of both, the others are passed by it once.
@@ -37,4 +37,4 @@ class ArrayIndex {
   std::vector<std::int32_t> allRows_;
 };
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

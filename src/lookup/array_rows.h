@@ -7,7 +7,7 @@
 #include "lookup/lookup_keys.h"
 #include "table/cell_tuples.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// Where a row stands to a key: by the first part whose cells differ.
 inline int CompareRow(const RowTuples& rows, std::int32_t row, Key key) {
@@ -24,4 +24,4 @@ inline bool MatchesRow(const RowTuples& rows, std::int32_t row, Key key, std::si
   return true;
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -7,7 +7,7 @@
 #include "lookup/array_rows.h"
 #include "lookup/match_walk.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 /// Walks the rows whose first cell passes `firstMatches` and whose others match the key.
@@ -61,4 +61,4 @@ FoundRows SearchArray(const LookupPlan& plan, const LookupKeys& keys, const Matc
   return found;
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -1,6 +1,6 @@
 #include "lookup/bisection.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 void RecordRun(const SortedRun& run, std::int32_t position, bool exact, FoundRows& found) {
   if (!run.equal) {
@@ -16,4 +16,4 @@ void RecordRun(const SortedRun& run, std::int32_t position, bool exact, FoundRow
   AddFoundRow(found, row <= run.last ? static_cast<std::int32_t>(row) : kNoRow);
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -7,7 +7,7 @@
 #include "lookup/lookup_arguments.h"
 #include "table/sort_order.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// Which end of a run of equal rows a bisection looks for.
 enum class RunEnd { kFirst, kLast };
@@ -80,4 +80,4 @@ constexpr RunEnds NeededEnds(SortOrder order, std::int32_t position) noexcept {
 /// Adds the wanted rows of a key. With `exact` a nearest row counts as no match; else it stands for the only one.
 void RecordRun(const SortedRun& run, std::int32_t position, bool exact, FoundRows& found);
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

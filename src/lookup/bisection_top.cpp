@@ -2,7 +2,7 @@
 
 #include <limits>
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 double NumberFor(const XLOPER12& cell, SortOrder order) {
@@ -31,4 +31,4 @@ BisectionTop::BisectionTop(const RowTuples& rows, SortOrder order) {
   }
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

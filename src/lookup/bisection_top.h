@@ -8,7 +8,7 @@
 #include "lookup/bisection.h"
 #include "table/cell_tuples.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// The rows that the first steps of every bisection look at, as numbers side by side in memory: a binary tree whose
 /// node n goes on to 2n + 1 in the rows before and to 2n + 2 in those behind. What is no number is taken as one that
@@ -36,4 +36,4 @@ class BisectionTop {
   std::vector<Bisection> below_;
 };
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

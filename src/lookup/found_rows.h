@@ -7,7 +7,7 @@
 #include "frame/errors/exceptions.h"
 #include "xlcall/xlcall.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// In place of a row: none.
 constexpr std::int32_t kNoRow = -1;
@@ -21,4 +21,4 @@ inline void AddFoundRow(FoundRows& found, std::int32_t row) {
   found.push_back(row);
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

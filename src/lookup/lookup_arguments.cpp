@@ -6,7 +6,7 @@
 #include "frame/convert/single_value.h"
 #include "table/column_selector.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 [[noreturn]] void RefuseArgument() { throw CXlErrorException(xlerrValue); }
@@ -103,4 +103,4 @@ MatchRules ReadMatchRules(const CXlOper& sorted, const CXlOper& exactMatch, bool
   return rules;
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

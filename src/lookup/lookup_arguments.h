@@ -10,7 +10,7 @@
 #include "table/sort_order.h"
 #include "table/table_view.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// Which of several matches of a key is wanted; a positive number n is the n-th.
 namespace wanted_match {
@@ -58,4 +58,4 @@ LookupPlan ReadLookup(const LookupArguments& arguments);
 /// Reads the arguments Sorted and Exact_Match: an error value is #VALUE!.
 MatchRules ReadMatchRules(const CXlOper& sorted, const CXlOper& exactMatch, bool caseSensitive);
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -10,7 +10,7 @@
 #include "lookup/lookup_result.h"
 #include "lookup/reference_search.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 /// The optional arguments that say how a match is looked for.
@@ -31,51 +31,48 @@ CXlOper LookUp(const LookupArguments& arguments, const MatchArguments& match) {
 
 }  // namespace
 
-void LookupFunctions::AvLookup(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
-                               const CXlArgument& lookupTable, const CXlArgument& answerColumns,
-                               const CXlArgument& sorted, const CXlArgument& exactMatch,
-                               const CXlArgument& lookupColumns, const CXlArgument& memTypeName) {
+void Functions::AvLookup(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
+                         const CXlArgument& lookupTable, const CXlArgument& answerColumns, const CXlArgument& sorted,
+                         const CXlArgument& exactMatch, const CXlArgument& lookupColumns,
+                         const CXlArgument& memTypeName) {
   result = LookUp({lookupValues, lookupTable, &answerColumns, lookupColumns, &memTypeName},
                   {sorted, exactMatch, caseSensitive});
 }
 
-void LookupFunctions::AvLookups(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
-                                const CXlArgument& lookupTable, const CXlArgument& answerColumns,
-                                const CXlArgument& sorted, const CXlArgument& exactMatch,
-                                const CXlArgument& lookupColumns) {
+void Functions::AvLookups(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
+                          const CXlArgument& lookupTable, const CXlArgument& answerColumns, const CXlArgument& sorted,
+                          const CXlArgument& exactMatch, const CXlArgument& lookupColumns) {
   result = LookUp({lookupValues, lookupTable, &answerColumns, lookupColumns, nullptr, wanted_match::kAll},
                   {sorted, exactMatch, caseSensitive});
 }
 
-void LookupFunctions::AvLookupNth(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
-                                  const CXlArgument& lookupTable, const CXlArgument& answerColumns,
-                                  const CXlArgument& sorted, const CXlArgument& exactMatch,
-                                  const CXlArgument& lookupColumns,
-                                  const CXlScalarArgument<ElementKind::kInteger>& position) {
+void Functions::AvLookupNth(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
+                            const CXlArgument& lookupTable, const CXlArgument& answerColumns, const CXlArgument& sorted,
+                            const CXlArgument& exactMatch, const CXlArgument& lookupColumns,
+                            const CXlScalarArgument<ElementKind::kInteger>& position) {
   result = LookUp({lookupValues, lookupTable, &answerColumns, lookupColumns, nullptr, position.Read()},
                   {sorted, exactMatch, caseSensitive});
 }
 
-void LookupFunctions::AMatch(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
-                             const CXlArgument& lookupTable, const CXlArgument& sorted, const CXlArgument& exactMatch,
-                             const CXlArgument& lookupColumns, const CXlArgument& memTypeName) {
+void Functions::AMatch(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
+                       const CXlArgument& lookupTable, const CXlArgument& sorted, const CXlArgument& exactMatch,
+                       const CXlArgument& lookupColumns, const CXlArgument& memTypeName) {
   result =
       LookUp({lookupValues, lookupTable, nullptr, lookupColumns, &memTypeName}, {sorted, exactMatch, caseSensitive});
 }
 
-void LookupFunctions::AMatches(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
-                               const CXlArgument& lookupTable, const CXlArgument& sorted, const CXlArgument& exactMatch,
-                               const CXlArgument& lookupColumns) {
+void Functions::AMatches(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
+                         const CXlArgument& lookupTable, const CXlArgument& sorted, const CXlArgument& exactMatch,
+                         const CXlArgument& lookupColumns) {
   result = LookUp({lookupValues, lookupTable, nullptr, lookupColumns, nullptr, wanted_match::kAll},
                   {sorted, exactMatch, caseSensitive});
 }
 
-void LookupFunctions::AMatchNth(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
-                                const CXlArgument& lookupTable, const CXlArgument& sorted,
-                                const CXlArgument& exactMatch, const CXlArgument& lookupColumns,
-                                const CXlScalarArgument<ElementKind::kInteger>& position) {
+void Functions::AMatchNth(CXlOper& result, bool caseSensitive, const CXlArgument& lookupValues,
+                          const CXlArgument& lookupTable, const CXlArgument& sorted, const CXlArgument& exactMatch,
+                          const CXlArgument& lookupColumns, const CXlScalarArgument<ElementKind::kInteger>& position) {
   result = LookUp({lookupValues, lookupTable, nullptr, lookupColumns, nullptr, position.Read()},
                   {sorted, exactMatch, caseSensitive});
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

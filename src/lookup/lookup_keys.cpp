@@ -4,10 +4,10 @@
 
 #include "text/wildcard_pattern.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
-bool IsPattern(const XLOPER12& cell) { return IsTextCell(cell) && HasWildcards(TextOf(cell)); }
+bool IsPattern(const XLOPER12& cell) { return IsTextCell(cell) && text::HasWildcards(TextOf(cell)); }
 
 }  // namespace
 
@@ -22,10 +22,10 @@ bool LookupKeys::HasPattern(std::int32_t key) const {
   return std::any_of(parts.begin(), parts.end(), IsPattern);
 }
 
-std::unique_ptr<const TextMatcher> LookupKeys::PatternAt(std::int32_t key, std::size_t part) const {
+std::unique_ptr<const text::TextMatcher> LookupKeys::PatternAt(std::int32_t key, std::size_t part) const {
   const XLOPER12& cell = At(key, part);
   if (!anyPatterns_ || !IsPattern(cell)) return nullptr;
-  return std::make_unique<WildcardPattern>(TextOf(cell), caseSensitive_);
+  return std::make_unique<text::WildcardPattern>(TextOf(cell), caseSensitive_);
 }
 
 Key KeyRoom::Prepare(const LookupKeys& keys, std::int32_t key, std::size_t patternParts) {
@@ -44,4 +44,4 @@ Key KeyRoom::Prepare(const LookupKeys& keys, std::int32_t key, std::size_t patte
   return parts_;
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -11,12 +11,12 @@
 #include "table/compare.h"
 #include "text/text_matcher.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// A part of a key made ready.
 struct KeyPart {
-  PreparedLookupValue value;                   ///< what cells are compared with,
-  std::unique_ptr<const TextMatcher> pattern;  ///< or, where set, what texts are matched against instead
+  PreparedLookupValue value;                         ///< what cells are compared with,
+  std::unique_ptr<const text::TextMatcher> pattern;  ///< or, where set, what texts are matched against instead
 
   bool Matches(const XLOPER12& cell) const {
     if (!pattern) return EqualsLookupValue(cell, value);
@@ -48,7 +48,7 @@ class LookupKeys {
   /// Whether a part of this key can.
   bool HasPattern(std::int32_t key) const;
   /// What texts are matched against for a part that can be a pattern; nothing for any other.
-  std::unique_ptr<const TextMatcher> PatternAt(std::int32_t key, std::size_t part) const;
+  std::unique_ptr<const text::TextMatcher> PatternAt(std::int32_t key, std::size_t part) const;
 
  private:
   CXlCells cells_;
@@ -69,4 +69,4 @@ class KeyRoom {
   XString folded_;
 };
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

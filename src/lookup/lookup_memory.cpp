@@ -9,7 +9,7 @@
 #include "frame/values/cell_copy.h"
 #include "workbook/id_stores.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 /// Narrows the lines from `first` to `last` to the one of a key row: all key rows share a single line. False when there
@@ -55,21 +55,21 @@ std::optional<std::int32_t> LookupMemory::Recall(std::int32_t keyRow) {
   if (!place) return std::nullopt;
   if (UsesTextStore()) {
     const std::optional<XStringView> key = TextKey(*place);
-    return key ? FindRowId(*key) : std::nullopt;
+    return key ? workbook::FindRowId(*key) : std::nullopt;
   }
-  return direction_ == ListDirection::kDown ? FindId(NumberStore::kRowIds, place->rwFirst + 1)
-                                            : FindId(NumberStore::kColumnIds, place->colFirst + 1);
+  return direction_ == ListDirection::kDown ? workbook::FindId(workbook::NumberStore::kRowIds, place->rwFirst + 1)
+                                            : workbook::FindId(workbook::NumberStore::kColumnIds, place->colFirst + 1);
 }
 
 void LookupMemory::Remember(std::int32_t keyRow, std::int32_t position) {
   const std::optional<XLREF12> place = PlaceOf(keyRow);
   if (!place) return;
   if (UsesTextStore()) {
-    if (const std::optional<XStringView> key = TextKey(*place)) StoreRowId(*key, position);
+    if (const std::optional<XStringView> key = TextKey(*place)) workbook::StoreRowId(*key, position);
   } else if (direction_ == ListDirection::kDown) {
-    StoreId(NumberStore::kRowIds, place->rwFirst + 1, position);
+    workbook::StoreId(workbook::NumberStore::kRowIds, place->rwFirst + 1, position);
   } else {
-    StoreId(NumberStore::kColumnIds, place->colFirst + 1, position);
+    workbook::StoreId(workbook::NumberStore::kColumnIds, place->colFirst + 1, position);
   }
 }
 
@@ -135,4 +135,4 @@ void LookupMemory::AppendAddress(const XLREF12& place) {
   }
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

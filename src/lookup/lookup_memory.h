@@ -7,7 +7,7 @@
 #include "frame/values/xl_oper.h"
 #include "xlcall/xchar.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// How a calling place is identified.
 enum class MemoryType : std::int8_t {
@@ -69,4 +69,4 @@ class LookupMemory {
   XString key_;     ///< the buffer of all text keys
 };
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

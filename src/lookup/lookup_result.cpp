@@ -5,7 +5,7 @@
 #include "frame/values/array_builder.h"
 #include "table/array_painter.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 void PutPositions(CXlArrayBuilder& builder, const FoundRows& found, const XLOPER12& notFound) {
@@ -48,4 +48,4 @@ CXlOper BuildLookupResult(const LookupPlan& plan, const FoundRows& found, const 
   return builder.FinishCollapsed();
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

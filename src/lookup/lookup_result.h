@@ -5,10 +5,10 @@
 #include "lookup/found_rows.h"
 #include "lookup/lookup_arguments.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// The values of the answer columns, or the row positions (from 1), one row per row found. A key without a match gives
 /// `notFound` in every column. A single value is no array. Cells of a reference are read one by one.
 CXlOper BuildLookupResult(const LookupPlan& plan, const FoundRows& found, const XLOPER12& notFound);
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -6,7 +6,7 @@
 #include "lookup/found_rows.h"
 #include "lookup/lookup_arguments.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// A search that looks at one row after the other; `Test` tells of a row, counted from 0, whether it matches.
 template <class Test>
@@ -51,4 +51,4 @@ void WalkMatches(const Search& search, std::int32_t position, FoundRows& found) 
   AddFoundRow(found, row);
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

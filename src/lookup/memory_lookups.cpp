@@ -14,7 +14,7 @@
 #include "table/compare.h"
 #include "table/table_view.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 /// The list in the first column of a table, or in its first row when it runs across.
@@ -119,10 +119,9 @@ CXlOper MatchInList(const MemoryLookup& lookup) {
 
 }  // namespace
 
-void LookupFunctions::MemMatch(CXlOper& result, const CXlArgument& lookupValue, const CXlArgument& lookupArray,
-                               const CXlScalarArgument<ElementKind::kShortInteger>& sortType,
-                               const CXlArgument& memType,
-                               const CXlScalarArgument<ElementKind::kInteger>& verticalHorizontal) {
+void Functions::MemMatch(CXlOper& result, const CXlArgument& lookupValue, const CXlArgument& lookupArray,
+                         const CXlScalarArgument<ElementKind::kShortInteger>& sortType, const CXlArgument& memType,
+                         const CXlScalarArgument<ElementKind::kInteger>& verticalHorizontal) {
   MemoryLookup lookup = ReadArguments({lookupValue, lookupArray, sortType, memType, verticalHorizontal});
   const std::optional<std::int32_t> position = FindPosition(lookup, [&] { return lookup.Match(lookupArray.Value()); });
   if (position)
@@ -131,11 +130,10 @@ void LookupFunctions::MemMatch(CXlOper& result, const CXlArgument& lookupValue, 
     result.SetError(xlerrNA);
 }
 
-void LookupFunctions::MemLookup(CXlOper& result, const CXlArgument& lookupValue, const CXlArgument& lookupArray,
-                                const CXlArgument& resultColumn,
-                                const CXlScalarArgument<ElementKind::kShortInteger>& sortType,
-                                const CXlArgument& memType,
-                                const CXlScalarArgument<ElementKind::kInteger>& verticalHorizontal) {
+void Functions::MemLookup(CXlOper& result, const CXlArgument& lookupValue, const CXlArgument& lookupArray,
+                          const CXlArgument& resultColumn,
+                          const CXlScalarArgument<ElementKind::kShortInteger>& sortType, const CXlArgument& memType,
+                          const CXlScalarArgument<ElementKind::kInteger>& verticalHorizontal) {
   result.SetError(xlerrValue);
   MemoryLookup lookup = ReadArguments({lookupValue, lookupArray, sortType, memType, verticalHorizontal});
   const CXlOper selector = SingleValue(resultColumn);
@@ -155,4 +153,4 @@ void LookupFunctions::MemLookup(CXlOper& result, const CXlArgument& lookupValue,
     result.SetError(xlerrNA);
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -6,7 +6,7 @@
 #include "lookup/bisection.h"
 #include "lookup/match_walk.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 bool CanExcelSearch(const XLOPER12& part) { return !IsTextCell(part) || TextOf(part).size() <= kXlMaxSearchedText; }
@@ -209,4 +209,4 @@ FoundRows SearchReference(const LookupPlan& plan, const LookupKeys& keys, const 
   return found;
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

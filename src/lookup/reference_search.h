@@ -5,7 +5,7 @@
 #include "lookup/lookup_arguments.h"
 #include "lookup/lookup_keys.h"
 
-namespace quillmere {
+namespace quillmere::lookup {
 
 /// Whether Excel's VLOOKUP answers the whole lookup: one key of one part in the first column, one answer column, and
 /// either an ascending table searched approximately for the last of equal rows, or an unsorted one without memory.
@@ -20,4 +20,4 @@ CXlOper CallVlookup(const LookupPlan& plan, const LookupKeys& keys, const MatchR
 /// fails is CXlErrorException with #VALUE!.
 FoundRows SearchReference(const LookupPlan& plan, const LookupKeys& keys, const MatchRules& rules);
 
-}  // namespace quillmere
+}  // namespace quillmere::lookup

@@ -18,7 +18,7 @@
 #include "table/array_painter.h"
 #include "table/header_index.h"
 
-namespace quillmere {
+namespace quillmere::shape {
 namespace {
 
 /// One range, array or single value to be stacked.
@@ -103,8 +103,8 @@ void SetNoMatch(CXlOper& result, int argumentNumber) {
 
 }  // namespace
 
-void ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBlock scalarBlock, const CXlArgument& fill,
-                           const CXlArgumentRun<29>& blocks) {
+void Functions::Stack(CXlOper& result, StackDirection direction, ScalarBlock scalarBlock, const CXlArgument& fill,
+                      const CXlArgumentRun<29>& blocks) {
   result.SetError(xlerrValue);
   const StackArguments arguments = ReadArguments(fill, blocks);
   if (arguments.blocks.empty()) return;
@@ -128,8 +128,8 @@ void ShapeFunctions::Stack(CXlOper& result, StackDirection direction, ScalarBloc
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
 }
 
-void ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction, const CXlArgument& fill,
-                                   const CXlArgumentRun<29>& blocks) {
+void Functions::StackByHeader(CXlOper& result, StackDirection direction, const CXlArgument& fill,
+                              const CXlArgumentRun<29>& blocks) {
   result.SetError(xlerrValue);
   const StackArguments arguments = ReadArguments(fill, blocks);
   if (!arguments.hasHeaderBlock) return;
@@ -165,4 +165,4 @@ void ShapeFunctions::StackByHeader(CXlOper& result, StackDirection direction, co
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::shape

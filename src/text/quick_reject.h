@@ -7,7 +7,7 @@
 #include "frame/text/text_block.h"
 #include "xlcall/xchar.h"
 
-namespace quillmere {
+namespace quillmere::text {
 
 /// What all texts that match a pattern have in common: their lengths, and units at their ends. Most texts that do not
 /// match are told by that in a few instructions.
@@ -48,4 +48,4 @@ class QuickReject {
   XCHAR wanted_[kTextBlock] = {};  ///< what they are
 };
 
-}  // namespace quillmere
+}  // namespace quillmere::text

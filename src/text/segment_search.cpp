@@ -7,7 +7,7 @@
 #include "frame/text/text_block.h"
 #include "xlcall/xlcall.h"
 
-namespace quillmere {
+namespace quillmere::text {
 namespace {
 
 constexpr std::size_t kWordBits = 64;
@@ -119,4 +119,4 @@ std::size_t SegmentSearch::FindLong(XStringView text) const {
   return XStringView::npos;
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::text

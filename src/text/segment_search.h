@@ -8,7 +8,7 @@
 
 #include "xlcall/xchar.h"
 
-namespace quillmere {
+namespace quillmere::text {
 
 /// The unit of a segment that any unit matches.
 constexpr XCHAR kAnyUnit = XTEXT('?');
@@ -47,4 +47,4 @@ class SegmentSearch {
   std::unordered_map<XCHAR, Places> places_;
 };
 
-}  // namespace quillmere
+}  // namespace quillmere::text

@@ -4,7 +4,7 @@
 #include "text/quick_reject.h"
 #include "xlcall/xchar.h"
 
-namespace quillmere {
+namespace quillmere::text {
 
 /// A pattern made ready, once for a pattern and a call. It does not change after that, and matching allocates nothing.
 /// In a loop over many texts those that the quick reject tells cost no call.
@@ -30,4 +30,4 @@ class TextMatcher {
   QuickReject reject_;
 };
 
-}  // namespace quillmere
+}  // namespace quillmere::text

@@ -8,7 +8,7 @@
 #include "frame/values/cell_copy.h"
 #include "xlcall/xlcall.h"
 
-namespace quillmere {
+namespace quillmere::text {
 namespace {
 
 constexpr XCHAR kStar = XTEXT('*');
@@ -104,4 +104,4 @@ __attribute__((noinline)) bool WildcardPattern::MatchesMiddle(XStringView middle
   return true;
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::text

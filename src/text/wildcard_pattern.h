@@ -8,7 +8,7 @@
 #include "text/text_matcher.h"
 #include "xlcall/xchar.h"
 
-namespace quillmere {
+namespace quillmere::text {
 
 /// Whether a text holds a wildcard character.
 bool HasWildcards(XStringView text);
@@ -35,4 +35,4 @@ class WildcardPattern : public TextMatcher {
   std::vector<SegmentSearch> middle_;  ///< between two stars, none empty
 };
 
-}  // namespace quillmere
+}  // namespace quillmere::text

@@ -5,7 +5,7 @@
 #include "frame/entry/export.h"
 #include "workbook/id_stores.h"
 
-namespace quillmere {
+namespace quillmere::workbook {
 namespace {
 
 constexpr std::int32_t kDone = 1;
@@ -38,49 +38,53 @@ std::int32_t GetPairs(NumberStore store, std::int32_t* keys, std::int32_t* numbe
 }
 
 }  // namespace
-}  // namespace quillmere
+}  // namespace quillmere::workbook
 
 using quillmere::CallPlain;
-using quillmere::NumberStore;
+using quillmere::workbook::NumberStore;
 
 /// Stores numbers[i] under keys[i] for the first `count` elements of two arrays. 1 when all were stored; -1 at the
 /// first that was not, those before it stay stored.
 XLL_EXPORT std::int32_t Put_RowIDLongs(const std::int32_t* keys, const std::int32_t* numbers, std::int32_t count) {
-  return CallPlain([=] { return quillmere::PutPairs(NumberStore::kRowIds, keys, numbers, count); });
+  return CallPlain([=] { return quillmere::workbook::PutPairs(NumberStore::kRowIds, keys, numbers, count); });
 }
 
 XLL_EXPORT std::int32_t Put_ColIDLongs(const std::int32_t* keys, const std::int32_t* numbers, std::int32_t count) {
-  return CallPlain([=] { return quillmere::PutPairs(NumberStore::kColumnIds, keys, numbers, count); });
+  return CallPlain([=] { return quillmere::workbook::PutPairs(NumberStore::kColumnIds, keys, numbers, count); });
 }
 
 /// Writes the keys and numbers of all entries, in the order of the map, to two arrays that have room for as many as the
 /// count function tells. 1, or -1 when the store stayed locked or an array cannot be written to.
 XLL_EXPORT std::int32_t Get_RowIDLongs(std::int32_t* keys, std::int32_t* numbers) {
-  return CallPlain([=] { return quillmere::GetPairs(NumberStore::kRowIds, keys, numbers); });
+  return CallPlain([=] { return quillmere::workbook::GetPairs(NumberStore::kRowIds, keys, numbers); });
 }
 
 XLL_EXPORT std::int32_t Get_ColIDLongs(std::int32_t* keys, std::int32_t* numbers) {
-  return CallPlain([=] { return quillmere::GetPairs(NumberStore::kColumnIds, keys, numbers); });
+  return CallPlain([=] { return quillmere::workbook::GetPairs(NumberStore::kColumnIds, keys, numbers); });
 }
 
 // The numbers of entries, without waiting for anybody.
 
-XLL_EXPORT std::uint32_t Get_RowIDLong_Count() { return quillmere::NumberStoreCount(NumberStore::kRowIds); }
+XLL_EXPORT std::uint32_t Get_RowIDLong_Count() { return quillmere::workbook::NumberStoreCount(NumberStore::kRowIds); }
 
-XLL_EXPORT std::uint32_t Get_ColIDLong_Count() { return quillmere::NumberStoreCount(NumberStore::kColumnIds); }
+XLL_EXPORT std::uint32_t Get_ColIDLong_Count() {
+  return quillmere::workbook::NumberStoreCount(NumberStore::kColumnIds);
+}
 
-XLL_EXPORT std::uint32_t Get_RowIDString_Count() { return quillmere::TextStoreCount(); }
+XLL_EXPORT std::uint32_t Get_RowIDString_Count() { return quillmere::workbook::TextStoreCount(); }
 
 // Emptying a store: 1, or -1 when it stayed locked.
 
 XLL_EXPORT std::int32_t Destroy_RowIDLong() {
-  return CallPlain([] { return quillmere::Answer(quillmere::ClearNumberStore(NumberStore::kRowIds)); });
+  return CallPlain(
+      [] { return quillmere::workbook::Answer(quillmere::workbook::ClearNumberStore(NumberStore::kRowIds)); });
 }
 
 XLL_EXPORT std::int32_t Destroy_ColIDLong() {
-  return CallPlain([] { return quillmere::Answer(quillmere::ClearNumberStore(NumberStore::kColumnIds)); });
+  return CallPlain(
+      [] { return quillmere::workbook::Answer(quillmere::workbook::ClearNumberStore(NumberStore::kColumnIds)); });
 }
 
 XLL_EXPORT std::int32_t Destroy_RowIDString() {
-  return CallPlain([] { return quillmere::Answer(quillmere::ClearTextStore()); });
+  return CallPlain([] { return quillmere::workbook::Answer(quillmere::workbook::ClearTextStore()); });
 }

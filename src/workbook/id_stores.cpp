@@ -6,7 +6,7 @@
 
 #include "frame/call/store_lock.h"
 
-namespace quillmere {
+namespace quillmere::workbook {
 namespace {
 
 /// Texts are looked up by views, without a string being made.
@@ -133,4 +133,4 @@ bool ClearTextStore() { return Clear(rowTexts); }
 
 bool ClearNumberStore(NumberStore store) { return Clear(StoreOf(store)); }
 
-}  // namespace quillmere
+}  // namespace quillmere::workbook

@@ -12,7 +12,7 @@
 
 #include "xlcall/xchar.h"
 
-namespace quillmere {
+namespace quillmere::workbook {
 
 /// The two stores whose keys are whole numbers.
 enum class NumberStore { kRowIds, kColumnIds };
@@ -45,4 +45,4 @@ std::uint32_t NumberStoreCount(NumberStore store) noexcept;
 bool ClearTextStore();
 bool ClearNumberStore(NumberStore store);
 
-}  // namespace quillmere
+}  // namespace quillmere::workbook

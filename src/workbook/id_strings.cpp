@@ -15,7 +15,7 @@
 #include "implementations/workbook.h"
 #include "workbook/id_stores.h"
 
-namespace quillmere {
+namespace quillmere::workbook {
 namespace {
 
 /// Reads IDs from cells, each into the room of the one before. Texts are copied, since Excel's memory is not read while
@@ -39,7 +39,7 @@ class RowIdReader {
 
 }  // namespace
 
-void WorkbookFunctions::PutRowIds(CXlOper& result, const CXlArgument& vCellIDString) {
+void Functions::PutRowIds(CXlOper& result, const CXlArgument& vCellIDString) {
   result.SetError(xlerrValue);
   const CXlCells cells = vCellIDString.Value().Cells();
   if (cells.columns < 2) return;
@@ -55,7 +55,7 @@ void WorkbookFunctions::PutRowIds(CXlOper& result, const CXlArgument& vCellIDStr
   result.SetNumber(1);
 }
 
-void WorkbookFunctions::GetRowIds(CXlOper& result) {
+void Functions::GetRowIds(CXlOper& result) {
   std::vector<std::pair<XString, std::int32_t>> entries = TextStoreEntries();
   if (entries.empty()) {
     result.SetError(xlerrNA);
@@ -72,7 +72,7 @@ void WorkbookFunctions::GetRowIds(CXlOper& result) {
   result = builder.Finish();
 }
 
-void WorkbookFunctions::EraseRowIds(CXlOper& result, const CXlArgument& erasedIDs) {
+void Functions::EraseRowIds(CXlOper& result, const CXlArgument& erasedIDs) {
   const CXlCells cells = erasedIDs.Value().Cells();
   std::int64_t erased = 0;
   RowIdReader ids;
@@ -83,4 +83,4 @@ void WorkbookFunctions::EraseRowIds(CXlOper& result, const CXlArgument& erasedID
   result.SetNumber(static_cast<double>(erased));
 }
 
-}  // namespace quillmere
+}  // namespace quillmere::workbook

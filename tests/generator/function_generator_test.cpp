@@ -153,7 +153,7 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
 
   const std::string& header = outcome.files["implementations/sample.h"];
   EXPECT_THAT(header, HasSubstr("enum class Mode { kFirst, kAll };"));
-  EXPECT_THAT(header, HasSubstr("struct SampleFunctions {\n" + entry +
+  EXPECT_THAT(header, HasSubstr("struct Functions {\n" + entry +
                                 "  static void Search(CXlOper& result, Mode mode, bool caseSensitive, int position, "
                                 "const CXlArgument& lookupValues, "
                                 "const CXlScalarArgument<ElementKind::kInteger>& maMethod, "
@@ -162,11 +162,11 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
   EXPECT_THAT(header, HasSubstr("  static void Tell(CXlOper& result);\n"));
 
   const std::string& exports = outcome.files["exports.cpp"];
-  EXPECT_THAT(exports, HasSubstr("{ SampleFunctions::Search(result, Mode::kFirst, false, -3, "
+  EXPECT_THAT(exports, HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, false, -3, "
                                  "CXlArgument(arguments[0], FIND_FIRSTArguments[0]), "
                                  "CXlScalarArgument<ElementKind::kInteger>(arguments[1], FIND_FIRSTArguments[1]), "));
   EXPECT_THAT(exports, HasSubstr("CXlArgumentRun<6>(arguments + 3, FIND_FIRSTArguments + 3)); }"));
-  EXPECT_THAT(exports, HasSubstr("{ SampleFunctions::Search(result, Mode::kFirst, true, -3, "));
+  EXPECT_THAT(exports, HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, true, -3, "));
   EXPECT_THAT(exports, HasSubstr("XLOPER12* FIND_FIRST_12(Parameter12<ArgumentKind::kValue, false, false> a0, "
                                  "Parameter12<ArgumentKind::kInt, true, true> a1, "
                                  "Parameter12<ArgumentKind::kString, true, false> a2, "
@@ -175,7 +175,8 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
   EXPECT_THAT(exports, Not(HasSubstr("FIND_ALL_4")));
   EXPECT_THAT(exports, HasSubstr("XLOPER12* TellCommand_12() { return CallFunction12(TellCommandBody); }"));
 
-  EXPECT_THAT(outcome.files["records.cpp"], HasSubstr("static CXllFunctionRecord FIND_ALLRecord(FIND_ALLDeclaration);"));
+  EXPECT_THAT(outcome.files["records.cpp"],
+              HasSubstr("static CXllFunctionRecord FIND_ALLRecord(FIND_ALLDeclaration);"));
   const std::string& records = outcome.files["declarations.h"];
   EXPECT_THAT(records, HasSubstr(R"({{1, XTEXT("One, \"quoted\"")}, {2, XTEXT("Zw\u00F6lf")}, };)"));
   EXPECT_THAT(records, HasSubstr(R"({.name = XTEXT("Other_Method"), .kind = ArgumentKind::kInt, .flags = 32, )"

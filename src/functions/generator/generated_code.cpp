@@ -21,13 +21,14 @@ std::string TableName(const Place& place) {
 /// A generated file under construction: a notice, what it includes, and a namespace around the rest.
 class CodeFile {
  public:
-  CodeFile(const std::string& name, const std::vector<std::string>& includes) : name_(name), source_(name) {
+  CodeFile(const std::string& name, const std::vector<std::string>& includes, const std::string& space = "quillmere")
+      : name_(name), space_(space), source_(name) {
     source_.Line("// " + std::string(kNotice));
     if (name.ends_with(".h")) source_.Line("#pragma once");
     source_.Line();
     for (const std::string& include : includes) source_.Line("#include \"" + include + "\"");
     source_.Line();
-    source_.Line("namespace quillmere {");
+    source_.Line("namespace " + space_ + " {");
     source_.Line();
   }
 
@@ -37,12 +38,13 @@ class CodeFile {
 
   GeneratedFile Finish() && {
     source_.Line();
-    source_.Line("}  // namespace quillmere");
+    source_.Line("}  // namespace " + space_);
     return {name_, source_.Text()};
   }
 
  private:
   std::string name_;
+  std::string space_;
   SourceText source_;
 };
 
@@ -114,12 +116,6 @@ std::string ParameterClass(const ArgumentGroup& group) {
   return "CXlArgument";
 }
 
-std::string StructName(const Family& family) {
-  std::string name = family.name;
-  name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
-  return name + "Functions";
-}
-
 std::string SettingType(const Family& family, const std::string& name) {
   return std::find_if(family.settings.begin(), family.settings.end(),
                       [&](const Setting& each) { return each.name == name; })
@@ -127,7 +123,7 @@ std::string SettingType(const Family& family, const std::string& name) {
 }
 
 GeneratedFile ImplementationsHeader(const Family& family) {
-  CodeFile file("implementations/" + family.name + ".h", {"frame/convert/argument.h"});
+  CodeFile file("implementations/" + family.name + ".h", {"frame/convert/argument.h"}, "quillmere::" + family.name);
   for (const Setting& setting : family.settings) {
     if (setting.values.empty()) continue;
     std::string values;
@@ -138,7 +134,7 @@ GeneratedFile ImplementationsHeader(const Family& family) {
   file.Line(
       "/// What the functions of this family do. The settings come from the function's entry, the arguments from "
       "Excel.");
-  file.Line("struct " + StructName(family) + " {");
+  file.Line("struct Functions {");
   for (const Implementation& implementation : family.implementations) {
     const Function& entry = *std::find_if(family.functions.begin(), family.functions.end(), [&](const Function& each) {
       return each.implementation == implementation.name;
@@ -255,7 +251,8 @@ GeneratedFile Records(const std::vector<Family>& families) {
 /// The body that hands the arguments of one entry to its implementation.
 std::string Body(const Family& family, const Function& function) {
   std::string values = "result";
-  for (const auto& [name, value] : function.settings) values += ", " + value;
+  for (const auto& [name, value] : function.settings)
+    values += ", " + (value.find("::") == std::string::npos ? value : family.name + "::" + value);
   int at = 0;
   for (const ArgumentGroup& group : function.arguments) {
     const std::string first = std::to_string(at);
@@ -265,7 +262,7 @@ std::string Body(const Family& family, const Function& function) {
     at += group.Count();
   }
   return "static void " + function.Procedure() + "Body(CXlOper& result, const CXlOper*" + (at > 0 ? " arguments" : "") +
-         ") { " + StructName(family) + "::" + function.implementation + "(" + values + "); }";
+         ") { " + family.name + "::Functions::" + function.implementation + "(" + values + "); }";
 }
 
 std::string ExportSuffix(bool excel4) { return excel4 ? "4" : "12"; }

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-namespace quillmere {
+namespace quillmere::lookup {
 namespace {
 
 constexpr std::int32_t kRows = 150'000;
@@ -82,4 +82,4 @@ TEST(ArrayBisection, ManyNumbersGoTheWayOfOne) {
 }
 
 }  // namespace
-}  // namespace quillmere
+}  // namespace quillmere::lookup

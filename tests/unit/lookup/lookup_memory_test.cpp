@@ -14,6 +14,9 @@
 #include "workbook/id_stores.h"
 
 namespace quillmere::testing {
+
+using namespace lookup;
+using namespace workbook;
 namespace {
 
 constexpr ListDirection kDirections[] = {ListDirection::kDown, ListDirection::kAcross};
@@ -112,10 +115,10 @@ TEST_F(LookupMemoryTest, KeysAreReadable) {
   for (const ListDirection direction : kDirections) LookupMemory({MemoryType::kNumber, {}}, direction).Remember(0, 8);
   for (const XStringView key : {XTEXT("[Book1]Sheet1!R5C3"), XTEXT("[Book1]Sheet1!R5"), XTEXT("[Book1]Sheet1!C3"),
                                 XTEXT("R5!6!prices[Book1]"), XTEXT("C3!6!prices[Book1]")})
-    EXPECT_EQ(FindRowId(key), 7) << std::string(key.begin(), key.end());
+    EXPECT_EQ(workbook::FindRowId(key), 7) << std::string(key.begin(), key.end());
   EXPECT_EQ(TextStoreCount(), 5u);
-  EXPECT_EQ(FindId(NumberStore::kRowIds, 5), 8);
-  EXPECT_EQ(FindId(NumberStore::kColumnIds, 3), 8);
+  EXPECT_EQ(workbook::FindId(NumberStore::kRowIds, 5), 8);
+  EXPECT_EQ(workbook::FindId(NumberStore::kColumnIds, 3), 8);
   EXPECT_EQ(Stored(), 7u);
 }
 

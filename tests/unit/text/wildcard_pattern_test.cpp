@@ -11,6 +11,8 @@
 #include "frame/errors/exceptions.h"
 
 namespace quillmere::testing {
+
+using namespace text;
 namespace {
 
 /// Whether each beginning of the text matches, worked out one unit of the pattern after the other.

@@ -8,6 +8,8 @@
 #include "tests/unit/fixtures/failing_memory.h"
 
 namespace quillmere::testing {
+
+using namespace workbook;
 namespace {
 
 class IdStores : public ::testing::Test {
