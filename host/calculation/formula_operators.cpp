@@ -5,6 +5,7 @@
 
 #include "host/calculation/broadcast.h"
 #include "host/values/conversion.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 

@@ -1,9 +1,7 @@
 #include "host/calculation/lookup_search.h"
 
-#include <compare>
-
 #include "host/calculation/lookup_pattern.h"
-#include "host/values/conversion.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 
@@ -15,13 +13,6 @@ using Place = std::optional<std::int32_t>;
 constexpr std::int32_t kShortSearch = 64;
 
 bool AcceptAny(const CellView&) { return true; }
-
-// Key against a cell of its own kind; numbers as doubles, where the comparison operators look at 15 digits.
-std::partial_ordering Compare(const CellView& key, const CellView& cell) {
-  if (key.IsNumber()) return key.AsNumber() <=> cell.AsNumber();
-  if (key.IsText()) return CompareTexts(key.AsText(), cell.AsText());
-  return key.AsBoolean() <=> cell.AsBoolean();
-}
 
 Place FindEqual(const CellView& key, const CellLine& line) {
   const auto equals = [&key](const CellView& cell) { return EqualsKey(key, cell); };
@@ -74,13 +65,13 @@ Place FindAscending(const CellView& key, const CellLine& line) {
     std::int32_t middle = low + (high - low) / 2;
     if (line.At(middle).Kind() != key.Kind()) {
       const Place next = line.Find(middle + 1, high - 1, key.Kind(), AcceptAny);
-      if (!next || (*next == high - 1 && Compare(key, line.At(*next)) < 0)) {
+      if (!next || (*next == high - 1 && CompareKey(key, line.At(*next)) < 0)) {
         high = middle;
         continue;
       }
       middle = *next;
     }
-    const auto order = Compare(key, line.At(middle));
+    const auto order = CompareKey(key, line.At(middle));
     if (order == 0) return EndOfRun(key, line, middle, high);
     (order < 0 ? high : low) = middle;
   }
@@ -93,7 +84,7 @@ Place FindDescending(const CellView& key, const CellLine& line) {
   Place best;
   std::int32_t from = 0;
   while (const Place next = line.Find(from, line.Size() - 1, key.Kind(), AcceptAny)) {
-    const auto order = Compare(key, line.At(*next));
+    const auto order = CompareKey(key, line.At(*next));
     if (order > 0) break;
     best = next;
     if (order == 0) break;

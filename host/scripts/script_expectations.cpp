@@ -4,6 +4,7 @@
 #include "host/scripts/script_runner.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 namespace {

@@ -8,6 +8,7 @@
 #include "host/library/allocation.h"
 #include "host/library/answers.h"
 #include "host/text/utf8.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 

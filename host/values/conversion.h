@@ -1,8 +1,5 @@
-// Excel's conversions between the types of a value, and its order of values.
+// Excel's conversions between the types of a value.
 #pragma once
-
-#include <compare>
-#include <variant>
 
 #include "host/values/value.h"
 
@@ -13,12 +10,5 @@ namespace qcalc {
 Value ToNumber(const CellView& cell);
 Value ToText(const CellView& cell, XCHAR decimalSeparator = XTEXT('.'));
 Value ToBoolean(const CellView& cell);
-
-/// How the comparison operators order two cells, neither an error: number < text < FALSE < TRUE, texts without case, an
-/// empty cell as the other's 0, "" or FALSE, numbers by their 15 digits.
-std::weak_ordering CompareCells(const CellView& left, const CellView& right);
-
-/// Texts without case in the operators' order: hyphens and apostrophes count only between otherwise equal texts.
-std::weak_ordering CompareTexts(XStringView left, XStringView right);
 
 }  // namespace qcalc

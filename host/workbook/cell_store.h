@@ -8,7 +8,9 @@
 #include <optional>
 #include <vector>
 
-#include "host/values/value.h"
+#include "host/values/area.h"
+#include "host/values/cell_view.h"
+#include "host/values/text_pool.h"
 
 namespace qcalc {
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/text/utf8.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 
@@ -29,22 +30,6 @@ std::uint32_t HashOf(const CellView& cell) {
 bool CanBeFound(const CellView& cell) { return !cell.IsEmpty() && !cell.IsError(); }
 
 }  // namespace
-
-bool EqualsKey(const CellView& key, const CellView& cell) {
-  if (key.Kind() != cell.Kind()) return false;
-  switch (key.Kind()) {
-    case CellKind::kNumber:
-      return key.AsNumber() == cell.AsNumber();
-    case CellKind::kText:
-      return EqualsIgnoringCase(key.AsText(), cell.AsText());
-    case CellKind::kBoolean:
-      return key.AsBoolean() == cell.AsBoolean();
-    case CellKind::kEmpty:
-    case CellKind::kError:
-      break;
-  }
-  return false;
-}
 
 template <typename RowOfGroup>
 std::size_t ColumnIndex::FindSlot(const CellStore& cells, const CellView& key, std::uint32_t hash,

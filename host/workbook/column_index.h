@@ -12,10 +12,6 @@
 
 namespace qcalc {
 
-/// Whether a lookup for `key` takes `cell`: same kind, numbers equal as doubles, texts equal but for case. Empty cells
-/// and errors equal nothing.
-bool EqualsKey(const CellView& key, const CellView& cell);
-
 /// The rows of each value of one column, as it was when the index was built. Never changed; good until the column
 /// changes.
 class ColumnIndex {

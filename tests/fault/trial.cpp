@@ -4,6 +4,7 @@
 
 #include "host/addin/evaluation_watch.h"
 #include "host/values/literal.h"
+#include "host/values/value_order.h"
 
 namespace qcalc::fault {
 namespace {

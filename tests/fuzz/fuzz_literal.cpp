@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "host/values/literal.h"
+#include "host/values/value_order.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto value = qcalc::ParseLiteral({reinterpret_cast<const char*>(data), size});

@@ -12,6 +12,7 @@
 #include "host/values/literal.h"
 #include "host/values/number_text.h"
 #include "host/values/text_number.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 namespace {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/text/utf8.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 namespace {

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "host/values/value_order.h"
 #include "tests/host/model_fixture.h"
 
 namespace qcalc {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "host/values/literal.h"
+#include "host/values/value_order.h"
 #include "tests/models/lookup/drawn_calls.h"
 #include "tests/models/random_calls.h"
 

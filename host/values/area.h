@@ -1,0 +1,45 @@
+// Where cells are: rectangles of a sheet, and references.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "xlcall/xlcall.h"
+
+namespace qcalc {
+
+/// A rectangle of cells, zero-based and inclusive at both ends.
+struct Area {
+  std::int32_t firstRow = 0;
+  std::int32_t lastRow = 0;
+  std::int32_t firstColumn = 0;
+  std::int32_t lastColumn = 0;
+
+  std::int32_t Rows() const { return lastRow - firstRow + 1; }
+  std::int32_t Columns() const { return lastColumn - firstColumn + 1; }
+  bool IsOneCell() const { return firstRow == lastRow && firstColumn == lastColumn; }
+  /// Within the sheet and its ends in order.
+  bool IsOnSheet() const {
+    return firstRow >= 0 && firstRow <= lastRow && lastRow < kXlMaxRows && firstColumn >= 0 &&
+           firstColumn <= lastColumn && lastColumn < kXlMaxColumns;
+  }
+  bool Contains(std::int32_t row, std::int32_t column) const {
+    return row >= firstRow && row <= lastRow && column >= firstColumn && column <= lastColumn;
+  }
+  bool Intersects(const Area& other) const {
+    return firstRow <= other.lastRow && other.firstRow <= lastRow && firstColumn <= other.lastColumn &&
+           other.firstColumn <= lastColumn;
+  }
+  bool operator==(const Area&) const = default;
+};
+
+/// Cells of one sheet: one area, or several (a union).
+struct Reference {
+  IDSHEET sheet = 0;
+  std::vector<Area> areas;
+
+  bool IsOneCell() const { return areas.size() == 1 && areas[0].IsOneCell(); }
+  bool operator==(const Reference&) const = default;
+};
+
+}  // namespace qcalc
