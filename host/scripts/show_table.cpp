@@ -6,7 +6,7 @@
 
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
-#include "host/values/number_text.h"
+#include "host/values/number_writing.h"
 
 namespace qcalc {
 namespace {

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "host/text/utf8.h"
-#include "host/values/number_text.h"
-#include "host/values/text_number.h"
+#include "host/values/number_reading.h"
+#include "host/values/number_writing.h"
 
 namespace qcalc {
 

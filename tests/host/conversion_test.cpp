@@ -10,8 +10,8 @@
 
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
-#include "host/values/number_text.h"
-#include "host/values/text_number.h"
+#include "host/values/number_reading.h"
+#include "host/values/number_writing.h"
 #include "host/values/value_order.h"
 
 namespace qcalc {

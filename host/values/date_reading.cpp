@@ -1,4 +1,4 @@
-#include "host/values/date_text.h"
+#include "host/values/date_reading.h"
 
 #include <array>
 #include <charconv>

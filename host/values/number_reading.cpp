@@ -1,4 +1,4 @@
-#include "host/values/text_number.h"
+#include "host/values/number_reading.h"
 
 #include <algorithm>
 #include <charconv>
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "host/values/date_text.h"
+#include "host/values/date_reading.h"
 
 namespace qcalc {
 

@@ -1,4 +1,4 @@
-#include "host/values/number_text.h"
+#include "host/values/number_writing.h"
 
 #include <charconv>
 #include <cmath>
