@@ -1,6 +1,6 @@
 #include "host/addin/registry.h"
 
-#include "host/text/utf8.h"
+#include "host/text/letter_case.h"
 
 namespace qcalc {
 namespace {

@@ -1,10 +1,10 @@
 #include "host/calculation/builtin.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <iterator>
 
-#include "host/text/utf8.h"
+#include "host/text/letter_case.h"
 #include "host/values/conversion.h"
 
 namespace qcalc {
@@ -12,26 +12,20 @@ namespace qcalc {
 namespace {
 
 // Their rules are many and exact: nothing stands in for them until they are there.
-constexpr std::array<std::string_view, 3> kNotOffered = {"COUNTA", "TEXT", "VALUE"};
-
-bool IsNamed(XStringView name, std::string_view capitals) {
-  return std::equal(name.begin(), name.end(), capitals.begin(), capitals.end(), [](XCHAR unit, char capital) {
-    return unit == static_cast<XCHAR>(capital) || FoldUnit(unit) == FoldUnit(static_cast<XCHAR>(capital));
-  });
-}
+constexpr XStringView kNotOffered[] = {XTEXT("COUNTA"), XTEXT("TEXT"), XTEXT("VALUE")};
 
 }  // namespace
 
 const Builtin* FindBuiltin(XStringView name) {
   for (const auto family : {ReferenceBuiltins(), NumberBuiltins(), TextBuiltins(), LookupBuiltins()})
     for (const Builtin& builtin : family)
-      if (IsNamed(name, builtin.name)) return &builtin;
+      if (EqualsIgnoringCase(name, builtin.name)) return &builtin;
   return nullptr;
 }
 
 bool IsBuiltinNotOffered(XStringView name) {
-  return std::any_of(kNotOffered.begin(), kNotOffered.end(),
-                     [name](std::string_view entry) { return IsNamed(name, entry); });
+  return std::any_of(std::begin(kNotOffered), std::end(kNotOffered),
+                     [name](XStringView entry) { return EqualsIgnoringCase(name, entry); });
 }
 
 Value ScalarOperand(const BuiltinCall& call, std::size_t index) {

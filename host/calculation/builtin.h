@@ -2,7 +2,6 @@
 #pragma once
 
 #include <span>
-#include <string_view>
 
 #include "host/calculation/evaluator.h"
 
@@ -16,7 +15,7 @@ struct BuiltinCall {
 };
 
 struct Builtin {
-  std::string_view name;  ///< in capitals
+  XStringView name;  ///< in capitals
   std::size_t leastOperands;
   std::size_t mostOperands;
   Value (*call)(const BuiltinCall&);

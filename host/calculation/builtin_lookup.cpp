@@ -126,7 +126,7 @@ Value CallVlookup(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{"MATCH", 2, 3, CallMatch}, {"VLOOKUP", 3, 4, CallVlookup}};
+constexpr Builtin kBuiltins[] = {{XTEXT("MATCH"), 2, 3, CallMatch}, {XTEXT("VLOOKUP"), 3, 4, CallVlookup}};
 
 }  // namespace
 

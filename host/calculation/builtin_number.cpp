@@ -98,7 +98,7 @@ Value CallSum(const BuiltinCall& call) {
 }
 
 constexpr Builtin kBuiltins[] = {
-    {"NA", 0, 0, CallNa}, {"SEQUENCE", 1, 4, CallSequence}, {"SUM", 1, kXlMaxArguments, CallSum}};
+    {XTEXT("NA"), 0, 0, CallNa}, {XTEXT("SEQUENCE"), 1, 4, CallSequence}, {XTEXT("SUM"), 1, kXlMaxArguments, CallSum}};
 
 }  // namespace
 

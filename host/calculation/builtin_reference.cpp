@@ -108,7 +108,8 @@ Value CallIndex(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{"COLUMNS", 1, 1, CallColumns}, {"INDEX", 2, 4, CallIndex}, {"ROWS", 1, 1, CallRows}};
+constexpr Builtin kBuiltins[] = {
+    {XTEXT("COLUMNS"), 1, 1, CallColumns}, {XTEXT("INDEX"), 2, 4, CallIndex}, {XTEXT("ROWS"), 1, 1, CallRows}};
 
 }  // namespace
 

@@ -1,28 +1,22 @@
 // CHAR, LEN, REPT, T, UNICHAR.
-#include <array>
+#include <string>
 
 #include "host/calculation/broadcast.h"
 #include "host/calculation/builtin.h"
+#include "host/text/ansi_text.h"
+#include "host/text/utf8.h"
 #include "host/values/conversion.h"
 
 namespace qcalc {
 
 namespace {
 
-// Windows code page 1252 from 128 to 159; places without a character keep their number.
-constexpr std::array<char16_t, 32> kCodePage1252 = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                                    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
-                                                    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                                    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
 Value CallChar(const BuiltinCall& call) {
   return Broadcast(ScalarOperands(call), [](std::span<const CellView> cells) {
     std::int32_t code = 0;
     if (Value fault = ToWholeNumber(cells[0], code); fault.IsError()) return fault;
     if (code < 1 || code > 255) return Value::Error(xlerrValue);
-    const char16_t unit =
-        code >= 128 && code < 160 ? kCodePage1252[static_cast<std::size_t>(code - 128)] : static_cast<char16_t>(code);
-    return Value::Text(XString(1, static_cast<XCHAR>(unit)));
+    return Value::Text(FromAnsi(std::string(1, static_cast<char>(code))));
   });
 }
 
@@ -70,18 +64,18 @@ Value CallUnichar(const BuiltinCall& call) {
     std::int32_t point = 0;
     if (Value fault = ToWholeNumber(cells[0], point); fault.IsError()) return fault;
     if (point < 1 || point > 0x10FFFF) return Value::Error(xlerrValue);
-    if (point >= 0xD800 && point < 0xE000) return Value::Error(xlerrNA);
-    if (point < 0x10000) return Value::Text(XString(1, static_cast<XCHAR>(point)));
-    return Value::Text({static_cast<XCHAR>(0xD800 + ((point - 0x10000) >> 10)),
-                        static_cast<XCHAR>(0xDC00 + ((point - 0x10000) & 0x3FF))});
+    if (const auto unit = static_cast<char32_t>(point); IsHighSurrogate(unit) || IsLowSurrogate(unit))
+      return Value::Error(xlerrNA);
+    XCHAR units[2];
+    return Value::Text(XString(units, WriteCharacter(static_cast<char32_t>(point), units)));
   });
 }
 
-constexpr Builtin kBuiltins[] = {{"CHAR", 1, 1, CallChar},
-                                 {"LEN", 1, 1, CallLen},
-                                 {"REPT", 2, 2, CallRept},
-                                 {"T", 1, 1, CallT},
-                                 {"UNICHAR", 1, 1, CallUnichar}};
+constexpr Builtin kBuiltins[] = {{XTEXT("CHAR"), 1, 1, CallChar},
+                                 {XTEXT("LEN"), 1, 1, CallLen},
+                                 {XTEXT("REPT"), 2, 2, CallRept},
+                                 {XTEXT("T"), 1, 1, CallT},
+                                 {XTEXT("UNICHAR"), 1, 1, CallUnichar}};
 
 }  // namespace
 

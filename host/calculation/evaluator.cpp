@@ -7,6 +7,7 @@
 #include "host/calculation/builtin.h"
 #include "host/calculation/formula_operators.h"
 #include "host/formulas/formula_node.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/conversion.h"
 

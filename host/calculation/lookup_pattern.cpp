@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "host/text/utf8.h"
+#include "host/text/letter_case.h"
 
 namespace qcalc {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/formulas/formula_node.h"
-#include "host/text/utf8.h"
+#include "host/text/letter_case.h"
 
 namespace qcalc {
 

@@ -8,6 +8,7 @@
 #include "host/faults/argument_damage.h"
 #include "host/faults/handled_fault.h"
 #include "host/library/allocation.h"
+#include "host/text/digits.h"
 
 namespace qcalc {
 namespace {
@@ -182,7 +183,7 @@ int XLCallVer() {
   if (!addin) return kSince2007;
   int version = 0;
   for (const XCHAR unit : addin->settings.version) {
-    if (unit < '0' || unit > '9') break;
+    if (!qcalc::IsDigit(unit)) break;
     version = version * 10 + (unit - '0');
   }
   return version < 12 ? kBefore : kSince2007;

@@ -1,7 +1,6 @@
 // Callbacks that calculate: Excel's own functions, formulas, functions of the macro language.
-#include <cctype>
-
 #include "host/callbacks/callback_handlers.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -25,9 +24,7 @@ std::vector<Value> ValuesFrom(const CallbackRequest& request, std::size_t first)
 
 CallbackAnswer HandleWorksheetFunction(CallbackRequest& request) {
   // "xlfSum" is SUM, as the add-in's programmer and a cell's user spell it.
-  XString name;
-  for (const char letter : request.callback.name.substr(3))
-    name.push_back(static_cast<XCHAR>(std::toupper(static_cast<unsigned char>(letter))));
+  const XString name(request.callback.name.begin() + 3, request.callback.name.end());
   const std::vector<Value> operands = ValuesFrom(request, 0);
   for (const Value& operand : operands)
     if (operand.IsReference()) request.CheckCalculated(operand.AsReference());

@@ -7,16 +7,13 @@
 #include <fstream>
 #include <optional>
 
+#include "host/text/digits.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
-#include "host/values/constant_parser.h"
 
 namespace qcalc {
 
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
 // A sign, digits with an optional point and exponent, and nothing else.
 std::optional<double> ReadPlainNumber(std::string_view field) {
@@ -124,7 +121,8 @@ class CsvReader {
 CellView CellOf(std::string_view field, CellStore& cells, const CsvReader& reader) {
   if (field.empty()) return {};
   if (const auto number = ReadPlainNumber(field)) return CellView::Number(*number);
-  if (EqualsWord(field, "true") || EqualsWord(field, "false")) return CellView::Boolean(EqualsWord(field, "true"));
+  if (EqualsIgnoringCase(field, "true")) return CellView::Boolean(true);
+  if (EqualsIgnoringCase(field, "false")) return CellView::Boolean(false);
   XCHAR* start = cells.Pool().Reserve(field.size());
   const XCHAR* end = FromUtf8(field, start);
   if (!end) throw reader.FaultAtField("expected UTF-8 in this field");

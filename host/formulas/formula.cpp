@@ -7,7 +7,7 @@
 #include "host/formulas/formula_node.h"
 #include "host/formulas/formula_parser.h"
 #include "host/formulas/formula_reference.h"
-#include "host/text/utf8.h"
+#include "host/text/letter_case.h"
 
 namespace qcalc {
 

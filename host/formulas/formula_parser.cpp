@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/formulas/formula_reference.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/constant_parser.h"
 
@@ -225,9 +226,9 @@ FormulaParser::NodePtr FormulaParser::ParseWord() {
     cursor_.MoveTo(start);
     return ParseQualified();
   }
-  if (EqualsWord(word, "true") || EqualsWord(word, "false"))
-    return NewConstant(start, Value::Boolean(EqualsWord(word, "true")));
-  if (EqualsWord(word, "empty")) return NewConstant(start, Value::Empty());
+  if (EqualsIgnoringCase(word, "true") || EqualsIgnoringCase(word, "false"))
+    return NewConstant(start, Value::Boolean(EqualsIgnoringCase(word, "true")));
+  if (EqualsIgnoringCase(word, "empty")) return NewConstant(start, Value::Empty());
   const std::size_t end = cursor_.Position();
   cursor_.MoveTo(start);
   if (const auto area = TakeArea(cursor_)) {

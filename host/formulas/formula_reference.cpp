@@ -4,14 +4,14 @@
 #include <string>
 #include <utility>
 
+#include "host/text/digits.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/constant_parser.h"
 
 namespace qcalc {
 
 namespace {
-
-bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
 // One end of an area: a column, a row, or both. Absent parts are -1.
 struct End {
@@ -25,10 +25,8 @@ std::int32_t TakeColumn(TextCursor& cursor) {
   std::int32_t number = 0;
   cursor.Accept('$');
   const std::size_t letters = cursor.Position();
-  for (;;) {
-    const char letter = static_cast<char>(cursor.Peek() & ~0x20);
-    if (letter < 'A' || letter > 'Z' || cursor.Position() - letters >= 3) break;
-    number = number * 26 + (letter - 'A' + 1);
+  while (IsLetter(cursor.Peek()) && cursor.Position() - letters < 3) {
+    number = number * 26 + (SmallLetter(cursor.Peek()) - 'a' + 1);
     cursor.Advance();
   }
   if (number >= 1 && number <= kXlMaxColumns) return number - 1;

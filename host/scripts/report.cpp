@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <ostream>
 
+#include "host/text/utf8.h"
+
 namespace qcalc {
 namespace {
 
@@ -12,7 +14,7 @@ constexpr std::size_t kMaxShown = 2000;
 std::string Shortened(const std::string& text) {
   if (text.size() <= kMaxShown) return text;
   std::size_t end = kMaxShown;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  while (end > 0 && IsInsideCharacter(text[end])) --end;
   return text.substr(0, end) + " ... (" + std::to_string(text.size()) + " bytes)";
 }
 

@@ -5,6 +5,7 @@
 #include "host/faults/handled_fault.h"
 #include "host/library/allocation.h"
 #include "host/scripts/script_runner.h"
+#include "host/text/digits.h"
 
 namespace qcalc {
 namespace {
@@ -45,13 +46,11 @@ int CodeAt(ScriptLine& line) {
 std::int64_t NumberOrHex(ScriptLine& line, std::string_view expected, std::int32_t most) {
   const std::string_view word = line.Word(expected);
   const bool isHex = word.starts_with("0x");
-  const std::string_view digits = isHex ? word.substr(2) : word;
-  std::int64_t number = -1;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, isHex ? 16 : 10);
-  if (error != std::errc() || end != digits.data() + digits.size() || number < 0 || number > most)
+  const auto number = isHex ? ReadWhole<std::int64_t>(word.substr(2), 16) : ReadWhole<std::int64_t>(word);
+  if (!number || *number < 0 || *number > most)
     line.FailIn(word, "expected " + std::string(expected) + " from 0 to " + std::to_string(most) + ", found '" +
                           std::string(word) + "'");
-  return number;
+  return *number;
 }
 
 /// A size as ROWSxCOLUMNS; either may be negative or absurd.

@@ -1,8 +1,8 @@
 #include "host/scripts/script_line.h"
 
 #include <algorithm>
-#include <charconv>
 
+#include "host/text/digits.h"
 #include "host/values/literal.h"
 
 namespace qcalc {
@@ -69,12 +69,11 @@ void ScriptLine::End() {
 
 std::int32_t ScriptLine::WholeNumber(std::string_view expected, std::int32_t least, std::int32_t most) {
   const std::string_view word = Word(expected);
-  std::int32_t number = 0;
-  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-  if (error != std::errc() || end != word.data() + word.size() || number < least || number > most)
+  const auto number = ReadWhole<std::int32_t>(word);
+  if (!number || *number < least || *number > most)
     FailIn(word, "expected " + std::string(expected) + " from " + std::to_string(least) + " to " +
                      std::to_string(most) + ", found '" + std::string(word) + "'");
-  return number;
+  return *number;
 }
 
 std::size_t ScriptLine::Choice(std::initializer_list<std::string_view> words) {

@@ -57,7 +57,7 @@ SyntaxError NotUtf8(std::string_view text, std::size_t badByte) {
 Parsed<std::vector<ScriptCommand>> ParseScript(std::string_view text) {
   std::size_t badByte = 0;
   if (!FromUtf8(text, &badByte)) return NotUtf8(text, badByte);
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   std::vector<ScriptCommand> commands;
   int number = 0;
   try {

@@ -5,6 +5,7 @@
 #include "host/files/csv.h"
 #include "host/library/answers.h"
 #include "host/scripts/script_runner.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {

@@ -23,15 +23,14 @@ struct ShownCell {
 };
 
 std::size_t CharactersOf(const std::string& text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
+  return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), IsInsideCharacter));
 }
 
 std::string ShownText(XStringView text) {
   XString line(text.substr(0, kMaxCellWidth));
   const bool isCut = text.size() > kMaxCellWidth;
   // Half a character is none.
-  if (isCut && (line.back() & 0xFC00) == 0xD800) line.pop_back();
+  if (isCut && IsHighSurrogate(line.back())) line.pop_back();
   for (XCHAR& unit : line)
     if (unit < 0x20 || unit == 0x7F) unit = static_cast<XCHAR>(0x00B7);
   return ToUtf8(line) + (isCut ? "\u2026" : "");

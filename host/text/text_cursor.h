@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "host/text/syntax_error.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 
@@ -49,7 +50,7 @@ class TextCursor {
   std::string Found() const {
     if (AtEnd()) return "the end";
     std::size_t end = at_ + 1;
-    while (end < text_.size() && (static_cast<unsigned char>(text_[end]) & 0xC0) == 0x80) ++end;
+    while (end < text_.size() && IsInsideCharacter(text_[end])) ++end;
     return "'" + std::string(text_.substr(at_, end - at_)) + "'";
   }
 

@@ -1,13 +1,8 @@
 #include "host/text/utf8.h"
 
-#include <algorithm>
-
 namespace qcalc {
 
 namespace {
-
-bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 void AppendUtf8(std::string& bytes, char32_t point) {
   const auto tail = [&](int shift) { bytes.push_back(static_cast<char>(0x80 | ((point >> shift) & 0x3F))); };
@@ -35,9 +30,8 @@ std::size_t ReadMultibyte(std::string_view bytes, char32_t& point) {
   if (size == 0 || bytes.size() < size) return 0;
   point = lead & (0xFFu >> (size + 1));
   for (std::size_t i = 1; i < size; ++i) {
-    const auto next = static_cast<unsigned char>(bytes[i]);
-    if ((next & 0xC0) != 0x80) return 0;
-    point = (point << 6) | (next & 0x3F);
+    if (!IsInsideCharacter(bytes[i])) return 0;
+    point = (point << 6) | (static_cast<unsigned char>(bytes[i]) & 0x3F);
   }
   const bool overlong = (size == 3 && point < 0x800) || (size == 4 && point < 0x10000);
   return overlong || point > 0x10FFFF ? 0 : size;
@@ -56,18 +50,22 @@ std::size_t Decode(std::string_view bytes, XCHAR*& units) {
     char32_t point = 0;
     const std::size_t size = ReadMultibyte(bytes.substr(at), point);
     if (size == 0) return at;
-    if (point >= 0x10000) {
-      *units++ = static_cast<XCHAR>(0xD800 + ((point - 0x10000) >> 10));
-      *units++ = static_cast<XCHAR>(0xDC00 + ((point - 0x10000) & 0x3FF));
-    } else {
-      *units++ = static_cast<XCHAR>(point);
-    }
+    units = WriteCharacter(point, units);
     at += size;
   }
   return at;
 }
 
 }  // namespace
+
+XCHAR* WriteCharacter(char32_t number, XCHAR* units) {
+  if (number >= 0x10000) {
+    *units++ = static_cast<XCHAR>(0xD800 + ((number - 0x10000) >> 10));
+    number = 0xDC00 + ((number - 0x10000) & 0x3FF);
+  }
+  *units++ = static_cast<XCHAR>(number);
+  return units;
+}
 
 std::string ToUtf8(XStringView text) {
   std::string bytes;
@@ -94,41 +92,5 @@ std::optional<XString> FromUtf8(std::string_view bytes, std::size_t* badByte) {
 }
 
 XCHAR* FromUtf8(std::string_view bytes, XCHAR* units) { return Decode(bytes, units) == bytes.size() ? units : nullptr; }
-
-XCHAR FoldUnit(XCHAR unit) {
-  const unsigned u = static_cast<std::uint16_t>(unit);
-  const auto shifted = [u](unsigned by) { return static_cast<XCHAR>(u + by); };
-  if (u < 0x80) return u >= 'A' && u <= 'Z' ? shifted(32) : unit;
-  if (u >= 0xC0 && u <= 0xDE) return u == 0xD7 ? unit : shifted(32);
-  // Latin letters in pairs: the capital is even in these ranges, odd in the others.
-  const bool evenCapitals = (u >= 0x100 && u <= 0x12F) || (u >= 0x132 && u <= 0x137) || (u >= 0x14A && u <= 0x177) ||
-                            (u >= 0x460 && u <= 0x481) || (u >= 0x48A && u <= 0x4BF) || (u >= 0x4D0 && u <= 0x52F) ||
-                            (u >= 0x1E00 && u <= 0x1E95) || (u >= 0x1EA0 && u <= 0x1EFF);
-  const bool oddCapitals = (u >= 0x139 && u <= 0x148) || (u >= 0x179 && u <= 0x17E) || (u >= 0x4C1 && u <= 0x4CE);
-  if (evenCapitals) return u % 2 == 0 ? shifted(1) : unit;
-  if (oddCapitals) return u % 2 == 1 ? shifted(1) : unit;
-  if (u == 0x178) return static_cast<XCHAR>(0xFF);
-  if (u == 0x386) return static_cast<XCHAR>(0x3AC);
-  if (u >= 0x388 && u <= 0x38A) return shifted(37);
-  if (u == 0x38C) return static_cast<XCHAR>(0x3CC);
-  if (u == 0x38E || u == 0x38F) return shifted(63);
-  if (u >= 0x391 && u <= 0x3AB) return u == 0x3A2 ? unit : shifted(32);
-  if (u >= 0x400 && u <= 0x40F) return shifted(80);
-  if (u >= 0x410 && u <= 0x42F) return shifted(32);
-  if (u >= 0x531 && u <= 0x556) return shifted(48);
-  if (u >= 0xFF21 && u <= 0xFF3A) return shifted(32);
-  return unit;
-}
-
-XString FoldCase(XStringView text) {
-  XString folded(text);
-  std::transform(folded.begin(), folded.end(), folded.begin(), FoldUnit);
-  return folded;
-}
-
-bool EqualsIgnoringCase(XStringView left, XStringView right) {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [](XCHAR l, XCHAR r) { return l == r || FoldUnit(l) == FoldUnit(r); });
-}
 
 }  // namespace qcalc

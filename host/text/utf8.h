@@ -13,6 +13,19 @@
 
 namespace qcalc {
 
+/// What a file of UTF-8 may begin with.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// Whether the byte goes on with a character that an earlier one began.
+constexpr bool IsInsideCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+
+/// Whether the unit, or the number of a character, is the first or the second half of a pair of units.
+constexpr bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+
+/// Writes the character of that number, at most 0x10FFFF, as one unit or two; the end of what was written.
+XCHAR* WriteCharacter(char32_t number, XCHAR* units);
+
 /// The text in UTF-8; a lone surrogate takes three bytes.
 std::string ToUtf8(XStringView text);
 
@@ -22,14 +35,5 @@ std::optional<XString> FromUtf8(std::string_view bytes, std::size_t* badByte = n
 /// Appends the UTF-16 form of `bytes` to `units`, which has room for bytes.size() units; the end of what was written,
 /// or null when `bytes` are not UTF-8.
 XCHAR* FromUtf8(std::string_view bytes, XCHAR* units);
-
-/// One unit without its case: Latin, Greek, Cyrillic and Armenian letters give their small form.
-XCHAR FoldUnit(XCHAR unit);
-
-/// The text without its case, as names of sheets and functions and texts of cells are compared.
-XString FoldCase(XStringView text);
-
-/// Whether the texts are equal but for case.
-bool EqualsIgnoringCase(XStringView left, XStringView right);
 
 }  // namespace qcalc

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "host/text/digits.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
 
 namespace qcalc {
 
 namespace {
-
-bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
 void SkipDigits(TextCursor& cursor) {
   while (IsDigit(cursor.Peek())) cursor.Advance();
@@ -30,13 +30,8 @@ bool IsNumberAhead(const TextCursor& cursor) {
 }
 
 bool IsNameByte(char byte) {
-  return IsDigit(byte) || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '_' || byte == '.' ||
-         byte == '\\' || byte == '?' || static_cast<unsigned char>(byte) >= 0x80;
-}
-
-bool EqualsWord(std::string_view word, std::string_view lower) {
-  return std::equal(word.begin(), word.end(), lower.begin(), lower.end(),
-                    [](char w, char l) { return (w >= 'A' && w <= 'Z' ? w + 32 : w) == l; });
+  return IsDigit(byte) || IsLetter(byte) || byte == '_' || byte == '.' || byte == '\\' || byte == '?' ||
+         static_cast<unsigned char>(byte) >= 0x80;
 }
 
 double ReadNumber(TextCursor& cursor) {
@@ -98,9 +93,9 @@ Value ReadScalar(TextCursor& cursor) {
     return Value::Number(negative ? -number : number);
   }
   const std::string_view word = ReadWord(cursor);
-  if (EqualsWord(word, "true")) return Value::Boolean(true);
-  if (EqualsWord(word, "false")) return Value::Boolean(false);
-  if (EqualsWord(word, "empty")) return Value::Empty();
+  if (EqualsIgnoringCase(word, "true")) return Value::Boolean(true);
+  if (EqualsIgnoringCase(word, "false")) return Value::Boolean(false);
+  if (EqualsIgnoringCase(word, "empty")) return Value::Empty();
   cursor.MoveTo(start);
   cursor.Fail("expected a number, a text in quotes, TRUE, FALSE, an error or empty, found " +
               (word.empty() ? cursor.Found() : "'" + std::string(word) + "'"));

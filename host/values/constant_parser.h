@@ -24,7 +24,5 @@ Value ReadScalar(TextCursor& cursor);
 bool IsNumberAhead(const TextCursor& cursor);
 /// A byte that may stand in a name: letter, digit, `_`, `.`, `\`, `?` or part of a letter beyond ASCII.
 bool IsNameByte(char byte);
-/// Whether the ASCII word equals `lower`, which is in small letters, in any case.
-bool EqualsWord(std::string_view word, std::string_view lower);
 
 }  // namespace qcalc

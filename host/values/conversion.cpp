@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "host/text/utf8.h"
+#include "host/text/letter_case.h"
 #include "host/values/number_reading.h"
 #include "host/values/number_writing.h"
 

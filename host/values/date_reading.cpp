@@ -1,9 +1,11 @@
 #include "host/values/date_reading.h"
 
 #include <array>
-#include <charconv>
 #include <string>
 #include <vector>
+
+#include "host/text/digits.h"
+#include "host/text/letter_case.h"
 
 namespace qcalc {
 
@@ -14,9 +16,6 @@ constexpr int kLastYear = 9999;
 constexpr std::array<std::string_view, 12> kMonths = {"january",   "february", "march",    "april",
                                                       "may",       "june",     "july",     "august",
                                                       "september", "october",  "november", "december"};
-
-bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
-bool IsLetter(char byte) { return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z'); }
 
 // A run of digits, a word in small letters, or one other byte; blanks count as one.
 struct Token {
@@ -41,9 +40,9 @@ std::optional<std::vector<Token>> Split(std::string_view text) {
       if (at - start > kMostDigits) return std::nullopt;
       token.kind = Token::kNumber;
       token.digits = at - start;
-      std::from_chars(text.data() + start, text.data() + at, token.number);
+      token.number = *ReadWhole<int>(text.substr(start, at - start));
     } else if (IsLetter(text[at])) {
-      for (; at < text.size() && IsLetter(text[at]); ++at) token.word += static_cast<char>(text[at] | 0x20);
+      for (; at < text.size() && IsLetter(text[at]); ++at) token.word += SmallLetter(text[at]);
       token.kind = Token::kWord;
     } else if (text[at] == ' ') {
       while (at < text.size() && text[at] == ' ') ++at;

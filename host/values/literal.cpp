@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/constant_parser.h"
 
@@ -22,13 +23,8 @@ constexpr NamedError kErrors[] = {
 
 constexpr std::string_view kUnnamedError = "#ERR";
 
-char AsciiUpper(char byte) { return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 32) : byte; }
-
-bool StartsWithIgnoringCase(std::string_view text, std::string_view upper) {
-  if (text.size() < upper.size()) return false;
-  for (std::size_t i = 0; i < upper.size(); ++i)
-    if (AsciiUpper(text[i]) != upper[i]) return false;
-  return true;
+bool StartsWithName(std::string_view text, std::string_view name) {
+  return EqualsIgnoringCase(text.substr(0, name.size()), name);
 }
 
 void AppendLiteral(std::string& out, const CellView& cell) {
@@ -107,8 +103,8 @@ std::string ErrorName(std::int32_t code) {
 
 std::optional<ErrorMatch> MatchErrorName(std::string_view text) {
   for (const NamedError& error : kErrors)
-    if (StartsWithIgnoringCase(text, error.name)) return ErrorMatch{error.code, error.name.size()};
-  if (!StartsWithIgnoringCase(text, kUnnamedError)) return std::nullopt;
+    if (StartsWithName(text, error.name)) return ErrorMatch{error.code, error.name.size()};
+  if (!StartsWithName(text, kUnnamedError)) return std::nullopt;
   const char* digits = text.data() + kUnnamedError.size();
   std::int32_t code = 0;
   const auto [end, fault] = std::from_chars(digits, text.data() + text.size(), code);

@@ -8,13 +8,12 @@
 #include <string_view>
 #include <utility>
 
+#include "host/text/digits.h"
 #include "host/values/date_reading.h"
 
 namespace qcalc {
 
 namespace {
-
-bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
 // Digits, commas, point and exponent, read into the form that from_chars knows.
 class PlainNumber {

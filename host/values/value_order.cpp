@@ -5,7 +5,8 @@
 #include <cmath>
 #include <string_view>
 
-#include "host/text/utf8.h"
+#include "host/text/digits.h"
+#include "host/text/letter_case.h"
 
 namespace qcalc {
 
@@ -18,7 +19,7 @@ constexpr std::string_view kMarkOrder = " !\"#$%&()*,./:;?@[\\]^_`{|}~+<=>";
 int RankOf(XCHAR unit) {
   const unsigned u = static_cast<std::uint16_t>(FoldUnit(unit));
   constexpr int kMarks = 16, kLetters = 256;
-  if (u >= '0' && u <= '9') return static_cast<int>(u - '0');
+  if (IsDigit(u)) return static_cast<int>(u - '0');
   if (u < 0x80)
     if (const auto mark = kMarkOrder.find(static_cast<char>(u)); mark != std::string_view::npos)
       return kMarks + static_cast<int>(mark);

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <utility>
 
-#include "host/text/utf8.h"
+#include "host/text/letter_case.h"
 #include "host/values/value_order.h"
 
 namespace qcalc {

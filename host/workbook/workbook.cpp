@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {

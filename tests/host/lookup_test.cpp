@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/calculation/lookup_search.h"
+#include "host/text/letter_case.h"
 #include "tests/host/model_fixture.h"
 
 namespace qcalc {

@@ -10,6 +10,7 @@
 
 #include "host/calculation/evaluator.h"
 #include "host/calculation/recalculation.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
 
