@@ -1,5 +1,7 @@
 #include "host/callbacks/callback_request.h"
 
+#include "host/formulas/reference_text.h"
+
 namespace qcalc {
 
 bool CallbackRequest::IsOmitted(std::size_t index) const {

@@ -1,5 +1,6 @@
 // Callbacks that tell about the caller, about cells, sheets and books.
 #include "host/callbacks/callback_handlers.h"
+#include "host/formulas/reference_text.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -8,25 +9,6 @@ namespace {
 constexpr double kDefaultRowHeight = 15;
 
 Value TextValue(const std::string& text) { return Value::Text(*FromUtf8(text)); }
-
-std::string R1C1(const Area& area) {
-  const auto cell = [](std::int32_t row, std::int32_t column) {
-    return "R" + std::to_string(row + 1) + "C" + std::to_string(column + 1);
-  };
-  const std::string first = cell(area.firstRow, area.firstColumn);
-  return area.IsOneCell() ? first : first + ":" + cell(area.lastRow, area.lastColumn);
-}
-
-/// A sheet's name as it stands before "!": in quotes unless it is a plain word.
-std::string QualifiedName(const Sheet& sheet) {
-  const std::string name = ToUtf8(sheet.FullName());
-  const bool isPlain =
-      name.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.[]") == std::string::npos;
-  if (isPlain) return name;
-  std::string quoted = "'";
-  for (const char letter : name) quoted += letter == '\'' ? std::string("''") : std::string(1, letter);
-  return quoted + "'";
-}
 
 /// The value of one cell, as the place of the callback may read it.
 Value ReadCell(const CallbackRequest& request, const Sheet& sheet, const Area& cell) {
@@ -44,7 +26,7 @@ Value FormulaText(const CallbackRequest& request, const Sheet& sheet, const Area
 CallbackAnswer CellInformation(CallbackRequest& request, int type, const Sheet& sheet, const Area& cell) {
   switch (type) {
     case 1:
-      return TextValue(QualifiedName(sheet) + "!" + AreaToText(cell, true));
+      return TextValue(QualifiedSheetName(sheet.FullName()) + "!" + AreaToText(cell, true));
     case 2:
       return Value::Number(cell.firstRow + 1);
     case 3:
@@ -83,7 +65,7 @@ CallbackAnswer HandleReftext(CallbackRequest& request) {
   std::string text;
   for (const Area& area : reference->areas) {
     if (!text.empty()) text += ",";
-    text += QualifiedName(*sheet) + "!" + (isA1 ? AreaToText(area, true) : R1C1(area));
+    text += QualifiedSheetName(sheet->FullName()) + "!" + (isA1 ? AreaToText(area, true) : AreaToR1C1(area));
   }
   return TextValue(text);
 }

@@ -7,19 +7,13 @@
 #include <string_view>
 #include <vector>
 
+#include "host/formulas/reference_text.h"
 #include "host/text/syntax_error.h"
 #include "host/values/value.h"
 
 namespace qcalc {
 
 struct FormulaNode;  // formula_node.h
-
-/// Where a written reference points to before its sheet is found. Empty names mean the current book and sheet.
-struct ReferenceText {
-  XString book;
-  XString sheet;
-  Area area;
-};
 
 class Formula {
  public:
@@ -42,24 +36,9 @@ class Formula {
 Parsed<Formula> ParseFormula(std::string_view text);
 constexpr int kMaxFormulaDepth = 200;
 
-/// Reads one reference that takes up the whole of `text` but for blanks around it: `A1`, `$B$2:C9`, `A:A`, `3:5`,
-/// `Data!A1`, `'My sheet'!A1`, `[Book]Sheet!A1`, a leading "!" alone for the current sheet.
-Parsed<ReferenceText> ParseReference(std::string_view text);
-
-/// As ParseReference, also for several areas in parentheses: `(A1:A3,C1)`.
-Parsed<std::vector<ReferenceText>> ParseReferences(std::string_view text);
-
-/// Reads a row range `3:5`, or one row `3`; zero-based rows in the area, over all columns.
-Parsed<Area> ParseRows(std::string_view text);
-
 /// Every reference that stands in the formula.
 std::vector<ReferenceText> ReferencesIn(const Formula& formula);
 /// Every name that stands in the formula and is no function, without case.
 std::vector<XString> NamesIn(const Formula& formula);
-
-/// `B3`, `B3:C9`, `A:A`, `3:5`; with `absolute` `$B$3`. No sheet.
-std::string AreaToText(const Area& area, bool absolute = false);
-/// `A`, `XFD` of a zero-based column.
-std::string ColumnToText(std::int32_t column);
 
 }  // namespace qcalc

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/formulas/formula.h"
+#include "host/formulas/reference_text.h"
 #include "host/values/value.h"
 
 namespace qcalc {

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "host/formulas/formula_reference.h"
+#include "host/formulas/reference_text.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/constant_parser.h"

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/formulas/formula.h"
+#include "host/formulas/reference_text.h"
 #include "host/text/syntax_error.h"
 #include "host/values/value.h"
 

@@ -15,6 +15,8 @@ struct Area {
   std::int32_t firstColumn = 0;
   std::int32_t lastColumn = 0;
 
+  static Area OfCell(std::int32_t row, std::int32_t column) { return {row, row, column, column}; }
+
   std::int32_t Rows() const { return lastRow - firstRow + 1; }
   std::int32_t Columns() const { return lastColumn - firstColumn + 1; }
   bool IsOneCell() const { return firstRow == lastRow && firstColumn == lastColumn; }

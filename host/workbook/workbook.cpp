@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "host/formulas/reference_text.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 
@@ -67,12 +68,6 @@ Sheet& Workbooks::SheetNamed(XStringView book, XStringView sheet, Sheet& current
   return (book.empty() ? current.ItsBook() : BookNamed(book)).SheetNamed(sheet);
 }
 
-std::pair<XStringView, XStringView> SplitSheetName(XStringView fullName) {
-  const std::size_t close = fullName.find(XTEXT(']'));
-  if (fullName.empty() || fullName[0] != XTEXT('[') || close == XStringView::npos) return {{}, fullName};
-  return {fullName.substr(1, close - 1), fullName.substr(close + 1)};
-}
-
 Reference ResolveReference(const ReferenceText& text, Workbooks& workbooks, Sheet& current) {
   return {workbooks.SheetNamed(text.book, text.sheet, current).Id(), {text.area}};
 }
@@ -98,7 +93,7 @@ std::string ReferenceToText(const Reference& reference, const Workbooks& workboo
   return reference.areas.size() == 1 ? text : "(" + text + ")";
 }
 
-XString Sheet::FullName() const { return XTEXT("[") + book_.Name() + XTEXT("]") + name_; }
+XString Sheet::FullName() const { return FullSheetName(book_.Name(), name_); }
 
 ArrayPtr Sheet::ReadArray(const Area& area) const {
   ArrayBuilder builder(area.Rows(), area.Columns());

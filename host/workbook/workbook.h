@@ -162,9 +162,6 @@ class Workbooks {
   std::map<IDSHEET, Sheet*> sheetsById_;
 };
 
-/// Splits `[Book1]Sheet1` into book and sheet; the book is empty when no brackets stand there.
-std::pair<XStringView, XStringView> SplitSheetName(XStringView fullName);
-
 /// Finds the sheet of a written reference, made if need be, so that commands may name new sheets.
 Reference ResolveReference(const ReferenceText& text, Workbooks& workbooks, Sheet& current);
 
