@@ -61,9 +61,6 @@ Value FaultOfKey(const CellView& key) {
   return key.IsText() && key.AsText().size() > kMaxLookupText ? Value::Error(xlerrValue) : Value();
 }
 
-// An empty cell looks for 0.
-CellView KeyOf(const CellView& cell) { return cell.IsEmpty() ? CellView::Number(0) : cell; }
-
 // Left empty behind its comma it is 0, a boolean 1 or 0; what is no number gives #REF!, of which neither that nor the
 // former is sure for every version of Excel.
 Value ReadMatchType(const CellView& cell, LookupOrder& order) {
@@ -86,7 +83,7 @@ Value CallMatch(const BuiltinCall& call) {
     if (table.Fault().IsError()) return table.Fault();
     LookupOrder order{};
     if (Value fault = ReadMatchType(cells[1], order); fault.IsError()) return fault;
-    const auto place = isLine ? FindInLine(KeyOf(cells[0]), line, order) : std::nullopt;
+    const auto place = isLine ? FindInLine(EmptyAsZero(cells[0]), line, order) : std::nullopt;
     return place ? Value::Number(*place + 1) : Value::Error(xlerrNA);
   });
 }
@@ -121,7 +118,7 @@ Value CallVlookup(const BuiltinCall& call) {
     if (table.Fault().IsError()) return table.Fault();
     LookupOrder order{};
     if (Value fault = ReadRangeLookup(cells[2], order); fault.IsError()) return fault;
-    const auto row = FindInLine(KeyOf(cells[0]), keys, order);
+    const auto row = FindInLine(EmptyAsZero(cells[0]), keys, order);
     return row ? Answer(table, *row, cells[1]) : Value::Error(xlerrNA);
   });
 }

@@ -134,9 +134,7 @@ class Evaluator {
     }
     if (node.kind == FormulaNode::Kind::kRange) {
       Area span = result.areas[0];
-      for (const Area& area : result.areas)
-        span = {std::min(span.firstRow, area.firstRow), std::max(span.lastRow, area.lastRow),
-                std::min(span.firstColumn, area.firstColumn), std::max(span.lastColumn, area.lastColumn)};
+      for (const Area& area : result.areas) span = span.Around(area);
       result.areas = {span};
     }
     return Value::OfReference(std::move(result));

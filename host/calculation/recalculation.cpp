@@ -38,7 +38,7 @@ struct Item {
   bool hasNewSpill = false;  // its readers are not among the dependents yet
   int timesCalculated = 0;
 
-  Area OwnCell() const { return {position.row, position.row, position.column, position.column}; }
+  Area OwnCell() const { return Area::OfCell(position.row, position.column); }
 };
 
 // The formula cells of one sheet, to be found by area.
@@ -210,10 +210,9 @@ class Pass {
       Store(item, value);
     } catch (const UncalculatedCell& met) {
       std::optional<std::size_t> first;
-      VisitFormulasIn({met.sheet, {met.position.row, met.position.row, met.position.column, met.position.column}},
-                      [&](std::size_t i) {
-                        if (items_[i].cell->isDirty) first = i;
-                      });
+      VisitFormulasIn({met.sheet, Area::OfCell(met.position.row, met.position.column)}, [&](std::size_t i) {
+        if (items_[i].cell->isDirty) first = i;
+      });
       if (!first) throw FormulaError(NameOf(item) + " read a cell that is not calculated and holds no formula");
       return first;
     } catch (const FormulaError& error) {
@@ -221,8 +220,6 @@ class Pass {
     }
     return std::nullopt;
   }
-
-  static CellView Shown(const CellView& cell) { return cell.IsEmpty() ? CellView::Number(0) : cell; }
 
   void Store(Item& item, const Value& value) {
     Sheet& sheet = *item.sheet;
@@ -232,7 +229,7 @@ class Pass {
     cell.blocked.reset();
     if (!value.IsArray()) {
       TakeBackSpill(item);
-      return sheet.Cells().Set(anchor.row, anchor.column, Shown(value.AsCell()));
+      return sheet.Cells().Set(anchor.row, anchor.column, EmptyAsZero(value.AsCell()));
     }
     const Array& array = *value.AsArray();
     const Area wanted{anchor.row, anchor.row + array.Rows() - 1, anchor.column, anchor.column + array.Columns() - 1};
@@ -243,7 +240,7 @@ class Pass {
     }
     for (std::int32_t row = 0; row < array.Rows(); ++row)
       for (std::int32_t column = 0; column < array.Columns(); ++column)
-        sheet.Cells().Set(anchor.row + row, anchor.column + column, Shown(array.At(row, column)));
+        sheet.Cells().Set(anchor.row + row, anchor.column + column, EmptyAsZero(array.At(row, column)));
     if (wanted.IsOneCell()) return;
     item.hasNewSpill = item.hasNewSpill || cell.spill != wanted;
     sheet.SetSpill(anchor, wanted);

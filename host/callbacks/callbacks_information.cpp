@@ -78,7 +78,7 @@ CallbackAnswer HandleGetCell(CallbackRequest& request) {
   if (!sheet) return CallbackAnswer::Failure(xlretFailed);
   const Reference* reference = request.ReferenceAt(1);
   const Area area = reference ? reference->areas[0] : Area{};
-  const Area cell{area.firstRow, area.firstRow, area.firstColumn, area.firstColumn};
+  const Area cell = Area::OfCell(area.firstRow, area.firstColumn);
   return CellInformation(request, static_cast<int>(*type), *sheet, cell);
 }
 

@@ -1,6 +1,7 @@
 // Where cells are: rectangles of a sheet, and references.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -31,6 +32,11 @@ struct Area {
   bool Intersects(const Area& other) const {
     return firstRow <= other.lastRow && other.firstRow <= lastRow && firstColumn <= other.lastColumn &&
            other.firstColumn <= lastColumn;
+  }
+  /// The smallest area that holds both.
+  Area Around(const Area& other) const {
+    return {std::min(firstRow, other.firstRow), std::max(lastRow, other.lastRow),
+            std::min(firstColumn, other.firstColumn), std::max(lastColumn, other.lastColumn)};
   }
   bool operator==(const Area&) const = default;
 };

@@ -70,4 +70,7 @@ class CellView {
 };
 static_assert(sizeof(CellView) == 16);
 
+/// An empty value as a cell shows it, and as a lookup takes it: 0.
+constexpr CellView EmptyAsZero(const CellView& cell) { return cell.IsEmpty() ? CellView::Number(0) : cell; }
+
 }  // namespace qcalc

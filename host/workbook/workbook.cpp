@@ -139,7 +139,6 @@ void Sheet::Set(const Area& area, const Value& value) {
 }
 
 void Sheet::WriteResult(const Area& callingCells, const Value& value) {
-  const auto shown = [](const CellView& cell) { return cell.IsEmpty() ? CellView::Number(0) : cell; };
   TakeBackSpills(callingCells);
   if (value.IsArray()) {
     const Array& array = *value.AsArray();
@@ -148,10 +147,10 @@ void Sheet::WriteResult(const Area& callingCells, const Value& value) {
       for (std::int32_t column = 0; column < callingCells.Columns(); ++column) {
         const std::int32_t r = at(row, array.Rows()), c = at(column, array.Columns());
         cells_.Set(callingCells.firstRow + row, callingCells.firstColumn + column,
-                   r < 0 || c < 0 ? CellView::Error(xlerrNA) : shown(array.At(r, c)));
+                   r < 0 || c < 0 ? CellView::Error(xlerrNA) : EmptyAsZero(array.At(r, c)));
       }
   } else {
-    Write(callingCells, Value::OfCell(shown(value.AsCell())));
+    Write(callingCells, Value::OfCell(EmptyAsZero(value.AsCell())));
   }
   NoteChange(callingCells);
 }
@@ -205,9 +204,7 @@ void Sheet::NoteChange(const Area& area) {
   changes_.push_back(area);
   if (changes_.size() < kMostChanges) return;
   Area around = area;
-  for (const Area& change : changes_)
-    around = {std::min(around.firstRow, change.firstRow), std::max(around.lastRow, change.lastRow),
-              std::min(around.firstColumn, change.firstColumn), std::max(around.lastColumn, change.lastColumn)};
+  for (const Area& change : changes_) around = around.Around(change);
   changes_ = {around};
 }
 
