@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/formulas/formula.h"
-#include "host/workbook/workbook.h"
+#include "host/workbook/workbooks.h"
 
 namespace qcalc {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <variant>
 
-#include "host/workbook/workbook.h"
+#include "host/workbook/sheet.h"
 
 namespace qcalc {
 

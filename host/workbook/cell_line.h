@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "host/workbook/workbook.h"
+#include "host/workbook/sheet.h"
 
 namespace qcalc {
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "host/files/csv.h"
+#include "host/workbook/workbooks.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   qcalc::Workbooks workbooks;

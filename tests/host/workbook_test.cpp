@@ -1,6 +1,4 @@
 // Books, sheets and the store of cells.
-#include "host/workbook/workbook.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
@@ -9,6 +7,7 @@
 #include <string>
 
 #include "host/values/value_order.h"
+#include "host/workbook/workbooks.h"
 #include "tests/host/model_fixture.h"
 
 namespace qcalc {

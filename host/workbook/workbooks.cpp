@@ -1,0 +1,89 @@
+#include "host/workbook/workbooks.h"
+
+#include <algorithm>
+
+#include "host/formulas/reference_text.h"
+#include "host/text/letter_case.h"
+#include "host/text/utf8.h"
+
+namespace qcalc {
+
+namespace {
+
+// Ids are opaque to the add-in: neither small nor consecutive, so that nobody takes them for an index.
+constexpr IDSHEET kFirstSheetId = 0x51C0'0010;
+constexpr IDSHEET kSheetIdStep = 0x10;
+
+}  // namespace
+
+Sheet* Book::FindSheet(XStringView name) const {
+  const auto found = std::find_if(sheets_.begin(), sheets_.end(),
+                                  [name](const auto& sheet) { return EqualsIgnoringCase(sheet->Name(), name); });
+  return found == sheets_.end() ? nullptr : found->get();
+}
+
+Sheet& Book::SheetNamed(XStringView name) {
+  if (Sheet* sheet = FindSheet(name)) return *sheet;
+  const IDSHEET id = workbooks_.NextSheetId();
+  sheets_.push_back(std::make_unique<Sheet>(*this, id, XString(name)));
+  workbooks_.sheetsById_.emplace(id, sheets_.back().get());
+  return *sheets_.back();
+}
+
+Book* Workbooks::FindBook(XStringView name) const {
+  const auto found = std::find_if(books_.begin(), books_.end(),
+                                  [name](const auto& book) { return EqualsIgnoringCase(book->Name(), name); });
+  return found == books_.end() ? nullptr : found->get();
+}
+
+Book& Workbooks::BookNamed(XStringView name) {
+  if (Book* book = FindBook(name)) return *book;
+  return *books_.emplace_back(std::make_unique<Book>(*this, XString(name)));
+}
+
+IDSHEET Workbooks::NextSheetId() {
+  return sheetsById_.empty() ? kFirstSheetId : sheetsById_.rbegin()->first + kSheetIdStep;
+}
+
+Sheet* Workbooks::FindSheet(IDSHEET id) const {
+  const auto found = sheetsById_.find(id);
+  return found == sheetsById_.end() ? nullptr : found->second;
+}
+
+Sheet* Workbooks::FindSheet(XStringView book, XStringView sheet, const Sheet* current) const {
+  const Book* in = book.empty() ? (current ? &current->ItsBook() : nullptr) : FindBook(book);
+  if (sheet.empty()) return book.empty() && current ? FindSheet(current->Id()) : nullptr;
+  return in ? in->FindSheet(sheet) : nullptr;
+}
+
+Sheet& Workbooks::SheetNamed(XStringView book, XStringView sheet, Sheet& current) {
+  if (sheet.empty()) return current;
+  return (book.empty() ? current.ItsBook() : BookNamed(book)).SheetNamed(sheet);
+}
+
+Reference ResolveReference(const ReferenceText& text, Workbooks& workbooks, Sheet& current) {
+  return {workbooks.SheetNamed(text.book, text.sheet, current).Id(), {text.area}};
+}
+
+void MakeMentionedSheets(const Formula& formula, Workbooks& workbooks, Sheet& current) {
+  for (const ReferenceText& reference : ReferencesIn(formula))
+    workbooks.SheetNamed(reference.book, reference.sheet, current);
+}
+
+Value Dereference(const Value& value, const Workbooks& workbooks) {
+  if (!value.IsReference()) return value;
+  const Reference& reference = value.AsReference();
+  const Sheet* sheet = workbooks.FindSheet(reference.sheet);
+  if (!sheet) return Value::Error(xlerrRef);
+  return reference.areas.size() == 1 ? sheet->Read(reference.areas[0]) : Value::Error(xlerrValue);
+}
+
+std::string ReferenceToText(const Reference& reference, const Workbooks& workbooks) {
+  const Sheet* sheet = workbooks.FindSheet(reference.sheet);
+  const std::string prefix = (sheet ? ToUtf8(sheet->FullName()) : "#REF") + "!";
+  std::string text;
+  for (const Area& area : reference.areas) text += (text.empty() ? "" : ",") + prefix + AreaToText(area);
+  return reference.areas.size() == 1 ? text : "(" + text + ")";
+}
+
+}  // namespace qcalc

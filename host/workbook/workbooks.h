@@ -1,0 +1,69 @@
+// The open books, their sheets by name and id, and what references to them hold.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/workbook/sheet.h"
+
+namespace qcalc {
+
+class Workbooks;
+
+/// One workbook. Names of sheets are without case; sheets keep their place in memory.
+class Book {
+ public:
+  Book(Workbooks& workbooks, XString name) : workbooks_(workbooks), name_(std::move(name)) {}
+
+  const XString& Name() const { return name_; }
+  /// In the order they were made.
+  const std::vector<std::unique_ptr<Sheet>>& Sheets() const { return sheets_; }
+  Sheet* FindSheet(XStringView name) const;
+  /// The sheet of that name, made if need be.
+  Sheet& SheetNamed(XStringView name);
+
+ private:
+  Workbooks& workbooks_;
+  XString name_;
+  std::vector<std::unique_ptr<Sheet>> sheets_;
+};
+
+/// All open books.
+class Workbooks {
+ public:
+  const std::vector<std::unique_ptr<Book>>& Books() const { return books_; }
+  Book* FindBook(XStringView name) const;
+  /// The book of that name, made without sheets if need be.
+  Book& BookNamed(XStringView name);
+  /// The sheet with that id; null for 0 and unknown ids.
+  Sheet* FindSheet(IDSHEET id) const;
+  /// The sheet `Sheet1` or `[Book1]Sheet1` names, seen from `current`; null when there is none.
+  Sheet* FindSheet(XStringView book, XStringView sheet, const Sheet* current) const;
+  /// The same, made if need be.
+  Sheet& SheetNamed(XStringView book, XStringView sheet, Sheet& current);
+
+ private:
+  friend class Book;
+  IDSHEET NextSheetId();
+
+  std::vector<std::unique_ptr<Book>> books_;
+  std::map<IDSHEET, Sheet*> sheetsById_;
+};
+
+/// Finds the sheet of a written reference, made if need be, so that commands may name new sheets.
+Reference ResolveReference(const ReferenceText& text, Workbooks& workbooks, Sheet& current);
+
+/// Makes every sheet that the formula names and that is not there yet. To be called once before a formula of a script
+/// is evaluated, on the main thread: evaluation itself makes nothing and gives #REF! for an unknown sheet.
+void MakeMentionedSheets(const Formula& formula, Workbooks& workbooks, Sheet& current);
+
+/// What a value stands for where no reference is wanted: one cell gives its value (empty stays empty), several an
+/// array, a union or an unknown sheet #VALUE! or #REF!. Anything but a reference is returned as it is.
+Value Dereference(const Value& value, const Workbooks& workbooks);
+
+/// `[Book1]Sheet1!B3:C9`, unions as `(…,…)`; for messages.
+std::string ReferenceToText(const Reference& reference, const Workbooks& workbooks);
+
+}  // namespace qcalc
