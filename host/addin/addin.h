@@ -13,15 +13,12 @@
 #include "host/addin/threads.h"
 #include "host/api/books.h"
 #include "host/api/complaints.h"
-#include "host/calculation/evaluator.h"
+#include "host/calculation/addin_functions.h"
 #include "host/faults/callback_meter.h"
 #include "host/faults/fault_switches.h"
 #include "host/library/library.h"
 
 namespace qcalc {
-
-/// A thread-safe function reached, through xlUDF or xlfEvaluate, for one that is not.
-struct NotThreadSafe {};
 
 /// Microseconds of one call, and what the last one returned.
 struct Timing {
@@ -55,7 +52,7 @@ class Addin final : public IAddinFunctions {
   static Addin* Loaded();
 
   const AddinFunction* Find(XStringView name) const override;
-  /// Calls on this thread what is thread-safe, on the main thread what is not. May also throw NotThreadSafe.
+  /// Calls on this thread what is thread-safe, on the main thread what is not.
   Value Call(const AddinFunction& function, std::span<const Value> operands, const EvaluationContext& context) override;
 
   /// Calls a function `count` times with arguments that are laid out once.

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "host/calculation/evaluator.h"
+#include "host/calculation/evaluation_context.h"
 
 namespace qcalc {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/api/type_text.h"
-#include "host/calculation/evaluator.h"
+#include "host/calculation/addin_functions.h"
 
 namespace qcalc {
 

@@ -2,8 +2,9 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
-#include "host/calculation/evaluator.h"
+#include "host/calculation/evaluation_context.h"
 
 namespace qcalc {
 

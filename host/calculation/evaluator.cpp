@@ -97,18 +97,11 @@ class Evaluator {
   // What a reference holds, once all of it is calculated.
   Value Hold(Value value) const {
     if (!value.IsReference()) return value;
-    CheckCalculated(value.AsReference());
+    CheckCalculated(value.AsReference(), *context_.workbooks);
     return Dereference(value, *context_.workbooks);
   }
 
   Value EvaluateHeld(const FormulaNode& node) { return Hold(Evaluate(node)); }
-
-  void CheckCalculated(const Reference& reference) const {
-    const Sheet* sheet = context_.workbooks->FindSheet(reference.sheet);
-    if (!sheet) return;
-    for (const Area& area : reference.areas)
-      if (const auto cell = sheet->FirstUncalculated(area)) throw UncalculatedCell{reference.sheet, *cell};
-  }
 
   // Walks a chain of operators from its left end.
   Value EvaluateChain(const FormulaNode& node) {
@@ -155,7 +148,7 @@ class Evaluator {
     std::vector<Value> operands;
     for (const auto& child : node.children) {
       operands.push_back(Evaluate(*child));
-      if (operands.back().IsReference()) CheckCalculated(operands.back().AsReference());
+      if (operands.back().IsReference()) CheckCalculated(operands.back().AsReference(), *context_.workbooks);
     }
     return builtin.call({operands, context_});
   }

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/calculation/addin_functions.h"
+#include "host/calculation/evaluator.h"
 #include "host/formulas/formula_node.h"
 #include "host/text/letter_case.h"
 

@@ -1,7 +1,7 @@
 // Recalculation: formula cells in dependency order, spilled results.
 #pragma once
 
-#include "host/calculation/evaluator.h"
+#include "host/calculation/evaluation_context.h"
 
 namespace qcalc {
 

@@ -58,10 +58,8 @@ const Sheet* CallbackRequest::SheetAt(std::size_t index) const {
 }
 
 void CallbackRequest::CheckCalculated(const Reference& reference) const {
-  const Sheet* sheet = Evaluation().workbooks->FindSheet(reference.sheet);
-  if (!sheet || context.place == Place::kMacroFunction || context.place == Place::kCommand) return;
-  for (const Area& area : reference.areas)
-    if (const auto cell = sheet->FirstUncalculated(area)) throw UncalculatedCell{reference.sheet, *cell};
+  if (context.place == Place::kMacroFunction || context.place == Place::kCommand) return;
+  qcalc::CheckCalculated(reference, *Evaluation().workbooks);
 }
 
 void CallbackRequest::Complain(const std::string& text) const {

@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "host/addin/evaluation_watch.h"
+#include "host/calculation/evaluator.h"
 #include "host/calculation/recalculation.h"
 #include "host/callbacks/callbacks.h"
 #include "host/library/allocation.h"

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "host/calculation/evaluator.h"
 #include "host/formulas/formula.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"

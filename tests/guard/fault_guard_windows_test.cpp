@@ -13,6 +13,7 @@
 #include <mutex>
 #include <thread>
 
+#include "host/calculation/evaluator.h"
 #include "host/library/allocation.h"
 #include "host/scripts/session.h"
 #include "host/values/literal.h"

@@ -1,0 +1,45 @@
+// Where a formula stands while it is evaluated, and what ends an evaluation without a value.
+#pragma once
+
+#include <map>
+#include <stdexcept>
+
+#include "host/values/value.h"
+#include "host/workbook/workbooks.h"
+
+namespace qcalc {
+
+class IAddinFunctions;
+
+/// Values bound to names by `let`; keys are without case (FoldCase). An array stays an array, a reference a reference.
+using NamedValues = std::map<XString, Value>;
+
+/// Where a formula stands. The pointers outlive the evaluation; names and add-in may be null.
+struct EvaluationContext {
+  const Workbooks* workbooks = nullptr;
+  const Sheet* sheet = nullptr;  ///< what unqualified references mean
+  const NamedValues* names = nullptr;
+  IAddinFunctions* addin = nullptr;
+  Reference caller;  ///< the calling cells; what xlfCaller answers
+};
+
+/// The formula cannot be evaluated at all: not a value of Excel's, but a mistake in the script or a limit of the host.
+class FormulaError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Thrown where this cell was to be read before its calculation, and by IAddinFunctions::Call when the add-in gave up
+/// because it met the cell so (it was answered xlretUncalced). Recalculation calculates the cell and evaluates again.
+struct UncalculatedCell {
+  IDSHEET sheet;
+  CellPosition position;
+};
+
+/// Thrown by IAddinFunctions::Call when a thread-safe function reached, through xlUDF or xlfEvaluate, one that is not.
+struct NotThreadSafe {};
+
+/// Throws UncalculatedCell for the first cell of the reference whose value does not count yet.
+void CheckCalculated(const Reference& reference, const Workbooks& workbooks);
+
+}  // namespace qcalc
