@@ -56,7 +56,8 @@ class Evaluator {
   }
 
   const AddinFunction* FindAddinFunction(const FormulaNode& node) const {
-    if (node.kind != FormulaNode::Kind::kCall || !context_.addin || IsBuiltinFunction(node.name)) return nullptr;
+    if (node.kind != FormulaNode::Kind::kCall || !context_.addin || IsIf(node.name) || FindBuiltin(node.name))
+      return nullptr;
     return context_.addin->Find(node.name);
   }
 
@@ -200,8 +201,6 @@ std::optional<PreparedCall> PrepareOutermostCall(const Formula& formula, const E
     throw FormulaError(error.what());
   }
 }
-
-bool IsBuiltinFunction(XStringView name) { return IsIf(name) || FindBuiltin(name) != nullptr; }
 
 std::optional<Value> CallBuiltin(XStringView name, std::span<const Value> operands, const EvaluationContext& context) {
   const Builtin* builtin = FindBuiltin(name);

@@ -28,9 +28,6 @@ struct PreparedCall {
 /// makes none. Throws as Evaluate.
 std::optional<PreparedCall> PrepareOutermostCall(const Formula& formula, const EvaluationContext& context);
 
-/// Whether the name is one of Excel's own functions that the host offers. Any case.
-bool IsBuiltinFunction(XStringView name);
-
 /// Calls one of Excel's own functions with evaluated operands, as a callback (xlfSum, ...) does; nothing when the host
 /// does not offer it. References count as references, scalars as direct arguments.
 std::optional<Value> CallBuiltin(XStringView name, std::span<const Value> operands, const EvaluationContext& context);

@@ -12,7 +12,4 @@ namespace qcalc {
 /// with the cells, for a circle of references or a formula that cannot be evaluated; those cells stay dirty.
 void Recalculate(Workbooks& workbooks, const EvaluationContext& context);
 
-/// Formulas that use this name (without case) are dirty: its value changed.
-void NoteNameChange(Workbooks& workbooks, XStringView name);
-
 }  // namespace qcalc

@@ -203,7 +203,7 @@ std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, s
   // Formulas and their spilled results must be gone before values take their place.
   if (!sheet.Formulas().empty())
     if (const CsvExtent extent = Measure(text, row, column); extent.rows > 0)
-      sheet.Clear({row, row + extent.rows - 1, column, column + extent.columns - 1});
+      sheet.Clear(Area::OfSize(row, column, extent.rows, extent.columns));
   CsvLoader loader(sheet, row, column);
   std::optional<CsvError> error;
   try {
@@ -212,7 +212,7 @@ std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, s
     error = std::move(fault);
   }
   const CsvExtent extent = loader.Extent();
-  if (extent.rows > 0) sheet.NoteChange({row, row + extent.rows - 1, column, column + extent.columns - 1});
+  if (extent.rows > 0) sheet.NoteChange(Area::OfSize(row, column, extent.rows, extent.columns));
   if (error) return *std::move(error);
   return extent;
 }

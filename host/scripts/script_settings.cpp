@@ -1,7 +1,7 @@
 // Script commands that set up the workbook, the host and what it answers.
 #include <array>
 
-#include "host/calculation/recalculation.h"
+#include "host/calculation/dependencies.h"
 #include "host/files/csv.h"
 #include "host/library/answers.h"
 #include "host/scripts/script_runner.h"

@@ -17,6 +17,10 @@ struct Area {
   std::int32_t lastColumn = 0;
 
   static Area OfCell(std::int32_t row, std::int32_t column) { return {row, row, column, column}; }
+  /// The area of that size whose first cell is that one.
+  static Area OfSize(std::int32_t row, std::int32_t column, std::int32_t rows, std::int32_t columns) {
+    return {row, row + rows - 1, column, column + columns - 1};
+  }
 
   std::int32_t Rows() const { return lastRow - firstRow + 1; }
   std::int32_t Columns() const { return lastColumn - firstColumn + 1; }

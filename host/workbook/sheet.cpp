@@ -49,11 +49,9 @@ void Sheet::Write(const Area& area, const Value& value) {
 }
 
 void Sheet::Set(const Area& area, const Value& value) {
-  Area target = area;
-  if (value.IsArray()) {
-    target.lastRow = area.firstRow + value.AsArray()->Rows() - 1;
-    target.lastColumn = area.firstColumn + value.AsArray()->Columns() - 1;
-  }
+  const Area target = value.IsArray() ? Area::OfSize(area.firstRow, area.firstColumn, value.AsArray()->Rows(),
+                                                     value.AsArray()->Columns())
+                                      : area;
   if (!target.IsOnSheet())
     throw std::length_error("the array does not fit on the sheet from " + AreaToText(area) + " on");
   if (!value.IsEmpty() && !value.IsMissing()) CheckFillable(target);

@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 
+#include "host/calculation/dependencies.h"
 #include "host/values/value_order.h"
 #include "tests/host/model_fixture.h"
 
