@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "host/calculation/broadcast.h"
-#include "host/calculation/builtin.h"
+#include "host/calculation/builtins/builtin.h"
 #include "host/calculation/formula_operators.h"
 #include "host/formulas/formula_node.h"
 #include "host/text/letter_case.h"

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "host/calculation/builtin.h"
+#include "host/calculation/builtins/builtin.h"
 #include "host/calculation/formula_operators.h"
 #include "host/values/conversion.h"
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "host/calculation/broadcast.h"
-#include "host/calculation/builtin.h"
+#include "host/calculation/builtins/builtin.h"
 
 namespace qcalc {
 

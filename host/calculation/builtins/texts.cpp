@@ -2,7 +2,7 @@
 #include <string>
 
 #include "host/calculation/broadcast.h"
-#include "host/calculation/builtin.h"
+#include "host/calculation/builtins/builtin.h"
 #include "host/text/ansi_text.h"
 #include "host/text/utf8.h"
 #include "host/values/conversion.h"

@@ -1,4 +1,4 @@
-#include "host/calculation/builtin.h"
+#include "host/calculation/builtins/builtin.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "host/calculation/broadcast.h"
-#include "host/calculation/builtin.h"
+#include "host/calculation/builtins/builtin.h"
 #include "host/calculation/lookup_search.h"
 #include "host/values/conversion.h"
 
