@@ -7,7 +7,7 @@
 
 #include "host/console.h"
 #include "host/function_list.h"
-#include "host/scripts/script_runner.h"
+#include "host/scripts/runner.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <type_traits>
 
-#include "host/callbacks/callback_rules.h"
+#include "host/callbacks/rules.h"
 #include "host/faults/argument_damage.h"
 #include "host/faults/handled_fault.h"
 #include "host/library/allocation.h"

@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "host/scripts/script_parser.h"
+#include "host/scripts/parser.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto commands = qcalc::ParseScript({reinterpret_cast<const char*>(data), size});

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "host/scripts/script_runner.h"
+#include "host/scripts/runner.h"
 
 namespace qcalc {
 namespace {

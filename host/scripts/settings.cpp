@@ -4,7 +4,7 @@
 #include "host/calculation/dependencies.h"
 #include "host/files/csv.h"
 #include "host/library/answers.h"
-#include "host/scripts/script_runner.h"
+#include "host/scripts/runner.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 

@@ -1,4 +1,4 @@
-#include "host/callbacks/callback_rules.h"
+#include "host/callbacks/rules.h"
 
 #include <algorithm>
 #include <iterator>

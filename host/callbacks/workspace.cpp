@@ -1,7 +1,7 @@
 // xlfGetWorkspace: what the host says about itself.
 #include <iterator>
 
-#include "host/callbacks/callback_handlers.h"
+#include "host/callbacks/handlers.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {

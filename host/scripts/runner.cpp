@@ -1,4 +1,4 @@
-#include "host/scripts/script_runner.h"
+#include "host/scripts/runner.h"
 
 namespace qcalc {
 

@@ -1,5 +1,5 @@
 // The API-only functions but xlCoerce and xlFree.
-#include "host/callbacks/callback_handlers.h"
+#include "host/callbacks/handlers.h"
 
 namespace qcalc {
 namespace {

@@ -1,6 +1,6 @@
 // Callbacks that calculate: Excel's own functions, formulas, functions of the macro language.
 #include "host/calculation/evaluator.h"
-#include "host/callbacks/callback_handlers.h"
+#include "host/callbacks/handlers.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 

@@ -1,7 +1,7 @@
 // Script commands that evaluate, measure and print.
 #include <iostream>
 
-#include "host/scripts/script_runner.h"
+#include "host/scripts/runner.h"
 #include "host/scripts/show_table.h"
 #include "host/values/literal.h"
 

@@ -1,4 +1,4 @@
-#include "host/callbacks/callback_request.h"
+#include "host/callbacks/request.h"
 
 #include "host/formulas/reference_text.h"
 

@@ -1,7 +1,7 @@
 // Script commands that hold the last result against what it should be.
 #include <cstdio>
 
-#include "host/scripts/script_runner.h"
+#include "host/scripts/runner.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
 #include "host/values/value_order.h"

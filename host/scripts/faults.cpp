@@ -4,7 +4,7 @@
 
 #include "host/faults/handled_fault.h"
 #include "host/library/allocation.h"
-#include "host/scripts/script_runner.h"
+#include "host/scripts/runner.h"
 #include "host/text/digits.h"
 
 namespace qcalc {

@@ -1,7 +1,7 @@
 // The handlers of the callbacks. The dispatcher has checked the number, the place and the count of arguments before.
 #pragma once
 
-#include "host/callbacks/callback_request.h"
+#include "host/callbacks/request.h"
 
 namespace qcalc {
 

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <limits>
 
-#include "host/callbacks/callback_handlers.h"
+#include "host/callbacks/handlers.h"
 #include "host/values/conversion.h"
 
 namespace qcalc {

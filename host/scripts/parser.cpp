@@ -1,4 +1,4 @@
-#include "host/scripts/script_parser.h"
+#include "host/scripts/parser.h"
 
 #include "host/text/utf8.h"
 

@@ -1,4 +1,4 @@
-#include "host/scripts/script_line.h"
+#include "host/scripts/line.h"
 
 #include <algorithm>
 

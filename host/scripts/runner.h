@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/scripts/parser.h"
 #include "host/scripts/report.h"
-#include "host/scripts/script_parser.h"
 #include "host/scripts/session.h"
 
 namespace qcalc {

@@ -1,5 +1,5 @@
 // Commands that the add-in may use as callbacks.
-#include "host/callbacks/callback_handlers.h"
+#include "host/callbacks/handlers.h"
 #include "host/library/answers.h"
 
 namespace qcalc {

@@ -1,7 +1,7 @@
 // For each callback: from where it may be made, with how many arguments, and who answers it.
 #pragma once
 
-#include "host/callbacks/callback_handlers.h"
+#include "host/callbacks/handlers.h"
 
 namespace qcalc {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/scripts/script_line.h"
+#include "host/scripts/line.h"
 
 namespace qcalc {
 
