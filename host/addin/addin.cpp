@@ -72,7 +72,7 @@ void Addin::Unload() {
   loaded = nullptr;
   registry.Clear();
   if (Library::IsMapped(path)) complaints.Add("the library is still mapped after it was unloaded");
-  for (std::string& sentence : books.Close()) complaints.Add(std::move(sentence));
+  for (std::string& sentence : loans.Close()) complaints.Add(std::move(sentence));
 }
 
 ReferenceForm Addin::FormOf(const EvaluationContext& context) const {

@@ -11,8 +11,8 @@
 #include "host/addin/registry.h"
 #include "host/addin/returned_values.h"
 #include "host/addin/threads.h"
-#include "host/api/books.h"
 #include "host/api/complaints.h"
+#include "host/api/loans.h"
 #include "host/calculation/addin_functions.h"
 #include "host/faults/callback_meter.h"
 #include "host/faults/fault_switches.h"
@@ -32,7 +32,7 @@ class Addin final : public IAddinFunctions {
  public:
   /// `callback` is what the add-in is to call back.
   Addin(Workbooks& itsWorkbooks, XlMdCallBack12 callback)
-      : workbooks(itsWorkbooks), callback_(callback), returnedValues_(complaints, books) {}
+      : workbooks(itsWorkbooks), callback_(callback), returnedValues_(complaints, loans) {}
   ~Addin() override;
 
   /// Loads the library and hands it the callback's address. False, with the reason in `error`, when that fails.
@@ -42,8 +42,8 @@ class Addin final : public IAddinFunctions {
   /// or nothing when the library does not export it.
   std::optional<int> CallEntryPoint(const char* name, const EvaluationContext& context);
 
-  /// Unloads the library, forgets what it registered and closes the books. What is out of balance goes to the
-  /// complaints, and so does a library that the system keeps mapped.
+  /// Unloads the library, forgets what it registered and closes the account of the loans. What is out of balance goes
+  /// to the complaints, and so does a library that the system keeps mapped.
   void Unload();
 
   bool IsLoaded() const { return library_ != nullptr; }
@@ -71,7 +71,7 @@ class Addin final : public IAddinFunctions {
   HostSettings settings;
   Registry registry;
   Complaints complaints;
-  Books books{complaints};
+  Loans loans{complaints};
   CallbackMeter meter;
   FaultSwitches faults;
   MacroFunctions macroFunctions;

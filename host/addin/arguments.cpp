@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kCachedElements = 4096;
 // What stands in a register above a short integer: the callee must not look there.
-constexpr std::uintptr_t kRegisterJunk = 0xA7A7A7A7A7A7A7A7;
+constexpr std::uintptr_t kRegisterJunk = kJunk * std::uintptr_t{0x0101010101010101};
 
 std::uint64_t Mix(std::uint64_t sum, const std::byte* data, std::size_t bytes) {
   constexpr std::uint64_t kPrime = 0x100000001B3;

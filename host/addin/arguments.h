@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/addin/registry.h"
-#include "host/api/books.h"
+#include "host/api/junk_block.h"
 #include "host/api/marshal.h"
 #include "host/faults/mutation.h"
 #include "host/faults/spoilt_memory.h"

@@ -4,28 +4,17 @@
 
 #include "host/addin/addin.h"
 #include "host/addin/arguments.h"
+#include "host/api/oper_types.h"
 #include "host/library/allocation.h"
 #include "host/library/library.h"
 
 namespace qcalc {
 namespace {
 
-constexpr std::uint32_t kTypeMask = 0x0FFF;
-constexpr std::uint32_t kKnownBits = kTypeMask | xlbitXLFree | xlbitDLLFree;
-
 /// The memory that hangs on a value, null when none does.
 template <typename Oper>
-const void* MemoryOf(const Oper& oper) {
-  switch (oper.xltype & kTypeMask) {
-    case xltypeStr:
-      return oper.val.str;
-    case xltypeMulti:
-      return oper.val.array.lparray;
-    case xltypeRef:
-      return oper.val.mref.lpmref;
-    default:
-      return nullptr;
-  }
+const void* MemoryOf(Oper oper) {
+  return TakeMemory(oper);
 }
 
 }  // namespace
@@ -55,8 +44,8 @@ void ReturnedValues::LeaveHand(const void* oper) {
 }
 
 void ReturnedValues::CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function) {
-  // What the host lent and nobody marked shows in the books; an argument handed back stays the host's.
-  if (books_.IsLent(memory) || arguments.Contains(memory)) return;
+  // What the host lent and nobody marked shows among the loans; an argument handed back stays the host's.
+  if (loans_.IsLent(memory) || arguments.Contains(memory)) return;
   if (IsHeapBlock(memory)) complaints_.Add(function + " returned memory of the heap without xlbitDLLFree: it is lost");
 }
 
@@ -65,12 +54,12 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
                            CallContext& frame) {
   const std::string& name = frame.function;
   if (!oper) return Value::Error(xlerrNum);
-  const std::uint32_t bits = oper->xltype & (xlbitXLFree | xlbitDLLFree);
+  const std::uint32_t bits = oper->xltype & kFreeBits;
   const void* memory = MemoryOf(*oper);
   // Where no memory is left even for a thread's own slot, all threads may return one constant error.
   const bool isLastResort = oper->xltype == xltypeErr && library_->Contains(oper) && AddinAllocations().Failed() > 0;
   if (!isLastResort) CheckOwner(oper, memory != nullptr, function);
-  if ((oper->xltype & ~kKnownBits) != 0)
+  if ((oper->xltype & ~(kTypeBits | kFreeBits)) != 0)
     complaints_.Add(name + " returned a value with unknown bits in its type (" + std::to_string(oper->xltype) + ")");
   const IDSHEET current = frame.evaluation.sheet ? frame.evaluation.sheet->Id() : 0;
   Reading reading = Marshal<Width>::Read(*oper, current);
@@ -105,15 +94,15 @@ bool ReturnedValues::HandOver(typename Width::Oper* oper, const CallContext& fra
 template <typename Width>
 void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
   if (!oper) return;
-  const std::uint32_t bits = oper->xltype & (xlbitXLFree | xlbitDLLFree);
+  const std::uint32_t bits = oper->xltype & kFreeBits;
   const void* memory = MemoryOf(*oper);
-  if (bits == (xlbitXLFree | xlbitDLLFree)) {
+  if (bits == kFreeBits) {
     complaints_.Add(frame.function + " returned a value with both free bits");
   } else if (bits == xlbitXLFree) {
-    if (memory && books_.TakeBack(memory) != Books::Receipt::kTaken)
+    if (memory && loans_.TakeBack(memory) != Loans::Receipt::kTaken)
       complaints_.Add(frame.function + " returned a value with xlbitXLFree that the host had not lent");
   } else if (bits == xlbitDLLFree) {
-    if (!HandOver<Width>(oper, frame)) return books_.NoteNeverFreed(frame.function);
+    if (!HandOver<Width>(oper, frame)) return loans_.NoteNeverFreed(frame.function);
   }
   if (frame.addin.faults.FreesTwice()) {
     if (bits != xlbitDLLFree) HandOver<Width>(oper, frame);

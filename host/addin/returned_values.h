@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "host/addin/call_context.h"
-#include "host/api/books.h"
+#include "host/api/loans.h"
 #include "host/api/marshal.h"
 
 namespace qcalc {
@@ -19,7 +19,7 @@ struct RegisteredFunction;
 
 class ReturnedValues {
  public:
-  ReturnedValues(Complaints& complaints, Books& books) : complaints_(complaints), books_(books) {}
+  ReturnedValues(Complaints& complaints, Loans& loans) : complaints_(complaints), loans_(loans) {}
 
   /// Looks up the library's xlAutoFree12 and xlAutoFree.
   void Attach(const Library& library);
@@ -46,7 +46,7 @@ class ReturnedValues {
   void LeaveHand(const void* oper);
 
   Complaints& complaints_;
-  Books& books_;
+  Loans& loans_;
   const Library* library_ = nullptr;
   void (*autoFree12_)(XLOPER12*) = nullptr;
   void (*autoFree_)(XLOPER*) = nullptr;

@@ -5,13 +5,13 @@
 #include <optional>
 #include <type_traits>
 
+#include "host/api/junk_block.h"
+#include "host/api/oper_types.h"
 #include "host/text/ansi_text.h"
 
 namespace qcalc {
 namespace {
 
-constexpr std::uint32_t kTypeMask = 0x0FFF;
-constexpr int kJunk = 0xA7;
 constexpr std::int32_t kMaxErrorCode = 255;
 
 template <typename... Functions>
@@ -128,9 +128,9 @@ std::optional<XString> ReadText(const typename Width::Oper& oper, std::string& d
     return std::nullopt;
   }
   if constexpr (sizeof(typename Width::Unit) == 1) {
-    return FromAnsi({oper.val.str + 1, static_cast<unsigned char>(oper.val.str[0])});
+    return FromAnsi({oper.val.str + 1, LengthOf(oper.val.str)});
   } else {
-    const auto length = static_cast<std::size_t>(static_cast<std::uint16_t>(oper.val.str[0]));
+    const std::size_t length = LengthOf(oper.val.str);
     if (length > Width::kMaxText) {
       defect = "a text of " + std::to_string(length) + " units";
       return std::nullopt;
@@ -142,7 +142,7 @@ std::optional<XString> ReadText(const typename Width::Oper& oper, std::string& d
 /// Reads what a cell can hold. Sets `isMalformed` when there is nothing to go on with.
 template <typename Width>
 Value ReadScalar(const typename Width::Oper& oper, std::string& defect, bool& isMalformed) {
-  switch (oper.xltype & kTypeMask) {
+  switch (TypeOf(oper)) {
     case xltypeNum:
       if (std::isfinite(oper.val.num)) return Value::Number(oper.val.num);
       defect = "a number that is not finite";
@@ -164,7 +164,7 @@ Value ReadScalar(const typename Width::Oper& oper, std::string& defect, bool& is
     case xltypeNil:
       return Value::Empty();
     default:
-      defect = "type " + std::to_string(oper.xltype & kTypeMask);
+      defect = "type " + std::to_string(TypeOf(oper));
       isMalformed = true;
       return Value::Error(xlerrValue);
   }
@@ -185,7 +185,7 @@ Reading ReadArray(const typename Width::Oper& oper) {
     for (std::int32_t c = 0; c < builder.Columns(); ++c) {
       const auto& element = oper.val.array.lparray[static_cast<std::ptrdiff_t>(r) * builder.Columns() + c];
       std::string defect;
-      if ((element.xltype & ~kTypeMask) != 0) {
+      if ((element.xltype & ~kTypeBits) != 0) {
         defect = "free bits";
         reading.isMalformed = true;
       } else {
@@ -207,7 +207,7 @@ Reading ReadArray(const typename Width::Oper& oper) {
 
 template <typename Width>
 Reading ReadReference(const typename Width::Oper& oper, IDSHEET currentSheet) {
-  const bool isShort = (oper.xltype & kTypeMask) == xltypeSRef;
+  const bool isShort = TypeOf(oper) == xltypeSRef;
   Reference reference;
   if (isShort) {
     if (oper.val.sref.count != 1)
@@ -292,7 +292,7 @@ void Marshal<Width>::Write(const ApiValue& value, const ReferenceForm& form, std
                         [&](const ApiHandle& handle) {
                           oper.val.bigdata.h.hdata = handle.pointer;
                           oper.val.bigdata.cbData = 0;
-                          oper.xltype = static_cast<decltype(oper.xltype)>(xltypeBigData);
+                          SetType(oper, xltypeBigData);
                         },
                         [&](const ApiSheet& sheet) {
                           oper.val.mref.lpmref = nullptr;
@@ -305,7 +305,7 @@ void Marshal<Width>::Write(const ApiValue& value, const ReferenceForm& form, std
 
 template <typename Width>
 Reading Marshal<Width>::Read(const Oper& oper, IDSHEET currentSheet) {
-  switch (oper.xltype & kTypeMask) {
+  switch (TypeOf(oper)) {
     case xltypeMissing:
       return {Value::Missing(), {}, false};
     case xltypeInt:

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "host/api/oper_types.h"
 #include "host/callbacks/rules.h"
 #include "host/faults/argument_damage.h"
 #include "host/faults/handled_fault.h"
@@ -13,8 +14,6 @@
 namespace qcalc {
 namespace {
 
-constexpr std::uint32_t kTypeMask = 0x0FFF;
-
 /// The answer of a callback that is not carried out; `reason` goes to the complaints when there is one.
 struct Refusal {
   int code;
@@ -23,30 +22,19 @@ struct Refusal {
 
 /// Gives back one value of xlFree's and sets its pointer to null. The reason to complain, empty when there is none.
 template <typename Oper>
-std::string FreeValue(Oper& oper, Books& books) {
-  void* memory = nullptr;
-  switch (oper.xltype & kTypeMask) {
-    case xltypeStr:
-      memory = std::exchange(oper.val.str, nullptr);
-      break;
-    case xltypeMulti:
-      memory = std::exchange(oper.val.array.lparray, nullptr);
-      break;
-    case xltypeRef:
-      // A sheet's id alone has no memory.
-      memory = std::exchange(oper.val.mref.lpmref, nullptr);
-      if (!memory) return {};
-      break;
-    default:
-      return {};
-  }
+std::string FreeValue(Oper& oper, Loans& loans) {
+  const std::uint32_t type = TypeOf(oper);
+  if (!HasMemory(type)) return {};
+  void* memory = TakeMemory(oper);
+  // A sheet's id alone has no memory.
+  if (!memory && type == xltypeRef) return {};
   if (!memory) return "was given a value that had been freed before";
-  switch (books.TakeBack(memory)) {
-    case Books::Receipt::kTaken:
+  switch (loans.TakeBack(memory)) {
+    case Loans::Receipt::kTaken:
       return {};
-    case Books::Receipt::kTakenBefore:
+    case Loans::Receipt::kTakenBefore:
       return "freed a value twice";
-    case Books::Receipt::kUnknown:
+    case Loans::Receipt::kUnknown:
       break;
   }
   return "was given a value that the host had not lent";
@@ -114,7 +102,7 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
   if (isFree) {
     // Also when it is to fail: what an add-in gave back in time is not its debt.
     for (int i = 0; i < count; ++i)
-      if (std::string reason = FreeValue(*arguments[i], addin->books); !reason.empty()) refuse(0, reason);
+      if (std::string reason = FreeValue(*arguments[i], addin->loans); !reason.empty()) refuse(0, reason);
     return injected ? CallbackAnswer::Failure(*injected) : CallbackAnswer(Value::Boolean(true));
   }
   CallbackRequest request{*context, *callback, (xlfn & xlIntl) != 0, {}};
@@ -147,7 +135,7 @@ int Deliver(CallbackAnswer answer, CallContext* context, int xlfn, typename Widt
   const ReferenceForm form = context->addin.FormOf(context->evaluation);
   const std::size_t bytes = Marshal<Width>::BlockBytes(answer.value, form);
   std::byte* block = nullptr;
-  if (bytes) block = context->addin.books.Lend(bytes, {context->function, FindXlCallback(xlfn)->name});
+  if (bytes) block = context->addin.loans.Lend(bytes, {context->function, FindXlCallback(xlfn)->name});
   Marshal<Width>::Write(answer.value, form, block, *result);
   return answer.code;
 }

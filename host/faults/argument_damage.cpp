@@ -4,10 +4,10 @@
 #include <cstring>
 #include <span>
 
+#include "host/api/oper_types.h"
+
 namespace qcalc {
 namespace {
-
-constexpr std::uint32_t kTypeMask = 0x0FFF;
 
 template <typename Width>
 class Damage {
@@ -44,9 +44,6 @@ class Damage {
   }
 
  private:
-  static bool Is(const Oper& oper, std::uint32_t type) { return (oper.xltype & kTypeMask) == type; }
-  static void SetType(Oper& oper, std::uint32_t type) { oper.xltype = static_cast<decltype(oper.xltype)>(type); }
-
   static std::span<const Oper> Elements(const Oper& array) {
     return {array.val.array.lparray,
             static_cast<std::size_t>(array.val.array.rows) * static_cast<std::size_t>(array.val.array.columns)};
@@ -62,8 +59,7 @@ class Damage {
   }
 
   void Lengthen(Oper& text) {
-    const auto length = static_cast<std::size_t>(static_cast<std::make_unsigned_t<Unit>>(text.val.str[0]));
-    const std::size_t bytes = (length + 1) * sizeof(Unit);
+    const std::size_t bytes = (LengthOf(text.val.str) + 1) * sizeof(Unit);
     auto* copy = reinterpret_cast<Unit*>(memory_.emplace_back(bytes).data());
     std::memcpy(copy, text.val.str, bytes);
     copy[0] = static_cast<Unit>(mutation_.number);
@@ -71,14 +67,14 @@ class Damage {
   }
 
   std::string LieAboutLength(Oper& oper) {
-    if (Is(oper, xltypeStr)) {
+    if (TypeOf(oper) == xltypeStr) {
       Lengthen(oper);
       return {};
     }
-    if (!Is(oper, xltypeMulti)) return "it is no text";
+    if (TypeOf(oper) != xltypeMulti) return "it is no text";
     const std::span<const Oper> elements = Elements(oper);
-    const auto text =
-        std::find_if(elements.begin(), elements.end(), [](const Oper& element) { return Is(element, xltypeStr); });
+    const auto text = std::find_if(elements.begin(), elements.end(),
+                                   [](const Oper& element) { return TypeOf(element) == xltypeStr; });
     if (text == elements.end()) return "it holds no text";
     const std::ptrdiff_t index = text - elements.begin();
     Lengthen(CopyElements(oper)[index]);
@@ -86,7 +82,7 @@ class Damage {
   }
 
   std::string LieAboutSize(Oper& oper) {
-    if (!Is(oper, xltypeMulti)) return "it is no array";
+    if (TypeOf(oper) != xltypeMulti) return "it is no array";
     CopyElements(oper);
     oper.val.array.rows = static_cast<decltype(oper.val.array.rows)>(mutation_.rows);
     oper.val.array.columns = static_cast<decltype(oper.val.array.columns)>(mutation_.columns);
@@ -94,7 +90,7 @@ class Damage {
   }
 
   void Nest(Oper& oper) {
-    if (!Is(oper, xltypeMulti)) MakeArray(oper);
+    if (TypeOf(oper) != xltypeMulti) MakeArray(oper);
     MakeArray(*CopyElements(oper));
   }
 
@@ -127,18 +123,17 @@ typename Width::Oper* SpoiltCopy(const typename Width::Oper& oper, const Mutatio
 template <typename Width>
 bool IsReadable(const typename Width::Oper& oper) {
   using Unit = typename Width::Unit;
-  switch (oper.xltype & kTypeMask) {
+  switch (TypeOf(oper)) {
     case xltypeStr: {
       if (!CanRead(oper.val.str, sizeof(Unit))) return false;
-      const std::size_t length = static_cast<std::make_unsigned_t<Unit>>(oper.val.str[0]);
-      return CanRead(oper.val.str, (length + 1) * sizeof(Unit));
+      return CanRead(oper.val.str, (LengthOf(oper.val.str) + 1) * sizeof(Unit));
     }
     case xltypeMulti: {
       const auto& array = oper.val.array;
       const std::size_t count = static_cast<std::size_t>(array.rows) * static_cast<std::size_t>(array.columns);
       if (!CanRead(array.lparray, count * sizeof(oper))) return false;
       return std::all_of(array.lparray, array.lparray + count, [](const auto& element) {
-        return (element.xltype & kTypeMask) != xltypeStr || IsReadable<Width>(element);
+        return TypeOf(element) != xltypeStr || IsReadable<Width>(element);
       });
     }
     case xltypeRef: {

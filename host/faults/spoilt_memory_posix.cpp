@@ -2,7 +2,7 @@
 #include <new>
 #include <utility>
 
-#include "host/api/books.h"
+#include "host/api/junk_block.h"
 #include "host/faults/spoilt_memory.h"
 
 namespace qcalc {

@@ -35,7 +35,7 @@ class Session {
   std::optional<int> CallClose();
   /// Closes and unloads the add-in, if it is loaded, then loads and opens it, `count` times. Throws AddinFailure.
   void Reload(int count);
-  /// Closes and unloads the add-in, if it is loaded, and closes the books.
+  /// Closes and unloads the add-in, if it is loaded, and closes the account of the loans.
   void Finish();
 
   /// Calculates what is due, then evaluates on the main thread with callbacks counted and failing as told. The result

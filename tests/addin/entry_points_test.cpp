@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/api/oper_types.h"
 #include "host/callbacks/callbacks.h"
 #include "host/scripts/session.h"
 #include "host/values/literal.h"
@@ -17,8 +18,6 @@ using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-
-constexpr std::uint32_t kTypeMask = 0x0FFF;
 
 /// One interface: its type of value, its units of text, and what the add-in exports for it.
 struct WideEntry {
@@ -58,7 +57,7 @@ class EntryPoints : public ::testing::Test {
     const auto type = static_cast<std::uint32_t>(answer->xltype);
     std::string name = "a value of type " + std::to_string(type);
     if (type == xltypeErr) name = "#" + std::to_string(answer->val.err);
-    if ((type & kTypeMask) == xltypeStr) {
+    if (TypeOf(*answer) == xltypeStr) {
       EXPECT_EQ(type, xltypeStr | xlbitDLLFree);
       name.assign(answer->val.str + 1, answer->val.str + 1 + static_cast<std::uint16_t>(answer->val.str[0]));
     }

@@ -161,7 +161,7 @@ std::string TrialRunner::CheckPlainCall(const RegisteredFunction& function) {
 std::string TrialRunner::CheckBooks() {
   std::string wrong;
   for (const std::string& text : addin_.complaints.Take()) wrong += (wrong.empty() ? "" : "; ") + text;
-  for (const std::string& text : addin_.books.Close()) wrong += (wrong.empty() ? "" : "; ") + text;
+  for (const std::string& text : addin_.loans.Close()) wrong += (wrong.empty() ? "" : "; ") + text;
   return wrong;
 }
 

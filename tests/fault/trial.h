@@ -58,7 +58,7 @@ class TrialRunner {
  public:
   TrialRunner(Session& session, CallValues& values);
 
-  /// Makes the trial on this thread, which is the main thread, then looks: the result, the host's complaints, the books
+  /// Makes the trial on this thread, which is the main thread, then looks: the result, the host's complaints, the loans
   /// over lent memory, a plain call, the add-in's live blocks. What is wrong, empty when nothing is.
   std::string Try(const Trial& trial);
 
@@ -73,7 +73,7 @@ class TrialRunner {
   std::string CheckCall(const Trial& trial);
   /// Makes a plain call of the function, nothing being armed, and compares: "" or what is wrong. On any thread.
   std::string CheckPlainCall(const RegisteredFunction& function);
-  /// What the host has to complain of, the books included; "" when nothing.
+  /// What the host has to complain of, the loans included; "" when nothing.
   std::string CheckBooks();
 
   /// Calls that CheckCall has made in which the damage, if any, could be done.

@@ -1,4 +1,4 @@
-// Values across the API, in both widths, and what keeps the books over them.
+// Values across the API, in both widths, and the loans of what hangs on them.
 #include "host/api/marshal.h"
 
 #include <gmock/gmock.h>
@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "host/addin/arguments.h"
+#include "host/api/loans.h"
 #include "host/api/type_text.h"
 #include "host/scripts/show_table.h"
 #include "host/values/literal.h"
@@ -102,23 +103,23 @@ TEST(TypeTexts, WhatExcelTakesAndRefuses) {
   EXPECT_TRUE(type.isVolatile && type.isMacroEquivalent && !type.isThreadSafe && type.TakesReferences());
 }
 
-TEST(Books, LoansAndTheirEnd) {
+TEST(Loans, LoansAndTheirEnd) {
   Complaints complaints;
-  Books books(complaints);
-  std::byte* first = books.Lend(16, {"F", "xlCoerce"});
-  std::byte* second = books.Lend(16, {"F", "xlCoerce"});
-  books.Lend(16, {"G", "xlfCaller"});
+  Loans loans(complaints);
+  std::byte* first = loans.Lend(16, {"F", "xlCoerce"});
+  std::byte* second = loans.Lend(16, {"F", "xlCoerce"});
+  loans.Lend(16, {"G", "xlfCaller"});
   EXPECT_EQ(first[15], std::byte{0xA7});
-  EXPECT_EQ(books.TakeBack(first), Books::Receipt::kTaken);
-  EXPECT_EQ(books.TakeBack(first), Books::Receipt::kTakenBefore);
-  EXPECT_EQ(books.TakeBack(&books), Books::Receipt::kUnknown);
-  EXPECT_TRUE(books.IsLent(second));
+  EXPECT_EQ(loans.TakeBack(first), Loans::Receipt::kTaken);
+  EXPECT_EQ(loans.TakeBack(first), Loans::Receipt::kTakenBefore);
+  EXPECT_EQ(loans.TakeBack(&loans), Loans::Receipt::kUnknown);
+  EXPECT_TRUE(loans.IsLent(second));
 #if !defined(__SANITIZE_ADDRESS__)
   EXPECT_EQ(first[0], std::byte{0xDD}) << "memory given back is poisoned";
 #endif
-  EXPECT_THAT(books.Close(), ::testing::ElementsAre(::testing::StartsWith("F kept 1 value of xlCoerce"),
+  EXPECT_THAT(loans.Close(), ::testing::ElementsAre(::testing::StartsWith("F kept 1 value of xlCoerce"),
                                                     ::testing::StartsWith("G kept 1 value of xlfCaller")));
-  EXPECT_THAT(books.Close(), ::testing::IsEmpty());
+  EXPECT_THAT(loans.Close(), ::testing::IsEmpty());
 }
 
 TEST(Tables, AreAlignedAndSayWhatStandsInThem) {

@@ -59,7 +59,7 @@ int Caller::Callbacks() const {
 std::string Caller::Complaints() const {
   std::string all;
   for (const std::string& text : session_.ItsAddin().complaints.Take()) all += text + "; ";
-  for (const std::string& text : session_.ItsAddin().books.Close()) all += text + "; ";
+  for (const std::string& text : session_.ItsAddin().loans.Close()) all += text + "; ";
   return all;
 }
 

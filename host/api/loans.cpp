@@ -1,40 +1,16 @@
-#include "host/api/books.h"
+#include "host/api/loans.h"
 
-#include <algorithm>
-#include <cstring>
-#include <new>
 #include <utility>
 
 namespace qcalc {
 namespace {
 
-constexpr int kPoison = 0xDD;
 constexpr std::size_t kQuarantineBytes = 16u << 20;
 constexpr std::size_t kLargestQuarantined = 1u << 20;
 
-bool IsPoisoned(const JunkBlock& block) {
-  return std::all_of(block.data(), block.data() + block.size(), [](std::byte b) { return b == std::byte{kPoison}; });
-}
-
 }  // namespace
 
-void Poison(void* memory, std::size_t bytes) { std::memset(memory, kPoison, bytes); }
-
-JunkBlock::JunkBlock(std::size_t bytes) : data_(static_cast<std::byte*>(::operator new(bytes))), size_(bytes) {
-  std::memset(data_, kJunk, bytes);
-}
-
-JunkBlock::~JunkBlock() {
-  if (!data_) return;
-  Poison(data_, size_);
-  ::operator delete(data_);
-}
-
-JunkBlock::JunkBlock(JunkBlock&& other) noexcept : data_(std::exchange(other.data_, nullptr)), size_(other.size_) {}
-
-Books::~Books() = default;
-
-std::byte* Books::Lend(std::size_t bytes, LoanOrigin origin) {
+std::byte* Loans::Lend(std::size_t bytes, LoanOrigin origin) {
   JunkBlock block(bytes);
   std::byte* memory = block.data();
   const std::lock_guard lock(mutex_);
@@ -43,12 +19,12 @@ std::byte* Books::Lend(std::size_t bytes, LoanOrigin origin) {
   return memory;
 }
 
-bool Books::IsLent(const void* address) const {
+bool Loans::IsLent(const void* address) const {
   const std::lock_guard lock(mutex_);
   return loans_.contains(address);
 }
 
-Books::Receipt Books::TakeBack(const void* address) {
+Loans::Receipt Loans::TakeBack(const void* address) {
   const std::lock_guard lock(mutex_);
   auto node = loans_.extract(address);
   if (node.empty()) return returnedOrigins_.contains(address) ? Receipt::kTakenBefore : Receipt::kUnknown;
@@ -57,22 +33,22 @@ Books::Receipt Books::TakeBack(const void* address) {
   return Receipt::kTaken;
 }
 
-void Books::Quarantine(Loan loan) {
+void Loans::Quarantine(Loan loan) {
 #if defined(__SANITIZE_ADDRESS__)
   // The sanitizer keeps freed memory back itself, and sees reads of it as well as writes.
   static_cast<void>(loan);
 #else
   if (loan.block.size() > kLargestQuarantined) return;
-  Poison(loan.block.data(), loan.block.size());
+  loan.block.Poison();
   returnedBytes_ += loan.block.size();
   returned_.push_back(std::move(loan));
   while (returnedBytes_ > kQuarantineBytes) ReleaseOldest();
 #endif
 }
 
-void Books::ReleaseOldest() {
+void Loans::ReleaseOldest() {
   const Loan& oldest = returned_.front();
-  if (!IsPoisoned(oldest.block))
+  if (!oldest.block.IsPoisoned())
     complaints_.Add(oldest.origin.function + " wrote to memory of " + std::string(oldest.origin.callback) +
                     " after giving it back through xlFree");
   returnedBytes_ -= oldest.block.size();
@@ -80,12 +56,12 @@ void Books::ReleaseOldest() {
   returned_.pop_front();
 }
 
-void Books::NoteNeverFreed(const std::string& function) {
+void Loans::NoteNeverFreed(const std::string& function) {
   const std::lock_guard lock(mutex_);
   ++neverFreed_[function];
 }
 
-std::vector<std::string> Books::Close() {
+std::vector<std::string> Loans::Close() {
   const std::lock_guard lock(mutex_);
   while (!returned_.empty()) ReleaseOldest();
   std::map<std::pair<std::string, std::string_view>, long long> kept;

@@ -1,4 +1,4 @@
-// The books over memory that changes hands between the host and the add-in.
+// The account of memory that changes hands between the host and the add-in.
 //
 // What the host lends (texts, arrays and reference lists of callback results) stands here until the add-in gives it
 // back; what the add-in returns to be freed by itself (xlbitDLLFree) and has no way to free is counted.
@@ -14,30 +14,9 @@
 #include <vector>
 
 #include "host/api/complaints.h"
+#include "host/api/junk_block.h"
 
 namespace qcalc {
-
-/// What memory of the host's is filled with at birth.
-inline constexpr int kJunk = 0xA7;
-
-/// Overwrites memory that is about to be released, so that whoever still reads it reads rubbish.
-void Poison(void* memory, std::size_t bytes);
-
-/// Memory of the host's that the add-in may look at. It is filled with junk at birth and poisoned at its end.
-class JunkBlock {
- public:
-  explicit JunkBlock(std::size_t bytes);
-  ~JunkBlock();
-  JunkBlock(JunkBlock&& other) noexcept;
-  JunkBlock& operator=(JunkBlock&&) = delete;
-
-  std::byte* data() const { return data_; }
-  std::size_t size() const { return size_; }
-
- private:
-  std::byte* data_;
-  std::size_t size_;
-};
 
 /// Where a lent value came from: the function or entry point that made the callback, and the callback.
 struct LoanOrigin {
@@ -45,12 +24,11 @@ struct LoanOrigin {
   std::string_view callback;
 };
 
-class Books {
+class Loans {
  public:
-  explicit Books(Complaints& complaints) : complaints_(complaints) {}
-  ~Books();
-  Books(const Books&) = delete;
-  Books& operator=(const Books&) = delete;
+  explicit Loans(Complaints& complaints) : complaints_(complaints) {}
+  Loans(const Loans&) = delete;
+  Loans& operator=(const Loans&) = delete;
 
   /// A new block of that many bytes on loan to the add-in, known by its address.
   std::byte* Lend(std::size_t bytes, LoanOrigin origin);
@@ -67,7 +45,7 @@ class Books {
   void NoteNeverFreed(const std::string& function);
 
   /// What is out of balance: a sentence for each function and callback whose loans never came back, and for each
-  /// function whose results were not freed. The books are empty afterwards.
+  /// function whose results were not freed. The account is empty afterwards.
   std::vector<std::string> Close();
 
  private:
