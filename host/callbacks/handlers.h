@@ -38,8 +38,4 @@ CallbackAnswer HandleAlert(CallbackRequest& request);
 CallbackAnswer HandleMessage(CallbackRequest& request);
 CallbackAnswer HandleEcho(CallbackRequest& request);
 
-/// The value as xlCoerce gives it for a mask of types, conversions of one value included; nothing when Excel would
-/// fail. `mask` 0 stands for none. References must be read before.
-std::optional<ApiValue> CoerceValue(const ApiValue& source, std::uint32_t mask, XCHAR decimalSeparator);
-
 }  // namespace qcalc

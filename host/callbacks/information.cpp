@@ -1,4 +1,5 @@
 // Callbacks that tell about the caller, about cells, sheets and books.
+#include "host/api/coercion.h"
 #include "host/callbacks/handlers.h"
 #include "host/formulas/reference_text.h"
 #include "host/text/utf8.h"
