@@ -99,8 +99,8 @@ Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value>
   Arguments arguments(argumentCache_, FormOf(context));
   if (const auto refused = arguments.Build(function, operands)) return Value::Error(*refused);
   CallContext frame(*this, PlaceOf(function.type), NameOf(function), context);
-  for (const Mutation& mutation : faults.Mutations()) {
-    if (const std::string reason = arguments.Spoil(function, mutation); !reason.empty())
+  for (const ArgumentFault& fault : faults.ArgumentFaults()) {
+    if (const std::string reason = arguments.Spoil(function, fault); !reason.empty())
       throw FormulaError(frame.function + " was not called: " + reason);
     frame.isSpoilt = true;
   }

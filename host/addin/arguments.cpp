@@ -172,25 +172,25 @@ std::optional<std::int32_t> Arguments::AddMatrix(const Value& operand, Laid& lai
   return std::nullopt;
 }
 
-std::string Arguments::Spoil(const RegisteredFunction& function, const Mutation& mutation) {
-  const auto index = static_cast<std::size_t>(mutation.argument - 1);
-  const std::string which = "argument " + std::to_string(mutation.argument);
-  if (mutation.argument < 1 || index >= words_.size()) return which + " does not exist";
-  if (std::string reason = WhyNotOffered(mutation); !reason.empty()) return reason;
+std::string Arguments::Spoil(const RegisteredFunction& function, const ArgumentFault& fault) {
+  const auto index = static_cast<std::size_t>(fault.argument - 1);
+  const std::string which = "argument " + std::to_string(fault.argument);
+  if (fault.argument < 1 || index >= words_.size()) return which + " does not exist";
+  if (std::string reason = WhyNotOffered(fault); !reason.empty()) return reason;
   std::string reason;
   switch (function.type.arguments[index].letter) {
     case 'Q':
     case 'U':
-      reason = SpoilOper<Wide>(mutation, index);
+      reason = SpoilOper<Wide>(fault, index);
       break;
     case 'P':
     case 'R':
-      reason = SpoilOper<Narrow>(mutation, index);
+      reason = SpoilOper<Narrow>(fault, index);
       break;
     case 'C':
     case 'D':
     case 'K':
-      if (mutation.kind == MutationKind::kNull)
+      if (fault.kind == ArgumentFaultKind::kNull)
         words_[index] = 0;
       else
         reason = "it is a pointer to bare data: only null makes sense";
@@ -203,14 +203,14 @@ std::string Arguments::Spoil(const RegisteredFunction& function, const Mutation&
 }
 
 template <typename Width>
-std::string Arguments::SpoilOper(const Mutation& mutation, std::size_t index) {
+std::string Arguments::SpoilOper(const ArgumentFault& fault, std::size_t index) {
   using Oper = typename Width::Oper;
   const auto* oper = reinterpret_cast<const Oper*>(words_[index]);
   Oper* spoilt = nullptr;
   std::string reason;
-  if (mutation.kind != MutationKind::kNull) {
+  if (fault.kind != ArgumentFaultKind::kNull) {
     if (!oper) return "it is null";
-    spoilt = SpoiltCopy<Width>(*oper, mutation, laid_[index].spoilt, reason);
+    spoilt = SpoiltCopy<Width>(*oper, fault, laid_[index].spoilt, reason);
     if (!spoilt) return reason;
   }
   words_[index] = reinterpret_cast<std::uintptr_t>(spoilt);

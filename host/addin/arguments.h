@@ -11,7 +11,7 @@
 #include "host/addin/registry.h"
 #include "host/api/junk_block.h"
 #include "host/api/marshal.h"
-#include "host/faults/mutation.h"
+#include "host/faults/argument_fault.h"
 #include "host/faults/spoilt_memory.h"
 
 namespace qcalc {
@@ -50,7 +50,7 @@ class Arguments {
 
   /// Spoils one argument that has been laid out for that function, in a copy: what was laid out, and what others may
   /// share, stays. Why it cannot be spoilt so; empty when it has been.
-  std::string Spoil(const RegisteredFunction& function, const Mutation& mutation);
+  std::string Spoil(const RegisteredFunction& function, const ArgumentFault& fault);
 
   std::span<const std::uintptr_t> Words() const { return words_; }
 
@@ -76,7 +76,7 @@ class Arguments {
   std::optional<std::int32_t> AddText(TypeLetter letter, const Value& operand, Laid& laid);
   std::optional<std::int32_t> AddMatrix(const Value& operand, Laid& laid);
   template <typename Width>
-  std::string SpoilOper(const Mutation& mutation, std::size_t index);
+  std::string SpoilOper(const ArgumentFault& fault, std::size_t index);
   static std::byte* NewBlock(std::size_t bytes, Laid& laid);
   static std::uint64_t ChecksumOf(const Laid& laid, bool withLarge);
 

@@ -15,29 +15,29 @@ class Damage {
   using Oper = typename Width::Oper;
   using Unit = typename Width::Unit;
 
-  Damage(const Mutation& mutation, std::vector<SpoiltMemory>& memory) : mutation_(mutation), memory_(memory) {}
+  Damage(const ArgumentFault& fault, std::vector<SpoiltMemory>& memory) : fault_(fault), memory_(memory) {}
 
   /// Spoils `oper`, a copy. What is wrong with that; empty when all went well.
   std::string DoTo(Oper& oper) {
-    switch (mutation_.kind) {
-      case MutationKind::kType:
-        SetType(oper, static_cast<std::uint32_t>(mutation_.number));
+    switch (fault_.kind) {
+      case ArgumentFaultKind::kType:
+        SetType(oper, static_cast<std::uint32_t>(fault_.number));
         return {};
-      case MutationKind::kBits:
-        SetType(oper, oper.xltype | static_cast<std::uint32_t>(mutation_.number));
+      case ArgumentFaultKind::kBits:
+        SetType(oper, oper.xltype | static_cast<std::uint32_t>(fault_.number));
         return {};
-      case MutationKind::kLength:
+      case ArgumentFaultKind::kLength:
         return LieAboutLength(oper);
-      case MutationKind::kDims:
+      case ArgumentFaultKind::kDims:
         return LieAboutSize(oper);
-      case MutationKind::kPointer:
+      case ArgumentFaultKind::kPointer:
         SetType(oper, xltypeStr);
         oper.val.str = static_cast<Unit*>(memory_.emplace_back(sizeof(Unit)).Unreadable());
         return {};
-      case MutationKind::kNested:
+      case ArgumentFaultKind::kNested:
         Nest(oper);
         return {};
-      case MutationKind::kNull:
+      case ArgumentFaultKind::kNull:
         break;
     }
     return "there is nothing to do to the value";
@@ -62,7 +62,7 @@ class Damage {
     const std::size_t bytes = (LengthOf(text.val.str) + 1) * sizeof(Unit);
     auto* copy = reinterpret_cast<Unit*>(memory_.emplace_back(bytes).data());
     std::memcpy(copy, text.val.str, bytes);
-    copy[0] = static_cast<Unit>(mutation_.number);
+    copy[0] = static_cast<Unit>(fault_.number);
     text.val.str = copy;
   }
 
@@ -84,8 +84,8 @@ class Damage {
   std::string LieAboutSize(Oper& oper) {
     if (TypeOf(oper) != xltypeMulti) return "it is no array";
     CopyElements(oper);
-    oper.val.array.rows = static_cast<decltype(oper.val.array.rows)>(mutation_.rows);
-    oper.val.array.columns = static_cast<decltype(oper.val.array.columns)>(mutation_.columns);
+    oper.val.array.rows = static_cast<decltype(oper.val.array.rows)>(fault_.rows);
+    oper.val.array.columns = static_cast<decltype(oper.val.array.columns)>(fault_.columns);
     return {};
   }
 
@@ -104,19 +104,19 @@ class Damage {
     SetType(oper, xltypeMulti);
   }
 
-  const Mutation& mutation_;
+  const ArgumentFault& fault_;
   std::vector<SpoiltMemory>& memory_;
 };
 
 }  // namespace
 
 template <typename Width>
-typename Width::Oper* SpoiltCopy(const typename Width::Oper& oper, const Mutation& mutation,
+typename Width::Oper* SpoiltCopy(const typename Width::Oper& oper, const ArgumentFault& fault,
                                  std::vector<SpoiltMemory>& memory, std::string& reason) {
   using Oper = typename Width::Oper;
   auto* copy = reinterpret_cast<Oper*>(memory.emplace_back(sizeof(Oper)).data());
   std::memcpy(static_cast<void*>(copy), &oper, sizeof(Oper));
-  reason = Damage<Width>(mutation, memory).DoTo(*copy);
+  reason = Damage<Width>(fault, memory).DoTo(*copy);
   return reason.empty() ? copy : nullptr;
 }
 
@@ -148,7 +148,7 @@ bool IsReadable(const typename Width::Oper& oper) {
 
 template bool IsReadable<Wide>(const XLOPER12&);
 template bool IsReadable<Narrow>(const XLOPER&);
-template XLOPER12* SpoiltCopy<Wide>(const XLOPER12&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
-template XLOPER* SpoiltCopy<Narrow>(const XLOPER&, const Mutation&, std::vector<SpoiltMemory>&, std::string&);
+template XLOPER12* SpoiltCopy<Wide>(const XLOPER12&, const ArgumentFault&, std::vector<SpoiltMemory>&, std::string&);
+template XLOPER* SpoiltCopy<Narrow>(const XLOPER&, const ArgumentFault&, std::vector<SpoiltMemory>&, std::string&);
 
 }  // namespace qcalc

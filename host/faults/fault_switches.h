@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/faults/mutation.h"
+#include "host/faults/argument_fault.h"
 
 namespace qcalc {
 
@@ -14,7 +14,7 @@ class FaultSwitches {
  public:
   /// The next evaluation hands over an argument spoilt, in every call of an add-in function that it makes. A call
   /// without such an argument, or with one that cannot be spoilt so, ends the evaluation with a FormulaError.
-  void Mutate(const Mutation& mutation) { mutations_.push_back(mutation); }
+  void SpoilArgument(const ArgumentFault& fault) { argumentFaults_.push_back(fault); }
 
   /// The next evaluation hands every result to xlAutoFree12 (xlAutoFree) twice, also one that is not marked for it.
   void FreeTwice() { freesTwice_ = true; }
@@ -22,19 +22,19 @@ class FaultSwitches {
   void Start() { isRunning_ = true; }
   void Stop() {
     isRunning_ = freesTwice_ = false;
-    mutations_.clear();
+    argumentFaults_.clear();
   }
 
   /// The damage due now.
-  const std::vector<Mutation>& Mutations() const { return isRunning_ ? mutations_ : kNone; }
+  const std::vector<ArgumentFault>& ArgumentFaults() const { return isRunning_ ? argumentFaults_ : kNone; }
   bool FreesTwice() const { return isRunning_ && freesTwice_; }
 
  private:
-  static inline const std::vector<Mutation> kNone;
+  static inline const std::vector<ArgumentFault> kNone;
 
   std::atomic<bool> isRunning_{false};
   bool freesTwice_ = false;
-  std::vector<Mutation> mutations_;
+  std::vector<ArgumentFault> argumentFaults_;
 };
 
 }  // namespace qcalc

@@ -54,37 +54,37 @@ std::int64_t NumberOrHex(ScriptLine& line, std::string_view expected, std::int32
 }
 
 /// A size as ROWSxCOLUMNS; either may be negative or absurd.
-void ReadDims(ScriptLine& line, Mutation& mutation) {
+void ReadDims(ScriptLine& line, ArgumentFault& fault) {
   const std::string_view word = line.Word("a size such as 3x2");
   const char* const last = word.data() + word.size();
-  const auto rows = std::from_chars(word.data(), last, mutation.rows);
+  const auto rows = std::from_chars(word.data(), last, fault.rows);
   const bool hasCross = rows.ec == std::errc() && rows.ptr != last && *rows.ptr == 'x';
-  const auto columns = hasCross ? std::from_chars(rows.ptr + 1, last, mutation.columns) : rows;
+  const auto columns = hasCross ? std::from_chars(rows.ptr + 1, last, fault.columns) : rows;
   if (!hasCross || columns.ec != std::errc() || columns.ptr != last)
     line.FailIn(word, "expected a size such as 3x2, found '" + std::string(word) + "'");
 }
 
 ScriptAction ParseMutate(ScriptLine& line) {
-  Mutation mutation;
-  mutation.argument = line.WholeNumber("the number of an argument", 1, kXlMaxArguments);
-  mutation.kind = static_cast<MutationKind>(
+  ArgumentFault fault;
+  fault.argument = line.WholeNumber("the number of an argument", 1, kXlMaxArguments);
+  fault.kind = static_cast<ArgumentFaultKind>(
       line.Choice({"null", "type", "bits", "length", "dims", "pointer", "nested"}));  // in the order of the kinds
-  switch (mutation.kind) {
-    case MutationKind::kType:
-    case MutationKind::kBits:
-      mutation.number = NumberOrHex(line, "bits of a type", kMostType);
+  switch (fault.kind) {
+    case ArgumentFaultKind::kType:
+    case ArgumentFaultKind::kBits:
+      fault.number = NumberOrHex(line, "bits of a type", kMostType);
       break;
-    case MutationKind::kLength:
-      mutation.number = NumberOrHex(line, "a length", kMostLength);
+    case ArgumentFaultKind::kLength:
+      fault.number = NumberOrHex(line, "a length", kMostLength);
       break;
-    case MutationKind::kDims:
-      ReadDims(line, mutation);
+    case ArgumentFaultKind::kDims:
+      ReadDims(line, fault);
       break;
     default:
       break;
   }
-  if (const std::string reason = WhyNotOffered(mutation); !reason.empty()) line.Fail(reason);
-  return [mutation](ScriptRunner& runner) { runner.ItsSession().ItsAddin().faults.Mutate(mutation); };
+  if (const std::string reason = WhyNotOffered(fault); !reason.empty()) line.Fail(reason);
+  return [fault](ScriptRunner& runner) { runner.ItsSession().ItsAddin().faults.SpoilArgument(fault); };
 }
 
 ScriptAction ParseFailAlloc(ScriptLine& line) {

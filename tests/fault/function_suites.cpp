@@ -91,17 +91,18 @@ class Values : public FunctionTest {
 };
 
 /// All kinds of damage that this build offers.
-std::vector<Mutation> AllDamage() {
-  std::vector<Mutation> all = {
-      {.kind = MutationKind::kNull}, {.kind = MutationKind::kNested}, {.kind = MutationKind::kPointer}};
+std::vector<ArgumentFault> AllDamage() {
+  std::vector<ArgumentFault> all = {
+      {.kind = ArgumentFaultKind::kNull}, {.kind = ArgumentFaultKind::kNested}, {.kind = ArgumentFaultKind::kPointer}};
   // Every type of one bit, none, and several at once; the bits above them.
   for (const int type : {0x0000, 0x0001, 0x0002, 0x0004, 0x0008, 0x0010, 0x0020, 0x0040, 0x0080, 0x0100, 0x0200,
                          0x0400, 0x0800, 0x0802, 0x0003, 0x0048, 0x0FFF, 0x1001, 0x2000, 0x4002, 0x8000, 0xFFFF})
-    all.push_back({.kind = MutationKind::kType, .number = type});
+    all.push_back({.kind = ArgumentFaultKind::kType, .number = type});
   // Each free bit, both, and others that mean nothing.
-  for (const int bits : {0x1000, 0x4000, 0x5000, 0xA000}) all.push_back({.kind = MutationKind::kBits, .number = bits});
+  for (const int bits : {0x1000, 0x4000, 0x5000, 0xA000})
+    all.push_back({.kind = ArgumentFaultKind::kBits, .number = bits});
   for (const int length : {0, 1, 255, 256, 32'767, 32'768, 65'535})
-    all.push_back({.kind = MutationKind::kLength, .number = length});
+    all.push_back({.kind = ArgumentFaultKind::kLength, .number = length});
   constexpr std::pair<int, int> kDims[] = {{0, 0},
                                            {1, 0},
                                            {1'048'576, 1},
@@ -116,8 +117,8 @@ std::vector<Mutation> AllDamage() {
                                            {-1, -1},
                                            {2'147'483'647, 2'147'483'647}};
   for (const auto& [rows, columns] : kDims)
-    all.push_back({.kind = MutationKind::kDims, .rows = rows, .columns = columns});
-  std::erase_if(all, [](const Mutation& damage) { return !WhyNotOffered(damage).empty(); });
+    all.push_back({.kind = ArgumentFaultKind::kDims, .rows = rows, .columns = columns});
+  std::erase_if(all, [](const ArgumentFault& damage) { return !WhyNotOffered(damage).empty(); });
   return all;
 }
 
@@ -126,7 +127,7 @@ class Damage : public FunctionTest {
  public:
   using FunctionTest::FunctionTest;
   void TestBody() override {
-    const std::vector<Mutation> all = AllDamage();
+    const std::vector<ArgumentFault> all = AllDamage();
     const std::size_t arguments = function_.operands.size();
     const std::int64_t before = runner_.CallsMade();
     for (const std::uint64_t number : Numbers(arguments * all.size() * kRounds)) {

@@ -43,12 +43,13 @@ Trial DrawCall(const TrialRunner& runner, Random& random) {
   return trial;
 }
 
-Mutation DrawDamage(std::size_t arguments, Random& random) {
+ArgumentFault DrawDamage(std::size_t arguments, Random& random) {
   for (;;) {
-    Mutation damage{.argument = 1 + static_cast<int>(random() % arguments),
-                    .kind = static_cast<MutationKind>(random() % (static_cast<unsigned>(MutationKind::kNested) + 1)),
-                    .number = static_cast<std::int64_t>(random() & 0xFFFF)};
-    if (damage.kind == MutationKind::kBits) damage.number &= xlbitXLFree | xlbitDLLFree;
+    ArgumentFault damage{
+        .argument = 1 + static_cast<int>(random() % arguments),
+        .kind = static_cast<ArgumentFaultKind>(random() % (static_cast<unsigned>(ArgumentFaultKind::kNested) + 1)),
+        .number = static_cast<std::int64_t>(random() & 0xFFFF)};
+    if (damage.kind == ArgumentFaultKind::kBits) damage.number &= xlbitXLFree | xlbitDLLFree;
     const auto side = [&] {
       return static_cast<std::int32_t>(random() >> (33 + random() % 31)) * (OneIn(8, random) ? -1 : 1);
     };

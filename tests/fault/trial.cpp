@@ -23,23 +23,23 @@ std::string Shorten(std::string text) {
 
 std::string Describe(const Value& value) { return value.IsReference() ? "a reference" : Shorten(PrintLiteral(value)); }
 
-std::string DescribeDamage(const Mutation& damage) {
+std::string DescribeDamage(const ArgumentFault& damage) {
   const std::string argument = ", argument " + std::to_string(damage.argument);
   const std::string number = std::to_string(damage.number);
   switch (damage.kind) {
-    case MutationKind::kNull:
+    case ArgumentFaultKind::kNull:
       return argument + " is a null pointer";
-    case MutationKind::kType:
+    case ArgumentFaultKind::kType:
       return argument + " has type " + number;
-    case MutationKind::kBits:
+    case ArgumentFaultKind::kBits:
       return argument + " has the bits " + number;
-    case MutationKind::kLength:
+    case ArgumentFaultKind::kLength:
       return argument + " says it has " + number + " units";
-    case MutationKind::kDims:
+    case ArgumentFaultKind::kDims:
       return argument + " says it has " + std::to_string(damage.rows) + " x " + std::to_string(damage.columns);
-    case MutationKind::kPointer:
+    case ArgumentFaultKind::kPointer:
       return argument + " points nowhere";
-    case MutationKind::kNested:
+    case ArgumentFaultKind::kNested:
       return argument + " holds an array in an array";
   }
   return argument;
@@ -67,10 +67,10 @@ std::string FaultOf(const Trial& trial, const Value& result) {
 bool Faults::MayFault() const {
   if (!damage) return false;
   switch (damage->kind) {
-    case MutationKind::kType:
-    case MutationKind::kLength:
-    case MutationKind::kDims:
-    case MutationKind::kPointer:
+    case ArgumentFaultKind::kType:
+    case ArgumentFaultKind::kLength:
+    case ArgumentFaultKind::kDims:
+    case ArgumentFaultKind::kPointer:
       return true;
     default:
       return false;
@@ -78,7 +78,7 @@ bool Faults::MayFault() const {
 }
 
 void Faults::Arm(Addin& addin) const {
-  if (damage) addin.faults.Mutate(*damage);
+  if (damage) addin.faults.SpoilArgument(*damage);
   if (allocation) AddinAllocations().Fail(allocation->nth, allocation->failure);
   if (!callback) return;
   if (const int* code = std::get_if<int>(&callback->answer))

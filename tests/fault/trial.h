@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "call_values.h"
-#include "host/faults/mutation.h"
+#include "host/faults/argument_fault.h"
 #include "host/faults/odd_answer.h"
 #include "host/library/allocation.h"
 
@@ -31,7 +31,7 @@ struct AllocationFault {
 
 /// What goes wrong during a call, on every thread that makes one meanwhile.
 struct Faults {
-  std::optional<Mutation> damage;
+  std::optional<ArgumentFault> damage;
   std::optional<CallbackFault> callback;
   std::optional<AllocationFault> allocation;
 

@@ -20,8 +20,8 @@ class Faults : public ::testing::Test {
     return PrintLiteral(session.Contents(session.Evaluate(*formula)));
   }
   std::vector<std::string> Complaints() { return session.ItsAddin().complaints.Take(); }
-  void Mutate(MutationKind kind, std::int64_t number = 0, std::int32_t rows = 0, std::int32_t columns = 0) {
-    session.ItsAddin().faults.Mutate({1, kind, number, rows, columns});
+  void Mutate(ArgumentFaultKind kind, std::int64_t number = 0, std::int32_t rows = 0, std::int32_t columns = 0) {
+    session.ItsAddin().faults.SpoilArgument({1, kind, number, rows, columns});
   }
   CallbackMeter& Meter() { return session.ItsAddin().meter; }
 
@@ -76,16 +76,16 @@ TEST_F(Faults, BlocksAreKnownUntilTheyAreFreedWhereverThatIs) {
 
 TEST_F(Faults, ArgumentsArriveSpoiltOnce) {
   EXPECT_EQ(Evaluate("=DESCRIBE(1.5)"), "{1,0,0,0}");
-  Mutate(MutationKind::kNull);
+  Mutate(ArgumentFaultKind::kNull);
   EXPECT_EQ(Evaluate("=DESCRIBE(1.5)"), "{-1,0,0,0}");
-  Mutate(MutationKind::kType, 0x0200);
+  Mutate(ArgumentFaultKind::kType, 0x0200);
   EXPECT_EQ(Evaluate("=DESCRIBE(1.5)"), "{512,0,0,0}");
-  Mutate(MutationKind::kBits, 0x5000);
+  Mutate(ArgumentFaultKind::kBits, 0x5000);
   EXPECT_EQ(Evaluate("=DESCRIBE(\"abc\")"), "{20482,3,0,0}");
-  Mutate(MutationKind::kNested);
+  Mutate(ArgumentFaultKind::kNested);
   EXPECT_EQ(Evaluate("=DESCRIBE({1,2;3,4})"), "{64,2,2,64}");
-  Mutate(MutationKind::kNested);
-  Mutate(MutationKind::kBits, 0x1000);
+  Mutate(ArgumentFaultKind::kNested);
+  Mutate(ArgumentFaultKind::kBits, 0x1000);
   EXPECT_EQ(Evaluate("=DESCRIBE(7)"), "{4160,1,1,64}") << "one damage on top of the other";
   EXPECT_EQ(Evaluate("=DESCRIBE(\"abc\")"), "{2,3,0,0}");
   EXPECT_THAT(Complaints(), IsEmpty());
@@ -93,28 +93,28 @@ TEST_F(Faults, ArgumentsArriveSpoiltOnce) {
 
 #ifdef _WIN32
 TEST_F(Faults, LengthsAndSizesLie) {
-  Mutate(MutationKind::kLength, 700);
+  Mutate(ArgumentFaultKind::kLength, 700);
   EXPECT_EQ(Evaluate("=DESCRIBE(\"abc\")"), "{2,700,0,0}");
-  Mutate(MutationKind::kDims, 0, 300, -2);
+  Mutate(ArgumentFaultKind::kDims, 0, 300, -2);
   EXPECT_EQ(Evaluate("=DESCRIBE({1,\"a\"})"), "{64,300,-2,1}");
-  Mutate(MutationKind::kDims, 0, 1, 2);
+  Mutate(ArgumentFaultKind::kDims, 0, 1, 2);
   EXPECT_THROW(Evaluate("=DESCRIBE(1)"), FormulaError);
-  Mutate(MutationKind::kLength, 5);
+  Mutate(ArgumentFaultKind::kLength, 5);
   EXPECT_THROW(Evaluate("=DESCRIBE({1,2})"), FormulaError);
 }
 #else
 TEST_F(Faults, WhatFaultsTheProcessorIsRefused) {
-  Mutate(MutationKind::kLength, 5);
+  Mutate(ArgumentFaultKind::kLength, 5);
   EXPECT_THROW(Evaluate("=DESCRIBE(\"abc\")"), FormulaError);
-  Mutate(MutationKind::kType, xltypeStr);
+  Mutate(ArgumentFaultKind::kType, xltypeStr);
   EXPECT_THROW(Evaluate("=DESCRIBE(1)"), FormulaError);
 }
 #endif
 
 TEST_F(Faults, DamageThatCannotBeDoneIsTold) {
-  session.ItsAddin().faults.Mutate({2, MutationKind::kNull});
+  session.ItsAddin().faults.SpoilArgument({2, ArgumentFaultKind::kNull});
   EXPECT_THROW(Evaluate("=DESCRIBE(1)"), FormulaError);
-  session.ItsAddin().faults.Mutate({1, MutationKind::kBits, 1});
+  session.ItsAddin().faults.SpoilArgument({1, ArgumentFaultKind::kBits, 1});
   EXPECT_THROW(Evaluate("=ALLOCATE(1,0)"), FormulaError);
   EXPECT_EQ(Evaluate("=DESCRIBE(1)"), "{1,0,0,0}");
 }
@@ -122,14 +122,14 @@ TEST_F(Faults, DamageThatCannotBeDoneIsTold) {
 TEST_F(Faults, DamageLeavesNothingBehind) {
   session.Names()[XTEXT("large")] = session.EvaluateQuietly(*ParseFormula("=SEQUENCE(5000)"));
   EXPECT_EQ(Evaluate("=DESCRIBE(large)"), "{64,5000,1,1}");
-  Mutate(MutationKind::kNested);
+  Mutate(ArgumentFaultKind::kNested);
   EXPECT_EQ(Evaluate("=DESCRIBE(large)"), "{64,5000,1,64}");
   EXPECT_EQ(Evaluate("=DESCRIBE(large)"), "{64,5000,1,1}");
 }
 
 TEST_F(Faults, ChangedArgumentsShowThroughDamage) {
   for (const char* formula : {"=CHANGE.ARGUMENT(1,2)", "=CHANGE.ARGUMENT(1,{2,3})"}) {
-    session.ItsAddin().faults.Mutate({2, MutationKind::kBits, 0x1000});
+    session.ItsAddin().faults.SpoilArgument({2, ArgumentFaultKind::kBits, 0x1000});
     Evaluate(formula);
     EXPECT_THAT(Complaints(), ElementsAre("CHANGE.ARGUMENT changed its argument 2")) << formula;
   }

@@ -6,7 +6,7 @@
 
 namespace qcalc {
 
-enum class MutationKind {
+enum class ArgumentFaultKind {
   kNull,     ///< a null pointer in place of the value
   kType,     ///< xltype is `number`; the rest of the value stays
   kBits,     ///< the bits of `number` are added to xltype
@@ -18,9 +18,9 @@ enum class MutationKind {
 
 /// How one argument is spoilt. What hangs on a value whose length or size lies ends where no memory follows, so that
 /// reading past it is a fault of the processor at once.
-struct Mutation {
+struct ArgumentFault {
   int argument = 1;  ///< 1-based
-  MutationKind kind = MutationKind::kNull;
+  ArgumentFaultKind kind = ArgumentFaultKind::kNull;
   std::int64_t number = 0;
   std::int32_t rows = 0;
   std::int32_t columns = 0;
@@ -28,6 +28,6 @@ struct Mutation {
 
 /// Why this build does not offer the damage; empty when it does. Natively nothing may fault the processor: lying
 /// lengths and sizes, bad pointers, and types that make a pointer of something else are for Windows.
-std::string WhyNotOffered(const Mutation& mutation);
+std::string WhyNotOffered(const ArgumentFault& fault);
 
 }  // namespace qcalc

@@ -1,0 +1,7 @@
+#include "host/faults/argument_fault.h"
+
+namespace qcalc {
+
+std::string WhyNotOffered(const ArgumentFault&) { return {}; }
+
+}  // namespace qcalc

@@ -1,7 +1,0 @@
-#include "host/faults/mutation.h"
-
-namespace qcalc {
-
-std::string WhyNotOffered(const Mutation&) { return {}; }
-
-}  // namespace qcalc
