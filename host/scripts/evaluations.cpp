@@ -8,7 +8,6 @@
 namespace qcalc {
 namespace {
 
-constexpr std::int32_t kMost = 1'000'000'000;
 constexpr std::int32_t kMostReloads = 500;
 constexpr std::int32_t kMostThreads = 256;
 constexpr std::int32_t kShownRows = 10;
@@ -20,7 +19,7 @@ ScriptAction ParseEval(ScriptLine& line) {
 }
 
 ScriptAction ParseRecalc(ScriptLine& line) {
-  const std::int32_t count = line.WholeNumber("a number of recalculations", 1, kMost);
+  const std::int32_t count = line.WholeNumber("a number of recalculations", 1, kMostCount);
   return [count, formula = line.FormulaText()](ScriptRunner& runner) {
     runner.Evaluate(formula.Text(), [&] { return runner.ItsSession().Recalculate(count, formula); });
   };
@@ -28,7 +27,7 @@ ScriptAction ParseRecalc(ScriptLine& line) {
 
 ScriptAction ParseParallel(ScriptLine& line) {
   const std::int32_t threads = line.WholeNumber("a number of threads", 1, kMostThreads);
-  const std::int32_t count = line.WholeNumber("a number of evaluations", 1, kMost);
+  const std::int32_t count = line.WholeNumber("a number of evaluations", 1, kMostCount);
   return [threads, count, formula = line.FormulaText()](ScriptRunner& runner) {
     runner.Evaluate(formula.Text(), [&] {
       const std::vector<Value> results = runner.ItsSession().EvaluateInParallel(threads, count, formula);
@@ -42,7 +41,7 @@ ScriptAction ParseParallel(ScriptLine& line) {
 }
 
 ScriptAction ParseTime(ScriptLine& line) {
-  const std::int32_t count = line.WholeNumber("a number of calls", 1, kMost);
+  const std::int32_t count = line.WholeNumber("a number of calls", 1, kMostCount);
   return [count, formula = line.FormulaText()](ScriptRunner& runner) {
     runner.Evaluate(formula.Text(), [&] {
       std::string function;
@@ -81,7 +80,7 @@ ScriptAction ParsePrint(ScriptLine&) {
 }
 
 ScriptAction ParseShow(ScriptLine& line) {
-  const std::int32_t rows = line.IsAtEnd() ? kShownRows : line.WholeNumber("a number of rows", 1, kMost);
+  const std::int32_t rows = line.IsAtEnd() ? kShownRows : line.WholeNumber("a number of rows", 1, kMostCount);
   return [rows](ScriptRunner& runner) {
     if (!runner.Result()) return runner.Fail("there is no result to show");
     if (const std::string heading = runner.TakeHeading(); !heading.empty()) std::cout << "\n" << heading << "\n";

@@ -1,6 +1,4 @@
 // Script commands that hold the last result against what it should be.
-#include <cstdio>
-
 #include "host/scripts/runner.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
@@ -77,20 +75,15 @@ ScriptAction ParseExpectRef(ScriptLine& line) {
 }
 
 ScriptAction ParseExpectShape(ScriptLine& line) {
-  const std::string_view part = line.Rest("a size");
-  std::int32_t rows = 0, columns = 0;
-  char x = 0, behind = 0;
-  if (std::sscanf(std::string(part).c_str(), "%d%c%d%c", &rows, &x, &columns, &behind) != 3 || (x != 'x' && x != 'X') ||
-      rows < 1 || columns < 1)
-    line.FailIn(part, "expected a size such as 3x2, found '" + std::string(part) + "'");
-  return [rows, columns](ScriptRunner& runner) {
+  const ScriptSize size = line.SizeIn(line.Rest("a size"), 1);
+  return [size](ScriptRunner& runner) {
     const auto print = [](std::int32_t r, std::int32_t c) { return std::to_string(r) + "x" + std::to_string(c); };
-    if (!HasResult(runner, print(rows, columns))) return;
+    if (!HasResult(runner, print(size.rows, size.columns))) return;
     const Value contents = runner.Contents();
     const std::int32_t gotRows = contents.IsArray() ? contents.AsArray()->Rows() : 1;
     const std::int32_t gotColumns = contents.IsArray() ? contents.AsArray()->Columns() : 1;
-    const bool isMet = gotRows == rows && gotColumns == columns;
-    runner.Expect(isMet, print(rows, columns),
+    const bool isMet = gotRows == size.rows && gotColumns == size.columns;
+    runner.Expect(isMet, print(size.rows, size.columns),
                   isMet ? std::string() : print(gotRows, gotColumns) + ": " + PrintLiteral(contents));
   };
 }
@@ -105,13 +98,11 @@ ScriptAction ParseExpectErrorText(ScriptLine& line) {
 }
 
 ScriptAction ParseExpectCalls(ScriptLine& line) {
-  const std::string_view name = line.Word("a callback's name");
-  const XlCallback* callback = FindXlCallback(name);
-  if (!callback) line.FailIn(name, "expected a callback's name such as xlCoerce, found '" + std::string(name) + "'");
-  const std::int32_t count = line.WholeNumber("a number of calls", 0, 1'000'000'000);
-  return [callback, count](ScriptRunner& runner) {
-    const int calls = runner.ItsSession().ItsAddin().meter.Calls(*callback);
-    const auto print = [&](int number) { return std::to_string(number) + " calls of " + std::string(callback->name); };
+  const XlCallback& callback = line.Callback();
+  const std::int32_t count = line.WholeNumber("a number of calls", 0, kMostCount);
+  return [&callback, count](ScriptRunner& runner) {
+    const int calls = runner.ItsSession().ItsAddin().meter.Calls(callback);
+    const auto print = [&](int number) { return std::to_string(number) + " calls of " + std::string(callback.name); };
     runner.Expect(calls == count, print(count), print(calls));
   };
 }

@@ -1,5 +1,4 @@
 // Script commands by which things go wrong on purpose in the next evaluation.
-#include <charconv>
 #include <limits>
 
 #include "host/faults/handled_fault.h"
@@ -10,7 +9,6 @@
 namespace qcalc {
 namespace {
 
-constexpr std::int32_t kMost = 1'000'000'000;
 constexpr std::int32_t kMostType = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kMostLength = 0xFFFF;
 
@@ -53,17 +51,6 @@ std::int64_t NumberOrHex(ScriptLine& line, std::string_view expected, std::int32
   return *number;
 }
 
-/// A size as ROWSxCOLUMNS; either may be negative or absurd.
-void ReadDims(ScriptLine& line, ArgumentFault& fault) {
-  const std::string_view word = line.Word("a size such as 3x2");
-  const char* const last = word.data() + word.size();
-  const auto rows = std::from_chars(word.data(), last, fault.rows);
-  const bool hasCross = rows.ec == std::errc() && rows.ptr != last && *rows.ptr == 'x';
-  const auto columns = hasCross ? std::from_chars(rows.ptr + 1, last, fault.columns) : rows;
-  if (!hasCross || columns.ec != std::errc() || columns.ptr != last)
-    line.FailIn(word, "expected a size such as 3x2, found '" + std::string(word) + "'");
-}
-
 ScriptAction ParseMutate(ScriptLine& line) {
   ArgumentFault fault;
   fault.argument = line.WholeNumber("the number of an argument", 1, kXlMaxArguments);
@@ -77,9 +64,13 @@ ScriptAction ParseMutate(ScriptLine& line) {
     case ArgumentFaultKind::kLength:
       fault.number = NumberOrHex(line, "a length", kMostLength);
       break;
-    case ArgumentFaultKind::kDims:
-      ReadDims(line, fault);
+    case ArgumentFaultKind::kDims: {
+      // Either may be negative or absurd.
+      const ScriptSize size = line.SizeIn(line.Word("a size such as 3x2"), std::numeric_limits<std::int32_t>::min());
+      fault.rows = size.rows;
+      fault.columns = size.columns;
       break;
+    }
     default:
       break;
   }
@@ -88,41 +79,34 @@ ScriptAction ParseMutate(ScriptLine& line) {
 }
 
 ScriptAction ParseFailAlloc(ScriptLine& line) {
-  const std::int32_t nth = line.WholeNumber("the number of an allocation", 1, kMost);
+  const std::int32_t nth = line.WholeNumber("the number of an allocation", 1, kMostCount);
   const bool isOnce = line.IsAtEnd() || line.Choice({"once", "on"}) == 0;
   const auto failure = isOnce ? AllocationFailure::kOnce : AllocationFailure::kFromThenOn;
   return [nth, failure](ScriptRunner&) { AddinAllocations().Fail(nth, failure); };
 }
 
-const XlCallback& CallbackAt(ScriptLine& line) {
-  const std::string_view name = line.Word("a callback's name");
-  const XlCallback* callback = FindXlCallback(name);
-  if (!callback) line.FailIn(name, "expected a callback's name such as xlCoerce, found '" + std::string(name) + "'");
-  return *callback;
-}
-
 ScriptAction ParseFail(ScriptLine& line) {
-  const XlCallback& callback = CallbackAt(line);
+  const XlCallback& callback = line.Callback();
   const int code = CodeAt(line);
-  const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMost);
+  const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMostCount);
   return
       [&callback, code, nth](ScriptRunner& runner) { runner.ItsSession().ItsAddin().meter.Fail(callback, code, nth); };
 }
 
 ScriptAction ParseAnswerWith(ScriptLine& line) {
-  const XlCallback& callback = CallbackAt(line);
+  const XlCallback& callback = line.Callback();
   const std::string_view word = line.Word("a kind of value");
   const std::optional<AnswerKind> kind = FindAnswerKind(word);
   if (!kind)
     line.FailIn(word, "expected a kind of value (" + AnswerKindNames() + "), found '" + std::string(word) + "'");
-  const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMost);
+  const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMostCount);
   return [&callback, kind = *kind, nth](ScriptRunner& runner) {
     runner.ItsSession().ItsAddin().meter.AnswerWith(callback, kind, nth);
   };
 }
 
 ScriptAction ParseFaultInCallback(ScriptLine& line) {
-  const XlCallback& callback = CallbackAt(line);
+  const XlCallback& callback = line.Callback();
   if (!CanHandleFaults()) line.Fail("a host that handles its own fault is for the Windows build alone");
   return [&callback](ScriptRunner& runner) { runner.ItsSession().ItsAddin().meter.FaultIn(callback); };
 }

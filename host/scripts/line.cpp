@@ -76,6 +76,13 @@ std::int32_t ScriptLine::WholeNumber(std::string_view expected, std::int32_t lea
   return *number;
 }
 
+const XlCallback& ScriptLine::Callback() {
+  const std::string_view name = Word("a callback's name");
+  const XlCallback* callback = FindXlCallback(name);
+  if (!callback) FailIn(name, "expected a callback's name such as xlCoerce, found '" + std::string(name) + "'");
+  return *callback;
+}
+
 std::size_t ScriptLine::Choice(std::initializer_list<std::string_view> words) {
   std::string expected;
   for (const std::string_view word : words) expected += (expected.empty() ? "" : ", ") + std::string(word);
@@ -113,6 +120,15 @@ ReferenceText ScriptLine::ReferenceIn(std::string_view part) const {
   const Parsed<ReferenceText> reference = ParseReference(part);
   if (!reference) FailFrom(part, reference.Error());
   return *reference;
+}
+
+ScriptSize ScriptLine::SizeIn(std::string_view part, std::int32_t least) const {
+  const std::size_t cross = std::min(part.find_first_of("xX"), part.size());
+  const auto rows = ReadWhole<std::int32_t>(part.substr(0, cross));
+  const auto columns = ReadWhole<std::int32_t>(part.substr(std::min(cross + 1, part.size())));
+  if (!rows || !columns || *rows < least || *columns < least)
+    FailIn(part, "expected a size such as 3x2, found '" + std::string(part) + "'");
+  return {*rows, *columns};
 }
 
 void ScriptLine::FailFrom(std::string_view part, const SyntaxError& error) const {

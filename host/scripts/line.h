@@ -11,8 +11,17 @@
 #include "host/formulas/reference_text.h"
 #include "host/text/syntax_error.h"
 #include "host/values/value.h"
+#include "xlcall/callback_list.h"
 
 namespace qcalc {
+
+/// The most that a count in a script may be.
+inline constexpr std::int32_t kMostCount = 1'000'000'000;
+
+struct ScriptSize {
+  std::int32_t rows;
+  std::int32_t columns;
+};
 
 /// A line with the lines it goes on in (each but the last ends in `\`), and a cursor in it. What cannot be read throws
 /// a SyntaxError whose line and column are those of the file.
@@ -35,6 +44,8 @@ class ScriptLine {
   /// Throws unless the line ends here.
   void End();
 
+  /// A callback of the published list, by its name.
+  const XlCallback& Callback();
   std::int32_t WholeNumber(std::string_view expected, std::int32_t least, std::int32_t most);
   /// One of the words; its index.
   std::size_t Choice(std::initializer_list<std::string_view> words);
@@ -47,6 +58,8 @@ class ScriptLine {
 
   /// Reads a part of the line that a function above has given, as one reference.
   ReferenceText ReferenceIn(std::string_view part) const;
+  /// The same, as a size such as `3x2`, of `least` rows and columns at least.
+  ScriptSize SizeIn(std::string_view part, std::int32_t least) const;
 
   [[noreturn]] void Fail(std::string message) const { FailAt(next_, std::move(message)); }
   /// As Fail, for a part of the line.
