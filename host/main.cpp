@@ -21,7 +21,7 @@ std::filesystem::path PathOf(const std::string& text) { return std::u8string(tex
 
 /// Prints what the add-in did against the rules; whether there was anything.
 bool PrintComplaints(Session& session) {
-  const std::vector<std::string> complaints = session.ItsAddin().complaints.Take();
+  const std::vector<std::string> complaints = session.Host().complaints.Take();
   for (const std::string& text : complaints) std::cerr << text << std::endl;
   return !complaints.empty();
 }
@@ -63,7 +63,7 @@ int ListFunctions(const std::filesystem::path& addin, const std::string& name) {
   Session session(addin);
   session.Open();
   bool isFound = name.empty();
-  for (const RegisteredFunction* function : session.ItsAddin().registry.All()) {
+  for (const RegisteredFunction* function : session.Host().registry.All()) {
     if (name.empty()) {
       std::cout << DescribeBriefly(*function) << "\n";
     } else if (const auto units = FromUtf8(name); units && EqualsIgnoringCase(function->name, *units)) {

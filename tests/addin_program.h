@@ -21,7 +21,7 @@ enum : int { kTestsFailed = 1, kUnusable = 2, kNoAddin = 3 };
 inline int RunTestsAndFinish(Session& session) {
   const int status = RUN_ALL_TESTS();
   session.Finish();
-  const std::vector<std::string> complaints = session.ItsAddin().complaints.Take();
+  const std::vector<std::string> complaints = session.Host().complaints.Take();
   for (const std::string& text : complaints) std::cout << "at the end: " << text << std::endl;
   return complaints.empty() ? status : kTestsFailed;
 }

@@ -1,7 +1,6 @@
 #include "host/addin/addin.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 
 #include "host/library/allocation.h"
@@ -11,8 +10,6 @@
 
 namespace qcalc {
 namespace {
-
-std::atomic<Addin*> loaded = nullptr;
 
 Place PlaceOf(const TypeText& type) {
   if (type.isThreadSafe) return Place::kThreadSafeFunction;
@@ -38,16 +35,15 @@ Addin::~Addin() {
   if (library_) Unload();
 }
 
-Addin* Addin::Loaded() { return loaded; }
-
 bool Addin::Load(const std::filesystem::path& path, std::string& error) {
   if (!callLibrary_) callLibrary_ = LoadCallLibrary();
-  loaded = this;
+  HostState::SetLoaded(&host_);
   library_ = Library::Load(path, error);
   if (!library_) {
-    loaded = nullptr;
+    HostState::SetLoaded(nullptr);
     return false;
   }
+  host_.library = library_.get();
   RedirectMessageBoxes(*library_);
   MeterAllocations(*library_);
   returnedValues_.Attach(*library_);
@@ -61,26 +57,23 @@ bool Addin::Load(const std::filesystem::path& path, std::string& error) {
 std::optional<int> Addin::CallEntryPoint(const char* name, const EvaluationContext& context) {
   const auto entry = library_->FindAs<int (*)()>(name);
   if (!entry) return std::nullopt;
-  const CallContext frame(*this, Place::kCommand, name, context);
+  const CallContext frame(host_, Place::kCommand, name, context);
   const RunningCode running(RunningCode::Owner::kAddin);
   return entry();
 }
 
 void Addin::Unload() {
   const std::filesystem::path path = library_->Path();
+  host_.library = nullptr;
   library_.reset();
-  loaded = nullptr;
-  registry.Clear();
-  if (Library::IsMapped(path)) complaints.Add("the library is still mapped after it was unloaded");
-  for (std::string& sentence : loans.Close()) complaints.Add(std::move(sentence));
-}
-
-ReferenceForm Addin::FormOf(const EvaluationContext& context) const {
-  return {settings.shortReferences && context.sheet ? context.sheet->Id() : 0};
+  HostState::SetLoaded(nullptr);
+  host_.registry.Clear();
+  if (Library::IsMapped(path)) host_.complaints.Add("the library is still mapped after it was unloaded");
+  for (std::string& sentence : host_.loans.Close()) host_.complaints.Add(std::move(sentence));
 }
 
 const AddinFunction* Addin::Find(XStringView name) const {
-  const RegisteredFunction* function = registry.Find(name);
+  const RegisteredFunction* function = host_.registry.Find(name);
   return function && !function->IsCommand() ? function : nullptr;
 }
 
@@ -90,26 +83,26 @@ Value Addin::Call(const AddinFunction& called, std::span<const Value> operands, 
   const CallContext* outer = CallContext::Current();
   if (outer && outer->place == Place::kThreadSafeFunction) throw NotThreadSafe{};
   Value result;
-  mainThread.Do([&] { result = CallHere(function, operands, context); });
+  host_.mainThread.Do([&] { result = CallHere(function, operands, context); });
   return result;
 }
 
 Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value> operands,
                       const EvaluationContext& context) {
-  Arguments arguments(argumentCache_, FormOf(context));
+  Arguments arguments(argumentCache_, host_.FormOf(context));
   if (const auto refused = arguments.Build(function, operands)) return Value::Error(*refused);
-  CallContext frame(*this, PlaceOf(function.type), NameOf(function), context);
-  for (const ArgumentFault& fault : faults.ArgumentFaults()) {
+  CallContext frame(host_, PlaceOf(function.type), NameOf(function), context);
+  for (const ArgumentFault& fault : host_.faults.ArgumentFaults()) {
     if (const std::string reason = arguments.Spoil(function, fault); !reason.empty())
       throw FormulaError(frame.function + " was not called: " + reason);
     frame.isSpoilt = true;
   }
   const std::uintptr_t word = CallExport(function, arguments);
   if (const int changed = arguments.FirstChanged(true))
-    complaints.Add(frame.function + " changed its argument " + std::to_string(changed));
+    host_.complaints.Add(frame.function + " changed its argument " + std::to_string(changed));
   Value result = TakeResult(function, word, arguments, frame);
   if (frame.isVolatile)
-    if (RegisteredFunction* own = registry.Find(function.id)) own->isVolatile = *frame.isVolatile;
+    if (RegisteredFunction* own = host_.registry.Find(function.id)) own->isVolatile = *frame.isVolatile;
   if (frame.uncalculated) throw UncalculatedCell(*frame.uncalculated);
   return result;
 }
@@ -132,26 +125,16 @@ Value Addin::TakeResult(const RegisteredFunction& function, std::uintptr_t word,
   }
 }
 
-bool Addin::HandToAutoFree(XLOPER12* value, const EvaluationContext& context) {
-  const CallContext frame(*this, Place::kFunction, "xlAutoFree12", context);
-  return returnedValues_.HandOver<Wide>(value, frame);
-}
-
-bool Addin::HandToAutoFree4(XLOPER* value, const EvaluationContext& context) {
-  const CallContext frame(*this, Place::kFunction, "xlAutoFree", context);
-  return returnedValues_.HandOver<Narrow>(value, frame);
-}
-
 Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> operands, int count,
                    const EvaluationContext& context) {
   using Clock = std::chrono::steady_clock;
   Timing timing;
-  Arguments arguments(argumentCache_, FormOf(context));
+  Arguments arguments(argumentCache_, host_.FormOf(context));
   if (const auto refused = arguments.Build(function, operands)) {
     timing.result = Value::Error(*refused);
     return timing;
   }
-  CallContext frame(*this, PlaceOf(function.type), NameOf(function), context);
+  CallContext frame(host_, PlaceOf(function.type), NameOf(function), context);
   std::vector<double> microseconds;
   for (int i = 1; i <= count; ++i) {
     frame.mustReturn = 0;

@@ -1,4 +1,4 @@
-// The loaded add-in: opening and closing it, calling its functions, and everything its callbacks work on.
+// The add-in: loading it, and calling its entry points and functions.
 #pragma once
 
 #include <filesystem>
@@ -7,15 +7,9 @@
 
 #include "host/addin/arguments.h"
 #include "host/addin/call_context.h"
-#include "host/addin/host_settings.h"
-#include "host/addin/registry.h"
+#include "host/addin/host_state.h"
 #include "host/addin/returned_values.h"
-#include "host/addin/threads.h"
-#include "host/api/complaints.h"
-#include "host/api/loans.h"
 #include "host/calculation/addin_functions.h"
-#include "host/faults/callback_meter.h"
-#include "host/faults/fault_switches.h"
 #include "host/library/library.h"
 
 namespace qcalc {
@@ -31,8 +25,7 @@ struct Timing {
 class Addin final : public IAddinFunctions {
  public:
   /// `callback` is what the add-in is to call back.
-  Addin(Workbooks& itsWorkbooks, XlMdCallBack12 callback)
-      : workbooks(itsWorkbooks), callback_(callback), returnedValues_(complaints, loans) {}
+  Addin(HostState& host, XlMdCallBack12 callback) : host_(host), callback_(callback), returnedValues_(host) {}
   ~Addin() override;
 
   /// Loads the library and hands it the callback's address. False, with the reason in `error`, when that fails.
@@ -47,9 +40,6 @@ class Addin final : public IAddinFunctions {
   void Unload();
 
   bool IsLoaded() const { return library_ != nullptr; }
-  const Library& ItsLibrary() const { return *library_; }
-  /// The add-in that is loaded in this process; null when none is.
-  static Addin* Loaded();
 
   const AddinFunction* Find(XStringView name) const override;
   /// Calls on this thread what is thread-safe, on the main thread what is not.
@@ -59,29 +49,12 @@ class Addin final : public IAddinFunctions {
   Timing Time(const RegisteredFunction& function, std::span<const Value> operands, int count,
               const EvaluationContext& context);
 
-  /// Hands any value to xlAutoFree12 (xlAutoFree) as it is, a null pointer too. False when the add-in does not export
-  /// it.
-  bool HandToAutoFree(XLOPER12* value, const EvaluationContext& context);
-  bool HandToAutoFree4(XLOPER* value, const EvaluationContext& context);
-
-  /// How references are handed over in that context.
-  ReferenceForm FormOf(const EvaluationContext& context) const;
-
-  Workbooks& workbooks;
-  HostSettings settings;
-  Registry registry;
-  Complaints complaints;
-  Loans loans{complaints};
-  CallbackMeter meter;
-  FaultSwitches faults;
-  MacroFunctions macroFunctions;
-  MainThread mainThread;
-
  private:
   Value CallHere(const RegisteredFunction& function, std::span<const Value> operands, const EvaluationContext& context);
   Value TakeResult(const RegisteredFunction& function, std::uintptr_t word, const Arguments& arguments,
                    CallContext& frame);
 
+  HostState& host_;
   const XlMdCallBack12 callback_;
   std::unique_ptr<Library> callLibrary_;
   std::unique_ptr<Library> library_;

@@ -9,9 +9,9 @@ thread_local CallContext* innermost = nullptr;
 
 }  // namespace
 
-CallContext::CallContext(Addin& itsAddin, Place itsPlace, std::string itsFunction,
+CallContext::CallContext(HostState& itsHost, Place itsPlace, std::string itsFunction,
                          const EvaluationContext& itsEvaluation)
-    : addin(itsAddin),
+    : host(itsHost),
       place(itsPlace),
       function(std::move(itsFunction)),
       evaluation(itsEvaluation),

@@ -8,8 +8,7 @@
 
 namespace qcalc {
 
-class Addin;
-struct RegisteredFunction;
+struct HostState;
 
 /// What kind of call the host made into the add-in; it decides which callbacks Excel allows there.
 enum class Place {
@@ -25,7 +24,7 @@ class CallContext {
  public:
   /// `function` is the name that complaints give; `evaluation` says what the current sheet is and who calls, and
   /// outlives this.
-  CallContext(Addin& addin, Place place, std::string function, const EvaluationContext& evaluation);
+  CallContext(HostState& host, Place place, std::string function, const EvaluationContext& evaluation);
   ~CallContext();
   CallContext(const CallContext&) = delete;
   CallContext& operator=(const CallContext&) = delete;
@@ -36,7 +35,7 @@ class CallContext {
   /// Whether an answer to the add-in depends on the sheet of that id being the current one.
   bool IsCurrentSheet(IDSHEET sheet) const { return evaluation.sheet && evaluation.sheet->Id() == sheet; }
 
-  Addin& addin;
+  HostState& host;
   const Place place;
   const std::string function;
   const EvaluationContext& evaluation;

@@ -4,16 +4,16 @@
 
 namespace qcalc {
 
-EvaluationWatch::EvaluationWatch(Addin& addin, bool countsAllocations) : addin_(addin) {
-  addin_.meter.Start();
-  addin_.faults.Start();
+EvaluationWatch::EvaluationWatch(HostState& host, bool countsAllocations) : host_(host) {
+  host_.meter.Start();
+  host_.faults.Start();
   AddinAllocations().Start(countsAllocations);
 }
 
 EvaluationWatch::~EvaluationWatch() {
   AddinAllocations().Stop();
-  addin_.faults.Stop();
-  addin_.meter.Stop();
+  host_.faults.Stop();
+  host_.meter.Stop();
 }
 
 }  // namespace qcalc

@@ -1,7 +1,7 @@
 // One evaluation: callbacks and allocations are counted, and what was armed takes place.
 #pragma once
 
-#include "host/addin/addin.h"
+#include "host/addin/host_state.h"
 
 namespace qcalc {
 
@@ -9,13 +9,13 @@ namespace qcalc {
 class EvaluationWatch {
  public:
   /// With `countsAllocations` false they are not counted unless one is to fail, which costs the add-in no time.
-  explicit EvaluationWatch(Addin& addin, bool countsAllocations = true);
+  explicit EvaluationWatch(HostState& host, bool countsAllocations = true);
   ~EvaluationWatch();
   EvaluationWatch(const EvaluationWatch&) = delete;
   EvaluationWatch& operator=(const EvaluationWatch&) = delete;
 
  private:
-  Addin& addin_;
+  HostState& host_;
 };
 
 }  // namespace qcalc

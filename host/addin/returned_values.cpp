@@ -2,8 +2,8 @@
 
 #include <type_traits>
 
-#include "host/addin/addin.h"
 #include "host/addin/arguments.h"
+#include "host/addin/host_state.h"
 #include "host/api/oper_types.h"
 #include "host/library/allocation.h"
 #include "host/library/library.h"
@@ -33,9 +33,10 @@ void ReturnedValues::CheckOwner(const void* oper, bool ownsMemory, const Registe
   const std::string name = CallContext::Current()->function;
   const std::lock_guard lock(mutex_);
   if (!inHand_.emplace(oper, self).second)
-    complaints_.Add(name + " returned the very value that another call had returned and the host was still copying");
+    host_.complaints.Add(name +
+                         " returned the very value that another call had returned and the host was still copying");
   if (isStatic && function.type.isThreadSafe && staticOwners_.emplace(oper, self).first->second != self)
-    complaints_.Add(name + " returned one static value on two threads");
+    host_.complaints.Add(name + " returned one static value on two threads");
 }
 
 void ReturnedValues::LeaveHand(const void* oper) {
@@ -45,8 +46,9 @@ void ReturnedValues::LeaveHand(const void* oper) {
 
 void ReturnedValues::CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function) {
   // What the host lent and nobody marked shows among the loans; an argument handed back stays the host's.
-  if (loans_.IsLent(memory) || arguments.Contains(memory)) return;
-  if (IsHeapBlock(memory)) complaints_.Add(function + " returned memory of the heap without xlbitDLLFree: it is lost");
+  if (host_.loans.IsLent(memory) || arguments.Contains(memory)) return;
+  if (IsHeapBlock(memory))
+    host_.complaints.Add(function + " returned memory of the heap without xlbitDLLFree: it is lost");
 }
 
 template <typename Width>
@@ -60,17 +62,18 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
   const bool isLastResort = oper->xltype == xltypeErr && library_->Contains(oper) && AddinAllocations().Failed() > 0;
   if (!isLastResort) CheckOwner(oper, memory != nullptr, function);
   if ((oper->xltype & ~(kTypeBits | kFreeBits)) != 0)
-    complaints_.Add(name + " returned a value with unknown bits in its type (" + std::to_string(oper->xltype) + ")");
+    host_.complaints.Add(name + " returned a value with unknown bits in its type (" + std::to_string(oper->xltype) +
+                         ")");
   const IDSHEET current = frame.evaluation.sheet ? frame.evaluation.sheet->Id() : 0;
   Reading reading = Marshal<Width>::Read(*oper, current);
-  if (!reading.defect.empty()) complaints_.Add(name + " returned " + reading.defect);
+  if (!reading.defect.empty()) host_.complaints.Add(name + " returned " + reading.defect);
   Value value = Value::Error(xlerrValue);
   if (const auto* plain = std::get_if<Value>(&reading.value)) {
     value = plain->IsMissing() ? Value::Empty() : *plain;
   } else if (const auto* integer = std::get_if<ApiInteger>(&reading.value)) {
     value = Value::Number(integer->number);
   } else {
-    complaints_.Add(name + " returned a value of a kind that no function returns");
+    host_.complaints.Add(name + " returned a value of a kind that no function returns");
   }
   if (bits == 0 && memory) CheckUnmarked(memory, arguments, name);
   LeaveHand(oper);
@@ -80,7 +83,7 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
 
 template <typename Width>
 bool ReturnedValues::HandOver(typename Width::Oper* oper, const CallContext& frame) {
-  const CallContext freeing(frame.addin, Place::kFreeing, frame.function, frame.evaluation);
+  const CallContext freeing(host_, Place::kFreeing, frame.function, frame.evaluation);
   const RunningCode running(RunningCode::Owner::kAddin);
   if constexpr (std::is_same_v<Width, Wide>) {
     if (autoFree12_) autoFree12_(oper);
@@ -97,14 +100,14 @@ void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
   const std::uint32_t bits = oper->xltype & kFreeBits;
   const void* memory = MemoryOf(*oper);
   if (bits == kFreeBits) {
-    complaints_.Add(frame.function + " returned a value with both free bits");
+    host_.complaints.Add(frame.function + " returned a value with both free bits");
   } else if (bits == xlbitXLFree) {
-    if (memory && loans_.TakeBack(memory) != Loans::Receipt::kTaken)
-      complaints_.Add(frame.function + " returned a value with xlbitXLFree that the host had not lent");
+    if (memory && host_.loans.TakeBack(memory) != Loans::Receipt::kTaken)
+      host_.complaints.Add(frame.function + " returned a value with xlbitXLFree that the host had not lent");
   } else if (bits == xlbitDLLFree) {
-    if (!HandOver<Width>(oper, frame)) return loans_.NoteNeverFreed(frame.function);
+    if (!HandOver<Width>(oper, frame)) return host_.loans.NoteNeverFreed(frame.function);
   }
-  if (frame.addin.faults.FreesTwice()) {
+  if (host_.faults.FreesTwice()) {
     if (bits != xlbitDLLFree) HandOver<Width>(oper, frame);
     HandOver<Width>(oper, frame);
   }
@@ -112,8 +115,6 @@ void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
 
 template Value ReturnedValues::Take<Wide>(XLOPER12*, const RegisteredFunction&, const Arguments&, CallContext&);
 template Value ReturnedValues::Take<Narrow>(XLOPER*, const RegisteredFunction&, const Arguments&, CallContext&);
-template bool ReturnedValues::HandOver<Wide>(XLOPER12*, const CallContext&);
-template bool ReturnedValues::HandOver<Narrow>(XLOPER*, const CallContext&);
 template void ReturnedValues::Release<Wide>(XLOPER12*, CallContext&);
 template void ReturnedValues::Release<Narrow>(XLOPER*, CallContext&);
 

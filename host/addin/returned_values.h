@@ -8,18 +8,18 @@
 #include <thread>
 
 #include "host/addin/call_context.h"
-#include "host/api/loans.h"
 #include "host/api/marshal.h"
 
 namespace qcalc {
 
 class Arguments;
 class Library;
+struct HostState;
 struct RegisteredFunction;
 
 class ReturnedValues {
  public:
-  ReturnedValues(Complaints& complaints, Loans& loans) : complaints_(complaints), loans_(loans) {}
+  explicit ReturnedValues(HostState& host) : host_(host) {}
 
   /// Looks up the library's xlAutoFree12 and xlAutoFree.
   void Attach(const Library& library);
@@ -31,22 +31,20 @@ class ReturnedValues {
   Value Take(typename Width::Oper* oper, const RegisteredFunction& function, const Arguments& arguments,
              CallContext& frame);
 
-  /// Hands any value to xlAutoFree12 (xlAutoFree) on this thread, as from within the call `frame`. False when the
-  /// library does not export it.
-  template <typename Width>
-  bool HandOver(typename Width::Oper* oper, const CallContext& frame);
-
   /// Releases without copying or looking.
   template <typename Width>
   void Release(typename Width::Oper* oper, CallContext& frame);
 
  private:
+  /// Hands a value to xlAutoFree12 (xlAutoFree) on this thread, as from within the call `frame`. False when the library
+  /// does not export it.
+  template <typename Width>
+  bool HandOver(typename Width::Oper* oper, const CallContext& frame);
   void CheckOwner(const void* oper, bool ownsMemory, const RegisteredFunction& function);
   void CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function);
   void LeaveHand(const void* oper);
 
-  Complaints& complaints_;
-  Loans& loans_;
+  HostState& host_;
   const Library* library_ = nullptr;
   void (*autoFree12_)(XLOPER12*) = nullptr;
   void (*autoFree_)(XLOPER*) = nullptr;

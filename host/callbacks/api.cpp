@@ -24,7 +24,7 @@ CallbackAnswer HandleGetInstance(CallbackRequest& request) {
 CallbackAnswer HandleGetInstancePointer(CallbackRequest&) { return ApiValue(ApiHandle{ProgramHandle()}); }
 
 CallbackAnswer HandleGetName(CallbackRequest& request) {
-  const std::u16string path = request.ItsAddin().ItsLibrary().Path().u16string();
+  const std::u16string path = request.Host().library->Path().u16string();
   return Value::Text(XString(path.begin(), path.end()));
 }
 
@@ -54,7 +54,7 @@ CallbackAnswer HandleSheetName(CallbackRequest& request) {
 CallbackAnswer HandleSet(CallbackRequest& request) {
   const Reference* reference = request.ReferenceAt(0);
   if (!reference || reference->areas.size() != 1) return request.WrongArgument(1, "a reference to one area");
-  Sheet* sheet = request.ItsAddin().workbooks.FindSheet(reference->sheet);
+  Sheet* sheet = request.Host().workbooks.FindSheet(reference->sheet);
   if (!sheet) return CallbackAnswer::Failure(xlretFailed);
   const Area& area = reference->areas[0];
   const Value value = request.IsOmitted(1) ? Value::Empty() : request.ValueAt(1);

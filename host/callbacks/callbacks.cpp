@@ -80,16 +80,16 @@ CallbackAnswer Answer(const CallbackRule& rule, CallbackRequest& request) {
 template <typename Width>
 CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename Width::Oper** arguments) {
   const XlCallback* callback = FindXlCallback(xlfn);
-  Addin* addin = context ? &context->addin : Addin::Loaded();
+  HostState* host = context ? &context->host : HostState::Loaded();
   const auto refuse = [&](int code, const std::string& reason) {
     const std::string who = context ? context->function : "outside any call of the host's";
     const std::string what = callback ? std::string(callback->name) : "callback number " + std::to_string(xlfn);
-    if (addin && !reason.empty()) addin->complaints.Add(who + ": " + what + " " + reason);
+    if (host && !reason.empty()) host->complaints.Add(who + ": " + what + " " + reason);
     return CallbackAnswer::Failure(code);
   };
   if (!callback) return refuse(xlretInvXlfn, "is unknown");
   if (!context) return refuse(xlretInvXlfn, "may not be made");
-  const Interference interference = addin->meter.Count(*callback);
+  const Interference interference = host->meter.Count(*callback);
   const std::optional<int> injected = interference.code;
   if (interference.hasFault && !HandleOwnFault()) refuse(0, "lost a fault of the host's to another handler");
   const bool isFree = callback->number == xlFree;
@@ -102,7 +102,7 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
   if (isFree) {
     // Also when it is to fail: what an add-in gave back in time is not its debt.
     for (int i = 0; i < count; ++i)
-      if (std::string reason = FreeValue(*arguments[i], addin->loans); !reason.empty()) refuse(0, reason);
+      if (std::string reason = FreeValue(*arguments[i], host->loans); !reason.empty()) refuse(0, reason);
     return injected ? CallbackAnswer::Failure(*injected) : CallbackAnswer(Value::Boolean(true));
   }
   CallbackRequest request{*context, *callback, (xlfn & xlIntl) != 0, {}};
@@ -132,10 +132,10 @@ int Deliver(CallbackAnswer answer, CallContext* context, int xlfn, typename Widt
     Marshal<Width>::Write(Value::Error(xlerrValue), {}, nullptr, *result);
     return answer.code;
   }
-  const ReferenceForm form = context->addin.FormOf(context->evaluation);
+  const ReferenceForm form = context->host.FormOf(context->evaluation);
   const std::size_t bytes = Marshal<Width>::BlockBytes(answer.value, form);
   std::byte* block = nullptr;
-  if (bytes) block = context->addin.loans.Lend(bytes, {context->function, FindXlCallback(xlfn)->name});
+  if (bytes) block = context->host.loans.Lend(bytes, {context->function, FindXlCallback(xlfn)->name});
   Marshal<Width>::Write(answer.value, form, block, *result);
   return answer.code;
 }
@@ -167,10 +167,10 @@ int Excel4v(int xlfn, XLOPER* result, int count, XLOPER** arguments) {
 int XLCallVer() {
   constexpr int kSince2007 = 0x0C00;
   constexpr int kBefore = 0x0500;
-  const qcalc::Addin* addin = qcalc::Addin::Loaded();
-  if (!addin) return kSince2007;
+  const qcalc::HostState* host = qcalc::HostState::Loaded();
+  if (!host) return kSince2007;
   int version = 0;
-  for (const XCHAR unit : addin->settings.version) {
+  for (const XCHAR unit : host->settings.version) {
     if (!qcalc::IsDigit(unit)) break;
     version = version * 10 + (unit - '0');
   }

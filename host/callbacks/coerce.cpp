@@ -21,7 +21,7 @@ CallbackAnswer CoerceReference(CallbackRequest& request, const Reference& refere
   if ((mask & xltypeSRef) && isShortForm) return request.ValueAt(0);
   CallbackAnswer cells = ReadCells(request, reference);
   if (cells.code != xlretSuccess || mask == 0) return cells;
-  const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.ItsAddin().settings.decimalSeparator;
+  const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.Host().settings.decimalSeparator;
   if (auto coerced = CoerceValue(cells.value, mask, separator)) return std::move(*coerced);
   return CallbackAnswer::Failure(xlretFailed);
 }
@@ -36,7 +36,7 @@ CallbackAnswer HandleCoerce(CallbackRequest& request) {
     mask = static_cast<std::uint32_t>(*number);
   }
   if (const Reference* reference = request.ReferenceAt(0)) return CoerceReference(request, *reference, mask);
-  const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.ItsAddin().settings.decimalSeparator;
+  const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.Host().settings.decimalSeparator;
   if (auto coerced = CoerceValue(request.arguments[0], mask, separator)) return std::move(*coerced);
   return CallbackAnswer::Failure(xlretFailed);
 }

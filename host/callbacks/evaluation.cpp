@@ -9,7 +9,7 @@ namespace {
 
 /// The function that an argument of xlUDF means, by name or by register id; null when there is none.
 const RegisteredFunction* RegisteredAt(const CallbackRequest& request, std::size_t index) {
-  const Registry& registry = request.ItsAddin().registry;
+  const Registry& registry = request.Host().registry;
   if (const XString* name = request.TextAt(index)) return registry.Find(*name);
   const auto id = request.NumberAt(index);
   return id ? registry.Find(*id) : nullptr;
@@ -38,14 +38,14 @@ CallbackAnswer HandleEvaluate(CallbackRequest& request) {
   const XString* text = request.TextAt(0);
   if (!text) return request.WrongArgument(1, "a text");
   // The name that an add-in's function was registered by stands for its register id.
-  if (const RegisteredFunction* function = request.ItsAddin().registry.Find(*text)) return Value::Number(function->id);
+  if (const RegisteredFunction* function = request.Host().registry.Find(*text)) return Value::Number(function->id);
   const Parsed<Formula> formula = ParseFormula(ToUtf8(*text));
   if (!formula) return Value::Error(xlerrValue);
   return Dereference(Evaluate(*formula, request.Evaluation()), *request.Evaluation().workbooks);
 }
 
 CallbackAnswer HandleUdf(CallbackRequest& request) {
-  Addin& addin = request.ItsAddin();
+  HostState& host = request.Host();
   const XString* name = request.TextAt(0);
   if (!name && !request.NumberAt(0)) return request.WrongArgument(1, "a function's name or register id");
   if (const RegisteredFunction* function = RegisteredAt(request, 0)) {
@@ -53,13 +53,13 @@ CallbackAnswer HandleUdf(CallbackRequest& request) {
     for (std::size_t i = 0; i < operands.size() && i < function->operands.size(); ++i)
       if (function->operands[i] != OperandKind::kReference)
         operands[i] = Dereference(operands[i], *request.Evaluation().workbooks);
-    return addin.Call(*function, operands, request.Evaluation());
+    return request.Evaluation().addin->Call(*function, operands, request.Evaluation());
   }
   if (!name) return Value::Error(xlerrName);
-  const auto macro = addin.macroFunctions.results.find(FoldCase(*name));
-  if (macro == addin.macroFunctions.results.end()) return Value::Error(xlerrName);
+  const auto macro = host.macroFunctions.results.find(FoldCase(*name));
+  if (macro == host.macroFunctions.results.end()) return Value::Error(xlerrName);
   if (request.context.place == Place::kThreadSafeFunction) throw NotThreadSafe{};
-  addin.macroFunctions.lastArgument = request.ValueAt(1);
+  host.macroFunctions.lastArgument = request.ValueAt(1);
   return macro->second;
 }
 

@@ -53,7 +53,7 @@ std::string FindDefect(const CallbackRequest& request) {
   if (!request.TextAt(kModule)) return "was given no module";
   if (!request.TextAt(kProcedure)) return "was given no procedure";
   if (!request.TextAt(kTypeText)) return "was given no type text";
-  const std::u16string path = request.ItsAddin().ItsLibrary().Path().u16string();
+  const std::u16string path = request.Host().library->Path().u16string();
   if (!EqualsIgnoringCase(*request.TextAt(kModule), XString(path.begin(), path.end())))
     return "names another module than xlGetName gives: " + ToUtf8(*request.TextAt(kModule));
   if (const auto macroType = request.NumberAt(kMacroType);
@@ -100,18 +100,18 @@ CallbackAnswer HandleRegister(CallbackRequest& request) {
   auto parsed = ParseTypeText(*request.TextAt(kTypeText));
   if (const auto* why = std::get_if<std::string>(&parsed)) return refuse("of " + name + ": " + *why);
   auto& type = std::get<TypeText>(parsed);
-  void* entry = request.ItsAddin().ItsLibrary().Find(name);
+  void* entry = request.Host().library->Find(name);
   if (!entry) return refuse("of " + name + ": the library exports no such procedure");
   if (!IsOfferedResult(type.result)) return refuse("of " + name + ": this host does not offer its return letter");
   for (const TypeLetter& letter : type.arguments)
     if (!IsOfferedArgument(letter))
       return refuse("of " + name + ": this host does not offer the letter " + std::string(1, letter.letter) +
                     (letter.isWide ? "%" : ""));
-  return Value::Number(request.ItsAddin().registry.Add(ReadRegistration(request, std::move(type), entry)).id);
+  return Value::Number(request.Host().registry.Add(ReadRegistration(request, std::move(type), entry)).id);
 }
 
 CallbackAnswer HandleUnregister(CallbackRequest& request) {
-  if (const auto id = request.NumberAt(0)) return Value::Boolean(request.ItsAddin().registry.Remove(*id));
+  if (const auto id = request.NumberAt(0)) return Value::Boolean(request.Host().registry.Remove(*id));
   if (request.TextAt(0)) return request.NotOffered("unregistering a whole module");
   return request.WrongArgument(1, "a register id");
 }
@@ -120,7 +120,7 @@ CallbackAnswer HandleSetName(CallbackRequest& request) {
   const XString* name = request.TextAt(0);
   if (!name) return request.WrongArgument(1, "a name");
   if (!request.IsOmitted(1)) return request.NotOffered("defining a name");
-  return Value::Boolean(request.ItsAddin().registry.RemoveName(*name));
+  return Value::Boolean(request.Host().registry.RemoveName(*name));
 }
 
 }  // namespace qcalc

@@ -63,7 +63,7 @@ void CallbackRequest::CheckCalculated(const Reference& reference) const {
 }
 
 void CallbackRequest::Complain(const std::string& text) const {
-  ItsAddin().complaints.Add(context.function + ": " + std::string(callback.name) + " " + text);
+  Host().complaints.Add(context.function + ": " + std::string(callback.name) + " " + text);
 }
 
 CallbackAnswer CallbackRequest::WrongArgument(std::size_t number, std::string_view expected) const {

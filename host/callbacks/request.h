@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "host/addin/addin.h"
+#include "host/addin/call_context.h"
+#include "host/addin/host_state.h"
 #include "host/api/api_value.h"
 #include "xlcall/callback_list.h"
 
@@ -33,7 +34,7 @@ struct CallbackRequest {
   bool isInternational = false;  ///< made with xlIntl
   std::vector<ApiValue> arguments;
 
-  Addin& ItsAddin() const { return context.addin; }
+  HostState& Host() const { return context.host; }
   const EvaluationContext& Evaluation() const { return context.evaluation; }
 
   /// Argument `index` (0-based) was left out or is missing or empty.

@@ -43,10 +43,10 @@ Value InternationalSettings(XCHAR decimal) {
 }
 
 /// Module, procedure and type text of everything registered; #N/A when nothing is.
-Value RegisteredFunctions(const Addin& addin) {
-  const std::vector<const RegisteredFunction*> functions = addin.registry.All();
+Value RegisteredFunctions(const HostState& host) {
+  const std::vector<const RegisteredFunction*> functions = host.registry.All();
   if (functions.empty()) return Value::Error(xlerrNA);
-  const std::u16string path = addin.ItsLibrary().Path().u16string();
+  const std::u16string path = host.library->Path().u16string();
   const XString module(path.begin(), path.end());
   ArrayBuilder rows(static_cast<std::int32_t>(functions.size()), 3);
   for (std::int32_t r = 0; r < rows.Rows(); ++r) {
@@ -63,20 +63,20 @@ Value RegisteredFunctions(const Addin& addin) {
 CallbackAnswer HandleGetWorkspace(CallbackRequest& request) {
   const auto type = request.NumberAt(0);
   if (!type) return request.WrongArgument(1, "a number");
-  const Addin& addin = request.ItsAddin();
+  const HostState& host = request.Host();
   switch (static_cast<int>(*type)) {
     case 1:
       return Value::Text(XTEXT("Windows (64-bit) NT 10.00"));
     case 2:
-      return Value::Text(addin.settings.version);
+      return Value::Text(host.settings.version);
     case 4:
       return Value::Boolean(false);
     case 37:
-      return InternationalSettings(addin.settings.decimalSeparator);
+      return InternationalSettings(host.settings.decimalSeparator);
     case 40:
       return Value::Boolean(true);
     case 44:
-      return RegisteredFunctions(addin);
+      return RegisteredFunctions(host);
     default:
       return request.NotOffered("type " + std::to_string(static_cast<int>(*type)));
   }

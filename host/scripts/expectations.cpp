@@ -101,7 +101,7 @@ ScriptAction ParseExpectCalls(ScriptLine& line) {
   const XlCallback& callback = line.Callback();
   const std::int32_t count = line.WholeNumber("a number of calls", 0, kMostCount);
   return [&callback, count](ScriptRunner& runner) {
-    const int calls = runner.ItsSession().ItsAddin().meter.Calls(callback);
+    const int calls = runner.ItsSession().Host().meter.Calls(callback);
     const auto print = [&](int number) { return std::to_string(number) + " calls of " + std::string(callback.name); };
     runner.Expect(calls == count, print(count), print(calls));
   };
@@ -113,7 +113,7 @@ ScriptAction ParseExpectUdf(ScriptLine& line) {
   if (const auto references = ParseReferences(part)) {
     return [texts = *references](ScriptRunner& runner) {
       const Reference expected = ResolveAll(runner, texts);
-      const std::optional<Value> got = runner.ItsSession().ItsAddin().macroFunctions.lastArgument;
+      const std::optional<Value> got = runner.ItsSession().Host().macroFunctions.lastArgument;
       const bool isReference = got && got->IsReference();
       runner.Expect(isReference && got->AsReference() == expected, PrintReference(runner, expected),
                     isReference ? PrintReference(runner, got->AsReference())
@@ -123,7 +123,7 @@ ScriptAction ParseExpectUdf(ScriptLine& line) {
   const Parsed<Value> value = ParseLiteral(part);
   if (!value) line.FailIn(part, "expected a reference or a literal: " + value.Error().message);
   return [expected = *value](ScriptRunner& runner) {
-    const std::optional<Value> got = runner.ItsSession().ItsAddin().macroFunctions.lastArgument;
+    const std::optional<Value> got = runner.ItsSession().Host().macroFunctions.lastArgument;
     const bool isReference = got && got->IsReference();
     runner.Expect(got && SameValue(expected, *got), PrintLiteral(expected),
                   isReference ? PrintReference(runner, got->AsReference())

@@ -75,7 +75,7 @@ ScriptAction ParseMutate(ScriptLine& line) {
       break;
   }
   if (const std::string reason = WhyNotOffered(fault); !reason.empty()) line.Fail(reason);
-  return [fault](ScriptRunner& runner) { runner.ItsSession().ItsAddin().faults.SpoilArgument(fault); };
+  return [fault](ScriptRunner& runner) { runner.ItsSession().Host().faults.SpoilArgument(fault); };
 }
 
 ScriptAction ParseFailAlloc(ScriptLine& line) {
@@ -89,8 +89,7 @@ ScriptAction ParseFail(ScriptLine& line) {
   const XlCallback& callback = line.Callback();
   const int code = CodeAt(line);
   const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMostCount);
-  return
-      [&callback, code, nth](ScriptRunner& runner) { runner.ItsSession().ItsAddin().meter.Fail(callback, code, nth); };
+  return [&callback, code, nth](ScriptRunner& runner) { runner.ItsSession().Host().meter.Fail(callback, code, nth); };
 }
 
 ScriptAction ParseAnswerWith(ScriptLine& line) {
@@ -101,18 +100,18 @@ ScriptAction ParseAnswerWith(ScriptLine& line) {
     line.FailIn(word, "expected a kind of value (" + AnswerKindNames() + "), found '" + std::string(word) + "'");
   const std::int32_t nth = line.IsAtEnd() ? 0 : line.WholeNumber("the number of the call", 1, kMostCount);
   return [&callback, kind = *kind, nth](ScriptRunner& runner) {
-    runner.ItsSession().ItsAddin().meter.AnswerWith(callback, kind, nth);
+    runner.ItsSession().Host().meter.AnswerWith(callback, kind, nth);
   };
 }
 
 ScriptAction ParseFaultInCallback(ScriptLine& line) {
   const XlCallback& callback = line.Callback();
   if (!CanHandleFaults()) line.Fail("a host that handles its own fault is for the Windows build alone");
-  return [&callback](ScriptRunner& runner) { runner.ItsSession().ItsAddin().meter.FaultIn(callback); };
+  return [&callback](ScriptRunner& runner) { runner.ItsSession().Host().meter.FaultIn(callback); };
 }
 
 ScriptAction ParseDoubleFree(ScriptLine&) {
-  return [](ScriptRunner& runner) { runner.ItsSession().ItsAddin().faults.FreeTwice(); };
+  return [](ScriptRunner& runner) { runner.ItsSession().Host().faults.FreeTwice(); };
 }
 
 constexpr ScriptCommandForm kCommands[] = {

@@ -56,7 +56,7 @@ Reference ScriptRunner::Resolve(const ReferenceText& text) {
 }
 
 void ScriptRunner::ReportComplaints() {
-  for (const std::string& text : session_.ItsAddin().complaints.Take()) report_.Fail(Place(), text);
+  for (const std::string& text : session_.Host().complaints.Take()) report_.Fail(Place(), text);
 }
 
 }  // namespace qcalc

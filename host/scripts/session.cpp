@@ -15,15 +15,15 @@ namespace qcalc {
 
 Session::Session(std::filesystem::path addinPath)
     : addinPath_(std::move(addinPath)),
-      addin_(workbooks_, &MdCallBack12),
-      sheet_(&workbooks_.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
+      addin_(host_, &MdCallBack12),
+      sheet_(&host_.workbooks.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
   ProcessAnswers().Reset();
   AddinAllocations().Stop();
 }
 
 Session::~Session() { Finish(); }
 
-EvaluationContext Session::Context() { return {&workbooks_, sheet_, &names_, &addin_, caller_}; }
+EvaluationContext Session::Context() { return {&host_.workbooks, sheet_, &names_, &addin_, caller_}; }
 
 int Session::LoadAndOpen() {
   std::string error;
@@ -35,7 +35,7 @@ int Session::LoadAndOpen() {
 }
 
 int Session::CallOpen() {
-  const EvaluationWatch watch(addin_);
+  const EvaluationWatch watch(host_);
   return LoadAndOpen();
 }
 
@@ -43,7 +43,7 @@ void Session::Open() {
   if (isOpen_ || addin_.IsLoaded()) return;
   if (LoadAndOpen() != 0) return;
   std::string message = "xlAutoOpen failed";
-  for (const std::string& complaint : addin_.complaints.Take()) message += "\n  " + complaint;
+  for (const std::string& complaint : host_.complaints.Take()) message += "\n  " + complaint;
   throw AddinFailure(message);
 }
 
@@ -61,7 +61,7 @@ void Session::Reload(int count) {
 
 void Session::Finish() {
   if (!addin_.IsLoaded()) return;
-  if (isOpen_ && CallClose().value_or(1) != 1) addin_.complaints.Add("xlAutoClose did not return 1");
+  if (isOpen_ && CallClose().value_or(1) != 1) host_.complaints.Add("xlAutoClose did not return 1");
   addin_.Unload();
   isOpen_ = false;
 }
@@ -69,18 +69,18 @@ void Session::Finish() {
 EvaluationContext Session::Prepare(const Formula& formula) {
   Open();
   if (caller_.areas.empty()) {
-    Sheet& sheet = workbooks_.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Calc"));
+    Sheet& sheet = host_.workbooks.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Calc"));
     caller_ = {sheet.Id(), {Area{}}};
   }
-  MakeMentionedSheets(formula, workbooks_, *sheet_);
+  MakeMentionedSheets(formula, host_.workbooks, *sheet_);
   const EvaluationContext context = Context();
-  qcalc::Recalculate(workbooks_, context);
+  qcalc::Recalculate(host_.workbooks, context);
   return context;
 }
 
 Value Session::Evaluate(const Formula& formula) {
   const EvaluationContext context = Prepare(formula);
-  const EvaluationWatch watch(addin_);
+  const EvaluationWatch watch(host_);
   return qcalc::Evaluate(formula, context);
 }
 
@@ -90,25 +90,25 @@ Value Session::Recalculate(int count, const Formula& formula) {
   Value result;
   for (int i = 0; i < count; ++i) {
     const EvaluationContext context = Prepare(formula);
-    const EvaluationWatch watch(addin_);
+    const EvaluationWatch watch(host_);
     result = qcalc::Evaluate(formula, context);
-    if (Sheet* sheet = workbooks_.FindSheet(caller_.sheet))
-      sheet->WriteResult(caller_.areas[0], Dereference(result, workbooks_));
+    if (Sheet* sheet = host_.workbooks.FindSheet(caller_.sheet))
+      sheet->WriteResult(caller_.areas[0], Dereference(result, host_.workbooks));
   }
   return result;
 }
 
 std::vector<Value> Session::EvaluateInParallel(int threads, int count, const Formula& formula) {
   const EvaluationContext context = Prepare(formula);
-  const EvaluationWatch watch(addin_);
+  const EvaluationWatch watch(host_);
   std::mutex mutex;
   std::vector<Value> results;
-  addin_.mainThread.RunOnThreads(threads, [&](int) {
+  host_.mainThread.RunOnThreads(threads, [&](int) {
     for (int i = 0; i < count; ++i) {
       Value result = qcalc::Evaluate(formula, context);
-      const Value contents = Dereference(result, workbooks_);
+      const Value contents = Dereference(result, host_.workbooks);
       const std::lock_guard lock(mutex);
-      if (results.empty() || !SameValue(Dereference(results[0], workbooks_), contents))
+      if (results.empty() || !SameValue(Dereference(results[0], host_.workbooks), contents))
         results.push_back(std::move(result));
     }
   });
@@ -117,7 +117,7 @@ std::vector<Value> Session::EvaluateInParallel(int threads, int count, const For
 
 Timing Session::Time(int count, const Formula& formula, std::string& functionName) {
   const EvaluationContext context = Prepare(formula);
-  const EvaluationWatch watch(addin_, false);
+  const EvaluationWatch watch(host_, false);
   const std::optional<PreparedCall> call = PrepareOutermostCall(formula, context);
   if (!call) throw FormulaError("the formula calls no function of the add-in");
   if (call->refused) throw FormulaError("Excel would not make the call: an argument cannot be converted");

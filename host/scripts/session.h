@@ -55,9 +55,10 @@ class Session {
   Timing Time(int count, const Formula& formula, std::string& functionName);
 
   /// What the value stands for where no reference is wanted.
-  Value Contents(const Value& value) const { return Dereference(value, workbooks_); }
+  Value Contents(const Value& value) const { return Dereference(value, host_.workbooks); }
 
-  Workbooks& ItsWorkbooks() { return workbooks_; }
+  HostState& Host() { return host_; }
+  Workbooks& ItsWorkbooks() { return host_.workbooks; }
   Addin& ItsAddin() { return addin_; }
   Sheet& CurrentSheet() { return *sheet_; }
   NamedValues& Names() { return names_; }
@@ -72,7 +73,7 @@ class Session {
   int LoadAndOpen();
 
   std::filesystem::path addinPath_;
-  Workbooks workbooks_;
+  HostState host_;
   Addin addin_;
   NamedValues names_;
   Sheet* sheet_;

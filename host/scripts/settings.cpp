@@ -19,9 +19,9 @@ Sheet& SheetOf(ScriptRunner& runner, const Reference& reference) {
 
 /// Settings that the add-in reads when it opens come too late afterwards.
 HostSettings& SettingsBeforeOpening(ScriptRunner& runner, const char* command) {
-  Addin& addin = runner.ItsSession().ItsAddin();
-  if (addin.IsLoaded()) throw ScriptError(std::string(command) + " must come before the first evaluation");
-  return addin.settings;
+  HostState& host = runner.ItsSession().Host();
+  if (host.library) throw ScriptError(std::string(command) + " must come before the first evaluation");
+  return host.settings;
 }
 
 ScriptAction ParseCase(ScriptLine& line) {
@@ -117,13 +117,13 @@ ScriptAction ParseDecimal(ScriptLine& line) {
 ScriptAction ParseUdf(ScriptLine& line) {
   const XString name = FoldCase(Units(line.Word("a function's name")));
   return [name, value = line.Literal()](ScriptRunner& runner) {
-    runner.ItsSession().ItsAddin().macroFunctions.results[name] = value;
+    runner.ItsSession().Host().macroFunctions.results[name] = value;
   };
 }
 
 ScriptAction ParseRefs(ScriptLine& line) {
   const bool isShort = line.Choice({"SRef", "Ref"}) == 0;
-  return [isShort](ScriptRunner& runner) { runner.ItsSession().ItsAddin().settings.shortReferences = isShort; };
+  return [isShort](ScriptRunner& runner) { runner.ItsSession().Host().settings.shortReferences = isShort; };
 }
 
 ScriptAction ParseAnswer(ScriptLine& line) {

@@ -41,17 +41,17 @@ class EntryPoints : public ::testing::Test {
     return PrintLiteral(session.Contents(session.Evaluate(*ParseFormula(text))));
   }
   std::optional<int> Call(const char* name) { return session.ItsAddin().CallEntryPoint(name, context); }
-  bool IsRegistered(XStringView name) { return session.ItsAddin().registry.Find(name) != nullptr; }
-  std::vector<std::string> Complaints() { return session.ItsAddin().complaints.Take(); }
+  bool IsRegistered(XStringView name) { return session.Host().registry.Find(name) != nullptr; }
+  std::vector<std::string> Complaints() { return session.Host().complaints.Take(); }
 
   /// What the Add-in Manager is told, freed twice; an error value as "#" and its code.
   template <class Entry>
   std::string LongName(typename Entry::Oper* action) {
     using Oper = typename Entry::Oper;
-    const Library& library = session.ItsAddin().ItsLibrary();
+    const Library& library = *session.Host().library;
     Oper* answer = nullptr;
     {
-      const CallContext frame(session.ItsAddin(), Place::kCommand, Entry::kInfo, context);
+      const CallContext frame(session.Host(), Place::kCommand, Entry::kInfo, context);
       answer = library.FindAs<Oper* (*)(Oper*)>(Entry::kInfo)(action);
     }
     const auto type = static_cast<std::uint32_t>(answer->xltype);
@@ -61,7 +61,7 @@ class EntryPoints : public ::testing::Test {
       EXPECT_EQ(type, xltypeStr | xlbitDLLFree);
       name.assign(answer->val.str + 1, answer->val.str + 1 + static_cast<std::uint16_t>(answer->val.str[0]));
     }
-    const CallContext frame(session.ItsAddin(), Place::kFreeing, Entry::kFree, context);
+    const CallContext frame(session.Host(), Place::kFreeing, Entry::kFree, context);
     for (int i = 0; i < 2; ++i) library.FindAs<void (*)(Oper*)>(Entry::kFree)(answer);
     EXPECT_EQ(answer->xltype & xlbitDLLFree, 0);
     return name;
@@ -104,7 +104,7 @@ TEST_F(EntryPoints, TheEightBitAnswerTakesOneCallback) {
   XLOPER action{};
   action.xltype = xltypeInt;
   action.val.w = 1;
-  CallbackMeter& meter = session.ItsAddin().meter;
+  CallbackMeter& meter = session.Host().meter;
   meter.Start();
   LongName<NarrowEntry>(&action);
   EXPECT_EQ(meter.Calls(*FindXlCallback("xlCoerce")), 1);
@@ -129,14 +129,14 @@ TEST_F(EntryPoints, ClosingAloneTakesNothingAway) {
 TEST_F(EntryPoints, RemovedAndTakenInAgain) {
   EXPECT_EQ(Call("xlAutoAdd"), 1);
   for (int round = 0; round < 2; ++round) {
-    const std::size_t registered = session.ItsAddin().registry.All().size();
+    const std::size_t registered = session.Host().registry.All().size();
     EXPECT_EQ(Call("xlAutoRemove"), 1);
     EXPECT_FALSE(IsRegistered(XTEXT("VSTACK")));
     EXPECT_EQ(Evaluate("=VSTACK(0,1)"), "#NAME?");
     EXPECT_EQ(Call("xlAutoRemove"), 1);
     EXPECT_EQ(Call("xlAutoClose"), 1);
     EXPECT_EQ(Call("xlAutoOpen"), 1);
-    EXPECT_EQ(session.ItsAddin().registry.All().size(), registered);
+    EXPECT_EQ(session.Host().registry.All().size(), registered);
     EXPECT_EQ(Evaluate("=VSTACK(0,{1,2},3)"), "{1,2;3,3}");
   }
   EXPECT_EQ(Call("xlCheckInstance"), 1);
@@ -145,7 +145,7 @@ TEST_F(EntryPoints, RemovedAndTakenInAgain) {
 }
 
 TEST_F(EntryPoints, TheBinaryTypeOfAFile) {
-  const auto binaryType = session.ItsAddin().ItsLibrary().FindAs<std::int32_t (*)(const char*)>("l64BitExe");
+  const auto binaryType = session.Host().library->FindAs<std::int32_t (*)(const char*)>("l64BitExe");
 #if defined(_WIN32)
   constexpr std::int32_t kOwnType = 6;
   const std::string program = (ProgramFolder() / "host_tests.exe").string();
@@ -159,7 +159,7 @@ TEST_F(EntryPoints, TheBinaryTypeOfAFile) {
               AllOf(HasSubstr("\"Display String ByVal\": " + program), HasSubstr("answered: ok")));
   ::testing::internal::CaptureStderr();
   EXPECT_EQ(binaryType((program + ".none").c_str()), -1);
-  EXPECT_EQ(binaryType(session.ItsAddin().ItsLibrary().Path().string().c_str()), -1) << "a library";
+  EXPECT_EQ(binaryType(session.Host().library->Path().string().c_str()), -1) << "a library";
   EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr(program + ".none"));
   EXPECT_EQ(binaryType(nullptr), -1);
 }
@@ -174,7 +174,7 @@ TEST_F(EntryPoints, EightBitCallbacksThroughTheCallLibrary) {
   ASSERT_NE(excel4v, nullptr);
   XLOPER name{};
   {
-    const CallContext frame(session.ItsAddin(), Place::kCommand, "a command", context);
+    const CallContext frame(session.Host(), Place::kCommand, "a command", context);
     ASSERT_EQ(excel4v(xlGetName, &name, 0, nullptr), xlretSuccess);
     ASSERT_EQ(name.xltype, xltypeStr);
     EXPECT_THAT(std::string(name.val.str + 1, static_cast<unsigned char>(name.val.str[0])),

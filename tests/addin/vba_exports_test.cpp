@@ -35,7 +35,7 @@ class VbaExports : public ::testing::Test {
  protected:
   ~VbaExports() override {
     session.Finish();
-    EXPECT_THAT(session.ItsAddin().complaints.Take(), IsEmpty());
+    EXPECT_THAT(session.Host().complaints.Take(), IsEmpty());
   }
 
   std::string Evaluate(const std::string& text) {
@@ -43,7 +43,7 @@ class VbaExports : public ::testing::Test {
   }
 
   Session session{ProgramFolder() / "Quillmere4.xll"};
-  const Library& library = (session.Open(), session.ItsAddin().ItsLibrary());
+  const Library& library = (session.Open(), *session.Host().library);
   const NumberStoreExports rows{library, "RowID"};
   const NumberStoreExports columns{library, "ColID"};
 };

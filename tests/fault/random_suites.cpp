@@ -161,9 +161,9 @@ class AllThreads : public RandomTest {
 
   void DamagedRound(std::uint64_t number) {
     const Faults faults = FaultsOf(number);
-    faults.Arm(runner_.ItsAddin());
-    const EvaluationWatch watch(runner_.ItsAddin());
-    runner_.ItsAddin().mainThread.RunOnThreads(kMostThreads, [&](int thread) {
+    faults.Arm(runner_.Host());
+    const EvaluationWatch watch(runner_.Host());
+    runner_.Host().mainThread.RunOnThreads(kMostThreads, [&](int thread) {
       Random random = SourceOf(settings_, number, static_cast<std::uint64_t>(thread) + 1);
       for (int i = 0; i < kCallsOfThread; ++i) {
         Trial trial = DrawCall(runner_, random);
@@ -177,7 +177,7 @@ class AllThreads : public RandomTest {
   }
 
   void PlainRound() {
-    runner_.ItsAddin().mainThread.RunOnThreads(kMostThreads, [&](int thread) {
+    runner_.Host().mainThread.RunOnThreads(kMostThreads, [&](int thread) {
       const auto& functions = runner_.Functions();
       const std::size_t at = (plainRounds_ + static_cast<std::size_t>(thread)) % functions.size();
       Note("a plain round", runner_.CheckPlainCall(*functions[at]));

@@ -77,14 +77,14 @@ bool Faults::MayFault() const {
   }
 }
 
-void Faults::Arm(Addin& addin) const {
-  if (damage) addin.faults.SpoilArgument(*damage);
+void Faults::Arm(HostState& host) const {
+  if (damage) host.faults.SpoilArgument(*damage);
   if (allocation) AddinAllocations().Fail(allocation->nth, allocation->failure);
   if (!callback) return;
   if (const int* code = std::get_if<int>(&callback->answer))
-    addin.meter.Fail(*callback->callback, *code, callback->nth);
+    host.meter.Fail(*callback->callback, *code, callback->nth);
   else
-    addin.meter.AnswerWith(*callback->callback, std::get<AnswerKind>(callback->answer), callback->nth);
+    host.meter.AnswerWith(*callback->callback, std::get<AnswerKind>(callback->answer), callback->nth);
 }
 
 std::string Faults::Describe() const {
@@ -97,15 +97,15 @@ std::string Faults::Describe() const {
   return text;
 }
 
-TrialRunner::TrialRunner(Session& session, CallValues& values) : values_(values), addin_(session.ItsAddin()) {
+TrialRunner::TrialRunner(Session& session, CallValues& values) : values_(values), host_(session.Host()) {
   AddinAllocations().TrackBlocks();
-  for (const RegisteredFunction* function : addin_.registry.All())
+  for (const RegisteredFunction* function : host_.registry.All())
     if (!function->IsCommand()) functions_.push_back(function);
   for (const RegisteredFunction* function : functions_) FindWitnesses(*function);
 }
 
 Value TrialRunner::Call(const RegisteredFunction& function, std::span<const Value> operands) {
-  return addin_.Call(function, operands, values_.Context());
+  return values_.Context().addin->Call(function, operands, values_.Context());
 }
 
 void TrialRunner::FindWitnesses(const RegisteredFunction& function) {
@@ -125,14 +125,14 @@ void TrialRunner::FindWitnesses(const RegisteredFunction& function) {
 }
 
 Value TrialRunner::Observe(const Trial& trial) {
-  const EvaluationWatch watch(addin_);
+  const EvaluationWatch watch(host_);
   return Call(*trial.function, ValuesOf(trial.operands));
 }
 
 std::vector<std::pair<const XlCallback*, int>> TrialRunner::CallbacksMade() const {
   std::vector<std::pair<const XlCallback*, int>> made;
   for (const XlCallback& callback : kXlCallbacks)
-    if (const int calls = addin_.meter.Calls(callback)) made.emplace_back(&callback, calls);
+    if (const int calls = host_.meter.Calls(callback)) made.emplace_back(&callback, calls);
   return made;
 }
 
@@ -160,16 +160,16 @@ std::string TrialRunner::CheckPlainCall(const RegisteredFunction& function) {
 
 std::string TrialRunner::CheckBooks() {
   std::string wrong;
-  for (const std::string& text : addin_.complaints.Take()) wrong += (wrong.empty() ? "" : "; ") + text;
-  for (const std::string& text : addin_.loans.Close()) wrong += (wrong.empty() ? "" : "; ") + text;
+  for (const std::string& text : host_.complaints.Take()) wrong += (wrong.empty() ? "" : "; ") + text;
+  for (const std::string& text : host_.loans.Close()) wrong += (wrong.empty() ? "" : "; ") + text;
   return wrong;
 }
 
 std::string TrialRunner::RunOnce(const Trial& trial) {
   std::string wrong;
   {
-    trial.faults.Arm(addin_);
-    const EvaluationWatch watch(addin_);
+    trial.faults.Arm(host_);
+    const EvaluationWatch watch(host_);
     wrong = CheckCall(trial);
   }
   if (wrong.empty()) wrong = CheckBooks();

@@ -38,7 +38,7 @@ struct Faults {
   bool IsNone() const { return !damage && !callback && !allocation; }
   /// Whether the processor may fault over what the call reads: the cell then says so, in any other case never.
   bool MayFault() const;
-  void Arm(Addin& addin) const;
+  void Arm(HostState& host) const;
   /// ", damaged: argument 2 is a null pointer" and the like.
   std::string Describe() const;
 };
@@ -58,8 +58,8 @@ class TrialRunner {
  public:
   TrialRunner(Session& session, CallValues& values);
 
-  /// Makes the trial on this thread, which is the main thread, then looks: the result, the host's complaints, the loans
-  /// over lent memory, a plain call, the add-in's live blocks. What is wrong, empty when nothing is.
+  /// Makes the trial on this thread, which is the main thread, then looks: the result, the host's complaints, the
+  /// loans, a plain call, the add-in's live blocks. What is wrong, empty when nothing is.
   std::string Try(const Trial& trial);
 
   /// Makes the call with its callbacks and allocations counted and nothing going wrong.
@@ -81,7 +81,7 @@ class TrialRunner {
 
   const std::vector<const RegisteredFunction*>& Functions() const { return functions_; }
   const CallValues& Values() const { return values_; }
-  Addin& ItsAddin() { return addin_; }
+  HostState& Host() { return host_; }
 
  private:
   /// A plain call whose answer was the same twice. Hidden functions have none: they look after what others stored, and
@@ -96,7 +96,7 @@ class TrialRunner {
   std::string RunOnce(const Trial& trial);
 
   CallValues& values_;
-  Addin& addin_;
+  HostState& host_;
   std::vector<const RegisteredFunction*> functions_;
   std::map<const RegisteredFunction*, std::vector<Witness>> witnesses_;
   std::vector<const XlCallback*> usualCallbacks_;

@@ -69,7 +69,7 @@ class FaultGuard : public ::testing::Test {
     const auto formula = ParseFormula(text);
     return PrintLiteral(session.Contents(session.Evaluate(*formula)));
   }
-  std::vector<std::string> Complaints() { return session.ItsAddin().complaints.Take(); }
+  std::vector<std::string> Complaints() { return session.Host().complaints.Take(); }
 
   Session session{ProgramFolder() / "faulting.xll"};
 };
@@ -102,7 +102,7 @@ int CallOnEightThreads(Session& session, const std::vector<const Kind*>& kinds, 
   for (const Kind* kind : kinds) formulas.push_back(std::make_shared<const Formula>(*ParseFormula(Call(kind->name))));
   const EvaluationContext context = session.Prepare(*formulas[0]);
   std::atomic<int> wrong{0};
-  session.ItsAddin().mainThread.RunOnThreads(8, [&](int thread) {
+  session.Host().mainThread.RunOnThreads(8, [&](int thread) {
     for (int i = 0; i < count; ++i) {
       const std::size_t which = static_cast<std::size_t>(i + thread) % kinds.size();
       const std::string result = PrintLiteral(qcalc::Evaluate(*formulas[which], context));
@@ -152,7 +152,7 @@ TEST_F(FaultGuard, StacksOverflowAHundredTimesAndOtherThreadsDoNotNotice) {
   std::atomic<int> overflows{0};
   std::atomic<int> wrong{0};
   std::atomic<bool> isOver{false};
-  session.ItsAddin().mainThread.RunOnThreads(3, [&](int thread) {
+  session.Host().mainThread.RunOnThreads(3, [&](int thread) {
     if (thread != 1) {
       while (!isOver)
         if (PrintLiteral(qcalc::Evaluate(*plain, context)) != "7") ++wrong;

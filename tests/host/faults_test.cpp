@@ -19,11 +19,11 @@ class Faults : public ::testing::Test {
     const auto formula = ParseFormula(text);
     return PrintLiteral(session.Contents(session.Evaluate(*formula)));
   }
-  std::vector<std::string> Complaints() { return session.ItsAddin().complaints.Take(); }
+  std::vector<std::string> Complaints() { return session.Host().complaints.Take(); }
   void Mutate(ArgumentFaultKind kind, std::int64_t number = 0, std::int32_t rows = 0, std::int32_t columns = 0) {
-    session.ItsAddin().faults.SpoilArgument({1, kind, number, rows, columns});
+    session.Host().faults.SpoilArgument({1, kind, number, rows, columns});
   }
-  CallbackMeter& Meter() { return session.ItsAddin().meter; }
+  CallbackMeter& Meter() { return session.Host().meter; }
 
   Session session{ProgramFolder() / "misbehaving.xll"};
   AllocationMeter& allocations = AddinAllocations();
@@ -112,9 +112,9 @@ TEST_F(Faults, WhatFaultsTheProcessorIsRefused) {
 #endif
 
 TEST_F(Faults, DamageThatCannotBeDoneIsTold) {
-  session.ItsAddin().faults.SpoilArgument({2, ArgumentFaultKind::kNull});
+  session.Host().faults.SpoilArgument({2, ArgumentFaultKind::kNull});
   EXPECT_THROW(Evaluate("=DESCRIBE(1)"), FormulaError);
-  session.ItsAddin().faults.SpoilArgument({1, ArgumentFaultKind::kBits, 1});
+  session.Host().faults.SpoilArgument({1, ArgumentFaultKind::kBits, 1});
   EXPECT_THROW(Evaluate("=ALLOCATE(1,0)"), FormulaError);
   EXPECT_EQ(Evaluate("=DESCRIBE(1)"), "{1,0,0,0}");
 }
@@ -129,7 +129,7 @@ TEST_F(Faults, DamageLeavesNothingBehind) {
 
 TEST_F(Faults, ChangedArgumentsShowThroughDamage) {
   for (const char* formula : {"=CHANGE.ARGUMENT(1,2)", "=CHANGE.ARGUMENT(1,{2,3})"}) {
-    session.ItsAddin().faults.SpoilArgument({2, ArgumentFaultKind::kBits, 0x1000});
+    session.Host().faults.SpoilArgument({2, ArgumentFaultKind::kBits, 0x1000});
     Evaluate(formula);
     EXPECT_THAT(Complaints(), ElementsAre("CHANGE.ARGUMENT changed its argument 2")) << formula;
   }
@@ -158,7 +158,7 @@ TEST_F(Faults, AFaultOfTheHostsInACallbackIsItsOwnAffair) {
 
 TEST_F(Faults, ResultsAreFreedTwice) {
   EXPECT_EQ(Evaluate("=FREE.COUNT()"), "0");
-  session.ItsAddin().faults.FreeTwice();
+  session.Host().faults.FreeTwice();
   EXPECT_EQ(Evaluate("=FREE.COUNT()"), "1");
   EXPECT_EQ(Evaluate("=FREE.COUNT()"), "3");
   EXPECT_EQ(Evaluate("=FREE.COUNT()"), "4");

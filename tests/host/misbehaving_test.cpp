@@ -19,7 +19,7 @@ class Misbehaving : public ::testing::Test {
     const auto formula = ParseFormula(text);
     return PrintLiteral(session.Contents(session.Evaluate(*formula)));
   }
-  std::vector<std::string> Complaints() { return session.ItsAddin().complaints.Take(); }
+  std::vector<std::string> Complaints() { return session.Host().complaints.Take(); }
 
   Session session{ProgramFolder() / "misbehaving.xll"};
 };
@@ -27,7 +27,7 @@ class Misbehaving : public ::testing::Test {
 TEST_F(Misbehaving, NothingIsSaidOfFunctionsThatKeepTheRules) {
   EXPECT_EQ(Evaluate("=PLUS.ONE(2)+PLUS.ONE.MAIN(3)"), "7");
   EXPECT_EQ(Evaluate("=SHEET.NAME()"), "\"[Book1]Calc\"");
-  session.ItsAddin().settings.shortReferences = false;
+  session.Host().settings.shortReferences = false;
   EXPECT_EQ(Evaluate("=SHEET.NAME()"), "\"[Book1]Calc\"");
   EXPECT_EQ(Evaluate("=ECHO.VALUE4({1,\"a\u00E4\u20AC\";TRUE,#N/A})"), "{1,\"a\u00E4\u20AC\";TRUE,#N/A}");
   session.Finish();
@@ -72,7 +72,7 @@ TEST_F(Misbehaving, CoercionFollowsTheTable) {
       {"=COERCED(1E+300,2048)", "-32"},
   };
   for (const auto& [formula, expected] : rows) EXPECT_EQ(Evaluate(formula), expected) << formula;
-  session.ItsAddin().settings.decimalSeparator = ',';
+  session.Host().settings.decimalSeparator = ',';
   EXPECT_EQ(Evaluate("=COERCED(\"16.0\",1)"), "-32");
   EXPECT_EQ(Evaluate("=COERCED(\"16,5\",1)"), "16.5");
   EXPECT_EQ(Evaluate("=COERCED(1.5,2)"), "\"1,5\"");
@@ -201,16 +201,16 @@ TEST_F(Misbehaving, CallbacksThatAreRefused) {
 TEST_F(Misbehaving, NothingButFreeingIsAllowedWhenFreeingAndAfterAnAbort) {
   Evaluate("=BAD.CALLBACK(13)");
   EXPECT_THAT(Complaints(), ElementsAre(HasSubstr("xlfCaller may not be made from xlAutoFree")));
-  session.ItsAddin().meter.Fail(*FindXlCallback("xlfCaller"), xlretUncalced, 1);
+  session.Host().meter.Fail(*FindXlCallback("xlfCaller"), xlretUncalced, 1);
   EXPECT_EQ(Evaluate("=BAD.CALLBACK(12)"), "64");
   EXPECT_THAT(Complaints(), ElementsAre(HasSubstr("was made after a code that leaves only xlFree allowed")));
   EXPECT_EQ(Evaluate("=BAD.CALLBACK(12)"), "0") << "failures last for one evaluation";
 }
 
 TEST_F(Misbehaving, AnInjectedFailureIsNotTheAddinsFault) {
-  session.ItsAddin().meter.Fail(*FindXlCallback("xlfGetWorkspace"), xlretFailed, 0);
+  session.Host().meter.Fail(*FindXlCallback("xlfGetWorkspace"), xlretFailed, 0);
   EXPECT_EQ(Evaluate("=BAD.CALLBACK(1)"), "32");
-  session.ItsAddin().meter.Fail(*FindXlCallback("xlFree"), xlretFailed, 0);
+  session.Host().meter.Fail(*FindXlCallback("xlFree"), xlretFailed, 0);
   Evaluate("=SHEET.NAME()");
   session.Finish();
   EXPECT_THAT(Complaints(), IsEmpty());

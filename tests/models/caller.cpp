@@ -35,7 +35,7 @@ Value Caller::PutInSheet(const ArrayPtr& table, std::int32_t rowsBelow) {
   area.lastRow = rowsBelow > 3 ? kXlMaxRows - 1 : area.firstRow + rows - 1;
   area.lastColumn = area.firstColumn + table->Columns() - 1;
   sheet.Set({area.firstRow, area.firstRow, area.firstColumn, area.firstColumn}, Value::OfArray(table));
-  session_.ItsAddin().settings.shortReferences = tables_ % 2 == 0;
+  session_.Host().settings.shortReferences = tables_ % 2 == 0;
   lastTable_ = {sheet.Id(), {area}};
   return Value::OfReference(lastTable_);
 }
@@ -46,20 +46,20 @@ Value Caller::Call(XStringView function, const std::vector<Value>& operands, con
   EXPECT_EQ(operands.size(), registered->operands.size()) << ToUtf8(function);
   const EvaluationContext context{&session_.ItsWorkbooks(), &session_.CurrentSheet(), &session_.Names(),
                                   &session_.ItsAddin(), ReferenceTo(place)};
-  const EvaluationWatch watch(session_.ItsAddin(), false);
+  const EvaluationWatch watch(session_.Host(), false);
   return session_.ItsAddin().Call(*registered, operands, context);
 }
 
 int Caller::Callbacks() const {
   int made = 0;
-  for (const XlCallback& callback : kXlCallbacks) made += session_.ItsAddin().meter.Calls(callback);
+  for (const XlCallback& callback : kXlCallbacks) made += session_.Host().meter.Calls(callback);
   return made;
 }
 
 std::string Caller::Complaints() const {
   std::string all;
-  for (const std::string& text : session_.ItsAddin().complaints.Take()) all += text + "; ";
-  for (const std::string& text : session_.ItsAddin().loans.Close()) all += text + "; ";
+  for (const std::string& text : session_.Host().complaints.Take()) all += text + "; ";
+  for (const std::string& text : session_.Host().loans.Close()) all += text + "; ";
   return all;
 }
 
@@ -73,7 +73,7 @@ std::string Caller::Describe(XStringView function, const std::vector<Value>& ope
 
 std::string Caller::DescribeTable() const {
   return At(lastTable_) +
-         (session_.ItsAddin().settings.shortReferences ? ", handed over as SRef" : ", handed over as Ref");
+         (session_.Host().settings.shortReferences ? ", handed over as SRef" : ", handed over as Ref");
 }
 
 std::string Caller::At(const Reference& reference) const { return ReferenceToText(reference, session_.ItsWorkbooks()); }
