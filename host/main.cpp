@@ -9,6 +9,7 @@
 #include "host/function_list.h"
 #include "host/scripts/runner.h"
 #include "host/text/letter_case.h"
+#include "host/text/path_text.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
 
@@ -16,8 +17,6 @@ namespace qcalc {
 namespace {
 
 enum : int { kAllWell = 0, kFailed = 1, kUnusable = 2, kNoAddin = 3 };
-
-std::filesystem::path PathOf(const std::string& text) { return std::u8string(text.begin(), text.end()); }
 
 /// Prints what the add-in did against the rules; whether there was anything.
 bool PrintComplaints(Session& session) {

@@ -23,10 +23,7 @@ CallbackAnswer HandleGetInstance(CallbackRequest& request) {
 
 CallbackAnswer HandleGetInstancePointer(CallbackRequest&) { return ApiValue(ApiHandle{ProgramHandle()}); }
 
-CallbackAnswer HandleGetName(CallbackRequest& request) {
-  const std::u16string path = request.Host().library->Path().u16string();
-  return Value::Text(XString(path.begin(), path.end()));
-}
+CallbackAnswer HandleGetName(CallbackRequest& request) { return Value::Text(request.Host().library->PathText()); }
 
 CallbackAnswer HandleAbort(CallbackRequest& request) {
   const auto retain = request.BooleanAt(0);

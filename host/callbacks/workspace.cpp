@@ -46,8 +46,7 @@ Value InternationalSettings(XCHAR decimal) {
 Value RegisteredFunctions(const HostState& host) {
   const std::vector<const RegisteredFunction*> functions = host.registry.All();
   if (functions.empty()) return Value::Error(xlerrNA);
-  const std::u16string path = host.library->Path().u16string();
-  const XString module(path.begin(), path.end());
+  const XString module = host.library->PathText();
   ArrayBuilder rows(static_cast<std::int32_t>(functions.size()), 3);
   for (std::int32_t r = 0; r < rows.Rows(); ++r) {
     const RegisteredFunction& function = *functions[static_cast<std::size_t>(r)];

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 
@@ -217,11 +216,10 @@ std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, s
   return extent;
 }
 
-std::variant<CsvExtent, CsvError> LoadCsvFile(const std::string& path, Sheet& sheet, std::int32_t row,
+std::variant<CsvExtent, CsvError> LoadCsvFile(const std::filesystem::path& path, Sheet& sheet, std::int32_t row,
                                               std::int32_t column) {
-  const std::filesystem::path file(std::u8string(path.begin(), path.end()));
-  std::ifstream stream(file, std::ios::binary | std::ios::ate);
-  if (!stream || std::filesystem::is_directory(file)) return CsvError{0, 0, "expected a file that can be read"};
+  std::ifstream stream(path, std::ios::binary | std::ios::ate);
+  if (!stream || std::filesystem::is_directory(path)) return CsvError{0, 0, "expected a file that can be read"};
   std::string text(static_cast<std::size_t>(stream.tellg()), '\0');
   stream.seekg(0);
   if (!stream.read(text.data(), static_cast<std::streamsize>(text.size())))

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -32,8 +32,8 @@ struct CsvError {
 /// rows before it are loaded.
 std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, std::int32_t row, std::int32_t column);
 
-/// The same from a file, given by its path in UTF-8.
-std::variant<CsvExtent, CsvError> LoadCsvFile(const std::string& path, Sheet& sheet, std::int32_t row,
+/// The same from a file.
+std::variant<CsvExtent, CsvError> LoadCsvFile(const std::filesystem::path& path, Sheet& sheet, std::int32_t row,
                                               std::int32_t column);
 
 }  // namespace qcalc

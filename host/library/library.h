@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "xlcall/xchar.h"
+
 namespace qcalc {
 
 /// The folder of the running program.
@@ -37,8 +39,12 @@ class Library {
   /// Whether an address lies in the library's image: its code, constants and static data.
   bool Contains(const void* address) const;
 
-  /// The absolute path of the file, as the add-in is told it.
+  /// The absolute path of the file, and the same as the add-in is told it.
   const std::filesystem::path& Path() const { return path_; }
+  XString PathText() const {
+    const std::u16string text = path_.u16string();
+    return XString(text.begin(), text.end());
+  }
 
   /// The system's handle of the module.
   void* Handle() const { return handle_; }

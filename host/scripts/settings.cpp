@@ -6,6 +6,7 @@
 #include "host/library/answers.h"
 #include "host/scripts/runner.h"
 #include "host/text/letter_case.h"
+#include "host/text/path_text.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -67,9 +68,8 @@ ScriptAction ParseLoad(ScriptLine& line) {
   const ReferenceText target = line.ReferenceIn(line.Word("a reference"));
   return [target, file = std::string(line.Rest("a file's path"))](ScriptRunner& runner) {
     const Reference cells = runner.Resolve(target);
-    const std::u8string path = (runner.Folder() / std::u8string(file.begin(), file.end())).u8string();
-    const auto loaded = LoadCsvFile(std::string(path.begin(), path.end()), SheetOf(runner, cells),
-                                    cells.areas[0].firstRow, cells.areas[0].firstColumn);
+    const auto loaded = LoadCsvFile(runner.Folder() / PathOf(file), SheetOf(runner, cells), cells.areas[0].firstRow,
+                                    cells.areas[0].firstColumn);
     if (const auto* error = std::get_if<CsvError>(&loaded)) throw ScriptError(error->ToString(file));
   };
 }

@@ -106,11 +106,6 @@ const FormulaCell* Sheet::FindFormula(CellPosition position) const {
   return found == formulas_.end() ? nullptr : &found->second;
 }
 
-FormulaCell* Sheet::FindFormula(CellPosition position) {
-  const auto found = formulas_.find(position);
-  return found == formulas_.end() ? nullptr : &found->second;
-}
-
 std::optional<CellPosition> Sheet::FirstUncalculated(const Area& area) const {
   for (auto cell = dirty_.lower_bound({area.firstRow, area.firstColumn}); cell != dirty_.end(); ++cell) {
     if (cell->row > area.lastRow) break;

@@ -80,7 +80,6 @@ class Sheet {
 
   /// The formula in that cell, or null.
   const FormulaCell* FindFormula(CellPosition position) const;
-  FormulaCell* FindFormula(CellPosition position);
   std::map<CellPosition, FormulaCell>& Formulas() { return formulas_; }
   const std::map<CellPosition, FormulaCell>& Formulas() const { return formulas_; }
   /// The first formula cell in the area whose value does not count yet: reading it is xlretUncalced.

@@ -10,6 +10,7 @@
 #include <random>
 #include <string>
 
+#include "host/text/path_text.h"
 #include "tests/host/model_fixture.h"
 
 namespace qcalc {
@@ -85,7 +86,7 @@ TEST_F(CsvTest, LoadsAFileWithWideName) {
   const auto path = std::filesystem::temp_directory_path() / u8"qcalc-\u00E4\u20AC.csv";
   std::ofstream(path, std::ios::binary) << "7,x\n";
   const std::u8string name = path.u8string();
-  LoadCsvFile(std::string(name.begin(), name.end()), sheet, 0, 0);
+  LoadCsvFile(PathOf(std::string(name.begin(), name.end())), sheet, 0, 0);
   std::filesystem::remove(path);
   EXPECT_EQ(Held("A1:B1"), R"({7,"x"})");
 }
