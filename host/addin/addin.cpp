@@ -25,10 +25,6 @@ std::uintptr_t CallExport(const RegisteredFunction& function, const Arguments& a
   return Invoke(function.entry, arguments.Words());
 }
 
-bool ReturnsOper(const RegisteredFunction& function, char values, char references) {
-  return function.type.result.letter == values || function.type.result.letter == references;
-}
-
 }  // namespace
 
 Addin::~Addin() {
@@ -109,9 +105,10 @@ Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value>
 
 Value Addin::TakeResult(const RegisteredFunction& function, std::uintptr_t word, const Arguments& arguments,
                         CallContext& frame) {
-  if (ReturnsOper(function, 'Q', 'U'))
+  const Passing passing = PassingOf(function.type.result);
+  if (passing == Passing::kOper12)
     return returnedValues_.Take<Wide>(reinterpret_cast<XLOPER12*>(word), function, arguments, frame);
-  if (ReturnsOper(function, 'P', 'R'))
+  if (passing == Passing::kOper)
     return returnedValues_.Take<Narrow>(reinterpret_cast<XLOPER*>(word), function, arguments, frame);
   switch (function.type.result.letter) {
     case 'A':
@@ -135,14 +132,15 @@ Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> op
     return timing;
   }
   CallContext frame(host_, PlaceOf(function.type), NameOf(function), context);
+  const Passing passing = PassingOf(function.type.result);
   std::vector<double> microseconds;
   for (int i = 1; i <= count; ++i) {
     frame.mustReturn = 0;
     const auto start = Clock::now();
     const std::uintptr_t word = CallExport(function, arguments);
     if (i < count) {
-      if (ReturnsOper(function, 'Q', 'U')) returnedValues_.Release<Wide>(reinterpret_cast<XLOPER12*>(word), frame);
-      if (ReturnsOper(function, 'P', 'R')) returnedValues_.Release<Narrow>(reinterpret_cast<XLOPER*>(word), frame);
+      if (passing == Passing::kOper12) returnedValues_.Release<Wide>(reinterpret_cast<XLOPER12*>(word), frame);
+      if (passing == Passing::kOper) returnedValues_.Release<Narrow>(reinterpret_cast<XLOPER*>(word), frame);
     } else {
       timing.result = TakeResult(function, word, arguments, frame);
       if (count > 1) break;

@@ -71,21 +71,19 @@ std::optional<std::int32_t> Arguments::Build(const RegisteredFunction& function,
 }
 
 std::optional<std::int32_t> Arguments::AddByLetter(TypeLetter letter, const Value& operand, Laid& laid) {
-  switch (letter.letter) {
-    case 'Q':
-    case 'U':
+  switch (PassingOf(letter)) {
+    case Passing::kOper12:
       return AddOper<Wide>(operand, laid);
-    case 'P':
-    case 'R':
+    case Passing::kOper:
       return AddOper<Narrow>(operand, laid);
-    case 'C':
-    case 'D':
+    case Passing::kText:
       return AddText(letter, operand, laid);
-    case 'K':
+    case Passing::kMatrix:
       return AddMatrix(operand, laid);
-    default:
-      return AddInteger(letter, operand);
+    case Passing::kInteger:
+      break;
   }
+  return AddInteger(letter, operand);
 }
 
 template <typename Width>
@@ -178,24 +176,21 @@ std::string Arguments::Spoil(const RegisteredFunction& function, const ArgumentF
   if (fault.argument < 1 || index >= words_.size()) return which + " does not exist";
   if (std::string reason = WhyNotOffered(fault); !reason.empty()) return reason;
   std::string reason;
-  switch (function.type.arguments[index].letter) {
-    case 'Q':
-    case 'U':
+  switch (PassingOf(function.type.arguments[index])) {
+    case Passing::kOper12:
       reason = SpoilOper<Wide>(fault, index);
       break;
-    case 'P':
-    case 'R':
+    case Passing::kOper:
       reason = SpoilOper<Narrow>(fault, index);
       break;
-    case 'C':
-    case 'D':
-    case 'K':
+    case Passing::kText:
+    case Passing::kMatrix:
       if (fault.kind == ArgumentFaultKind::kNull)
         words_[index] = 0;
       else
         reason = "it is a pointer to bare data: only null makes sense";
       break;
-    default:
+    case Passing::kInteger:
       reason = "it is passed by value";
   }
   laid_[index].checksum = ChecksumOf(laid_[index], false);

@@ -28,8 +28,7 @@ bool SetMark(TypeText& type, char mark) {
 }  // namespace
 
 bool TypeText::TakesReferences() const {
-  return std::any_of(arguments.begin(), arguments.end(),
-                     [](const TypeLetter& argument) { return argument.letter == 'U' || argument.letter == 'R'; });
+  return std::any_of(arguments.begin(), arguments.end(), [](TypeLetter argument) { return argument.MayBeReference(); });
 }
 
 std::variant<TypeText, std::string> ParseTypeText(XStringView units) {
@@ -60,13 +59,32 @@ std::variant<TypeText, std::string> ParseTypeText(XStringView units) {
   }
   if (type.isMacroEquivalent && type.isThreadSafe) return "the marks '#' and '$' exclude each other";
   if (type.isMacroEquivalent && type.isClusterSafe) return "the marks '#' and '&' exclude each other";
-  if (type.arguments.size() > kXlMaxArguments) return "there are more than 255 arguments";
+  if (type.arguments.size() > kXlMaxArguments)
+    return "there are more than " + std::to_string(kXlMaxArguments) + " arguments";
   if (const auto place = kInPlace.find(type.result.letter); place != std::string_view::npos) {
     if (place >= type.arguments.size()) return "the argument to change in place is not there";
     if (std::string_view("PQRU").find(type.arguments[place].letter) != std::string_view::npos)
       return "an argument of P, Q, R or U cannot be changed in place";
   }
   return type;
+}
+
+Passing PassingOf(TypeLetter letter) {
+  switch (letter.letter) {
+    case 'Q':
+    case 'U':
+      return Passing::kOper12;
+    case 'P':
+    case 'R':
+      return Passing::kOper;
+    case 'C':
+    case 'D':
+      return Passing::kText;
+    case 'K':
+      return Passing::kMatrix;
+    default:
+      return Passing::kInteger;
+  }
 }
 
 bool IsOfferedArgument(TypeLetter letter) {

@@ -14,6 +14,18 @@ struct TypeLetter {
   char letter = 'Q';
   bool isWide = false;  ///< followed by "%"
   bool operator==(const TypeLetter&) const = default;
+
+  /// Whether a reference can arrive or come back.
+  bool MayBeReference() const { return letter == 'U' || letter == 'R'; }
+};
+
+/// In what form an argument or a result of a letter passes.
+enum class Passing {
+  kOper12,   ///< Q, U: a pointer to XLOPER12
+  kOper,     ///< P, R: a pointer to XLOPER
+  kText,     ///< C, D, wide or not: a pointer to units, counted or closed by a zero
+  kMatrix,   ///< K, wide: a pointer to FP12
+  kInteger,  ///< A, H, I, J: by value
 };
 
 struct TypeText {
@@ -24,12 +36,15 @@ struct TypeText {
   bool isThreadSafe = false;       ///< "$"
   bool isClusterSafe = false;      ///< "&"
 
-  /// Whether a reference can arrive: an argument of U or R.
+  /// Whether a reference can arrive.
   bool TakesReferences() const;
 };
 
 /// Reads a type text, or tells in a few words why Excel would not.
 std::variant<TypeText, std::string> ParseTypeText(XStringView text);
+
+/// For the letters that the host offers.
+Passing PassingOf(TypeLetter letter);
 
 /// Whether the host can pass arguments of that letter, and return results of it.
 bool IsOfferedArgument(TypeLetter letter);

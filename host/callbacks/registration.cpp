@@ -8,8 +8,6 @@ namespace qcalc {
 namespace {
 
 constexpr std::size_t kMaxRegisteredText = 255;
-constexpr std::size_t kMaxArgumentHelps = 245;
-constexpr std::size_t kFirstArgumentHelp = 10;
 
 /// The arguments of xlfRegister, 0-based.
 enum : std::size_t {
@@ -23,19 +21,13 @@ enum : std::size_t {
   kShortcut,
   kHelpTopic,
   kFunctionHelp,
+  kFirstArgumentHelp,
 };
 
 OperandKind OperandOf(TypeLetter letter) {
-  switch (letter.letter) {
-    case 'U':
-    case 'R':
-      return OperandKind::kReference;
-    case 'Q':
-    case 'P':
-      return OperandKind::kValue;
-    default:
-      return OperandKind::kByValue;
-  }
+  if (letter.MayBeReference()) return OperandKind::kReference;
+  const Passing passing = PassingOf(letter);
+  return passing == Passing::kOper12 || passing == Passing::kOper ? OperandKind::kValue : OperandKind::kByValue;
 }
 
 /// Why Excel would refuse these arguments, or the host; empty when neither does.
@@ -44,17 +36,15 @@ std::string FindDefect(const CallbackRequest& request) {
     const XString* text = request.TextAt(i);
     if (text && i != kModule && text->size() > kMaxRegisteredText)
       return "was given a text of " + std::to_string(text->size()) + " units as argument " + std::to_string(i + 1) +
-             ": 255 is the most";
+             ": " + std::to_string(kMaxRegisteredText) + " is the most";
     const bool takesNumber = i == kMacroType || i == kCategory;
     if (!text && !request.IsOmitted(i) && !(takesNumber && request.NumberAt(i)))
       return "was given an argument " + std::to_string(i + 1) + " of the wrong type";
   }
-  if (request.arguments.size() > kFirstArgumentHelp + kMaxArgumentHelps) return "was given too many argument helps";
   if (!request.TextAt(kModule)) return "was given no module";
   if (!request.TextAt(kProcedure)) return "was given no procedure";
   if (!request.TextAt(kTypeText)) return "was given no type text";
-  const std::u16string path = request.Host().library->Path().u16string();
-  if (!EqualsIgnoringCase(*request.TextAt(kModule), XString(path.begin(), path.end())))
+  if (!EqualsIgnoringCase(*request.TextAt(kModule), request.Host().library->PathText()))
     return "names another module than xlGetName gives: " + ToUtf8(*request.TextAt(kModule));
   if (const auto macroType = request.NumberAt(kMacroType);
       !request.IsOmitted(kMacroType) && (!macroType || (*macroType != 0 && *macroType != 1 && *macroType != 2)))

@@ -3,7 +3,10 @@
 #include <array>
 #include <cstddef>
 #include <stdexcept>
+#include <string>
 #include <utility>
+
+#include "xlcall/xlcall.h"
 
 namespace qcalc {
 namespace {
@@ -25,8 +28,8 @@ std::uintptr_t Invoke(void* entry, std::span<const std::uintptr_t> words) {
   if (words.size() <= 4) return InvokeWith(entry, words, std::make_index_sequence<4>());
   if (words.size() <= 8) return InvokeWith(entry, words, std::make_index_sequence<8>());
   if (words.size() <= 32) return InvokeWith(entry, words, std::make_index_sequence<32>());
-  if (words.size() <= 255) return InvokeWith(entry, words, std::make_index_sequence<255>());
-  throw std::length_error("more than 255 arguments");
+  if (words.size() <= kXlMaxArguments) return InvokeWith(entry, words, std::make_index_sequence<kXlMaxArguments>());
+  throw std::length_error("more than " + std::to_string(kXlMaxArguments) + " arguments");
 }
 
 }  // namespace qcalc

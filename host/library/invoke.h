@@ -6,8 +6,8 @@
 
 namespace qcalc {
 
-/// Calls `entry` with one machine word for each argument, at most 255, and returns the result's register. Words behind
-/// the last argument may reach the stack too; the callee does not look at them.
+/// Calls `entry` with one machine word for each argument, at most kXlMaxArguments, and returns the result's register.
+/// Words behind the last argument may reach the stack too; the callee does not look at them.
 std::uintptr_t Invoke(void* entry, std::span<const std::uintptr_t> words);
 
 }  // namespace qcalc

@@ -121,8 +121,9 @@ ArrayPtr ReadArrayConstant(TextCursor& cursor) {
     ++rows;
   }
   if (rows > static_cast<std::size_t>(kXlMaxRows) || columns > static_cast<std::size_t>(kXlMaxColumns))
-    cursor.FailAt(start, "expected an array of at most 1048576 x 16384 elements, found " + std::to_string(rows) +
-                             " x " + std::to_string(columns));
+    cursor.FailAt(start, "expected an array of at most " + std::to_string(kXlMaxRows) + " x " +
+                             std::to_string(kXlMaxColumns) + " elements, found " + std::to_string(rows) + " x " +
+                             std::to_string(columns));
   ArrayBuilder builder(static_cast<std::int32_t>(rows), static_cast<std::int32_t>(columns));
   for (std::size_t i = 0; i < elements.size(); ++i)
     builder.Set(static_cast<std::int32_t>(i / columns), static_cast<std::int32_t>(i % columns), elements[i].AsCell());
