@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <vector>

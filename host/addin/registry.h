@@ -4,9 +4,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
-#include <string>
-#include <variant>
 #include <vector>
 
 #include "host/api/type_text.h"

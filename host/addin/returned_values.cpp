@@ -4,6 +4,7 @@
 
 #include "host/addin/arguments.h"
 #include "host/addin/host_state.h"
+#include "host/api/marshal.h"
 #include "host/api/oper_types.h"
 #include "host/library/allocation.h"
 #include "host/library/library.h"

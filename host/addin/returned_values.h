@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "host/addin/call_context.h"
-#include "host/api/marshal.h"
 
 namespace qcalc {
 

@@ -1,5 +1,7 @@
 #include "host/addin/threads.h"
 
+#include <vector>
+
 namespace qcalc {
 
 void MainThread::Do(const std::function<void()>& work) {

@@ -7,7 +7,6 @@
 #include <functional>
 #include <mutex>
 #include <thread>
-#include <vector>
 
 namespace qcalc {
 

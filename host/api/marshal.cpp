@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstring>
 #include <optional>
-#include <type_traits>
 
 #include "host/api/junk_block.h"
 #include "host/api/oper_types.h"

@@ -1,6 +1,5 @@
 #include "host/calculation/evaluator.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "host/calculation/broadcast.h"

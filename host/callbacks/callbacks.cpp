@@ -1,8 +1,6 @@
 #include "host/callbacks/callbacks.h"
 
-#include <new>
-#include <stdexcept>
-#include <type_traits>
+#include <exception>
 
 #include "host/api/oper_types.h"
 #include "host/callbacks/rules.h"

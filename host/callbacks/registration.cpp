@@ -1,6 +1,5 @@
 // xlfRegister, xlfUnregister and xlfSetName.
 #include "host/callbacks/handlers.h"
-#include "host/library/library.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 

@@ -2,7 +2,6 @@
 #include <iterator>
 
 #include "host/callbacks/handlers.h"
-#include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <iterator>
 #include <optional>
-#include <string_view>
 
 #include "host/faults/odd_answer.h"
 #include "xlcall/callback_list.h"

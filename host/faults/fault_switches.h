@@ -2,7 +2,6 @@
 #pragma once
 
 #include <atomic>
-#include <utility>
 #include <vector>
 
 #include "host/faults/argument_fault.h"

@@ -1,5 +1,4 @@
 // Script commands that set up the workbook, the host and what it answers.
-#include <array>
 
 #include "host/calculation/dependencies.h"
 #include "host/files/csv.h"

@@ -1,10 +1,5 @@
 #include "host/values/conversion.h"
 
-#include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <string_view>
-
 #include "host/text/letter_case.h"
 #include "host/values/number_reading.h"
 #include "host/values/number_writing.h"

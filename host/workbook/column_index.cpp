@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <mutex>
-#include <utility>
 
 #include "host/text/letter_case.h"
 #include "host/values/value_order.h"

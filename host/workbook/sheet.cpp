@@ -1,6 +1,5 @@
 #include "host/workbook/sheet.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "host/formulas/reference_text.h"

@@ -1,5 +1,4 @@
 // MATCH, VLOOKUP.
-#include <cmath>
 
 #include "host/calculation/broadcast.h"
 #include "host/calculation/builtins/builtin.h"

@@ -1,5 +1,4 @@
 // NA, SEQUENCE, SUM.
-#include <algorithm>
 #include <optional>
 
 #include "host/calculation/builtins/builtin.h"

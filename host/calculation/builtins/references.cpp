@@ -1,5 +1,5 @@
 // COLUMNS, INDEX, ROWS.
-#include <algorithm>
+#include <utility>
 
 #include "host/calculation/broadcast.h"
 #include "host/calculation/builtins/builtin.h"
