@@ -19,13 +19,13 @@ namespace qcalc {
 /// A large array, laid out once as XLOPER12 and handed over many times.
 class ArgumentCache {
  public:
-  /// The block and value for that array; null when it is too small to be worth keeping.
   struct Entry {
     explicit Entry(std::size_t bytes) : block(bytes) {}
     JunkBlock block;
     XLOPER12 oper;
     std::uint64_t checksum = 0;
   };
+  /// The block and value for that array; null when it is too small to be worth keeping.
   std::shared_ptr<const Entry> Find(const ArrayPtr& array);
 
  private:

@@ -5,6 +5,13 @@
 namespace qcalc {
 namespace {
 
+/// What has been read, as the first type of the mask that it converts to.
+CallbackAnswer Coerce(const CallbackRequest& request, const ApiValue& value, std::uint32_t mask) {
+  const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.Host().settings.decimalSeparator;
+  if (auto coerced = CoerceValue(value, mask, separator)) return std::move(*coerced);
+  return CallbackAnswer::Failure(xlretFailed);
+}
+
 /// The cells of a reference, or the code with which they cannot be read.
 CallbackAnswer ReadCells(CallbackRequest& request, const Reference& reference) {
   const Sheet* sheet = request.Evaluation().workbooks->FindSheet(reference.sheet);
@@ -21,9 +28,7 @@ CallbackAnswer CoerceReference(CallbackRequest& request, const Reference& refere
   if ((mask & xltypeSRef) && isShortForm) return request.ValueAt(0);
   CallbackAnswer cells = ReadCells(request, reference);
   if (cells.code != xlretSuccess || mask == 0) return cells;
-  const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.Host().settings.decimalSeparator;
-  if (auto coerced = CoerceValue(cells.value, mask, separator)) return std::move(*coerced);
-  return CallbackAnswer::Failure(xlretFailed);
+  return Coerce(request, cells.value, mask);
 }
 
 }  // namespace
@@ -36,9 +41,7 @@ CallbackAnswer HandleCoerce(CallbackRequest& request) {
     mask = static_cast<std::uint32_t>(*number);
   }
   if (const Reference* reference = request.ReferenceAt(0)) return CoerceReference(request, *reference, mask);
-  const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.Host().settings.decimalSeparator;
-  if (auto coerced = CoerceValue(request.arguments[0], mask, separator)) return std::move(*coerced);
-  return CallbackAnswer::Failure(xlretFailed);
+  return Coerce(request, request.arguments[0], mask);
 }
 
 }  // namespace qcalc

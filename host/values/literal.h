@@ -23,7 +23,8 @@ std::string PrintLiteral(const CellView& cell);
 /// Shortest form that reads back as the same double: `1`, `-2.5`, `1e-07`.
 std::string PrintNumber(double number);
 
-/// "#N/A" and its like; a code without a published name prints as "#ERR" and the code ("#ERR46"), but 45 as "#SPILL!".
+/// "#N/A" and its like; a code without a published name prints as "#ERR" and the code ("#ERR46"), but 45 as "#SPILL!"
+/// and 50 as "#CALC!".
 std::string ErrorName(std::int32_t code);
 
 /// The error's code at the start of `text`, in any case, and the length of its name; nothing when none stands there.
