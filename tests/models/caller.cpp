@@ -72,8 +72,7 @@ std::string Caller::Describe(XStringView function, const std::vector<Value>& ope
 }
 
 std::string Caller::DescribeTable() const {
-  return At(lastTable_) +
-         (session_.Host().settings.shortReferences ? ", handed over as SRef" : ", handed over as Ref");
+  return At(lastTable_) + (session_.Host().settings.shortReferences ? ", handed over as SRef" : ", handed over as Ref");
 }
 
 std::string Caller::At(const Reference& reference) const { return ReferenceToText(reference, session_.ItsWorkbooks()); }
