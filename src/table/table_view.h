@@ -15,6 +15,7 @@ class TableView {
   /// The view of an array, a single value (one row of one column) or a reference of one area. A reference of several
   /// areas, a missing or unset value: CXlErrorException with #VALUE!.
   explicit TableView(const CXlOper& table);
+  explicit TableView(CXlOper&& table) = delete;
 
   std::int32_t Rows() const noexcept { return rows_; }
   std::int32_t Columns() const noexcept { return columns_; }

@@ -20,8 +20,11 @@ declare -A declared=() scripts=() servers=()
 while read -r family name; do
   declared[$family/$name]=1
   scripts[tests/scripts/$family/${name,,}.calc]=1
-done < <(declared_functions build/windows)
-((${#declared[@]})) || complain 'no function found in what is generated'
+done < <(declared_functions build/windows 2>/dev/null)
+((${#declared[@]})) || {
+  echo 'no function found in what is generated: build the windows preset first'
+  exit 1
+}
 
 while read -r family; do
   for script in tests/scripts/"$family"/*.calc; do

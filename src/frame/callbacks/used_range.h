@@ -27,5 +27,6 @@ constexpr std::int32_t kMostRowsUncut = 100'000;
 /// first row at least. Every other value, and one whose used rows cannot be had, is viewed as it is, and must outlive
 /// the view.
 CXlOper CutToUsedRows(const CXlOper& value);
+CXlOper CutToUsedRows(CXlOper&& value) = delete;
 
 }  // namespace quillmere

@@ -19,12 +19,11 @@ CXlOper ValueOfDefault(const ArgumentDefault& declared) {
 
 CXlArgument::CXlArgument(const CXlOper& passed, const ArgumentDeclaration& declaration)
     : passed_(passed), declaration_(declaration) {
-  if (!IsGiven()) default_ = ValueOfDefault(declaration.defaultValue);
+  if (passed.IsAbsent()) default_ = ValueOfDefault(declaration.defaultValue);
 }
 
-const CXlOper& CXlArgument::Value() const {
-  if (declaration_.required && !IsGiven()) throw CXlErrorException(xlerrValue);
-  return Standing();
+void CXlArgument::CheckRequired() const {
+  if (declaration_.required && passed_.IsAbsent()) throw CXlErrorException(xlerrValue);
 }
 
 }  // namespace quillmere

@@ -23,26 +23,31 @@ class CXlArgument {
 
   /// The registered name, for messages.
   XStringView Name() const noexcept { return declaration_.name; }
+  // One that is required and was left out is CXlErrorException with #VALUE!, whatever is asked of it.
+
   /// Whether the call gives it: it is not left out, whatever its default.
-  bool IsGiven() const noexcept { return !passed_.IsAbsent(); }
+  bool IsGiven() const {
+    CheckRequired();
+    return !passed_.IsAbsent();
+  }
+  /// What was passed; the default of one that was left out, and without a default a missing value.
+  const CXlOper& Value() const {
+    CheckRequired();
+    return default_.IsSet() ? default_ : passed_;
+  }
 
-  /// What was passed; the default of one that was left out, and without a default a missing value. CXlErrorException
-  /// with #VALUE! when it is required and was left out.
-  const CXlOper& Value() const;
-
-  /// The value as a scalar: that of an array's or a reference's top-left cell. Messages: 45 (left out, no default), 29
-  /// (does not convert), 64 (none of the codes that are allowed).
+  /// The value as a scalar: that of an array's or a reference's top-left cell. Messages: 45 (left out, no default, not
+  /// declared as required), 29 (does not convert), 64 (none of the codes that are allowed).
   template <ElementKind kind>
   ElementOf<kind> As() const {
     CScalarConvertParams<kind> params(Name());
     if constexpr (std::is_same_v<typename CScalarConvertParams<kind>::Allowed, std::int32_t>)
       if constexpr (std::is_integral_v<ElementOf<kind>>) params.OneOf(declaration_.allowedCodes);
-    return ConvertArgument(Standing(), params);
+    return ConvertArgument(Value(), params);
   }
 
  private:
-  /// What was passed, or the default.
-  const CXlOper& Standing() const noexcept { return default_.IsSet() ? default_ : passed_; }
+  void CheckRequired() const;
 
   const CXlOper& passed_;
   const ArgumentDeclaration& declaration_;

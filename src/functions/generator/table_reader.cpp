@@ -249,7 +249,7 @@ class FamilyReader {
   void ReadNumbers(Function& function, const StrictTable& fields) {
     const bool mayDoWithout = fields.Has("like") || function.type == MacroType::kHidden;
     if (fields.Has("category") || !mayDoWithout) {
-      function.category = static_cast<int>(fields.Integer("category", 1, 14));
+      function.category = static_cast<int>(fields.Integer("category", kCategories.front(), kCategories.back()));
       if (std::find(kCategories.begin(), kCategories.end(), function.category) == kCategories.end()) {
         fields.ComplainAt("category", std::to_string(function.category) + " is no category of this add-in");
       }

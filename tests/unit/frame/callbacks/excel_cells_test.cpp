@@ -63,7 +63,8 @@ TEST(UsedRows, CutTallReferencesAlone) {
   reader.last = 5;
   const CXlOper two = CXlOper::Reference(7, areas);
   EXPECT_EQ(CutToUsedRows(two).Areas().size(), 2u);
-  EXPECT_EQ(CutToUsedRows(CXlOper::Number(2)).AsNumber(), 2);
+  const CXlOper number = CXlOper::Number(2);
+  EXPECT_EQ(CutToUsedRows(number).AsNumber(), 2);
   SetUsedRangeReader(nullptr);
 }
 
