@@ -11,13 +11,6 @@ namespace {
 
 [[noreturn]] void RefuseArgument() { throw CXlErrorException(xlerrValue); }
 
-/// The value of an argument that stands for one; several count as none.
-const XLOPER12& SingleValue(const CXlOper& value) {
-  static const XLOPER12 missing = MissingCell();
-  const XLOPER12* const cell = OnlyCell(value);
-  return cell ? *cell : missing;
-}
-
 MemoryChoice ReadMemory(const CXlArgument* argument) {
   if (!argument) return {MemoryType::kNone, {}};
   std::optional<MemoryChoice> choice = ReadMemoryChoice(argument->Value());
@@ -53,9 +46,8 @@ std::vector<std::int32_t> LeadingColumns(std::int32_t count, const TableView& ta
 
 LookupPlan ReadLookup(const LookupArguments& arguments) {
   const bool wantsValues = arguments.answerColumns != nullptr;
-  for (const CXlArgument* needed : {&arguments.lookupValues, &arguments.lookupTable})
-    if (needed->Value().IsEmpty()) RefuseArgument();
-  if (wantsValues) arguments.answerColumns->Value();
+  if (arguments.lookupValues.Value().IsEmpty() || arguments.lookupTable.Value().IsEmpty()) RefuseArgument();
+  if (wantsValues) arguments.answerColumns->Value();  // a call without it is refused before the table is looked at
 
   const TableView table(arguments.lookupTable.Value());
   const CXlCells keys = arguments.lookupValues.Value().Cells();
@@ -82,20 +74,21 @@ LookupPlan ReadLookup(const LookupArguments& arguments) {
 MatchRules ReadMatchRules(const CXlOper& sorted, const CXlOper& exactMatch, bool caseSensitive) {
   MatchRules rules;
   rules.caseSensitive = caseSensitive;
-  if (IsErrorCell(SingleValue(sorted))) RefuseArgument();
+  if (const XLOPER12* const only = OnlyCell(sorted); only && IsErrorCell(*only)) RefuseArgument();
   rules.order = ParseSortOrder(sorted);
 
-  const XLOPER12& exact = SingleValue(exactMatch);
-  switch (TypeOf(exact)) {
+  const XLOPER12* const exact = OnlyCell(exactMatch);
+  if (!exact) return rules;
+  switch (TypeOf(*exact)) {
     case xltypeErr:
       RefuseArgument();
     case xltypeBool:
-      rules.exact = exact.val.xbool != 0 || rules.order == SortOrder::kUnsorted;
+      rules.exact = exact->val.xbool != 0 || rules.order == SortOrder::kUnsorted;
       break;
     case xltypeNum:
     case xltypeInt:
     case xltypeStr:
-      rules.notFound = exact;
+      rules.notFound = *exact;
       break;
     default:
       break;
