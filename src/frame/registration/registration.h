@@ -41,8 +41,6 @@ class CXllRegistrable {
   XStringView Name() const noexcept { return texts_.name; }
   State GetState() const noexcept { return state_; }
   bool IsRegistered() const noexcept { return state_ == State::kRegistered; }
-  /// Excel's register id, which may be negative; of use only while registered.
-  double RegisterId() const noexcept { return registerId_; }
 
   void SetCategory(XStringView category) { texts_.category = category; }
 
@@ -57,7 +55,7 @@ class CXllRegistrable {
  private:
   RegistrationTexts texts_;
   State state_ = State::kNew;
-  double registerId_ = 0;
+  double registerId_ = 0;  ///< Excel's, which may be negative; of use only while registered
 };
 
 /// One worksheet function or command, built from its record.

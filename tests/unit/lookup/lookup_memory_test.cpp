@@ -152,33 +152,6 @@ TEST_F(LookupMemoryTest, KeyRowsHaveTheLinesOfTheCallingRange) {
   EXPECT_EQ(memory.Recall(1000), 55);
 }
 
-TEST_F(LookupMemoryTest, AsksExcelOnceAndForWhatItNeeds) {
-  caller = CXlOper::Reference({0, 999, 0, 0});
-  LookupMemory memory({MemoryType::kRowColumn, {}});
-  EXPECT_EQ(excel.AllCalls(), 0);
-  memory.Remember(999, 1'000'000);
-  const auto recallOthers = [&memory] {
-    for (std::int32_t keyRow = 0; keyRow < 999; ++keyRow) ASSERT_EQ(memory.Recall(keyRow), std::nullopt);
-  };
-  EXPECT_EQ(FailEachAllocation(recallOthers), 0) << "keys are made in one buffer";
-  EXPECT_EQ(memory.Recall(999), 1'000'000);
-  EXPECT_TRUE(memory.IsCalledFromCells());
-  EXPECT_EQ(excel.Calls(xlfCaller), 1);
-  EXPECT_EQ(excel.Calls(xlSheetNm), 1);
-
-  LookupMemory numbered({MemoryType::kNumber, {}});
-  numbered.Remember(1, 2);
-  EXPECT_EQ(numbered.Recall(1), 2);
-  EXPECT_EQ(excel.Calls(xlfCaller), 2);
-
-  LookupMemory none({MemoryType::kNone, {}});
-  none.Remember(1, 2);
-  EXPECT_EQ(none.Recall(1), std::nullopt);
-  EXPECT_EQ(excel.Calls(xlfCaller), 2);
-  EXPECT_TRUE(none.IsCalledFromCells());
-  EXPECT_EQ(excel.Calls(xlSheetNm), 1);
-}
-
 TEST_F(LookupMemoryTest, WithoutAPlaceNothingIsRemembered) {
   const XLREF12 areas[] = {{1, 1, 1, 1}, {3, 3, 1, 1}};
   const CXlOper callers[] = {CXlOper::Number(-4), CXlOper::Error(xlerrRef), CXlOper::Boolean(true),
@@ -215,20 +188,6 @@ TEST_F(LookupMemoryTest, WithoutAPlaceNothingIsRemembered) {
   EXPECT_EQ(Stored(), 1u);
 }
 
-TEST_F(LookupMemoryTest, FailedCallbacksEndTheCall) {
-  for (const int failing : {1, 2}) {
-    excel.FailCall(excel.AllCalls() + failing);
-    LookupMemory memory({MemoryType::kRowColumn, {}});
-    try {
-      memory.Remember(0, 1);
-      ADD_FAILURE() << "callback " << failing;
-    } catch (const CXlErrorException& error) {
-      EXPECT_EQ(error.Code(), xlerrValue);
-    }
-  }
-  EXPECT_EQ(Stored(), 0u);
-}
-
 TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
   XLOPER12 cells[] = {NumberCell(1), NumberCell(2)};
   XLOPER12 array{};
@@ -253,35 +212,6 @@ TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
       const bool isTaken = answer == 3 && sorted == 0;
       EXPECT_TRUE(isTaken ? IsNumberCell(*result) : IsErrorCell(*result) && result->val.err == xlerrNA) << answer;
     }
-}
-
-TEST(MemoryChoice, IsReadFromTheArgument) {
-  const auto type = [](const CXlOper& argument) -> int {
-    const std::optional<MemoryChoice> choice = ReadMemoryChoice(argument);
-    return choice ? static_cast<int>(choice->type) : -1;
-  };
-  EXPECT_EQ(type(CXlOper::Missing()), -1) << "its default is the table's to say";
-  EXPECT_EQ(type(CXlOper::Text({})), 2);
-  for (const auto& [number, expected] :
-       {std::pair(0.0, 0), {1.0, 1}, {2.9, 2}, {3.99, 3}, {-0.5, 0}, {-1.0, -1}, {4.0, -1}, {1e300, -1}})
-    EXPECT_EQ(type(CXlOper::Number(number)), expected) << number;
-  EXPECT_EQ(type(CXlOper::Integer(3)), 3);
-  for (const CXlOper& refused : {CXlOper::Boolean(true), CXlOper::Error(xlerrNA), CXlOper::Empty()})
-    EXPECT_EQ(type(refused), -1);
-  EXPECT_EQ(type(CXlOper::Reference({0, 0, 0, 0})), -1);
-
-  const CXlOper name = CXlOper::Text(XTEXT("1"));
-  XLOPER12 cells[] = {name.Raw(), NumberCell(1)};
-  XLOPER12 array{};
-  array.xltype = xltypeMulti;
-  array.val.array.lparray = cells;
-  array.val.array.rows = array.val.array.columns = 1;
-  const std::optional<MemoryChoice> named = ReadMemoryChoice(CXlOper::Borrow(&array));
-  ASSERT_TRUE(named);
-  EXPECT_EQ(named->type, MemoryType::kNamed);
-  EXPECT_EQ(named->name, XTEXT("1"));
-  array.val.array.rows = 2;
-  EXPECT_EQ(type(CXlOper::Borrow(&array)), -1);
 }
 
 }  // namespace

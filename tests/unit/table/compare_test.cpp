@@ -8,8 +8,6 @@
 #include <random>
 #include <vector>
 
-#include "table/sort_order.h"
-
 namespace quillmere::testing {
 namespace {
 
@@ -157,88 +155,6 @@ TEST(CompareOpers, TreatsTheOddOnesAsTold) {
   std::vector<XLOPER12> alike = nested;
   const XLOPER12 other = Array(alike, 1, 1);
   EXPECT_THROW(CompareOpers(&nested[0], &other), CXlBadOperTypeException);
-}
-
-struct LookupCase {
-  CXlOper cell;
-  CXlOper value;
-  int anyCase;
-  int caseSensitive;
-};
-
-std::vector<LookupCase> LookupCases() {
-  const auto text = [](XStringView units) { return CXlOper::Text(units); };
-  std::vector<LookupCase> cases;
-  const auto add = [&cases](CXlOper cell, CXlOper value, int anyCase, int caseSensitive) {
-    cases.push_back({std::move(cell), std::move(value), anyCase, caseSensitive});
-  };
-  add(text(XTEXT("Z")), text(XTEXT("AA")), 1, 1);
-  add(text(XTEXT("AB")), text(XTEXT("ABC")), -1, -1);
-  add(text(XTEXT("Apple")), text(XTEXT("APPLE")), 0, 1);
-  add(text(XTEXT("apple tart, hot")), text(XTEXT("APPLE TART, HOT")), 0, 1);
-  add(text(XTEXT("_")), text(XTEXT("A")), -1, 1);
-  add(text(XTEXT("\u00C9")), text(XTEXT("\u00E9")), -1, -1);
-  add(text({XTEXT("a\0b"), 3}), text({XTEXT("a\0c"), 3}), -1, -1);
-  add(text(XTEXT("1")), CXlOper::Number(1), 1, 1);
-  add(CXlOper::Number(1), text(XTEXT("1")), -1, -1);
-  add(CXlOper::Empty(), text(XTEXT("")), -1, -1);
-  add(CXlOper::Error(xlerrNA), text(XTEXT("")), -1, -1);
-  add(CXlOper::Number(2), CXlOper::Number(2), 0, 0);
-  add(CXlOper::Number(1.5), CXlOper::Number(2), -1, -1);
-  add(CXlOper::Boolean(true), CXlOper::Number(1), 1, 1);
-  add(CXlOper::Boolean(true), CXlOper::Boolean(true), 0, 0);
-  add(CXlOper::Error(xlerrDiv0), CXlOper::Number(1), 1, 1);
-  add(CXlOper::Error(xlerrNA), CXlOper::Error(xlerrNA), 0, 0);
-  add(CXlOper::Empty(), CXlOper::Number(0), 1, 1);
-  add(CXlOper::Empty(), CXlOper::Error(xlerrNA), 1, 1);
-  add(CXlOper::Empty(), CXlOper::Empty(), 0, 0);
-  return cases;
-}
-
-TEST(CompareLookupCell, PlacesACellBesideTheValueLookedFor) {
-  XCHAR room[32];
-  int index = 0;
-  for (const LookupCase& each : LookupCases()) {
-    const PreparedLookupValue anyCase = PrepareLookupValue(each.value.Raw(), false, room);
-    const PreparedLookupValue sensitive = PrepareLookupValue(each.value.Raw(), true, nullptr);
-    EXPECT_EQ(CompareLookupCell(each.cell.Raw(), anyCase), each.anyCase) << index;
-    EXPECT_EQ(CompareLookupCell(each.cell.Raw(), sensitive), each.caseSensitive) << index;
-    EXPECT_EQ(EqualsLookupValue(each.cell.Raw(), anyCase), each.anyCase == 0) << index;
-    EXPECT_EQ(EqualsLookupValue(each.cell.Raw(), sensitive), each.caseSensitive == 0) << index;
-    ++index;
-  }
-  XLOPER12 malformed{};
-  malformed.xltype = xltypeStr;
-  const PreparedLookupValue lookup = PrepareLookupValue(CXlOper::Text(XTEXT("a")).Raw(), false, room);
-  EXPECT_THROW(CompareLookupCell(malformed, lookup), CXlBadOperTypeException);
-  EXPECT_THROW(EqualsLookupValue(malformed, lookup), CXlBadOperTypeException);
-  malformed.xltype = xltypeMulti;
-  EXPECT_THROW(CompareLookupCell(malformed, lookup), CXlBadOperTypeException);
-}
-
-TEST(ParseSortOrder, ReadsNumbersTextsAndBooleans) {
-  for (const XStringView text : {XTEXT("asc"), XTEXT("Ascending"), XTEXT("True"), XTEXT("yEs"), XTEXT("Yesterday")})
-    EXPECT_EQ(ParseSortOrder(CXlOper::Text(text)), SortOrder::kAscending);
-  for (const XStringView text : {XTEXT("Des"), XTEXT("DESC"), XTEXT("Desk")})
-    EXPECT_EQ(ParseSortOrder(CXlOper::Text(text)), SortOrder::kDescending);
-  for (const XStringView text :
-       {XTEXT(""), XTEXT("De"), XTEXT("No"), XTEXT("False"), XTEXT("A"), XTEXT(" asc"), XTEXT("a\u017Fc"), XTEXT("1")})
-    EXPECT_EQ(ParseSortOrder(CXlOper::Text(text)), SortOrder::kUnsorted);
-  for (const double number : {0.0, 0.4, -0.9, 1e300, -1e300})
-    EXPECT_EQ(ParseSortOrder(CXlOper::Number(number)), SortOrder::kUnsorted) << number;
-  EXPECT_EQ(ParseSortOrder(CXlOper::Number(1.9)), SortOrder::kAscending);
-  EXPECT_EQ(ParseSortOrder(CXlOper::Integer(-7)), SortOrder::kDescending);
-  EXPECT_EQ(ParseSortOrder(CXlOper::Boolean(true)), SortOrder::kAscending);
-  EXPECT_EQ(ParseSortOrder(CXlOper::Boolean(false)), SortOrder::kUnsorted);
-  EXPECT_EQ(ParseSortOrder(CXlOper()), SortOrder::kUnsorted);
-  EXPECT_EQ(ParseSortOrder(CXlOper::Missing()), SortOrder::kUnsorted);
-  EXPECT_EQ(ParseSortOrder(CXlOper::Error(xlerrNA)), SortOrder::kUnsorted);
-  EXPECT_EQ(ParseSortOrder(CXlOper::Reference({0, 0, 0, 0})), SortOrder::kUnsorted);
-  std::vector<XLOPER12> cells = {NumberCell(-1), NumberCell(-1)};
-  const XLOPER12 pair = Array(cells, 1, 2);
-  const XLOPER12 single = Array(cells, 1, 1);
-  EXPECT_EQ(ParseSortOrder(CXlOper::Borrow(&pair)), SortOrder::kUnsorted);
-  EXPECT_EQ(ParseSortOrder(CXlOper::Borrow(&single)), SortOrder::kDescending);
 }
 
 }  // namespace

@@ -11,17 +11,6 @@ constexpr XStringView kExample = XTEXT(
     "{HASFORMULA2,,,Returns True if any cell in TheRange contains a formula.,9,1,0,U,"
     "{{0,{TheRange,Reference,0,,A valid Range Reference,,,,}}},{},2,,1102,0,,,,0,0}");
 
-TEST(Descriptor, WritesTheFieldsInOrder) {
-  constexpr ArgumentDeclaration kArguments[] = {
-      {.name = XTEXT("TheRange"), .kind = ArgumentKind::kReference, .help = XTEXT("A valid Range Reference")}};
-  const FunctionDeclaration function{.name = XTEXT("HASFORMULA2"),
-                                     .category = 9,
-                                     .helpId = 1102,
-                                     .help = XTEXT("Returns True if any cell in TheRange contains a formula."),
-                                     .arguments = kArguments};
-  EXPECT_EQ(WriteDescriptor(function), kExample);
-}
-
 TEST(Descriptor, ReadsWhatItWrites) {
   constexpr ArgumentDeclaration kArguments[] = {
       {.name = XTEXT("Divider"),

@@ -26,29 +26,7 @@ constexpr FunctionDeclaration kFunction{.procedure = "TEST_DO_IT",
 constexpr XStringView kPath = XTEXT("C:\\a.xll");
 constexpr XStringView kHelpFile = XTEXT("C:\\a.chm");
 
-std::vector<XString> TextsOf(const std::vector<CXlOper>& call) {
-  std::vector<XString> texts;
-  for (const CXlOper& argument : call)
-    texts.push_back(argument.IsText() ? XString(argument.AsText())
-                                      : XString(1, XTEXT('0') + static_cast<XCHAR>(argument.AsNumber())));
-  return texts;
-}
-
 const CXllFunctionRecord record(kFunction);
-
-TEST(Registration, PassesTheArgumentsInOrder) {
-  AddinExcel excel;
-  CXllFunction function(record);
-  function.SetCategory(XTEXT("Our category"));
-  function.Register(kPath, kHelpFile);
-  EXPECT_TRUE(function.IsRegistered());
-  EXPECT_LT(function.RegisterId(), 0) << "ids may be negative";
-  EXPECT_THAT(TextsOf(excel.registerCalls.front()),
-              ElementsAre(kPath, XTEXT("TEST_DO_IT_12"), XTEXT("UUJ$"), XTEXT("TEST.DO.IT"), XTEXT("TheRange,Count"),
-                          XTEXT("1"), XTEXT("Our category"), XTEXT(""), XTEXT("C:\\a.chm!1102"), XTEXT("Does it"),
-                          XTEXT("A valid Range Reference"), XTEXT(""), XTEXT("")));
-  EXPECT_EQ(function.Declaration().category, 5);
-}
 
 TEST(Registration, CutsTextsInTheCallAlone) {
   AddinExcel excel;
