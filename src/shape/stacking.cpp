@@ -42,8 +42,9 @@ StackArguments ReadArguments(const CXlArgument& fill, const CXlArgumentRun<29>& 
   read.blocks.reserve(blocks.Count() + 1);
   if (!fillCell) read.blocks.push_back({fill.Value().Cells(), false, 0});
   for (std::size_t i = 0; i < blocks.Count(); ++i) {
-    if (!blocks[i].IsGiven()) continue;
-    const CXlOper& block = blocks[i].Value();
+    const CXlArgument argument = blocks[i];
+    if (!argument.IsGiven()) continue;
+    const CXlOper& block = argument.Value();
     read.blocks.push_back({block.Cells(), !block.IsArray(), static_cast<int>(i) + 1});
   }
   read.hasHeaderBlock = !fillCell || blocks[0].IsGiven();

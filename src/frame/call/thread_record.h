@@ -2,7 +2,7 @@
 #pragma once
 
 #include "frame/call/fault_guard.h"
-#include "frame/values/xl_oper.h"
+#include "xlcall/xlcall.h"
 
 namespace quillmere {
 

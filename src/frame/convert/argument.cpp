@@ -1,7 +1,9 @@
 #include "frame/convert/argument.h"
 
 namespace quillmere {
+namespace {
 
+/// What a declared default stands for; a value never set where there is none.
 CXlOper ValueOfDefault(const ArgumentDefault& declared) {
   switch (declared.type) {
     case xltypeNum:
@@ -16,6 +18,8 @@ CXlOper ValueOfDefault(const ArgumentDefault& declared) {
       return {};
   }
 }
+
+}  // namespace
 
 CXlArgument::CXlArgument(const CXlOper& passed, const ArgumentDeclaration& declaration)
     : passed_(passed), declaration_(declaration) {

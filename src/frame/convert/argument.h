@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 
 #include "frame/convert/convert_scalar.h"
 #include "frame/convert/element_kind.h"
@@ -9,9 +10,6 @@
 #include "frame/values/xl_oper.h"
 
 namespace quillmere {
-
-/// What a declared default stands for; a value never set where there is none.
-CXlOper ValueOfDefault(const ArgumentDefault& declared);
 
 /// One argument: what Excel passed, and its declared name, default and codes, which nobody says a second time. It is
 /// read when the body asks, so that faults come in the body's order. It lives as long as the call.
@@ -23,6 +21,7 @@ class CXlArgument {
 
   /// The registered name, for messages.
   XStringView Name() const noexcept { return declaration_.name; }
+
   // One that is required and was left out is CXlErrorException with #VALUE!, whatever is asked of it.
 
   /// Whether the call gives it: it is not left out, whatever its default.
@@ -41,8 +40,7 @@ class CXlArgument {
   template <ElementKind kind>
   ElementOf<kind> As() const {
     CScalarConvertParams<kind> params(Name());
-    if constexpr (std::is_same_v<typename CScalarConvertParams<kind>::Allowed, std::int32_t>)
-      if constexpr (std::is_integral_v<ElementOf<kind>>) params.OneOf(declaration_.allowedCodes);
+    if constexpr (std::is_integral_v<ElementOf<kind>>) params.OneOf(declaration_.allowedCodes);
     return ConvertArgument(Value(), params);
   }
 

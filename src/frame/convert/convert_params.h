@@ -3,9 +3,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <span>
-#include <utility>
 
 #include "frame/convert/element_kind.h"
 #include "frame/errors/exceptions.h"
@@ -45,7 +43,7 @@ class CScalarConvertParamsBase : public CConvertParamsBase {
   [[noreturn]] void ThrowNotOneOf(std::span<const XStringView> allowed) const;
 };
 
-/// A scalar argument of one kind: required unless it has a default.
+/// A scalar argument of one kind. A default is the argument's own: see CXlArgument.
 template <ElementKind kind>
 class CScalarConvertParams : public CScalarConvertParamsBase {
  public:
@@ -55,11 +53,6 @@ class CScalarConvertParams : public CScalarConvertParamsBase {
 
   using CScalarConvertParamsBase::CScalarConvertParamsBase;
 
-  /// What a missing argument becomes.
-  CScalarConvertParams& Default(Value value) {
-    default_ = std::move(value);
-    return *this;
-  }
   /// The values allowed; the list must outlive this object. For integers and texts.
   CScalarConvertParams& OneOf(std::span<const Allowed> allowed) requires(std::is_integral_v<Value> ||
                                                                          kind == ElementKind::kString) {
@@ -67,11 +60,9 @@ class CScalarConvertParams : public CScalarConvertParamsBase {
     return *this;
   }
 
-  const std::optional<Value>& DefaultValue() const noexcept { return default_; }
   std::span<const Allowed> AllowedValues() const noexcept { return allowed_; }
 
  private:
-  std::optional<Value> default_;
   std::span<const Allowed> allowed_;
 };
 

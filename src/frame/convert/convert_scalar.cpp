@@ -48,10 +48,7 @@ ElementOf<kind> ConvertTo(const CXlOper& value, bool strict) {
 
 template <ElementKind kind>
 ElementOf<kind> ConvertArgument(const CXlOper& argument, const CScalarConvertParams<kind>& params) {
-  if (argument.IsAbsent()) {
-    if (!params.DefaultValue()) params.ThrowScalarNotInitialized(kind);
-    return *params.DefaultValue();
-  }
+  if (argument.IsAbsent()) params.ThrowScalarNotInitialized(kind);
   ElementOf<kind> result{};
   const CXlOper cell = TopLeftValue(argument);
   if (!cell.IsSet() || !ConvertCellTo<kind>(cell.Raw(), TextReading::kAskExcel, result))

@@ -19,8 +19,8 @@ CXlOper TopLeftValue(const CXlOper& value);
 template <ElementKind kind>
 ElementOf<kind> ConvertTo(const CXlOper& value, bool strict);
 
-/// Converts an argument: its default when it was left out (message 45 without one), message 29 when it does not
-/// convert, message 64 when its value is none of those allowed.
+/// Converts an argument: message 45 when it was left out, message 29 when it does not convert, message 64 when its
+/// value is none of those allowed.
 template <ElementKind kind>
 ElementOf<kind> ConvertArgument(const CXlOper& argument, const CScalarConvertParams<kind>& params);
 

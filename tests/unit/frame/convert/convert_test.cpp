@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+#include "frame/convert/argument.h"
 #include "frame/convert/convert_array.h"
 #include "frame/convert/convert_scalar.h"
 #include "frame/values/array_builder.h"
@@ -135,7 +136,8 @@ TEST(ConvertArgument, ScalarMessages) {
   using Long = CScalarConvertParams<kLongInteger>;
   const auto convert = [](const CXlOper& value, const auto& params) { return [&] { ConvertArgument(value, params); }; };
 
-  EXPECT_EQ(ConvertArgument(CXlOper::Missing(), Long(kName).Default(5)), 5);
+  const ArgumentDeclaration withDefault{.name = kName, .defaultValue = {.type = xltypeNum, .number = 5}};
+  EXPECT_EQ(CXlArgument(CXlOper::Missing(), withDefault).As<kLongInteger>(), 5);
   EXPECT_EQ(ConvertArgument(CXlOper::Number(2.9), Long(kName).OneOf(codes)), 2);
   EXPECT_EQ(ConvertArgument(CXlOper::Text(XTEXT("DES")), CScalarConvertParams<kString>(kName).OneOf(words)),
             XTEXT("DES"));
