@@ -5,6 +5,7 @@
 #include <new>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "frame/app/xll_app.h"
 #include "frame/call/fault_guard.h"
@@ -75,6 +76,16 @@ class WrappedArguments {
     ++count_;
   }
   const CXlOper* First() const noexcept { return first_; }
+
+  /// A result that views the wrapper's own copy of a text argument takes the copy over, which would be gone otherwise
+  /// before Excel reads it.
+  void GiveTextTo(CXlOper& result) noexcept {
+    for (std::size_t at = 0; at < count_; ++at) {
+      if (!result.ViewsTextOf(first_[at])) continue;
+      result = std::move(first_[at]);
+      return;
+    }
+  }
 
  private:
   CXlOper* first_;
@@ -147,6 +158,7 @@ XLOPER12* RunFunction12(FunctionBody body, const RawArgument* raw, std::size_t c
   Call call{body, {raw, count}, WrappedArguments(storage), {}};
   RunGuarded(call, *record);
   ReleaseOwned(record->returnSlot12);
+  call.arguments.GiveTextTo(call.result);
   call.result.ReturnInto(record->returnSlot12);
   return &record->returnSlot12;
 }

@@ -108,9 +108,15 @@ class CXlOper {
   /// The same in the form of a callback's argument, which no callback but xlFree writes to.
   XLOPER12* ForCallback() const noexcept { return const_cast<XLOPER12*>(&Raw()); }
 
+  /// Whether this is a view of the text that `owner` frees.
+  bool ViewsTextOf(const CXlOper& owner) const noexcept {
+    return owner_ == Owner::kBorrowed && owner.owner_ == Owner::kOurs && IsText() && owner.IsText() &&
+           value_.val.str == owner.value_.val.str;
+  }
+
   /// Hands the value back to Excel in `slot`, marked for xlAutoFree12 or xlFree where somebody must free it, and leaves
   /// this value never set. A number that is not finite becomes #NUM!, a value never set #VALUE!. A borrowed value is
-  /// handed back as it is: Excel still owns it.
+  /// handed back as it is: Excel, or whoever else lent it, must still own it.
   void ReturnInto(XLOPER12& slot) noexcept;
 
  private:

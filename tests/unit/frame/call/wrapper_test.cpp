@@ -59,6 +59,17 @@ TEST_F(Wrapper, WrapsEachFormOfArgumentInOrder) {
   EXPECT_EQ(answer->val.num, 6);
 }
 
+TEST_F(Wrapper, AResultMayViewAnArgument) {
+  const FunctionBody body = [](CXlOper& result, const CXlOper* arguments) {
+    result = CXlOper::BorrowCell(arguments[1].Raw());
+  };
+  XLOPER12 number = NumberCell(1);
+  const XCHAR* const plain = XTEXT("gone when the call ends");
+  EXPECT_EQ(TextAnswer(CallFunction12(body, &number, plain)), plain);
+  const CXlOper cell = CXlOper::Text(XTEXT("Excel's own"));
+  EXPECT_EQ(CallFunction12(body, &number, cell.ForCallback())->val.str, cell.Raw().val.str);
+}
+
 TEST_F(Wrapper, ResultsThatExcelCannotTakeBecomeErrors) {
   const XLOPER12* answer = CallFunction12([](CXlOper&, const CXlOper*) {});
   EXPECT_EQ(answer->xltype, xltypeErr);
