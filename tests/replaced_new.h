@@ -6,8 +6,12 @@
 #include <new>
 
 void* operator new(std::size_t bytes) {
-  if (void* const block = Allocate(bytes)) return block;
-  throw std::bad_alloc();
+  while (true) {
+    if (void* const block = Allocate(bytes)) return block;
+    const std::new_handler handler = std::get_new_handler();
+    if (!handler) throw std::bad_alloc();
+    handler();
+  }
 }
 void* operator new[](std::size_t bytes) { return operator new(bytes); }
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }

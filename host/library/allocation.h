@@ -44,6 +44,9 @@ class AllocationMeter {
   /// What is older stays unknown. Costs some time for each block, natively for each block of the host too.
   void TrackBlocks();
 
+  /// Whether blocks are known by their addresses, or one is to fail.
+  bool WatchesBlocks() const noexcept { return IsTracking() || nth_ > 0; }
+
   /// How many known blocks there are.
   std::int64_t LiveBlocks() const;
 

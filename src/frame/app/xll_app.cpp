@@ -8,6 +8,7 @@
 #include "frame/convert/error_result.h"
 #include "frame/errors/current_exception.h"
 #include "frame/text/text_cut.h"
+#include "frame/values/kept_blocks.h"
 
 namespace quillmere {
 namespace {
@@ -93,6 +94,7 @@ int CXllApp::AutoOpen() noexcept {
 
 int CXllApp::AutoClose() noexcept {
   if (theInstance) theInstance->Close();
+  ReleaseKeptBlocks();
   return 1;
 }
 

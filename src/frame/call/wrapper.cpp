@@ -15,6 +15,7 @@
 #include "frame/errors/exceptions.h"
 #include "frame/text/ansi_text.h"
 #include "frame/values/cell_copy.h"
+#include "frame/values/kept_blocks.h"
 #include "frame/values/value_memory.h"
 #include "frame/values/xl_oper4.h"
 
@@ -155,6 +156,7 @@ void RunGuarded(Call& call, ThreadRecord& record) noexcept {
 XLOPER12* RunFunction12(FunctionBody body, const RawArgument* raw, std::size_t count, void* storage) noexcept {
   ThreadRecord* const record = CurrentThreadRecord();
   if (!record) return &lastResort12;
+  ReleaseIdleBlocks();
   Call call{body, {raw, count}, WrappedArguments(storage), {}};
   RunGuarded(call, *record);
   ReleaseOwned(record->returnSlot12);
@@ -166,6 +168,7 @@ XLOPER12* RunFunction12(FunctionBody body, const RawArgument* raw, std::size_t c
 XLOPER* RunFunction4(FunctionBody body, const RawArgument* raw, std::size_t count, void* storage) noexcept {
   ThreadRecord* const record = CurrentThreadRecord();
   if (!record) return &lastResort4;
+  ReleaseIdleBlocks();
   Call call{body, {raw, count}, WrappedArguments(storage), {}};
   RunGuarded(call, *record);
   ReleaseOwned4(record->returnSlot4);

@@ -1,4 +1,4 @@
-// Where Excel's callbacks are found in the running process.
+// What is found in the running process: Excel's callbacks, and what a host tells beside them.
 #pragma once
 
 #include "xlcall/xlcall.h"
@@ -10,5 +10,9 @@ XlMdCallBack12 FindMdCallBack12() noexcept;
 
 /// "Excel4v" of the XLCALL32.DLL that the host has loaded or brings along; null when there is none.
 XlExcel4v FindExcel4v() noexcept;
+
+/// Whether the host program watches this library's blocks of memory or lets their allocation fail, which it says by
+/// exporting "QcalcWatchesMemory". Excel does not.
+bool HostWatchesMemory() noexcept;
 
 }  // namespace quillmere

@@ -41,4 +41,9 @@ XlExcel4v FindExcel4v() noexcept {
   return FindExport<XlExcel4v>(module, "Excel4v");
 }
 
+bool HostWatchesMemory() noexcept {
+  const auto watches = FindExport<int (*)()>(GetModuleHandleW(nullptr), "QcalcWatchesMemory");
+  return watches && watches() != 0;
+}
+
 }  // namespace quillmere

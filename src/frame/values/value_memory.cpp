@@ -6,12 +6,14 @@
 
 #include "frame/values/cell.h"
 #include "frame/values/cell_copy.h"
+#include "frame/values/kept_blocks.h"
 
 namespace quillmere {
 
 /// One block of text memory; the units follow.
 struct alignas(16) TextChunk {
   TextChunk* next;
+  std::size_t bytes;  ///< of the block
 };
 
 namespace {
@@ -19,7 +21,8 @@ namespace {
 /// What stands before the first cell of an array; as long as a cell, so that the cells keep the block's alignment.
 struct alignas(16) ArrayHeader {
   TextChunk* chunks;
-  std::byte padding[sizeof(XLOPER12) - sizeof(TextChunk*)];
+  std::size_t bytes;  ///< of the block
+  std::byte padding[sizeof(XLOPER12) - sizeof(TextChunk*) - sizeof(std::size_t)];
 };
 static_assert(sizeof(ArrayHeader) == sizeof(XLOPER12));
 
@@ -35,7 +38,8 @@ constexpr std::size_t kLargestChunkUnits = std::size_t{1} << 19;
 void TextArena::AddChunk(std::size_t units) {
   chunkUnits_ = chunkUnits_ == 0 ? kFirstChunkUnits : std::min(chunkUnits_ * 2, kLargestChunkUnits);
   const std::size_t size = std::max(units, chunkUnits_);
-  TextChunk* const chunk = ::new (::operator new(sizeof(TextChunk) + size * sizeof(XCHAR))) TextChunk{chunks_};
+  const MemoryBlock block = TakeBlock(sizeof(TextChunk) + size * sizeof(XCHAR));
+  TextChunk* const chunk = ::new (block.memory) TextChunk{chunks_, block.bytes};
   chunks_ = chunk;
   next_ = reinterpret_cast<XCHAR*>(chunk + 1);
   end_ = next_ + size;
@@ -43,8 +47,10 @@ void TextArena::AddChunk(std::size_t units) {
 
 XLOPER12* AllocateArray(std::int64_t rows, std::int64_t columns) {
   const std::size_t bytes = sizeof(ArrayHeader) + static_cast<std::size_t>(rows * columns) * sizeof(XLOPER12);
-  ArrayHeader* const header = ::new (::operator new(bytes)) ArrayHeader;
+  const MemoryBlock block = TakeBlock(bytes);
+  ArrayHeader* const header = ::new (block.memory) ArrayHeader;
   header->chunks = nullptr;
+  header->bytes = block.bytes;
   return reinterpret_cast<XLOPER12*>(header + 1);
 }
 
@@ -54,13 +60,13 @@ void ReleaseArray(XLOPER12* cells) noexcept {
   if (cells == nullptr) return;
   ArrayHeader* const header = HeaderOf(cells);
   ReleaseChunks(header->chunks);
-  ::operator delete(header);
+  GiveBlock({header, header->bytes});
 }
 
 void ReleaseChunks(TextChunk* chunks) noexcept {
   while (chunks != nullptr) {
     TextChunk* const next = chunks->next;
-    ::operator delete(chunks);
+    GiveBlock({chunks, chunks->bytes});
     chunks = next;
   }
 }
