@@ -84,6 +84,8 @@ void CXlArrayBuilder::Fill(XLOPER12* to, std::size_t count, std::ptrdiff_t strid
 
 XLOPER12 CXlArrayBuilder::Store(const XLOPER12& value) {
   CheckScalar(value);
+  // After Finish the texts' memory belongs to the array, which may be gone.
+  if (cells_ == nullptr) ThrowOutOfRange();
   XLOPER12 stored;
   quillmere::CopyCells(texts_, &stored, &value, 1, 1, 1);
   return stored;

@@ -13,8 +13,8 @@ namespace quillmere {
 void CheckArraySize(std::int64_t rows, std::int64_t columns);
 
 /// An array under construction. Its cells are unset until put: every cell must be put, once, before Finish. An
-/// exception midway frees everything. Places are zero-based; one outside the array, or any after Finish, raises
-/// CXlOutOfRangeException and leaves the array as it was.
+/// exception midway frees everything. Places are zero-based; one outside the array, or anything put or stored after
+/// Finish, raises CXlOutOfRangeException and leaves the array as it was.
 class CXlArrayBuilder {
  public:
   /// Takes the memory for the cells: CheckArraySize's exceptions (before any memory is taken), std::bad_alloc.

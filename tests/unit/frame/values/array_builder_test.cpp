@@ -169,6 +169,7 @@ TEST(ArrayBuilder, RefusesPlacesOutsideTheArray) {
     for (int column = 0; column < 4; ++column) EXPECT_EQ(CellNumber(array.CellAt(row, column)), column == 3 ? 9 : 7);
   EXPECT_THROW(builder.Row(0), CXlOutOfRangeException) << "nothing is left to write to";
   EXPECT_THROW(builder.Fill(first, 1, 1, text.cell), CXlOutOfRangeException);
+  EXPECT_THROW(builder.Store(text.cell), CXlOutOfRangeException);
 }
 
 TEST(ArrayBuilder, CollapsesOneCell) {
