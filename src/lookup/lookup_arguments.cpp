@@ -79,7 +79,7 @@ MatchRules ReadMatchRules(const CXlOper& sorted, const CXlOper& exactMatch, bool
 
   const XLOPER12* const exact = OnlyCell(exactMatch);
   if (!exact) return rules;
-  switch (TypeOf(*exact)) {
+  switch (CellType(*exact)) {
     case xltypeErr:
       RefuseArgument();
     case xltypeBool:

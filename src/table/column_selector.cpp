@@ -13,7 +13,7 @@ SelectedColumns Select(const CXlCells& selector, std::int32_t count, const Label
   selected.columns.reserve(selector.columns);
   for (std::int32_t entry = 0; entry < selector.columns; ++entry) {
     const XLOPER12& cell = selector.At(0, entry);
-    const std::uint32_t type = TypeOf(cell);
+    const std::uint32_t type = CellType(cell);
     std::int32_t column = 0;
     if (type == xltypeStr) {
       selected.headerUsed = true;

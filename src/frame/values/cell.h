@@ -12,8 +12,8 @@
 
 namespace quillmere {
 
-/// The bits of xltype that name the kind: without the ownership bits, and without 0x200, which has no meaning.
-constexpr std::uint32_t kTypeMask = 0xDFF;
+/// The bits of xltype that say who frees what a value points to. All others name the kind.
+constexpr std::uint32_t kOwnershipBits = xlbitXLFree | xlbitDLLFree;
 
 constexpr std::uint32_t kCellTypes =
     xltypeNum | xltypeStr | xltypeBool | xltypeErr | xltypeMissing | xltypeNil | xltypeInt;
@@ -21,8 +21,8 @@ constexpr std::uint32_t kCellTypes =
 /// Whether `type` is one of the kinds that a single cell can have.
 constexpr bool IsCellType(std::uint32_t type) { return (type & (type - 1)) == 0 && (type & kCellTypes) != 0; }
 
-/// The kind of any value, single cell or not.
-inline std::uint32_t TypeOf(const XLOPER12& value) { return value.xltype & kTypeMask; }
+/// The kind of any value, single cell or not. A bit that no kind has makes it none of the known ones.
+inline std::uint32_t TypeOf(const XLOPER12& value) { return value.xltype & ~kOwnershipBits; }
 
 /// The kind of a single cell; a nested array, a reference or an unknown kind is "Bad XLOPER type".
 inline std::uint32_t CellType(const XLOPER12& cell) {

@@ -22,7 +22,7 @@ constexpr std::int32_t kMaxArrayColumns4 = 256;
 constexpr std::int32_t kLastRow4 = 65'535;
 constexpr std::int32_t kLastColumn4 = 255;
 
-std::uint16_t TypeOf4(const XLOPER& value) { return static_cast<std::uint16_t>(value.xltype & kTypeMask); }
+std::uint16_t TypeOf4(const XLOPER& value) { return static_cast<std::uint16_t>(value.xltype & ~kOwnershipBits); }
 
 XString TextOf4(const XLOPER& value) {
   if (!value.val.str) ThrowBadOperType();

@@ -359,7 +359,7 @@ TEST_F(Lifecycle, CallbacksReachTheFirstEntryHandedOver) {
   EXPECT_THROW(CallExcel(xlGetName), CXlRuntimeException);
 
   excel.On(xlGetName, [](auto, XLOPER12& result) {
-    result.xltype = 0x0200;
+    result.xltype = xltypeInt | 0x2000;
     return xlretSuccess;
   });
   EXPECT_EQ(TryCallExcel(name, xlGetName), xlretFailed) << "a malformed answer is none";

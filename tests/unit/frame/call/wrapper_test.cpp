@@ -300,11 +300,18 @@ TEST_F(Wrapper, WhatEightBitsCannotHoldIsAnError) {
   EXPECT_EQ(mixed->val.array.lparray[0].val.err, xlerrValue);
   EXPECT_EQ(static_cast<unsigned char>(mixed->val.array.lparray[1].val.str[0]), 255);
 
-  XLOPER nonsense{};
-  nonsense.xltype = xltypeStr;
-  const XLOPER* const refused = CallFunction4(&Echo, &nonsense);
-  ASSERT_EQ(refused->xltype, xltypeStr | xlbitDLLFree);
-  EXPECT_EQ(std::string_view(refused->val.str + 1, 23), "#ERROR: Bad XLOPER type");
+  for (const std::uint16_t type : {std::uint16_t{xltypeStr}, std::uint16_t{xltypeNum | 0x2000}}) {
+    XLOPER nonsense{};
+    nonsense.xltype = type;
+    XLOPER array{};
+    array.val.array = {&nonsense, 1, 1};
+    array.xltype = xltypeMulti;
+    for (XLOPER* const argument : {&nonsense, &array}) {
+      const XLOPER* const refused = CallFunction4(&Echo, argument);
+      ASSERT_EQ(refused->xltype, xltypeStr | xlbitDLLFree) << type;
+      EXPECT_EQ(std::string_view(refused->val.str + 1, 23), "#ERROR: Bad XLOPER type");
+    }
+  }
 }
 
 }  // namespace

@@ -114,6 +114,9 @@ TEST(ArrayBuilder, RefusesWhatIsNoSingleCell) {
   const XLOPER12 row[] = {CXlOper::Number(1).Raw(), array.Raw()};
   EXPECT_THROW(builder.CopyCells(builder.Row(0), row, 2), CXlBadOperTypeException);
   EXPECT_THROW(builder.CopyCells(builder.Row(0), &nullText, 1), CXlBadOperTypeException);
+  XLOPER12 unknownBit = NumberCell(1);
+  unknownBit.xltype |= 0x200;
+  EXPECT_THROW(builder.CopyCells(builder.Row(0), &unknownBit, 1), CXlBadOperTypeException);
   EXPECT_THROW(builder.Fill(builder.Row(0), 2, 1, array.Raw()), CXlIllegalArgumentException);
 }
 

@@ -76,6 +76,8 @@ TEST(XlOper, RefusesWhatIsMalformedWhereItEnters) {
                           OfType(xltypeFlow),
                           OfType(0),
                           OfType(0x200),
+                          OfType(xltypeNum | 0x200),
+                          OfType(xltypeNil | 0x2000),
                           OfType(xltypeNum | xltypeBool),
                           OfType(0x40000000)};
   for (const XLOPER12& value : bad) EXPECT_THROW(CXlOper::Borrow(&value), CXlBadOperTypeException) << value.xltype;
@@ -93,7 +95,7 @@ TEST(XlOper, BorrowsWithoutTakingOver) {
   }
   EXPECT_EQ(slot.xltype, xltypeStr);
   EXPECT_EQ(slot.val.str, text);
-  const XLOPER12 marked = OfType(xltypeNil | xlbitDLLFree | 0x200);
+  const XLOPER12 marked = OfType(xltypeNil | xlbitDLLFree | xlbitXLFree);
   EXPECT_TRUE(CXlOper::Borrow(&marked).IsEmpty());
 }
 
@@ -127,7 +129,7 @@ TEST(XlOper, HandsOwnershipToTheReturnSlot) {
   for (CXlOper& oper : owners) {
     oper.ReturnInto(slot);
     EXPECT_FALSE(oper.IsSet());
-    EXPECT_EQ(slot.xltype & ~kTypeMask, xlbitDLLFree);
+    EXPECT_EQ(slot.xltype & kOwnershipBits, xlbitDLLFree);
     ReleaseOwned(slot);
     EXPECT_EQ(slot.xltype, xltypeNil);
     ReleaseOwned(slot);
