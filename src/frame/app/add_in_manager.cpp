@@ -14,7 +14,7 @@ constexpr int kAskLongName = 1;
 
 std::optional<int> ActionNumber(const XLOPER12* action) noexcept {
   CXlOper number;
-  if (!action || TryCallExcel(number, xlCoerce, *action, CXlOper::Integer(xltypeInt)) != xlretSuccess ||
+  if (!action || CallExcelForCode(number, xlCoerce, *action, CXlOper::Integer(xltypeInt)) != xlretSuccess ||
       !number.IsInteger())
     return std::nullopt;
   return number.AsInteger();

@@ -43,12 +43,12 @@ void ShowOpeningFailure(const CXllApp* app) {
   const XString message = MessageOfCurrentException();
   const XStringView shown = CutText(message, kMaxAlertText - std::min(kMaxAlertText, fixedLength));
   CXlOper answer;
-  TryCallExcel(answer, xlcAlert, CXlOper::Text(beginning + XString(shown) + end), CXlOper::Number(kAlertError));
+  CallExcelForCode(answer, xlcAlert, CXlOper::Text(beginning + XString(shown) + end), CXlOper::Number(kAlertError));
 }
 
 WindowHandle ExcelWindow() {
   CXlOper handle;
-  return TryCallExcel(handle, xlGetHwnd) == xlretSuccess && handle.IsInteger() ? handle.AsInteger() : 0;
+  return CallExcelForCode(handle, xlGetHwnd) == xlretSuccess && handle.IsInteger() ? handle.AsInteger() : 0;
 }
 
 std::size_t FileNamePlace(XStringView path) {
@@ -143,7 +143,8 @@ bool CXllApp::RunOpening() {
 }
 
 void CXllApp::ReadModulePath() {
-  const CXlOper path = CallExcel(xlGetName);
+  CXlOper path;
+  if (const int code = CallExcelForCode(path, xlGetName); code != xlretSuccess) ThrowFailedCall(xlGetName, code);
   modulePath_ = path.AsText();
   const XStringView fileName = XStringView(modulePath_).substr(FileNamePlace(modulePath_));
   displayName_ = fileName.substr(0, fileName.find_last_of(XTEXT('.')));

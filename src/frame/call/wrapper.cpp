@@ -117,6 +117,8 @@ void TranslateCurrentException(CXlOper& result) noexcept {
         app->TranslateError(result, error);
       else
         WriteError(result, error);
+    } catch (const CXlFunctionEnd&) {
+      result.SetError(xlerrValue);
     } catch (const std::bad_alloc&) {
       WriteMemoryError(result);
     } catch (...) {

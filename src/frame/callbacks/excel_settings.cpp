@@ -32,9 +32,9 @@ int LeadingNumber(XStringView text) {
 
 int AskVersion() {
   CXlOper text;
-  if (TryCallExcel(text, int{xlfGetWorkspace} | xlIntl, CXlOper::Number(kVersionText)) != xlretSuccess) return 0;
+  if (CallExcelForCode(text, int{xlfGetWorkspace} | xlIntl, CXlOper::Number(kVersionText)) != xlretSuccess) return 0;
   CXlOper version;
-  if (TryCallExcel(version, xlCoerce, text, CXlOper::Integer(xltypeInt)) == xlretSuccess && version.IsInteger())
+  if (CallExcelForCode(version, xlCoerce, text, CXlOper::Integer(xltypeInt)) == xlretSuccess && version.IsInteger())
     return version.AsInteger();
   return text.IsText() ? LeadingNumber(text.AsText()) : 0;
 }
@@ -76,7 +76,7 @@ void ReadLocalSettings() noexcept {
   current.columnLetter = kDefaults.columnLetter;
   SetDecimalSeparator(XTEXT('.'));
   CXlOper answer;
-  if (TryCallExcel(answer, xlfGetWorkspace, CXlOper::Number(kInternationalSettings)) != xlretSuccess ||
+  if (CallExcelForCode(answer, xlfGetWorkspace, CXlOper::Number(kInternationalSettings)) != xlretSuccess ||
       !answer.IsArray())
     return;
   try {

@@ -89,5 +89,6 @@ CXlComException::CXlComException(XStringView call, std::int32_t hresult)
 [[gnu::cold]] void ThrowUninitializedOper() { throw CXlUninitializedOperException(); }
 [[gnu::cold]] void ThrowStringTooLong() { throw CXlStringTooLongException(); }
 [[gnu::cold]] void ThrowOutOfRange() { throw CXlOutOfRangeException(); }
+[[gnu::cold]] void ThrowFunctionEnd() { throw CXlFunctionEnd(); }
 
 }  // namespace quillmere

@@ -1,4 +1,5 @@
-// The tree of exceptions that the frame raises. The wrapper of an exported function turns each into the cell's result.
+// The tree of exceptions that the frame raises, and the one beside it. The wrapper of an exported function turns each
+// into the cell's result.
 #pragma once
 
 #include <cstdint>
@@ -100,10 +101,16 @@ class CXlComException : public CXlRuntimeException {
   std::int32_t result_;
 };
 
+/// Excel wants the worksheet function that runs to return at once: a callback answered xlretAbort or xlretUncalced.
+/// Only xlFree may be called from then on, and the cell shows #VALUE!, until Excel calls again. It stands outside the
+/// tree, so that whoever makes something of a failure lets it pass: the wrapper alone catches it.
+class CXlFunctionEnd {};
+
 // Out of line and cold, so that the checks before them stay small in the loops that read cells.
 [[noreturn]] void ThrowBadOperType();
 [[noreturn]] void ThrowUninitializedOper();
 [[noreturn]] void ThrowStringTooLong();
 [[noreturn]] void ThrowOutOfRange();
+[[noreturn]] void ThrowFunctionEnd();
 
 }  // namespace quillmere

@@ -40,8 +40,8 @@ RegistrationTexts TextsOf(const FunctionDeclaration& declaration) {
 /// Gives `name` to a hidden command and returns the command's id: never set when Excel refuses.
 CXlOper HideName(XStringView modulePath, const CXlOper& name) {
   CXlOper id;
-  TryCallExcel(id, xlfRegister, CXlOper::Text(modulePath), CXlOper::Text(XTEXT("xlAutoRemove")),
-               CXlOper::Text(XTEXT("I")), name, CXlOper::Missing(), RegisterNumber(MacroType::kCommand));
+  CallExcelForCode(id, xlfRegister, CXlOper::Text(modulePath), CXlOper::Text(XTEXT("xlAutoRemove")),
+                   CXlOper::Text(XTEXT("I")), name, CXlOper::Missing(), RegisterNumber(MacroType::kCommand));
   return id;
 }
 
@@ -86,13 +86,13 @@ void CXllRegistrable::Unregister(XStringView modulePath, bool excel12OrLater) no
   if (!IsRegistered()) return;
   state_ = State::kNew;
   CXlOper answer;
-  TryCallExcel(answer, xlfUnregister, CXlOper::Number(registerId_));
+  CallExcelForCode(answer, xlfUnregister, CXlOper::Number(registerId_));
   if (!excel12OrLater) return;
   try {
     const CXlOper name = RegisterText(texts_.name);
     const CXlOper hiddenId = HideName(modulePath, name);
-    TryCallExcel(answer, xlfSetName, name);
-    if (hiddenId.IsNumber()) TryCallExcel(answer, xlfUnregister, hiddenId);
+    CallExcelForCode(answer, xlfSetName, name);
+    if (hiddenId.IsNumber()) CallExcelForCode(answer, xlfUnregister, hiddenId);
   } catch (const std::exception&) {
     // Without memory for the texts the name stays in the wizard; the function itself is unregistered.
   }

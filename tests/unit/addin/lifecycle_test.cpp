@@ -353,8 +353,8 @@ TEST_F(Lifecycle, CallbacksReachTheFirstEntryHandedOver) {
   EXPECT_EQ(TryCallExcel(name, xlGetName), xlretSuccess);
   EXPECT_EQ(name.AsText(), excel.path);
 
-  excel.On(xlGetName, [](auto, XLOPER12&) { return xlretUncalced; });
-  EXPECT_EQ(TryCallExcel(name, xlGetName), xlretUncalced);
+  excel.On(xlGetName, [](auto, XLOPER12&) { return xlretFailed; });
+  EXPECT_EQ(TryCallExcel(name, xlGetName), xlretFailed);
   EXPECT_FALSE(name.IsSet()) << "what an earlier call returned is gone";
   EXPECT_THROW(CallExcel(xlGetName), CXlRuntimeException);
 

@@ -124,7 +124,7 @@ TEST(ConvertScalar, FetchesOneCellOfAReference) {
   const XLREF12 areas[] = {{4, 1'048'575, 2, 3}, {0, 0, 0, 0}};
   const CXlOper reference = CXlOper::Reference(9, areas);
   EXPECT_EQ(ConvertTo<kString>(reference, true), XTEXT("top left"));
-  excel.On(xlCoerce, [](auto, XLOPER12&) { return xlretUncalced; });
+  excel.On(xlCoerce, [](auto, XLOPER12&) { return xlretFailed; });
   EXPECT_EQ(MessageOf([&] { ConvertTo<kString>(reference, true); }), XTEXT("Expected string"));
   EXPECT_EQ(MessageOf([&] { ConvertArgument(reference, CScalarConvertParams<kString>(kName)); }),
             XTEXT("Failed to convert Data from unknown type to string"));
