@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 
 #include "frame/app/dialogs.h"
 #include "frame/callbacks/callbacks.h"
@@ -76,8 +77,9 @@ void CXllApp::SetFormulaMemoryClearer(void (*clear)()) noexcept { formulaMemoryC
 
 int CXllApp::AutoOpen() noexcept {
   CXllApp* const app = theInstance;
-  const bool wasTakenDown = app && app->removed_ && app->closed_;
-  if (opened && !wasTakenDown) return 0;
+  if (opened && !app->removed_ && !app->closed_) return 0;
+  // What a removal alone has left connected is of the life that ends here.
+  if (opened) app->Close();
   bool success = false;
   try {
     DetectExcelVersion();
@@ -123,6 +125,9 @@ int CXllApp::CheckInstance() noexcept {
 bool CXllApp::RunOpening() {
   closed_ = false;
   removed_ = false;
+  // What a close has left registered is registered again over it, and stays to be unregistered as well: Excel counts.
+  leftRegistered_.insert(leftRegistered_.end(), std::make_move_iterator(registrables_.begin()),
+                         std::make_move_iterator(registrables_.end()));
   registrables_.clear();
   ReadLocalSettings();
   ReadModulePath();
@@ -225,8 +230,9 @@ void CXllApp::DisconnectCom() noexcept {
 }
 
 void CXllApp::UnregisterAll() noexcept {
-  for (const auto& registrable : registrables_)
-    registrable->Unregister(modulePath_, CurrentExcelSettings().excel12OrLater);
+  for (const auto* const list : {&registrables_, &leftRegistered_})
+    for (const auto& registrable : *list) registrable->Unregister(modulePath_, CurrentExcelSettings().excel12OrLater);
+  leftRegistered_.clear();
 }
 
 // ---- Closing and removing

@@ -29,7 +29,8 @@ class CXllApp {
 
   // The entry points.
 
-  /// 1 when the add-in has been opened by this call, 0 when that failed or it is open already.
+  /// 1 when the add-in has been opened by this call, 0 when that failed or it is open already: neither closed nor
+  /// removed since it was opened.
   static int AutoOpen() noexcept;
   /// Always 1. Nothing is unregistered: functions go on working.
   static int AutoClose() noexcept;
@@ -103,6 +104,7 @@ class CXllApp {
   XString displayName_;
   XString helpFilePath_;
   std::vector<std::unique_ptr<CXllRegistrable>> registrables_;
+  std::vector<std::unique_ptr<CXllRegistrable>> leftRegistered_;  ///< by openings before, and closed since
   std::vector<IXllOpenHook*> openHooks_;
   std::vector<IXllCloseHook*> closeHooks_;
   CXllComNull noCom_;

@@ -80,8 +80,9 @@ TEST_F(Lifecycle, OpensOnceAndClosesWithoutUnregistering) {
     EXPECT_EQ(second.closes, 1);
     EXPECT_EQ(memoryClearings, 1);
   }
-  EXPECT_EQ(CXllApp::AutoOpen(), 0);
-  EXPECT_EQ(first.opens, 1);
+  EXPECT_EQ(CXllApp::AutoOpen(), 1);
+  EXPECT_EQ(first.opens, 2);
+  EXPECT_THAT(excel.unregisterSteps, IsEmpty()) << "cells in use would lose the name";
 }
 
 TEST_F(Lifecycle, RemovingUnregistersAndAllowsAnotherOpening) {
@@ -262,7 +263,7 @@ struct NotingCom : IXllCom {
   bool IsInitialised() const override { return true; }
   bool IsConnected() const override { return connected; }
   void Connect() override {
-    connected = true;
+    EXPECT_FALSE(std::exchange(connected, true)) << "twice in one life";
     events.push_back("com on");
   }
   void ConnectEvents(XStringView name) override {
@@ -311,6 +312,12 @@ TEST_F(Lifecycle, ConnectsAndDisconnectsWhatExcelOffersBeyondItsApi) {
   events.clear();
   CXllApp::AutoClose();
   EXPECT_THAT(events, ElementsAre("ribbon off", "com off"));
+  EXPECT_EQ(CXllApp::AutoOpen(), 1);
+  events.clear();
+  CXllApp::AutoRemove();
+  EXPECT_EQ(CXllApp::AutoOpen(), 1);
+  EXPECT_THAT(events, ElementsAre("ribbon off", "com off", "ribbon on", "ribbon starts", "com on", "events on"));
+  CXllApp::AutoClose();
 
   events.clear();
   ribbon.reachable = false;
