@@ -76,21 +76,20 @@ void CheckSize(std::int64_t along, std::int64_t lanes, StackDirection direction)
   IsAcross(direction) ? CheckArraySize(lanes, along) : CheckArraySize(along, lanes);
 }
 
-/// A later block's share of a stack by headers: positions along, and those of them that it supplies. A single array
-/// cell takes a position and leaves it to the fill value.
+/// A later block's share of a stack by headers: the positions along that it supplies.
 AxisMap DataPositions(const Block& block, StackDirection direction) {
-  const std::int32_t along = Along(block.cells, direction);
-  if (block.isSingleValue) return AxisMap::Run(0, 1);
-  if (block.cells.Count() == 1) return AxisMap().PaddedTo(1);
-  return AxisMap::Run(1, along - 1);
+  return block.isSingleValue ? AxisMap::Run(0, 1) : AxisMap::Run(1, Along(block.cells, direction) - 1);
 }
+
+/// Whether a later block is an array of one cell: it makes the stack by headers longer by a position, which stays empty
+/// behind all blocks.
+bool LeavesPosition(const Block& block) { return !block.isSingleValue && block.cells.Count() == 1; }
 
 /// Where the lanes of the result are supplied from in a later block, kept in `places` where headers say so; nothing
 /// when no header matches.
 std::optional<AxisMap> MatchedLanes(const HeaderIndex& index, const Block& block, StackDirection direction,
                                     std::int32_t lanes, std::vector<std::int32_t>& places) {
   if (block.isSingleValue) return AxisMap::Repeated(lanes);
-  if (block.cells.Count() == 1) return AxisMap().PaddedTo(lanes);
   places = index.Match(Headers(block.cells, direction));
   if (places.empty()) return std::nullopt;
   return AxisMap::By(places);
@@ -142,17 +141,19 @@ void Functions::StackByHeader(CXlOper& result, StackDirection direction, const C
     return;
   }
 
+  const std::span later = std::span(arguments.blocks).subspan(1);
   const std::int32_t lanes = Lanes(first.cells, direction);
-  std::int64_t along = Along(first.cells, direction);
-  for (const Block& block : std::span(arguments.blocks).subspan(1)) along += DataPositions(block, direction).length;
+  const std::int32_t firstLength = Along(first.cells, direction);
+  const auto left = static_cast<std::int32_t>(std::ranges::count_if(later, LeavesPosition));
+  std::int64_t along = std::int64_t{firstLength} + left;
+  for (const Block& block : later) along += DataPositions(block, direction).length;
   CheckSize(along, lanes, direction);
 
   std::vector<ArrayPiece> pieces;
-  pieces.reserve(arguments.blocks.size());
-  const std::int32_t firstLength = Along(first.cells, direction);
+  pieces.reserve(arguments.blocks.size() + 1);
   std::vector<std::vector<std::int32_t>> matches(arguments.blocks.size());
   pieces.push_back(Piece(first, AxisMap::Run(0, firstLength), AxisMap::Run(0, lanes), direction));
-  for (const Block& block : std::span(arguments.blocks).subspan(1)) {
+  for (const Block& block : later) {
     const AxisMap positions = DataPositions(block, direction);
     if (positions.length == 0) continue;
     std::vector<std::int32_t>& places = matches[pieces.size()];
@@ -163,6 +164,7 @@ void Functions::StackByHeader(CXlOper& result, StackDirection direction, const C
     }
     pieces.push_back(Piece(block, positions, *matched, direction));
   }
+  if (left != 0) pieces.push_back(Piece(first, AxisMap().PaddedTo(left), AxisMap().PaddedTo(lanes), direction));
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
 }
 
