@@ -18,15 +18,17 @@ inline std::vector<XCHAR> CountedText(XCHAR letter, std::int64_t number) {
   return text;
 }
 
-/// An array whose cells may be numbers, booleans, or texts of eight units.
+/// An array whose cells may be numbers, booleans, or texts of as many units as are said, eight at first.
 struct HostArray {
   std::vector<XLOPER12> cells;
+  std::size_t room;                ///< units of each text with its length
   std::unique_ptr<XCHAR[]> texts;  ///< touched where a text is set, so that texts lie in the order of their cells
   XLOPER12 value{};
 
-  HostArray(int rows, int columns)
+  HostArray(int rows, int columns, std::size_t textUnits = 8)
       : cells(static_cast<std::size_t>(rows) * columns, EmptyCell()),
-        texts(std::make_unique_for_overwrite<XCHAR[]>(cells.size() * 9)) {
+        room(textUnits + 1),
+        texts(std::make_unique_for_overwrite<XCHAR[]>(cells.size() * room)) {
     value.val.array.lparray = cells.data();
     value.val.array.rows = rows;
     value.val.array.columns = columns;
@@ -37,7 +39,7 @@ struct HostArray {
 
   void SetText(std::size_t at, const std::vector<XCHAR>& counted) {
     XLOPER12 cell{};
-    cell.val.str = &texts[at * 9];
+    cell.val.str = &texts[at * room];
     cell.xltype = xltypeStr;
     std::copy(counted.begin(), counted.end(), cell.val.str);
     cells[at] = cell;

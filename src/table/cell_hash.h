@@ -7,18 +7,12 @@
 
 #include "frame/text/text_block.h"
 #include "frame/values/cell.h"
+#include "table/hash_key.h"
 
 namespace quillmere {
 
 /// Whether texts that differ by the case of A to Z alone are taken as equal.
 enum class TextCase { kIgnored, kCounts };
-
-/// Mixes two words into one, every bit of which hangs on all of theirs.
-inline std::uint64_t MixHash(std::uint64_t a, std::uint64_t b) noexcept {
-  __extension__ using Wide = unsigned __int128;
-  const Wide product = static_cast<Wide>(a ^ 0x9E37'79B9'7F4A'7C15) * (b ^ 0xD6E8'FEB8'6659'FD93);
-  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
-}
 
 /// A text of fewer units than a block, in a register that each such text fills in its own way, its length given.
 inline __m128i LoadShort(const XCHAR* text, std::size_t units) {
@@ -28,42 +22,49 @@ inline __m128i LoadShort(const XCHAR* text, std::size_t units) {
 }
 
 template <TextCase textCase>
-inline std::uint64_t HashBlock(__m128i block, std::uint64_t hash) {
+inline std::uint64_t HashBlock(__m128i block, std::uint64_t hash, const HashKey& key) {
   if constexpr (textCase == TextCase::kIgnored) block = FoldBlock(block);
   const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(block));
   const auto high = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(block, block)));
-  return MixHash(low ^ hash, high);
+  return key.Continued(hash, low, high);
 }
 
 /// The hash of a text; no unit outside it is read. Inline: a million short texts are hashed in a call.
 template <TextCase textCase>
-inline std::uint64_t HashText(XStringView text) {
+inline std::uint64_t HashText(XStringView text, const HashKey& key) {
   const XCHAR* const units = text.data();
   const std::size_t count = text.size();
-  std::uint64_t hash = MixHash(count, xltypeStr);
-  if (count < kTextBlock) return HashBlock<textCase>(LoadShort(units, count), hash);
+  std::uint64_t hash = key.StartOf(count);
+  if (count < kTextBlock) return HashBlock<textCase>(LoadShort(units, count), hash, key);
   for (std::size_t at = 0; at + kTextBlock < count; at += kTextBlock)
-    hash = HashBlock<textCase>(LoadBlock(units + at), hash);
+    hash = HashBlock<textCase>(LoadBlock(units + at), hash, key);
   // The last block may overlap the one before.
-  return HashBlock<textCase>(LoadBlock(units + count - kTextBlock), hash);
+  return HashBlock<textCase>(LoadBlock(units + count - kTextBlock), hash, key);
 }
 
-inline std::uint64_t HashNumber(double number) noexcept {
+inline std::uint64_t HashNumber(double number, const HashKey& key) noexcept {
   // The two zeros are equal.
-  return MixHash(std::bit_cast<std::uint64_t>(number + 0.0), xltypeNum);
+  return key.Of(std::bit_cast<std::uint64_t>(number + 0.0));
 }
 
 /// The hash of a single cell: equal for cells between which CompareOpers, with the case of texts as asked, gives 0.
 /// That comparison takes a number that is not one for equal to all; it has no hash, callers look for it. What is no
 /// single cell is "Bad XLOPER type".
 template <TextCase textCase>
-inline std::uint64_t HashCell(const XLOPER12& cell) {
+inline std::uint64_t HashCell(const XLOPER12& cell, const HashKey& key) {
   if (IsNumberCell(cell)) [[likely]]
-    return HashNumber(cell.val.num);
-  if (IsTextCell(cell)) return HashText<textCase>(TextOf(cell));
+    return HashNumber(cell.val.num, key);
+  if (IsTextCell(cell)) return HashText<textCase>(TextOf(cell), key);
   const std::uint32_t type = CellType(cell);
   const bool hasValue = type == xltypeBool || type == xltypeErr || type == xltypeInt;
-  return MixHash(hasValue ? static_cast<std::uint32_t>(cell.val.w) : 0, type);
+  return key.Of(std::uint64_t{hasValue ? static_cast<std::uint32_t>(cell.val.w) : 0} << 32 | type);
 }
+
+/// Hashes texts for the maps of the standard library.
+template <TextCase textCase>
+struct TextHash {
+  using is_transparent = void;
+  std::size_t operator()(XStringView text) const { return HashText<textCase>(text, HashKey::OfProcess()); }
+};
 
 }  // namespace quillmere

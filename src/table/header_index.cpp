@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 
-#include "table/cell_hash.h"
 #include "table/labels.h"
 
 namespace quillmere {
@@ -16,7 +15,7 @@ bool IsBlankOrError(std::uint32_t type) { return type == xltypeNil || type == xl
 }  // namespace
 
 std::size_t HeaderIndex::ValueHash::operator()(const Value& value) const noexcept {
-  return MixHash(value.bits, value.type);
+  return HashKey::OfProcess().Of(value.bits ^ value.type);
 }
 
 HeaderIndex::Value HeaderIndex::ValueOf(const XLOPER12& cell) {

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "table/cell_hash.h"
 #include "table/cell_line.h"
 
 namespace quillmere {
@@ -48,7 +49,8 @@ class HeaderIndex {
   static void Note(std::vector<std::int32_t>& places, const Map& map, const Key& key, std::int32_t place);
 
   std::vector<Keys> headers_;
-  std::unordered_map<XString, std::int32_t> texts_;  ///< upper-cased text: key, counting from 0
+  std::unordered_map<XString, std::int32_t, TextHash<TextCase::kCounts>>
+      texts_;  ///< upper-cased text: key, counting from 0
   std::unordered_map<Value, std::int32_t, ValueHash> values_;
 };
 

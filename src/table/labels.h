@@ -44,16 +44,14 @@ class FoldedLabels {
   std::int32_t Find(const XLOPER12& label) const;
 
  private:
-  struct Hash {
-    std::size_t operator()(XStringView text) const { return HashText<TextCase::kIgnored>(text); }
-  };
   struct Equal {
     bool operator()(XStringView a, XStringView b) const { return EqualFolded(a, b); }
   };
 
   CellLine header_;
   bool isIndexed_;
-  std::unordered_map<XStringView, std::int32_t, Hash, Equal> places_;  ///< the first place of each label
+  std::unordered_map<XStringView, std::int32_t, TextHash<TextCase::kIgnored>, Equal>
+      places_;  ///< the first place of each label
 };
 
 /// A cell as a label that is compared in capitals. One object serves many cells in turn.

@@ -36,8 +36,8 @@ class HashBatch {
         if (i + kTextsAhead < left) PrefetchText(at[kTextsAhead * stride]);
         const XLOPER12& cell = tuples_.Meaning(*at);
         ordinary &= !IsNumberCell(cell) || cell.val.num == cell.val.num;
-        const std::uint64_t hash = HashCell<textCase>(cell);
-        hashes_[i] = part == 0 ? hash : MixHash(hashes_[i], hash);
+        const std::uint64_t hash = HashCell<textCase>(cell, key_);
+        hashes_[i] = part == 0 ? hash : key_.Joined(hashes_[i], hash);
       }
     }
     return ordinary;
@@ -48,6 +48,7 @@ class HashBatch {
 
  private:
   const Tuples& tuples_;
+  const HashKey key_ = HashKey::OfProcess();
   std::int32_t count_ = 0;
   std::uint64_t hashes_[kTupleBatch];
 };

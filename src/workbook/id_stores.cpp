@@ -5,17 +5,13 @@
 #include <unordered_map>
 
 #include "frame/call/store_lock.h"
+#include "table/cell_hash.h"
 
 namespace quillmere::workbook {
 namespace {
 
 /// Texts are looked up by views, without a string being made.
-struct TextHash {
-  using is_transparent = void;
-  std::size_t operator()(XStringView text) const noexcept { return std::hash<XStringView>{}(text); }
-};
-
-using TextMap = std::unordered_map<XString, std::int32_t, TextHash, std::equal_to<>>;
+using TextMap = std::unordered_map<XString, std::int32_t, TextHash<TextCase::kCounts>, std::equal_to<>>;
 using NumberMap = std::unordered_map<std::int32_t, std::int32_t>;
 
 /// One map and the number of its entries. Everything but Count is called with the lock held.
