@@ -3,8 +3,13 @@
 #include "last_words.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-/// The sanitizers' own function; this compiler comes without the header that declares it.
-extern "C" void __sanitizer_set_death_callback(void (*callback)());
+// The sanitizers' own functions; this compiler comes without the headers that declare them. That for undefined
+// behaviour has a run-time library of its own, which knows nothing of the other's callback: it is told to abort.
+extern "C" {
+void __sanitizer_set_death_callback(void (*callback)());
+const char* __ubsan_default_options();
+const char* __ubsan_default_options() { return "abort_on_error=1"; }
+}
 #endif
 
 namespace qcalc::fault {
