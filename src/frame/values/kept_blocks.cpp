@@ -123,7 +123,8 @@ class NoMemoryHandler {
   NoMemoryHandler() noexcept : previous_(std::set_new_handler(&OnNoMemory)) {}
   ~NoMemoryHandler() {
     if (std::get_new_handler() == &OnNoMemory) std::set_new_handler(previous_);
-    StopKeepingBlocks();
+    // Held at the end of a process: its thread was ended in the middle, and will not let go.
+    if (!busy.test()) StopKeepingBlocks();
   }
   NoMemoryHandler(const NoMemoryHandler&) = delete;
   NoMemoryHandler& operator=(const NoMemoryHandler&) = delete;
