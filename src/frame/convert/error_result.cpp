@@ -27,7 +27,7 @@ constinit auto memoryErrorText = Counted(XTEXT("#ERROR: Memory allocation failed
 void WriteErrorText(CXlOper& result, XStringView message) {
   XString text = FormatCatalogue(MessageId::kErrorPrefix, message);
   if (!CurrentExcelSettings().excel12OrLater)
-    text = WidenAnsi(NarrowToAnsi(text).substr(0, static_cast<std::size_t>(kXlMaxText4)));
+    text = WidenAnsi(NarrowToAnsi(text, static_cast<std::size_t>(kXlMaxText4)));
   result.SetText(CutText(text, static_cast<std::size_t>(kXlMaxText)));
 }
 

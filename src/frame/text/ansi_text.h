@@ -12,7 +12,10 @@ namespace quillmere {
 /// the character the system puts in its place.
 XString WidenAnsi(std::string_view text);
 
-/// The ANSI form of a 16-bit text. A character that the code page lacks becomes "?".
+/// The ANSI form of a 16-bit text. A character that the code page lacks becomes one "?", whatever looks like it.
 std::string NarrowToAnsi(XStringView text);
+
+/// The same of the longest beginning that takes at most `limit` bytes and ends with a whole character.
+std::string NarrowToAnsi(XStringView text, std::size_t limit);
 
 }  // namespace quillmere

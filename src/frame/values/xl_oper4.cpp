@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/errors/messages.h"
 #include "frame/text/ansi_text.h"
 #include "frame/values/array_builder.h"
 #include "frame/values/cell_copy.h"
@@ -21,12 +22,13 @@ constexpr std::int32_t kMaxArrayRows4 = 65'535;
 constexpr std::int32_t kMaxArrayColumns4 = 256;
 constexpr std::int32_t kLastRow4 = 65'535;
 constexpr std::int32_t kLastColumn4 = 255;
+constexpr std::size_t kMaxText4 = kXlMaxText4;
 
 std::uint16_t TypeOf4(const XLOPER& value) { return static_cast<std::uint16_t>(value.xltype & ~kOwnershipBits); }
 
 XString TextOf4(const XLOPER& value) {
   if (!value.val.str) ThrowBadOperType();
-  std::array<char, kXlMaxText4> bytes;
+  std::array<char, kMaxText4> bytes;
   const std::size_t length = static_cast<unsigned char>(value.val.str[0]);
   CopyBytes(bytes.data(), value.val.str + 1, length);
   return WidenAnsi({bytes.data(), length});
@@ -34,12 +36,22 @@ XString TextOf4(const XLOPER& value) {
 
 XLREF12 WideArea(const XLREF& area) { return {area.rwFirst, area.rwLast, area.colFirst, area.colLast}; }
 
+/// A reference on the current sheet, checked as a 16-bit one is.
+CXlOper WideShortReference(const XLOPER& value) {
+  XLOPER12 wide{};
+  wide.val.sref = {value.val.sref.count, WideArea(value.val.sref.ref)};
+  wide.xltype = xltypeSRef;
+  return CXlOper::Borrow(&wide).Clone();
+}
+
 CXlOper WideReference(const XLOPER& value) {
   const XLMREF* const areas = value.val.mref.lpmref;
-  if (!areas || areas->count == 0) ThrowBadOperType();
+  if (!areas) ThrowBadOperType();
   std::vector<XLREF12> wide;
   for (std::uint16_t i = 0; i < areas->count; ++i) wide.push_back(WideArea(areas->reftbl[i]));
-  return CXlOper::Reference(value.val.mref.idSheet, wide);
+  CXlOper reference = CXlOper::Reference(value.val.mref.idSheet, wide);
+  CXlOper::Borrow(&reference.Raw());  // checked alike
+  return reference;
 }
 
 CXlOper WideScalar(const XLOPER& value) {
@@ -120,6 +132,15 @@ XLOPER NarrowPlain(const XLOPER12& cell) {
   return value;
 }
 
+/// The bytes of a text, more than a value can hold when it is too long. A failure's text is cut: better a part of it
+/// than an error value that tells nothing.
+std::string BytesOf(const XLOPER12& cell) {
+  const XStringView text = TextOf(cell);
+  const XStringView failure = MessageText(MessageId::kErrorPrefix);
+  if (text.starts_with(failure.substr(0, failure.find(XTEXT('{'))))) return NarrowToAnsi(text, kMaxText4);
+  return NarrowToAnsi(text);
+}
+
 /// Writes a counted text; the caller has made room and checked the length.
 char* PutText4(char* to, const std::string& text) {
   *to = static_cast<char>(static_cast<unsigned char>(text.size()));
@@ -128,8 +149,8 @@ char* PutText4(char* to, const std::string& text) {
 }
 
 XLOPER NarrowText(const XLOPER12& cell, Block& block) {
-  const std::string text = NarrowToAnsi(TextOf(cell));
-  if (text.size() > static_cast<std::size_t>(kXlMaxText4)) return Error4(xlerrValue);
+  const std::string text = BytesOf(cell);
+  if (text.size() > kMaxText4) return Error4(xlerrValue);
   block.reset(::operator new(text.size() + 1));
   XLOPER value{};
   value.xltype = xltypeStr;
@@ -145,7 +166,7 @@ XLOPER NarrowArray(const CXlCells& cells, Block& block) {
   std::size_t bytes = count * sizeof(XLOPER);
   for (std::size_t i = 0; i < count; ++i) {
     if (!IsTextCell(cells.first[i])) continue;
-    texts.push_back(NarrowToAnsi(TextOf(cells.first[i])));
+    texts.push_back(BytesOf(cells.first[i]));
     bytes += texts.back().size() + 1;
   }
   block.reset(::operator new(bytes));
@@ -155,7 +176,7 @@ XLOPER NarrowArray(const CXlCells& cells, Block& block) {
   for (std::size_t i = 0; i < count; ++i) {
     if (!IsTextCell(cells.first[i])) {
       narrow[i] = NarrowPlain(cells.first[i]);
-    } else if (const std::string& ansi = *text++; ansi.size() > static_cast<std::size_t>(kXlMaxText4)) {
+    } else if (const std::string& ansi = *text++; ansi.size() > kMaxText4) {
       narrow[i] = Error4(xlerrValue);
     } else {
       narrow[i] = XLOPER{};
@@ -217,7 +238,7 @@ CXlOper FromValue4(const XLOPER* value) {
     case xltypeMulti:
       return WideArray(*value);
     case xltypeSRef:
-      return CXlOper::Reference(WideArea(value->val.sref.ref));
+      return WideShortReference(*value);
     case xltypeRef:
       return WideReference(*value);
     default:

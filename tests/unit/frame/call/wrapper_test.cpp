@@ -39,6 +39,14 @@ XString TextAnswer(XLOPER12* answer) {
   return text;
 }
 
+/// The same of an 8-bit answer.
+std::string TextAnswer4(XLOPER* answer) {
+  if (answer->xltype != (xltypeStr | xlbitDLLFree)) return "(no text)";
+  const std::string text(answer->val.str + 1, static_cast<unsigned char>(answer->val.str[0]));
+  ReleaseOwned4(*answer);
+  return text;
+}
+
 template <class Exception>
 void Throw(CXlOper& result, const CXlOper*) {
   result.SetText(XTEXT("half done"));
@@ -312,6 +320,34 @@ TEST_F(Wrapper, EightBitValuesComeAndGo) {
   EXPECT_EQ(plain->val.num, 100'004);
 }
 
+/// A short reference; on another sheet a list of one.
+XLOPER Reference4(XLREF area, std::uint16_t count = 1) {
+  XLOPER value{};
+  value.val.sref = {count, area};
+  value.xltype = xltypeSRef;
+  return value;
+}
+
+TEST_F(Wrapper, EightBitReferencesAreChecked) {
+  XLMREF upsideDown{1, {{2, 1, 0, 0}}};
+  XLOPER elsewhere{};
+  elsewhere.val.mref = {&upsideDown, 77};
+  elsewhere.xltype = xltypeRef;
+  for (XLOPER reference : {Reference4({2, 1, 0, 0}), Reference4({1, 1, 3, 2}), Reference4({1, 1, 2, 2}, 2), elsewhere})
+    EXPECT_EQ(TextAnswer4(CallFunction4(&Echo, &reference)), "#ERROR: Bad XLOPER type");
+}
+
+TEST_F(Wrapper, EightBitTextsHaveWhatTheCodePageHas) {
+  const FunctionBody lookAlikes = [](CXlOper& result, const CXlOper*) {
+    result.SetText(XTEXT("caf\u00E9 \u20AC \u0100\u03B1\u221E\u0080 \U0001F600 \xD83D."));
+  };
+  EXPECT_EQ(TextAnswer4(CallFunction4(lookAlikes)), "caf\xE9 \x80 ???? ? ?.");
+  const FunctionBody longFailure = [](CXlOper&, const CXlOper*) {
+    throw CXlRuntimeException(XString(100, XTEXT('\x4E2D')) + XString(300, XTEXT('m')));
+  };
+  EXPECT_EQ(TextAnswer4(CallFunction4(longFailure)), "#ERROR: " + std::string(100, '?') + std::string(147, 'm'));
+}
+
 TEST_F(Wrapper, WhatEightBitsCannotHoldIsAnError) {
   const FunctionBody longText = [](CXlOper& result, const CXlOper*) { result.SetText(XString(256, XTEXT('x'))); };
   const FunctionBody longTextInArray = [](CXlOper& result, const CXlOper*) {
@@ -349,11 +385,8 @@ TEST_F(Wrapper, WhatEightBitsCannotHoldIsAnError) {
     XLOPER array{};
     array.val.array = {&nonsense, 1, 1};
     array.xltype = xltypeMulti;
-    for (XLOPER* const argument : {&nonsense, &array}) {
-      const XLOPER* const refused = CallFunction4(&Echo, argument);
-      ASSERT_EQ(refused->xltype, xltypeStr | xlbitDLLFree) << type;
-      EXPECT_EQ(std::string_view(refused->val.str + 1, 23), "#ERROR: Bad XLOPER type");
-    }
+    for (XLOPER* const argument : {&nonsense, &array})
+      EXPECT_EQ(TextAnswer4(CallFunction4(&Echo, argument)), "#ERROR: Bad XLOPER type") << type;
   }
 }
 
