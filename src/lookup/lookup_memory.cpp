@@ -5,6 +5,7 @@
 #include "frame/callbacks/callbacks.h"
 #include "frame/callbacks/caller.h"
 #include "frame/convert/single_value.h"
+#include "frame/errors/attempt.h"
 #include "frame/text/integer_text.h"
 #include "frame/values/cell_copy.h"
 #include "workbook/id_stores.h"
@@ -42,15 +43,31 @@ std::optional<MemoryChoice> ReadMemoryChoice(const CXlOper& memTypeName) {
 LookupMemory::LookupMemory(MemoryChoice choice, ListDirection direction)
     : choice_(std::move(choice)), direction_(direction) {}
 
-bool LookupMemory::IsCalledFromCells() {
-  if (!callerIsKnown_) {
-    caller_ = CallingCells();
-    callerIsKnown_ = true;
-  }
-  return caller_.IsSet();
+void LookupMemory::RequireCallingCells() {
+  AskCaller();
+  if (!caller_.IsSet()) throw CXlErrorException(xlerrValue);
 }
 
 std::optional<std::int32_t> LookupMemory::Recall(std::int32_t keyRow) {
+  std::optional<std::int32_t> found;
+  if (!Attempt([&] { found = Find(keyRow); })) choice_.type = MemoryType::kNone;
+  return found;
+}
+
+void LookupMemory::Remember(std::int32_t keyRow, std::int32_t position) {
+  bool isStored = false;
+  Attempt([&] { isStored = Store(keyRow, position); });
+  if (!isStored) choice_.type = MemoryType::kNone;
+}
+
+void LookupMemory::AskCaller() {
+  if (callerIsKnown_) return;
+  caller_ = CallingCells();
+  if (caller_.IsSet() && UsesTextStore()) sheetName_ = CallExcelOrValueError(xlSheetNm, caller_);
+  callerIsKnown_ = true;
+}
+
+std::optional<std::int32_t> LookupMemory::Find(std::int32_t keyRow) {
   const std::optional<XLREF12> place = PlaceOf(keyRow);
   if (!place) return std::nullopt;
   if (UsesTextStore()) {
@@ -61,23 +78,26 @@ std::optional<std::int32_t> LookupMemory::Recall(std::int32_t keyRow) {
                                             : workbook::FindId(workbook::NumberStore::kColumnIds, place->colFirst + 1);
 }
 
-void LookupMemory::Remember(std::int32_t keyRow, std::int32_t position) {
+/// False when the store stayed locked; a place that has no memory is passed over.
+bool LookupMemory::Store(std::int32_t keyRow, std::int32_t position) {
   const std::optional<XLREF12> place = PlaceOf(keyRow);
-  if (!place) return;
+  if (!place) return true;
   if (UsesTextStore()) {
-    if (const std::optional<XStringView> key = TextKey(*place)) workbook::StoreRowId(*key, position);
-  } else if (direction_ == ListDirection::kDown) {
-    workbook::StoreId(workbook::NumberStore::kRowIds, place->rwFirst + 1, position);
-  } else {
-    workbook::StoreId(workbook::NumberStore::kColumnIds, place->colFirst + 1, position);
+    const std::optional<XStringView> key = TextKey(*place);
+    return !key || workbook::StoreRowId(*key, position);
   }
+  return direction_ == ListDirection::kDown
+             ? workbook::StoreId(workbook::NumberStore::kRowIds, place->rwFirst + 1, position)
+             : workbook::StoreId(workbook::NumberStore::kColumnIds, place->colFirst + 1, position);
 }
 
-bool LookupMemory::UsesTextStore() const noexcept { return choice_.type != MemoryType::kNumber; }
+bool LookupMemory::UsesTextStore() const noexcept { return IsInUse() && choice_.type != MemoryType::kNumber; }
 
 /// The calling cell of a key row.
 std::optional<XLREF12> LookupMemory::PlaceOf(std::int32_t keyRow) {
-  if (!IsInUse() || !IsCalledFromCells()) return std::nullopt;
+  if (!IsInUse()) return std::nullopt;
+  AskCaller();
+  if (!caller_.IsSet()) return std::nullopt;
   XLREF12 place = caller_.Areas().front();
   const bool isThere = direction_ == ListDirection::kDown ? NarrowTo(place.rwFirst, place.rwLast, keyRow)
                                                           : NarrowTo(place.colFirst, place.colLast, keyRow);
@@ -103,13 +123,12 @@ std::optional<XStringView> LookupMemory::TextKey(const XLREF12& place) {
 ///
 /// No two places share one, whatever the names hold. The first two end in their address, which holds no "!": the last
 /// "!" is where the sheet ends. The third begins with its address and tells how long the name is; it ends in "]", the
-/// others in a digit. Where the sheet's name cannot be had, or a book is asked for and it names none, nothing is set.
+/// others in a digit. Where Excel knows no name of the sheet, or a book is asked for and it names none, nothing is set.
 void LookupMemory::PrepareTextKeys() {
   textKeysAreReady_ = true;
-  const CXlOper answer = CallExcelOrValueError(xlSheetNm, caller_);
-  if (!answer.IsText()) return;
+  if (!sheetName_.IsText()) return;
   XString sheet;
-  AssignText(sheet, answer.AsText());
+  AssignText(sheet, sheetName_.AsText());
   if (choice_.type != MemoryType::kNamed) {
     head_ = std::move(sheet) + XTEXT('!');
     return;

@@ -31,16 +31,18 @@ std::optional<MemoryChoice> ReadMemoryChoice(const CXlOper& memTypeName);
 enum class ListDirection { kDown, kAcross };
 
 /// The memory of one call. Which places call is asked of Excel on first use, once; so is the name of their sheet, where
-/// the type needs it. A callback that fails raises CXlErrorException with #VALUE!.
+/// the type needs it. What is found never depends on it: a failure in it, such as no memory for an entry or a lock that
+/// was waited for in vain, ends its use for the rest of the call.
 class LookupMemory {
  public:
   explicit LookupMemory(MemoryChoice choice, ListDirection direction = ListDirection::kDown);
 
-  /// Whether the memory is in use at all: its type is not kNone.
+  /// Whether the memory is in use at all: its type is not kNone, and nothing in it has failed.
   bool IsInUse() const noexcept { return choice_.type != MemoryType::kNone; }
 
-  /// Whether the formula stands in cells of a worksheet, whatever the memory's type.
-  bool IsCalledFromCells();
+  /// For functions that are nothing without a calling cell: asks now what there is to ask. CXlErrorException with
+  /// #VALUE! when the formula stands in no cells of a worksheet, whatever the memory's type, or when a callback fails.
+  void RequireCallingCells();
 
   /// The position remembered for the calling place of a key row (0-based): in a formula entered over several rows
   /// (columns) that of the calling range's like row, else that of its one row. Positions count from 1, but any number
@@ -53,7 +55,10 @@ class LookupMemory {
 
  private:
   bool UsesTextStore() const noexcept;
+  void AskCaller();
   std::optional<XLREF12> PlaceOf(std::int32_t keyRow);
+  std::optional<std::int32_t> Find(std::int32_t keyRow);
+  bool Store(std::int32_t keyRow, std::int32_t position);
   /// The key of a place in the text store, a view of `key_`; nothing where no key can be made.
   std::optional<XStringView> TextKey(const XLREF12& place);
   void PrepareTextKeys();
@@ -63,10 +68,11 @@ class LookupMemory {
   ListDirection direction_;
   bool callerIsKnown_ = false;
   bool textKeysAreReady_ = false;
-  CXlOper caller_;  ///< never set where it is no cell
-  XString head_;    ///< of every text key, before the address
-  XString tail_;    ///< and after it
-  XString key_;     ///< the buffer of all text keys
+  CXlOper caller_;     ///< never set where it is no cell
+  CXlOper sheetName_;  ///< asked for where the caller is a cell and the text store is used
+  XString head_;       ///< of every text key, before the address
+  XString tail_;       ///< and after it
+  XString key_;        ///< the buffer of all text keys
 };
 
 }  // namespace quillmere::lookup

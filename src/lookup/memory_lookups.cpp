@@ -85,7 +85,7 @@ MemoryLookup ReadArguments(const MemoryLookupArguments& arguments) {
   std::optional<MemoryChoice> choice = ReadMemoryChoice(arguments.memType.Value());
   if (!choice) throw CXlErrorException(xlerrValue);
   MemoryLookup lookup{std::move(value), isSorted, {table, direction}, LookupMemory(*std::move(choice), direction)};
-  if (!lookup.memory.IsCalledFromCells()) throw CXlErrorException(xlerrValue);
+  lookup.memory.RequireCallingCells();
   return lookup;
 }
 

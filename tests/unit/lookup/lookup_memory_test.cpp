@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <map>
+#include <new>
 #include <string>
 #include <tuple>
 
@@ -160,7 +161,7 @@ TEST_F(LookupMemoryTest, WithoutAPlaceNothingIsRemembered) {
     caller = one.Clone();
     for (const MemoryType type : {MemoryType::kCell, MemoryType::kNumber, MemoryType::kNamed}) {
       LookupMemory memory({type, XTEXT("n")});
-      EXPECT_FALSE(memory.IsCalledFromCells());
+      EXPECT_THROW(memory.RequireCallingCells(), CXlErrorException);
       memory.Remember(0, 1);
       EXPECT_EQ(memory.Recall(0), std::nullopt);
     }
@@ -186,6 +187,18 @@ TEST_F(LookupMemoryTest, WithoutAPlaceNothingIsRemembered) {
   unnamed.Remember(0, 1);
   EXPECT_EQ(unnamed.Recall(0), std::nullopt);
   EXPECT_EQ(Stored(), 1u);
+}
+
+TEST_F(LookupMemoryTest, NoMemoryForAnEntryEndsNothingButItsUse) {
+  const auto remember = [] {
+    LookupMemory memory({MemoryType::kNumber, {}});
+    memory.RequireCallingCells();
+    EXPECT_NO_THROW(memory.Remember(0, 7));
+    Clear();
+    if (!memory.IsInUse()) throw std::bad_alloc();
+  };
+  remember();
+  EXPECT_GT(FailEachAllocation(remember), 1);
 }
 
 TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
