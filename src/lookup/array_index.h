@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "lookup/found_rows.h"
@@ -20,21 +21,26 @@ class ArrayIndex {
   /// Searches. What it is given must outlive it.
   ArrayIndex(const RowTuples& rows, const LookupKeys& keys, std::int32_t position);
 
-  /// False when a number that is none stands among the keys or rows looked at: such a number equals all others, so
-  /// that only a scan can find what there is to find.
-  bool IsUsable() const noexcept { return usable_; }
+  /// Adds the wanted rows of a key. False, with nothing added, where numbers that are none have a say in them: such a
+  /// number equals every number.
+  bool Record(std::int32_t key, FoundRows& found) const;
 
-  /// Adds the wanted rows of a key.
-  void Record(std::int32_t key, FoundRows& found) const;
+  /// Whether such a number is part of a key, so that only a scan finds what there is to find.
+  bool IsOddKey(std::int32_t key) const noexcept;
+  /// The rows that have one, in order. Whether they match a key must be looked at.
+  std::span<const std::int32_t> OddRows() const noexcept { return oddRows_; }
+  /// Of the other rows those that are equal to a key that is not odd, in order: all of them where all or the n-th are
+  /// wanted and there are odd rows; else the wanted one alone, if any.
+  std::span<const std::int32_t> RowsOf(std::int32_t key) const noexcept;
 
  private:
   struct Search;
 
-  bool usable_ = true;
   bool wantsAll_;
-  std::vector<std::int32_t> groupOfKey_;  ///< equal tuples are one group; kNoGroup where no row is equal
+  std::vector<std::int32_t> groupOfKey_;  ///< kNoGroup where no row is equal; kOddTuple
   std::vector<std::int32_t> rowOfGroup_;  ///< the wanted row; with wantsAll_ the groups' first places in allRows_
   std::vector<std::int32_t> allRows_;
+  std::vector<std::int32_t> oddRows_;
 };
 
 }  // namespace quillmere::lookup

@@ -1,6 +1,8 @@
 #include "lookup/array_search.h"
 
+#include <algorithm>
 #include <optional>
+#include <span>
 
 #include "lookup/array_bisection.h"
 #include "lookup/array_index.h"
@@ -35,16 +37,48 @@ void ScanRows(const RowTuples& rows, Key key, std::int32_t position, FoundRows& 
   }
 }
 
+/// The rows that an index knows for a key, and those of its odd rows that match: a Search as WalkMatches wants it.
+class IndexedRows {
+ public:
+  IndexedRows(const ArrayIndex& index, std::int32_t place, const RowTuples& rows, Key key)
+      : known_(index.RowsOf(place)), odd_(index.OddRows()), rows_(rows), key_(key) {
+    // With one part, what one of them matches they all match.
+    if (key.size() == 1 && !MatchesRow(rows, odd_.front(), key)) odd_ = {};
+  }
+
+  std::int32_t FindUnsorted(std::int32_t start) const {
+    const auto known = std::ranges::lower_bound(known_, start);
+    const std::int32_t end = known == known_.end() ? rows_.Count() : *known;
+    for (auto odd = std::ranges::lower_bound(odd_, start); odd != odd_.end() && *odd < end; ++odd)
+      if (MatchesRow(rows_, *odd, key_)) return *odd;
+    return known == known_.end() ? kNoRow : end;
+  }
+  std::int32_t FindLastUnsorted() const {
+    const std::int32_t known = known_.empty() ? kNoRow : known_.back();
+    for (auto odd = odd_.rbegin(); odd != odd_.rend() && *odd > known; ++odd)
+      if (MatchesRow(rows_, *odd, key_)) return *odd;
+    return known;
+  }
+
+ private:
+  std::span<const std::int32_t> known_;
+  std::span<const std::int32_t> odd_;
+  const RowTuples& rows_;
+  Key key_;
+};
+
 void SearchUnsorted(const RowTuples& rows, const LookupKeys& keys, std::int32_t position, FoundRows& found) {
   std::optional<ArrayIndex> index;
   if (ArrayIndex::Pays(rows.Count(), keys.Count())) index.emplace(rows, keys, position);
-  const bool hasIndex = index && index->IsUsable();
   KeyRoom room;
   for (std::int32_t i = 0; i < keys.Count(); ++i) {
-    if (hasIndex && !keys.HasPattern(i))
-      index->Record(i, found);
+    const bool isIndexed = index && !keys.HasPattern(i);
+    if (isIndexed && index->Record(i, found)) continue;
+    const Key key = room.Prepare(keys, i, keys.Parts());
+    if (isIndexed && !index->IsOddKey(i))
+      WalkMatches(IndexedRows(*index, i, rows, key), position, found);
     else
-      ScanRows(rows, room.Prepare(keys, i, keys.Parts()), position, found);
+      ScanRows(rows, key, position, found);
   }
 }
 

@@ -23,8 +23,9 @@ class HashBatch {
  public:
   explicit HashBatch(const Tuples& tuples) noexcept : tuples_(tuples) {}
 
-  /// Hashes the batch that starts at `first`; false when a number that is none is among its cells.
-  bool Fill(std::int32_t first) {
+  /// Hashes the batch that starts at `first`.
+  void Fill(std::int32_t first) {
+    first_ = first;
     count_ = std::min(kTupleBatch, tuples_.Count() - first);
     bool ordinary = true;
     for (std::size_t part = 0; part < tuples_.Parts(); ++part) {
@@ -35,21 +36,34 @@ class HashBatch {
         if (i + kCellsAhead < left) __builtin_prefetch(at + kCellsAhead * stride);
         if (i + kTextsAhead < left) PrefetchText(at[kTextsAhead * stride]);
         const XLOPER12& cell = tuples_.Meaning(*at);
-        ordinary &= !IsNumberCell(cell) || cell.val.num == cell.val.num;
+        ordinary &= !IsNan(cell);
         const std::uint64_t hash = HashCell<textCase>(cell, key_);
         hashes_[i] = part == 0 ? hash : key_.Joined(hashes_[i], hash);
       }
     }
-    return ordinary;
+    areOrdinary_ = ordinary;
   }
 
   std::int32_t Count() const noexcept { return count_; }
   std::uint64_t operator[](std::int32_t i) const noexcept { return hashes_[i]; }
 
+  /// Whether all tuples of the batch are found by their hashes; and whether one of them is not, since a number that is
+  /// none is among its cells: that equals every number.
+  bool AreOrdinary() const noexcept { return areOrdinary_; }
+  bool IsOdd(std::int32_t i) const {
+    for (std::size_t part = 0; part < tuples_.Parts(); ++part)
+      if (IsNan(*tuples_.CellAt(first_ + i, part))) return true;
+    return false;
+  }
+
  private:
+  static bool IsNan(const XLOPER12& cell) { return IsNumberCell(cell) && cell.val.num != cell.val.num; }
+
   const Tuples& tuples_;
   const HashKey key_ = HashKey::OfProcess();
+  std::int32_t first_ = 0;
   std::int32_t count_ = 0;
+  bool areOrdinary_ = true;
   std::uint64_t hashes_[kTupleBatch];
 };
 

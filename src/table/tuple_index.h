@@ -16,9 +16,12 @@ namespace quillmere {
 
 /// In place of a group: none.
 constexpr std::int32_t kNoGroup = -1;
+/// And that of a tuple with a number that is none. Such a number equals every number, so that the tuple is in no group,
+/// and whoever looks for what equals it must look at all.
+constexpr std::int32_t kOddTuple = -2;
 
 /// Whether CompareOpers, with the case of texts as asked, gives 0 for two single cells. A number that is none equals
-/// nothing here: HashBatch tells of it.
+/// nothing here.
 template <TextCase textCase>
 inline bool CellsEqual(const XLOPER12& a, const XLOPER12& b) {
   if (IsNumberCell(a)) return IsNumberCell(b) && a.val.num == b.val.num;
@@ -44,29 +47,30 @@ class TupleIndex {
     filter_ = std::make_unique<std::uint64_t[]>(slots / 8 + std::size_t{1});
   }
 
-  /// Puts all tuples in, once; `groups` gets the group of each. False when a number that is none is among their cells:
-  /// such a number equals all others, so that there are no groups.
-  bool AddAll(std::vector<std::int32_t>& groups) {
+  /// Puts all tuples in, once; `groups` gets the group of each, or kOddTuple.
+  void AddAll(std::vector<std::int32_t>& groups) {
     groups.reserve(static_cast<std::size_t>(tuples_.Count()));
     HashBatch<textCase, Tuples> hashes(tuples_);
     for (std::int32_t first = 0; first < tuples_.Count(); first += kTupleBatch) {
-      if (!hashes.Fill(first)) return false;
+      hashes.Fill(first);
       for (std::int32_t i = 0; i < hashes.Count(); ++i) PrefetchSlot(hashes[i]);
-      for (std::int32_t i = 0; i < hashes.Count(); ++i) groups.push_back(Add(first + i, hashes[i]));
+      for (std::int32_t i = 0; i < hashes.Count(); ++i)
+        groups.push_back(hashes.AreOrdinary() || !hashes.IsOdd(i) ? Add(first + i, hashes[i]) : kOddTuple);
     }
-    return true;
   }
 
   std::int32_t Groups() const noexcept { return groups_; }
 
   /// Calls `take(place, group)` for those of other tuples, of as many parts, that equal tuples in the index, until it
-  /// returns false; false when a number that is none is among the cells looked at.
-  template <CellTuples Others, class Take>
-  bool FindAll(const Others& others, const Take& take) const {
+  /// returns false; and `takeOdd(place)` for all odd ones before the place where it does.
+  template <CellTuples Others, class Take, class TakeOdd>
+  void FindAll(const Others& others, const Take& take, const TakeOdd& takeOdd) const {
     HashBatch<textCase, Others> hashes(others);
     std::int32_t candidates[kTupleBatch];
     for (std::int32_t first = 0; first < others.Count(); first += kTupleBatch) {
-      if (!hashes.Fill(first)) return false;
+      hashes.Fill(first);
+      for (std::int32_t i = 0; !hashes.AreOrdinary() && i < hashes.Count(); ++i)
+        if (hashes.IsOdd(i)) takeOdd(first + i);
       std::int32_t count = 0;
       for (std::int32_t i = 0; i < hashes.Count(); ++i) {
         candidates[count] = i;
@@ -79,10 +83,9 @@ class TupleIndex {
       for (const std::int32_t i : chosen) {
         std::uint32_t slot = 0;
         const std::int32_t group = Find(others, first + i, hashes[i], slot);
-        if (group != kNoGroup && !take(first + i, group)) return true;
+        if (group != kNoGroup && !take(first + i, group)) return;
       }
     }
-    return true;
   }
 
  private:
