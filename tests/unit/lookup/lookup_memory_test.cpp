@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <map>
-#include <new>
 #include <string>
 #include <tuple>
 
@@ -190,15 +189,11 @@ TEST_F(LookupMemoryTest, WithoutAPlaceNothingIsRemembered) {
 }
 
 TEST_F(LookupMemoryTest, NoMemoryForAnEntryEndsNothingButItsUse) {
-  const auto remember = [] {
-    LookupMemory memory({MemoryType::kNumber, {}});
-    memory.RequireCallingCells();
-    EXPECT_NO_THROW(memory.Remember(0, 7));
-    Clear();
-    if (!memory.IsInUse()) throw std::bad_alloc();
-  };
-  remember();
-  EXPECT_GT(FailEachAllocation(remember), 1);
+  LookupMemory memory({MemoryType::kNumber, {}});
+  memory.RequireCallingCells();
+  FailNextAllocation();
+  EXPECT_NO_THROW(memory.Remember(0, 7));
+  EXPECT_FALSE(memory.IsInUse());
 }
 
 TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
@@ -210,6 +205,8 @@ TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
   array.val.array.columns = 1;
   const CXlOper two = CXlOper::Number(2);
   const CXlOper one = CXlOper::Number(1);
+  const CXlOper noMemory = CXlOper::Number(0);
+  const CXlOper rows = CXlOper::Reference({0, 1, 0, 0});
   for (const double answer : {0.0, -1.0, 0.5, 3.0, 1e300, std::nan("")})
     for (const double sorted : {0.0, 1.0}) {
       excel.On(xlfMatch, [answer](auto, XLOPER12& result) {
@@ -224,6 +221,9 @@ TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
       result = MEMMATCH_12(two.ForCallback(), &array, sortType.ForCallback(), nullptr, nullptr);
       const bool isTaken = answer == 3 && sorted == 0;
       EXPECT_TRUE(isTaken ? IsNumberCell(*result) : IsErrorCell(*result) && result->val.err == xlerrNA) << answer;
+      result = AMATCH2_12(two.ForCallback(), rows.ForCallback(), sortType.ForCallback(), nullptr, nullptr,
+                          noMemory.ForCallback());
+      EXPECT_TRUE(IsErrorCell(*result) && result->val.err == xlerrNA) << answer;
     }
 }
 

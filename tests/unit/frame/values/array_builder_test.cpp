@@ -114,6 +114,9 @@ TEST(ArrayBuilder, RefusesWhatIsNoSingleCell) {
   const XLOPER12 row[] = {CXlOper::Number(1).Raw(), array.Raw()};
   EXPECT_THROW(builder.CopyCells(builder.Row(0), row, 2), CXlBadOperTypeException);
   EXPECT_THROW(builder.CopyCells(builder.Row(0), &nullText, 1), CXlBadOperTypeException);
+  CountedText tooLong(0);
+  tooLong.units[0] = 32'768;
+  EXPECT_THROW(builder.CopyCells(builder.Row(0), &tooLong.cell, 1), CXlBadOperTypeException);
   XLOPER12 unknownBit = NumberCell(1);
   unknownBit.xltype |= 0x200;
   EXPECT_THROW(builder.CopyCells(builder.Row(0), &unknownBit, 1), CXlBadOperTypeException);
@@ -146,6 +149,7 @@ TEST(ArrayBuilder, RefusesPlacesOutsideTheArray) {
   const std::tuple<XLOPER12*, std::size_t, std::ptrdiff_t> runs[] = {
       {first, 13, 1},
       {first + 12, 1, 1},
+      {first + 5, 8, 1},
       {first + 5, 2, 7},
       {first + 5, 2, -6},
       {first + 11, 4, -4},
