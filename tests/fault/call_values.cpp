@@ -30,25 +30,11 @@ Value ManyCells() {
 }
 
 /// Whether an argument of that letter receives references.
-bool TakesReferences(const RegisteredFunction& function, std::size_t argument) {
+bool TakesReferences(const AddinFunction& function, std::size_t argument) {
   return function.operands[argument] == OperandKind::kReference;
 }
 
 }  // namespace
-
-const char* NameOf(PlainCall plain) {
-  switch (plain) {
-    case PlainCall::kMissing:
-      return "all missing";
-    case PlainCall::kScalars:
-      return "scalars";
-    case PlainCall::kTables:
-      return "tables";
-    case PlainCall::kExample:
-      return "example";
-  }
-  return "";
-}
 
 CallValues::CallValues(Session& session) : session_(session) {
   FillSheets();
@@ -137,9 +123,27 @@ void CallValues::ReadExamples(const std::string& path) {
     if (!formula) throw std::runtime_error(path + ": " + line + ": " + formula.Error().ToString());
     MakeMentionedSheets(*formula, session_.ItsWorkbooks(), session_.CurrentSheet());
     const std::optional<PreparedCall> call = PrepareOutermostCall(*formula, context_);
-    if (call && !call->refused) examples_.emplace(call->function->name, call->operands);
+    if (!call || call->refused) continue;
+    std::vector<NamedValue> asWritten, inCells;
+    for (std::size_t i = 0; i < call->operands.size(); ++i) {
+      const Value& operand = call->operands[i];
+      asWritten.push_back({"of the example", operand});
+      const bool isLaidOut = operand.IsArray() && TakesReferences(*call->function, i);
+      inCells.push_back(isLaidOut ? NamedValue{"the example's in cells", InCells(operand)} : asWritten.back());
+    }
+    examples_.emplace(std::pair(call->function->name, PlainCall::kExample), std::move(asWritten));
+    examples_.emplace(std::pair(call->function->name, PlainCall::kCells), std::move(inCells));
   }
   if (examples_.empty()) throw std::runtime_error(path + ": no example calls a function of the add-in");
+}
+
+/// Puts the array on a sheet, below what stands there.
+Value CallValues::InCells(const Value& array) {
+  Sheet& sheet = session_.ItsWorkbooks().BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Examples"));
+  const Area area = Area::OfSize(nextRow_, 0, array.AsArray()->Rows(), array.AsArray()->Columns());
+  sheet.Set(area, array);
+  nextRow_ = area.lastRow + 2;
+  return Value::OfReference({sheet.Id(), {area}});
 }
 
 std::span<const NamedValue> CallValues::KindsFor(const RegisteredFunction& function, std::size_t argument) const {
@@ -166,14 +170,9 @@ NamedValue CallValues::PlainOperand(const RegisteredFunction& function, std::siz
 }
 
 std::vector<NamedValue> CallValues::PlainOperands(const RegisteredFunction& function, PlainCall plain) const {
+  if (const auto example = examples_.find({function.name, plain}); example != examples_.end()) return example->second;
   std::vector<NamedValue> operands;
-  const auto example = examples_.find(function.name);
-  for (std::size_t i = 0; i < function.operands.size(); ++i) {
-    if (plain == PlainCall::kExample && example != examples_.end())
-      operands.push_back({"of the example", example->second[i]});
-    else
-      operands.push_back(PlainOperand(function, i, plain));
-  }
+  for (std::size_t i = 0; i < function.operands.size(); ++i) operands.push_back(PlainOperand(function, i, plain));
   return operands;
 }
 

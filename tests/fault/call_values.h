@@ -24,10 +24,10 @@ enum class PlainCall {
   kScalars,  ///< numbers, texts and booleans as the argument's letter wants them
   kTables,   ///< the same table everywhere, as an array or as a reference
   kExample,  ///< what the function's own example calls it with; kTables when no example of it is known
+  kCells,    ///< the same, with its arrays in cells wherever a reference is taken
 };
 inline constexpr std::array kPlainCalls = {PlainCall::kMissing, PlainCall::kScalars, PlainCall::kTables,
-                                           PlainCall::kExample};
-const char* NameOf(PlainCall plain);
+                                           PlainCall::kExample, PlainCall::kCells};
 
 class CallValues {
  public:
@@ -48,13 +48,15 @@ class CallValues {
  private:
   void FillSheets();
   void MakeKinds();
+  Value InCells(const Value& array);
   NamedValue PlainOperand(const RegisteredFunction& function, std::size_t argument, PlainCall plain) const;
 
   Session& session_;
   Reference table_;
   std::vector<NamedValue> values_;      ///< for an argument that takes values
   std::vector<NamedValue> references_;  ///< those, and references
-  std::map<XString, std::vector<Value>> examples_;
+  std::map<std::pair<XString, PlainCall>, std::vector<NamedValue>> examples_;
+  std::int32_t nextRow_ = 0;  ///< of the sheet for the examples' arrays
   EvaluationContext context_;
 };
 
