@@ -74,6 +74,25 @@ class FunctionTest : public testing::Test {
     return trials;
   }
 
+  bool IsPlain(std::uint64_t number) const { return combinations_[number].argument == kNoArgument; }
+
+  /// Calls `attempt` with the trial after it was observed with the stores empty, and once more as it is when what it
+  /// stored is found, if it then goes another way. False when enough has been told.
+  template <typename Attempt>
+  bool InBothStates(std::uint64_t number, Trial trial, Attempt&& attempt) {
+    std::pair<std::vector<std::pair<const XlCallback*, int>>, std::int64_t> before;
+    for (const bool forgets : {true, false}) {
+      trial.forgets = forgets;
+      NoteLastWords(0, findings_.NameOf(number, trial.Describe()));
+      const Value answer = runner_.Observe(trial);
+      if (!function_.IsHidden()) trial.answer = answer;
+      const std::pair way(runner_.CallbacksMade(), AddinAllocations().Count());
+      if (way == std::exchange(before, way)) return true;
+      if (!attempt(trial)) return false;
+    }
+    return true;
+  }
+
   TrialRunner& runner_;
   const SuiteSettings& settings_;
   const RegisteredFunction& function_;
@@ -157,73 +176,75 @@ class Damage : public FunctionTest {
   }
 };
 
-/// Each callback that a call makes fails, and is answered oddly, in turn.
+/// Each callback that a call makes fails, and is answered oddly, in turn: all those of the plain calls, and of others
+/// as many as the function's share is.
 class Callbacks : public FunctionTest {
  public:
   using FunctionTest::FunctionTest;
   void TestBody() override {
     std::uint64_t left = Share();
-    for (const auto& [number, trial] : Trials(std::max<std::uint64_t>(Share() / 8, kPlainCalls.size()))) {
-      NoteLastWords(0, findings_.NameOf(number, trial.Describe()));
-      runner_.Observe(trial);
-      for (const auto& [callback, calls] : runner_.CallbacksMade())
-        for (int nth = 1; nth <= std::min(calls, kMostInTurn); ++nth)
-          if (!TryCallback(number, trial, *callback, nth, left)) return;
-    }
+    for (const auto& [number, trial] : Trials(std::max<std::uint64_t>(Share() / 8, kPlainCalls.size())))
+      if (!InBothStates(number, trial, [&, at = number](const Trial& each) { return FailEach(at, each, left); }))
+        return;
     EXPECT_EQ(runner_.CheckBooks(), "");
   }
 
  private:
   static constexpr int kMostInTurn = 6;
 
-  bool TryCallback(std::uint64_t number, const Trial& plain, const XlCallback& callback, int nth, std::uint64_t& left) {
-    Trial trial = plain;
-    const auto attempt = [&](std::variant<int, AnswerKind> answer) {
-      if (left == 0) return true;
-      --left;
-      trial.faults.callback = CallbackFault{&callback, nth, answer};
+  bool FailEach(std::uint64_t number, Trial trial, std::uint64_t& left) {
+    const std::optional<Value> answer = trial.answer;
+    const auto attempt = [&](const XlCallback& callback, int nth, std::variant<int, AnswerKind> with) {
+      if (!IsPlain(number) && left == 0) return true;
+      if (!IsPlain(number)) --left;
+      trial.faults.callback = CallbackFault{&callback, nth, with};
+      // An odd answer may be taken for a right one.
+      trial.answer = std::holds_alternative<int>(with) ? answer : std::nullopt;
       return findings_.Try(runner_, trial, number);
     };
-    for (const int code : kReturnCodes)
-      if (!attempt(code)) return false;
-    for (const AnswerKind kind : kAnswerKinds)
-      if (!attempt(kind)) return false;
+    for (const auto& [callback, calls] : runner_.CallbacksMade())
+      for (int nth = 1; nth <= std::min(calls, kMostInTurn); ++nth) {
+        for (const int code : kReturnCodes)
+          if (!attempt(*callback, nth, code)) return false;
+        for (const AnswerKind kind : kAnswerKinds)
+          if (!attempt(*callback, nth, kind)) return false;
+      }
     return true;
   }
 };
 
-/// Each allocation that a call makes fails in turn, once and from then on, until the call gets by without it.
+/// Each allocation that a call makes fails in turn, once and from then on, until the call gets by without it: the first
+/// of each plain call, and of others as many as the function's share is.
 class Allocations : public FunctionTest {
  public:
   using FunctionTest::FunctionTest;
   void TestBody() override {
-    std::int64_t failed = 0;
     std::int64_t left = static_cast<std::int64_t>(2 * Share());
     for (const auto& [number, trial] : Trials(std::max<std::uint64_t>(Share() / 10, kPlainCalls.size()))) {
-      for (const AllocationFailure failure : {AllocationFailure::kOnce, AllocationFailure::kFromThenOn}) {
-        const std::int64_t reached = FailEach(number, trial, failure);
-        if (reached < 0) return;
-        failed += reached;
-        left -= reached;
-      }
-      if (left < 0) break;
+      if (left < 0 && !IsPlain(number)) break;
+      if (!InBothStates(number, trial, [&, at = number](const Trial& each) { return FailEach(at, each, left); }))
+        return;
     }
     // A hidden function that meets what it stored before need take no memory.
-    EXPECT_TRUE(failed > 0 || settings_.only || function_.IsHidden()) << "no call allocated anything";
+    EXPECT_TRUE(failed_ > 0 || settings_.only || function_.IsHidden()) << "no call allocated anything";
   }
 
  private:
-  /// How many allocations were made to fail; negative when enough has been told.
-  std::int64_t FailEach(std::uint64_t number, Trial trial, AllocationFailure failure) {
-    NoteLastWords(0, findings_.NameOf(number, trial.Describe()));
-    const Value answer = runner_.Observe(trial);
-    if (!trial.function->IsHidden()) trial.answer = answer;
-    for (std::int64_t nth = 1;; ++nth) {
-      trial.faults.allocation = AllocationFault{nth, failure};
-      if (!findings_.Try(runner_, trial, number)) return -1;
-      if (AddinAllocations().Failed() == 0) return nth - 1;
-    }
+  static constexpr std::int64_t kMostInTurn = 64;
+
+  bool FailEach(std::uint64_t number, Trial trial, std::int64_t& left) {
+    for (const AllocationFailure failure : {AllocationFailure::kOnce, AllocationFailure::kFromThenOn})
+      for (std::int64_t nth = 1; nth <= kMostInTurn; ++nth) {
+        trial.faults.allocation = AllocationFault{nth, failure};
+        if (!findings_.Try(runner_, trial, number)) return false;
+        if (AddinAllocations().Failed() == 0) break;
+        ++failed_;
+        --left;
+      }
+    return true;
   }
+
+  std::int64_t failed_ = 0;
 };
 
 template <typename Test>

@@ -12,6 +12,7 @@ namespace {
 // What a cell says of a fault of the processor that the add-in caught.
 constexpr XStringView kFaultText = XTEXT("#ERROR: 'C' exception");
 constexpr XStringView kErrorText = XTEXT("#ERROR");
+constexpr XStringView kMemoryText = XTEXT("#ERROR: Memory allocation failed");
 
 bool StartsWith(const Value& value, XStringView prefix) { return value.IsText() && value.AsText().starts_with(prefix); }
 
@@ -57,9 +58,10 @@ std::string DescribeCallback(const CallbackFault& fault) {
 std::string FaultOf(const Trial& trial, const Value& result) {
   if (!trial.faults.MayFault() && StartsWith(result, kFaultText))
     return "a fault of the processor where nothing should fault: " + Shorten(PrintLiteral(result));
-  if (trial.answer && !result.IsError() && !StartsWith(result, kErrorText) && !SameValue(*trial.answer, result))
-    return "neither an error nor the right answer: " + Describe(result);
-  return {};
+  if (!trial.answer || SameValue(*trial.answer, result)) return {};
+  const bool isDue =
+      trial.faults.allocation ? StartsWith(result, kMemoryText) : result.IsError() || StartsWith(result, kErrorText);
+  return isDue ? "" : "neither the right answer nor the error that is due: " + Describe(result);
 }
 
 }  // namespace
@@ -125,6 +127,7 @@ void TrialRunner::FindWitnesses(const RegisteredFunction& function) {
 }
 
 Value TrialRunner::Observe(const Trial& trial) {
+  if (trial.forgets) Forget();
   const EvaluationWatch watch(host_);
   return Call(*trial.function, ValuesOf(trial.operands));
 }
@@ -136,7 +139,20 @@ std::vector<std::pair<const XlCallback*, int>> TrialRunner::CallbacksMade() cons
   return made;
 }
 
-std::string TrialRunner::CheckCall(const Trial& trial) {
+/// Empties the stores as VBA code does.
+void TrialRunner::Forget() {
+  for (const char* const destroy : {"Destroy_RowIDString", "Destroy_RowIDLong", "Destroy_ColIDLong"})
+    if (const auto empty = host_.library->FindAs<std::int32_t (*)()>(destroy)) empty();
+}
+
+/// Whether a callback answered that the function has to end.
+bool TrialRunner::WasBrokenOff(const Faults& faults) const {
+  const int* const code = faults.callback ? std::get_if<int>(&faults.callback->answer) : nullptr;
+  return code && (*code == xlretAbort || *code == xlretUncalced) && faults.callback->callback->number != xlFree &&
+         host_.meter.Calls(*faults.callback->callback) >= std::max(faults.callback->nth, 1);
+}
+
+std::string TrialRunner::Check(const Trial& trial, bool isAlone) {
   Value result;
   try {
     result = Call(*trial.function, ValuesOf(trial.operands));
@@ -146,6 +162,8 @@ std::string TrialRunner::CheckCall(const Trial& trial) {
     return {};
   }
   ++callsMade_;
+  if (isAlone && WasBrokenOff(trial.faults) && !SameValue(result, Value::Error(xlerrValue)))
+    return "told to end, it gave " + Describe(result);
   return FaultOf(trial, result);
 }
 
@@ -168,15 +186,17 @@ std::string TrialRunner::CheckBooks() {
 std::string TrialRunner::RunOnce(const Trial& trial) {
   std::string wrong;
   {
+    if (trial.forgets) Forget();
     trial.faults.Arm(host_);
     const EvaluationWatch watch(host_);
-    wrong = CheckCall(trial);
+    wrong = Check(trial, true);
   }
   if (wrong.empty()) wrong = CheckBooks();
   return wrong;
 }
 
 std::string TrialRunner::Try(const Trial& trial) {
+  if (trial.forgets) Forget();
   std::int64_t live = AddinAllocations().LiveBlocks();
   if (std::string wrong = RunOnce(trial); !wrong.empty()) return wrong;
   // What a function keeps from its first call on it does not keep again: a loss goes on for ever.

@@ -47,10 +47,15 @@ struct Trial {
   const RegisteredFunction* function = nullptr;
   std::vector<NamedValue> operands;
   Faults faults;
-  /// What the call gives when nothing goes wrong. Where it is known, the result must be that or an error.
+  /// What the call gives when nothing goes wrong. Where it is known, the result must be that or an error: that of
+  /// memory that is out when an allocation fails.
   std::optional<Value> answer = std::nullopt;
+  /// The stores are emptied before.
+  bool forgets = false;
 
-  std::string Describe() const { return DescribeCall(*function, operands) + faults.Describe(); }
+  std::string Describe() const {
+    return DescribeCall(*function, operands) + (forgets ? ", the stores being empty" : "") + faults.Describe();
+  }
 };
 
 /// Makes trials and looks at what they leave behind. The add-in is open.
@@ -70,7 +75,7 @@ class TrialRunner {
   const std::vector<const XlCallback*>& UsualCallbacks() const { return usualCallbacks_; }
 
   /// Makes the call alone and checks what it returned; to be called on any thread, whatever is armed. What is wrong.
-  std::string CheckCall(const Trial& trial);
+  std::string CheckCall(const Trial& trial) { return Check(trial, false); }
   /// Makes a plain call of the function, nothing being armed, and compares: "" or what is wrong. On any thread.
   std::string CheckPlainCall(const RegisteredFunction& function);
   /// What the host has to complain of, the loans included; "" when nothing.
@@ -92,6 +97,10 @@ class TrialRunner {
   };
 
   Value Call(const RegisteredFunction& function, std::span<const Value> operands);
+  /// `isAlone`: no other thread calls meanwhile, so that what was counted was this call's.
+  std::string Check(const Trial& trial, bool isAlone);
+  bool WasBrokenOff(const Faults& faults) const;
+  void Forget();
   void FindWitnesses(const RegisteredFunction& function);
   std::string RunOnce(const Trial& trial);
 
