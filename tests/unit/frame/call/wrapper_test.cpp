@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "frame/app/xll_app.h"
 #include "frame/call/thread_record.h"
 #include "frame/callbacks/callbacks.h"
 #include "frame/callbacks/caller.h"
@@ -122,7 +123,7 @@ TEST_F(Wrapper, BelowVersion12ErrorsAreEightBitTexts) {
 }
 
 TEST_F(Wrapper, TheApplicationObjectMayTranslateErrorsItself) {
-  struct Translator : TestApp {
+  struct Translator : CXllApp {
     void TranslateError(CXlOper& result, const CXlRuntimeException& error) const override {
       if (error.Message() == XTEXT("Array is empty")) throw std::runtime_error("cannot");
       result.SetNumber(1);
@@ -162,7 +163,7 @@ TEST_F(Wrapper, ExcelEndsACallByItsAnswer) {
   for (const int code : {xlretAbort, xlretUncalced}) {
     for (const FunctionBody& body : bodies) {
       FakeExcel excel;
-      for (const int asked : {int{xlCoerce}, int{xlfCaller}}) excel.On(asked, [code](auto, XLOPER12&) { return code; });
+      for (const int asked : {int{xlCoerce}, int{xlfCaller}}) excel.Fail(asked, code);
       const XLOPER12* const answer = CallFunction12(body, text.ForCallback(), range.ForCallback());
       EXPECT_EQ(answer->xltype, xltypeErr) << code << ", body " << &body - bodies;
       EXPECT_EQ(answer->val.err, xlerrValue) << code << ", body " << &body - bodies;

@@ -1,4 +1,6 @@
 // What Excel is told about a function.
+#include "frame/registration/registration.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -60,7 +62,7 @@ TEST(Registration, OnlyANumberIsSuccess) {
   EXPECT_EQ(function.GetState(), CXllRegistrable::State::kFailed);
   function.Unregister(kPath, true);
   EXPECT_THAT(excel.unregisterSteps, IsEmpty());
-  excel.On(xlfRegister, [](auto, XLOPER12&) { return xlretFailed; });
+  excel.Fail(xlfRegister, xlretFailed);
   function.Register(kPath, kHelpFile);
   EXPECT_EQ(function.GetState(), CXllRegistrable::State::kFailed);
 }
