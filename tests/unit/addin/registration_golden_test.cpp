@@ -8,9 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
-#include <set>
 #include <sstream>
 #include <string>
 
@@ -60,11 +58,6 @@ std::string Section(const std::vector<CXlOper>& call, const FunctionDeclaration&
   return out.str();
 }
 
-/// By function.
-using Sections = std::map<std::string, std::string>;
-/// By family, whose file they stand in.
-using Record = std::map<std::string, Sections>;
-
 /// The family that each function is declared in.
 std::map<std::string, std::string> Families() {
   std::map<std::string, std::string> families;
@@ -77,86 +70,53 @@ std::map<std::string, std::string> Families() {
   return families;
 }
 
-Record WhatIsRegistered() {
+/// What each family's file is to hold, its functions in order of their names.
+std::map<std::string, std::string> WhatIsRegistered() {
   AddinExcel excel;
   CQuillmere4App app;
   EXPECT_EQ(CXllApp::AutoOpen(), 1);
-  const std::map<std::string, std::string> families = Families();
-  Record record;
-  for (const CXllFunctionRecord* each = CXllFunctionRecord::Head(); each; each = each->Next()) {
-    const FunctionDeclaration& declaration = each->Declaration();
-    const auto family = families.find(Ascii(declaration.name));
-    // Functions that other tests of this program declare stand in no table.
-    if (family == families.end()) continue;
-    for (const std::vector<CXlOper>& call : excel.registerCalls) {
-      if (call[3].AsText() == declaration.name) record[family->second][family->first] = Section(call, declaration);
-    }
+  std::map<std::string, const CXllFunctionRecord*> functions;
+  for (const CXllFunctionRecord* each = CXllFunctionRecord::Head(); each; each = each->Next())
+    functions[Ascii(each->Declaration().name)] = each;
+  std::map<std::string, std::string> record;
+  for (const auto& [name, family] : Families()) {
+    const FunctionDeclaration& declaration = functions.at(name)->Declaration();
+    std::string& text = record.try_emplace(family, kHead).first->second;
+    for (const std::vector<CXlOper>& call : excel.registerCalls)
+      if (call[3].AsText() == declaration.name) text += "\n[" + name + "]\n" + Section(call, declaration);
   }
   return record;
 }
 
-std::filesystem::path FileOf(const std::string& family) { return std::filesystem::path(kGolden) / (family + ".txt"); }
-
-void Write(const Record& record) {
-  std::filesystem::remove_all(kGolden);
-  std::filesystem::create_directory(kGolden);
-  for (const auto& [family, sections] : record) {
-    std::ofstream file(FileOf(family), std::ios::binary);
-    file << kHead;
-    for (const auto& [name, section] : sections) file << "\n[" << name << "]\n" << section;
-  }
-}
-
-Sections Read(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  Sections sections;
-  std::string* section = nullptr;
-  for (std::string line; std::getline(file, line);) {
-    if (line.starts_with('[') && line.ends_with(']'))
-      section = &sections[line.substr(1, line.size() - 2)];
-    else if (section && !line.empty())
-      *section += line + "\n";
-  }
-  return sections;
-}
-
-/// The first lines that differ; "" where there is none.
+/// The first lines that differ, with the function they are of; "" where there is none.
 std::string FirstDifference(const std::string& recorded, const std::string& registered) {
   std::istringstream before(recorded), now(registered);
-  for (;;) {
-    std::string lineBefore, lineNow;
-    std::getline(before, lineBefore);
-    std::getline(now, lineNow);
-    if (lineBefore != lineNow) return "\n  recorded   " + lineBefore + "\n  registered " + lineNow;
-    if (!before && !now) return "";
+  std::string function, lineBefore, lineNow;
+  while (before || now) {
+    if (!std::getline(before, lineBefore)) lineBefore.clear();
+    if (!std::getline(now, lineNow)) lineNow.clear();
+    if (lineBefore != lineNow) return function + "\n  recorded   " + lineBefore + "\n  registered " + lineNow;
+    if (lineNow.starts_with('[')) function = lineNow;
   }
+  return "";
 }
 
 TEST(RegistrationGolden, IsAsRecorded) {
-  Record registered = WhatIsRegistered();
+  std::map<std::string, std::string> registered = WhatIsRegistered();
+  const auto fileOf = [](const std::string& family) { return std::filesystem::path(kGolden) / (family + ".txt"); };
   if (std::getenv("QUILLMERE_WRITE_GOLDEN")) {
-    Write(registered);
+    std::filesystem::remove_all(kGolden);
+    std::filesystem::create_directory(kGolden);
+    for (const auto& [family, text] : registered) std::ofstream(fileOf(family), std::ios::binary) << text;
     return;
   }
-  constexpr const char* kAdvice = "\nRun `./dev golden` and read what it changes in tests/golden/.";
-  std::set<std::string> families;
-  for (const auto& [family, sections] : registered) families.insert(family);
-  for (const auto& entry : std::filesystem::directory_iterator(kGolden)) families.insert(entry.path().stem().string());
-  for (const std::string& family : families) {
-    const std::string path = FileOf(family).generic_string();
-    if (!registered.contains(family)) ADD_FAILURE() << path << " is of no family." << kAdvice;
-    if (!std::filesystem::exists(path)) {
-      ADD_FAILURE() << path << " is missing." << kAdvice;
-      continue;
-    }
-    Sections recorded = Read(path);
-    Sections& now = registered[family];
-    Sections all = recorded;
-    all.insert(now.begin(), now.end());
-    for (const auto& [name, section] : all) {
-      const std::string difference = FirstDifference(recorded[name], now[name]);
-      if (!difference.empty()) ADD_FAILURE() << name << " is not what " << path << " says:" << difference << kAdvice;
-    }
+  for (const auto& entry : std::filesystem::directory_iterator(kGolden)) registered[entry.path().stem().string()];
+  for (const auto& [family, text] : registered) {
+    std::stringstream recorded;
+    recorded << std::ifstream(fileOf(family), std::ios::binary).rdbuf();
+    if (const std::string difference = FirstDifference(recorded.str(), text); !difference.empty())
+      ADD_FAILURE() << fileOf(family).generic_string() << ": " << difference
+                    << "\nRun `./dev golden` and read what it changes in tests/golden/.";
   }
 }
 
