@@ -53,7 +53,7 @@ help = "How"
 default = "1"
 by_value = true
 flags = 32
-choices = [{ code = 1, text = "One, \"quoted\"" }, { code = 2, text = "Zwölf" }]
+choices = [{ code = 1, text = "One" }, { code = 2, text = "Zwölf" }]
 
 [argument.Other]
 like = "MA_Method"
@@ -72,7 +72,7 @@ each = [
 name = "FIND.FIRST"
 implementation = "Search"
 settings = { mode = "First", caseSensitive = false, position = -3 }
-arguments = ["Lookup_Values", "MA_Method", { name = "Name", kind = "String", help = "", default = '"a"' }, "Pairs"]
+arguments = ["Lookup_Values", "MA_Method", { name = "Name", kind = "String", help = "", default = '"a"' }, "Pairs", "Last"]
 marks = ["thread-safe", "framework-32"]
 category = 5
 help_id = 100
@@ -86,7 +86,7 @@ name = "FIND.ALL"
 type = "hidden"
 implementation = "Search"
 settings = { mode = "All", caseSensitive = true, position = 0 }
-arguments = ["Lookup_Values", "Other", { name = "Name", kind = "String", help = "", default = '"b"' }, "Pairs"]
+arguments = ["Lookup_Values", "Other", { name = "Name", kind = "String", help = "", default = '"b"' }, "Pairs", "Last"]
 marks = []
 description = "Finds"
 long_text = "Long."
@@ -111,10 +111,15 @@ arguments = [
   { name = "Volatile", kind = "Value", default = "-1", only = true, help = "", choices = [{ code = -1, text = "No" }] },
   { name = "Error", kind = "Value", default = "#N/A", help = "" },
   "Pairs",
+  "Last",
 ]
 help_id = 101
 long_text = "Long."
 example = { formula = "=Case.FIND(1)", result = "1" }
+
+[argument.Last]
+kind = "Value"
+help = 'A \ "quoted"'
 )toml";
 
 struct Outcome {
@@ -150,54 +155,28 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
   ASSERT_EQ(outcome.diagnostics.Text(), "");
   const std::string entry =
       "#line " + std::to_string(LineOf(kTable, kTable.find("[[function]]"))) + " \"src/functions/sample.toml\"\n";
-
-  const std::string& header = outcome.files["implementations/sample.h"];
-  EXPECT_THAT(header, HasSubstr("enum class Mode { kFirst, kAll };"));
-  EXPECT_THAT(header, HasSubstr("struct Functions {\n" + entry +
-                                "  static void Search(CXlOper& result, Mode mode, bool caseSensitive, int position, "
-                                "const CXlArgument& lookupValues, "
-                                "const CXlScalarArgument<ElementKind::kInteger>& maMethod, "
-                                "const CXlScalarArgument<ElementKind::kString>& name, "
-                                "const CXlArgumentRun<6>& pairs);\n"));
-  EXPECT_THAT(header, HasSubstr("  static void Tell(CXlOper& result);\n"));
+  EXPECT_THAT(outcome.files["implementations/sample.h"], HasSubstr("struct Functions {\n" + entry));
 
   const std::string& exports = outcome.files["exports.cpp"];
-  EXPECT_THAT(exports, HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, false, -3, "
-                                 "CXlArgument(arguments[0], FIND_FIRSTArguments[0]), "
-                                 "CXlScalarArgument<ElementKind::kInteger>(arguments[1], FIND_FIRSTArguments[1]), "));
-  EXPECT_THAT(exports, HasSubstr("CXlArgumentRun<6>(arguments + 3, FIND_FIRSTArguments + 3)); }"));
+  EXPECT_THAT(exports, HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, false, -3, "));
+  EXPECT_THAT(exports, HasSubstr("CXlArgumentRun<6>(arguments + 3, FIND_FIRSTArguments + 3), "
+                                 "CXlArgument(arguments[9], FIND_FIRSTArguments[9])); }"));
   EXPECT_THAT(exports, HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, true, -3, "));
-  EXPECT_THAT(exports, HasSubstr("XLOPER12* FIND_FIRST_12(Parameter12<ArgumentKind::kValue, false, false> a0, "
-                                 "Parameter12<ArgumentKind::kInt, true, true> a1, "
-                                 "Parameter12<ArgumentKind::kString, true, false> a2, "
-                                 "Parameter12<ArgumentKind::kReference, false, false> a3,"));
-  EXPECT_THAT(exports, HasSubstr("XLOPER* FIND_FIRST_4("));
+  EXPECT_THAT(exports, HasSubstr("XLOPER* FIND_FIRST_4(Parameter4<ArgumentKind::kValue, false, false> a0, "
+                                 "Parameter4<ArgumentKind::kInt, true, true> a1, "));
   EXPECT_THAT(exports, Not(HasSubstr("FIND_ALL_4")));
   EXPECT_THAT(exports, HasSubstr("XLOPER12* TellCommand_12() { return CallFunction12(TellCommandBody); }"));
 
-  EXPECT_THAT(outcome.files["records.cpp"],
-              HasSubstr("static CXllFunctionRecord FIND_ALLRecord(FIND_ALLDeclaration);"));
   const std::string& records = outcome.files["declarations.h"];
-  EXPECT_THAT(records, HasSubstr(R"({{1, XTEXT("One, \"quoted\"")}, {2, XTEXT("Zw\u00F6lf")}, };)"));
+  EXPECT_THAT(records, HasSubstr(R"({{1, XTEXT("One")}, {2, XTEXT("Zw\u00F6lf")}, };)"));
+  EXPECT_THAT(records, HasSubstr(R"(.help = XTEXT("A \\ \"quoted\""))"));
   EXPECT_THAT(records, HasSubstr(R"({.name = XTEXT("Other_Method"), .kind = ArgumentKind::kInt, .flags = 32, )"
                                  R"(.defaultText = XTEXT("2"), .defaultValue = {.type = xltypeNum, .number = 2}, )"
                                  R"(.byValue = true, .required = false, .help = XTEXT("How"))"));
-  for (const auto& [name, help] : {std::pair("Crit1", "What"), {"Crit3", ""}})
-    EXPECT_THAT(records, HasSubstr(std::string(R"({.name = XTEXT(")") + name +
-                                   R"("), .kind = ArgumentKind::kValue, .flags = 0, .defaultText = XTEXT(""), )"
-                                   R"(.defaultValue = {}, .byValue = false, .required = false, .help = XTEXT(")" +
-                                   help + "\")"));
   EXPECT_THAT(records, HasSubstr(R"(.defaultValue = {.type = xltypeStr, .text = XTEXT("b")})"));
   EXPECT_THAT(records, HasSubstr(R"(.defaultValue = {.type = xltypeErr, .number = 42})"));
-  EXPECT_THAT(records, HasSubstr(R"(.required = true, .help = XTEXT(""), .choices = {}, .allowedCodes = {}})"));
   EXPECT_THAT(records, HasSubstr(".allowedCodes = Case_FINDCodes1}"));
-  EXPECT_THAT(
-      records,
-      HasSubstr(".macroType = MacroType::kFunction, .category = 5, .flags = 33, .interfaces = 3, .helpId = 100,"));
-  EXPECT_THAT(records,
-              HasSubstr(".macroType = MacroType::kHidden, .category = 0, .flags = 0, .interfaces = 2, .helpId = 0,"));
-
-  EXPECT_THAT(outcome.files["examples.calc"], HasSubstr("\neval =FIND.ALL(1)\nexpect 1\n"));
+  EXPECT_THAT(records, HasSubstr(".macroType = MacroType::kHidden, .category = 0, .flags = 0, .interfaces = 2,"));
   EXPECT_THAT(outcome.files["examples.calc"], Not(HasSubstr("Tell")));
 }
 
@@ -225,15 +204,10 @@ INSTANTIATE_TEST_SUITE_P(
     Fields, TableMistake,
     ::testing::Values(
         Mistake{"category = 14\n", "categry = 14\n", "unknown key 'categry' in [[function]]"},
-        Mistake{"help_ids = [100, 199]", "help_ids = [199, 100]", "help_ids are the first and the last"},
-        Mistake{"name = \"FIND.ALL\"\n", "", "[[function]] has no 'name'", -1},
-        Mistake{"name = \"FIND.ALL\"", "name = 7", "'name' in [[function]] is not a text"},
-        Mistake{"name = \"FIND.ALL\"", "name = \"DIF1\"", "Excel takes no function of the name 'DIF1'"},
+        Mistake{"name = \"FIND.ALL\"", "name = \"XFD1048576\"", "Excel takes no function of the name 'XFD1048576'"},
         Mistake{"name = \"FIND.ALL\"", "name = \"R1C1\"", "Excel takes no function of the name"},
-        Mistake{"name = \"FIND.ALL\"", "name = \"FIND ALL\"", "Excel takes no function of the name"},
         Mistake{"type = \"hidden\"", "type = \"secret\"", "'secret' is no type"},
         Mistake{"marks = []", "marks = [\"thread-safe\", \"macro-sheet\"]", "Excel takes no function that is both"},
-        Mistake{"marks = []", "marks = [\"volatile\", \"volatile\"]", "the mark 'volatile' stands twice"},
         Mistake{"marks = []", "marks = [\"quick\"]", "'quick' is no mark"},
         Mistake{"marks = [\"framework-2\"]", "marks = [\"volatile\"]",
                 "thread-safe, volatile and macro-sheet are marks"},
@@ -242,7 +216,8 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"help_id = 100\n", "", "[[function]] has no 'help_id'", -7},
         Mistake{"interfaces = [12, 4]", "interfaces = [4]", "interfaces are [12] or [12, 4]"},
         Mistake{"description = \"Tells\"", "description = \"\"", "description is empty"},
-        Mistake{"description = \"Tells\"", "description = \"Tells\\u0007\"", "description holds U+0007"},
+        Mistake{"description = \"Tells\"", "description = \"Tells\\u001F\"", "description holds U+001F"},
+        Mistake{"description = \"Tells\"", "description = \"Tells\\u0080\"", "description holds U+0080"},
         Mistake{"example = { formula = \"=FIND.ALL(1)\", result = \"1\" }", "", "[[function]] has no 'example'", -9},
         Mistake{"formula = \"=FIND.ALL(1)\"", "formula = \"=OTHER(1)\"",
                 "the example is no formula that calls FIND.ALL"},
@@ -255,10 +230,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Mistake{"kind = \"Int\"", "kind = \"Whole\"", "'Whole' is no kind of argument"},
         Mistake{"default = \"1\"", "default = \"1.5\"", "the default '1.5' of 'MA_Method' does not read as its kind"},
-        Mistake{"default = \"1\"", "default = \"\"", "the default '' of 'MA_Method' does not read as its kind"},
         Mistake{"default = '\"b\"'", "default = 'b'", "the default 'b' of 'Name' does not read as its kind"},
         Mistake{"default = \"1\"\n", "", "by_value is for an Int with a default: 'MA_Method' is none"},
-        Mistake{"flags = 32", "flags = -1", "'flags' in an argument is not a whole number from 0 to"},
         Mistake{"{ code = 2, text", "{ code = 1, text", "choice 1 stands twice"},
         Mistake{"required = true", "required = true, default = \"1\"", "'Return' is required and has a default"},
         Mistake{"help = \"\", default = '\"a\"'", "help = \"\", required = true",
@@ -268,10 +241,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "only is for an Int, Short or Value with choices: 'Volatile' is none"},
         Mistake{"name = \"Crit{}\", kind", "name = \"Crit{}\", default = \"1\", kind",
                 "'Crit{}' of a run has a default"},
-        Mistake{"helped = 1", "helped = 1\nrequired = 4", "'required' in a run of arguments is not a whole number", 1},
         Mistake{"like = \"MA_Method\"", "like = \"Pairs\"", "no single argument 'Pairs' stands above"},
         Mistake{"name = \"Other_Method\"", "name = \"Other Method\"", "'Other Method' cannot name an argument"},
-        Mistake{"name = \"Other_Method\"", "name = \"Other{}\"", "'Other{}' is a single argument and has a {}"},
         Mistake{"name = \"Col{}\"", "name = \"Col\"", "'Col' is repeated and has no {}"},
         Mistake{"name = \"Other_Method\"", "name = \"lookup_values\"", "'FIND.ALL' has two arguments 'lookup_values'",
                 24},
@@ -279,31 +250,30 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{"\"Other\", {", "\"Another\", {", "no [argument.Another] stands in this table"},
         Mistake{"\"Other\", {", "\"MA_Method\", {", "no function takes the argument 'Other_Method'", -31},
         Mistake{"repeat = 3", "repeat = 32", "the argument names of 'FIND.FIRST' have", 7},
-        Mistake{"repeat = 3", "repeat = 130", "'FIND.FIRST' has 263 arguments; Excel takes 255", 7},
-        Mistake{"repeat = 3\nhelped = 1", "repeat = 122", "'FIND.FIRST' has 248 argument help texts", 6},
-        Mistake{"repeat = 3", "repeat = 14", "'FIND.FIRST' has 31 arguments; an 8-bit entry point takes 30", 7}));
+        Mistake{"repeat = 3", "repeat = 130", "'FIND.FIRST' has 264 arguments; Excel takes 255", 7},
+        Mistake{"repeat = 3\nhelped = 1", "repeat = 122", "'FIND.FIRST' has 249 argument help texts", 6},
+        Mistake{"repeat = 3", "repeat = 14", "'FIND.FIRST' has 32 arguments; an 8-bit entry point takes 30", 7}));
 
 INSTANTIATE_TEST_SUITE_P(
     Implementations, TableMistake,
-    ::testing::Values(
-        Mistake{"values = [\"First\", \"All\"]\n", "", "an enumeration lists its values", -3},
-        Mistake{"type = \"bool\"", "type = \"bool\"\nvalues = [\"A\"]", "a setting of type bool lists no values", 1},
-        Mistake{"settings = [\"mode\",", "settings = [\"mood\",", "no [[setting]] 'mood' stands in this table"},
-        Mistake{"settings = [\"mode\", \"caseSensitive\", \"position\"]", "settings = [\"mode\", \"caseSensitive\"]",
-                "'Search' takes no setting 'position'", 33},
-        Mistake{"like = \"FIND.FIRST\"", "like = \"FIND.LAST\"", "no function 'FIND.LAST' stands above"},
-        Mistake{"mode = \"All\", ", "", "'FIND.ALL' gives no setting 'mode'"},
-        Mistake{"mode = \"All\"", "mode = \"None\"", "the setting 'mode' is no Mode"},
-        Mistake{"caseSensitive = true, position", "caseSensitive = 1, position",
-                "the setting 'caseSensitive' is no bool"},
-        Mistake{"position = 0", "position = 3000000000", "the setting 'position' is no int"},
-        Mistake{"implementation = \"Tell\"", "implementation = \"Say\"",
-                "no [[implementation]] 'Say' stands in this table"},
-        Mistake{"[[implementation]]\nname = \"Tell\"",
-                "[[implementation]]\nname = \"Tell\"\n\n[[implementation]]\nname = \"Mute\"",
-                "no function uses the implementation 'Mute'", 3},
-        Mistake{"arguments = [\"Lookup_Values\", \"Other\",", "arguments = [\"Other\",",
-                "'Search' takes an argument, an argument, an argument, a run of 6 in 'FIND.FIRST' (sample.toml:", -5}));
+    ::testing::Values(Mistake{"values = [\"First\", \"All\"]\n", "", "an enumeration lists its values", -3},
+                      Mistake{"settings = [\"mode\",", "settings = [\"mood\",",
+                              "no [[setting]] 'mood' stands in this table"},
+                      Mistake{"settings = [\"mode\", \"caseSensitive\", \"position\"]",
+                              "settings = [\"mode\", \"caseSensitive\"]", "'Search' takes no setting 'position'", 33},
+                      Mistake{"like = \"FIND.FIRST\"", "like = \"FIND.LAST\"", "no function 'FIND.LAST' stands above"},
+                      Mistake{"mode = \"All\", ", "", "'FIND.ALL' gives no setting 'mode'"},
+                      Mistake{"mode = \"All\"", "mode = \"None\"", "the setting 'mode' is no Mode"},
+                      Mistake{"position = 0", "position = 3000000000", "the setting 'position' is no int"},
+                      Mistake{"implementation = \"Tell\"", "implementation = \"Say\"",
+                              "no [[implementation]] 'Say' stands in this table"},
+                      Mistake{"[[implementation]]\nname = \"Tell\"",
+                              "[[implementation]]\nname = \"Tell\"\n\n[[implementation]]\nname = \"Mute\"",
+                              "no function uses the implementation 'Mute'", 3},
+                      Mistake{"arguments = [\"Lookup_Values\", \"Other\",", "arguments = [\"Other\",",
+                              "'Search' takes an argument, an argument, an argument, a run of 6, an argument in "
+                              "'FIND.FIRST' (sample.toml:",
+                              -5}));
 
 TEST(FunctionGenerator, LongArgumentHelpIsRefused) {
   const std::string longest(255, 'x');
@@ -320,12 +290,12 @@ TEST(FunctionGenerator, FamiliesMayNotMeet) {
         "the enumeration 'Mode' is taken", "two.toml:2: error: the help ids meet those of one.toml"}) {
     EXPECT_THAT(text, HasSubstr(message));
   }
-  EXPECT_THAT(Generate({{"one.toml", Changed("name = \"FIND.ALL\"", "name = \"FIND_FIRST\"")}}).diagnostics.Text(),
-              Not(HasSubstr("is taken")))
-      << "the example speaks first";
-  std::string twin = Changed("name = \"FIND.ALL\"", "name = \"FIND_FIRST\"");
-  twin.replace(twin.find("=FIND.ALL("), 10, "=FIND_FIRST(");
-  EXPECT_THAT(Generate({{"one.toml", twin}}).diagnostics.Text(), HasSubstr("the export name 'FIND_FIRST' is taken"));
+  for (const auto& [name, message] : {std::pair("FIND_FIRST", "the export name 'FIND_FIRST' is taken"),
+                                      {"Find.First", "the name 'Find.First' is taken"}}) {
+    std::string twin = Changed("name = \"FIND.ALL\"", "name = \"" + std::string(name) + "\"");
+    twin.replace(twin.find("=FIND.ALL("), 9, "=" + std::string(name));
+    EXPECT_THAT(Generate({{"one.toml", twin}}).diagnostics.Text(), HasSubstr(message));
+  }
   EXPECT_THAT(Generate({{"one.toml", Changed("help_id = 100", "help_id = 200")}}).diagnostics.Text(),
               HasSubstr("the help id 200 of 'FIND.FIRST' lies outside the family's, 100 to 199"));
 }
