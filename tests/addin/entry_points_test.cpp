@@ -34,6 +34,8 @@ struct NarrowEntry {
   static constexpr const char* kFree = "xlAutoFree";
 };
 
+const std::string kValueError = "#" + std::to_string(xlerrValue);
+
 class EntryPoints : public ::testing::Test {
  protected:
   EntryPoints() { session.Open(); }
@@ -67,52 +69,48 @@ class EntryPoints : public ::testing::Test {
     return name;
   }
 
-  template <class Entry>
-  void AskForTheLongName() {
-    typename Entry::Unit units[] = {1, 'x'};
-    typename Entry::Oper whole{}, real{}, other{}, text{}, missing{};
-    whole.xltype = other.xltype = xltypeInt;
-    whole.val.w = 1;
-    other.val.w = 2;
-    real.xltype = xltypeNum;
-    real.val.num = 1.0;
-    text.xltype = xltypeStr;
-    text.val.str = units;
-    missing.xltype = xltypeMissing;
-    const std::string value = "#" + std::to_string(xlerrValue);
-    for (int round = 0; round < 2; ++round) {
-      EXPECT_EQ(LongName<Entry>(&whole), "Quillmere V4 array functions");
-      EXPECT_EQ(LongName<Entry>(&real), "Quillmere V4 array functions");
-      EXPECT_EQ(LongName<Entry>(&other), value);
-      EXPECT_EQ(LongName<Entry>(&text), value);
-      EXPECT_EQ(LongName<Entry>(&missing), value);
-      EXPECT_EQ(LongName<Entry>(nullptr), value);
-    }
-    session.Finish();
-    EXPECT_THAT(Complaints(), IsEmpty());
-  }
-
   Session session{ProgramFolder() / "Quillmere4.xll"};
   const EvaluationContext context{
       &session.ItsWorkbooks(), &session.CurrentSheet(), &session.Names(), &session.ItsAddin(), {}};
 };
 
-TEST_F(EntryPoints, TheAddInManagerAsksInSixteenBits) { AskForTheLongName<WideEntry>(); }
-TEST_F(EntryPoints, TheAddInManagerAsksInEightBits) { AskForTheLongName<NarrowEntry>(); }
+template <class Entry>
+class AddInManager : public EntryPoints {};
+using BothEntries = ::testing::Types<WideEntry, NarrowEntry>;
+TYPED_TEST_SUITE(AddInManager, BothEntries);
 
-TEST_F(EntryPoints, TheEightBitAnswerTakesOneCallback) {
-  XLOPER action{};
-  action.xltype = xltypeInt;
-  action.val.w = 1;
-  CallbackMeter& meter = session.Host().meter;
-  meter.Start();
-  LongName<NarrowEntry>(&action);
-  EXPECT_EQ(meter.Calls(*FindXlCallback("xlCoerce")), 1);
-  meter.Stop();
-  meter.Fail(*FindXlCallback("xlCoerce"), xlretFailed, 0);
-  meter.Start();
-  EXPECT_EQ(LongName<NarrowEntry>(&action), "#" + std::to_string(xlerrValue));
-  meter.Stop();
+TYPED_TEST(AddInManager, AsksForTheLongName) {
+  typename TypeParam::Unit units[] = {1, 'x'};
+  typename TypeParam::Oper whole{}, real{}, other{}, text{}, missing{};
+  whole.xltype = other.xltype = xltypeInt;
+  whole.val.w = 1;
+  other.val.w = 2;
+  real.xltype = xltypeNum;
+  real.val.num = 1.0;
+  text.xltype = xltypeStr;
+  text.val.str = units;
+  missing.xltype = xltypeMissing;
+  for (auto* const action : {&whole, &real, &whole})
+    EXPECT_EQ(this->template LongName<TypeParam>(action), "Quillmere V4 array functions");
+  for (auto* const action : {&other, &text, &missing, static_cast<typename TypeParam::Oper*>(nullptr)})
+    EXPECT_EQ(this->template LongName<TypeParam>(action), kValueError);
+  // One callback, and what it fails to answer or answers oddly is given back.
+  const XlCallback& coerce = *FindXlCallback("xlCoerce");
+  CallbackMeter& meter = this->session.Host().meter;
+  const auto metered = [&] {
+    meter.Start();
+    const std::string answer = this->template LongName<TypeParam>(&whole);
+    EXPECT_EQ(meter.Calls(coerce), 1);
+    meter.Stop();
+    return answer;
+  };
+  EXPECT_EQ(metered(), "Quillmere V4 array functions");
+  meter.Fail(coerce, xlretFailed, 0);
+  EXPECT_EQ(metered(), kValueError);
+  meter.AnswerWith(coerce, AnswerKind::kText, 0);
+  EXPECT_EQ(metered(), kValueError);
+  this->session.Finish();
+  EXPECT_THAT(this->Complaints(), IsEmpty());
 }
 
 TEST_F(EntryPoints, OpensAnewOnceItWasClosedOrRemoved) {
