@@ -22,10 +22,7 @@ std::int32_t ErrorOf(const Call& call) {
 TEST(CallingCells, AreOneAreaAndHaveASize) {
   testing::FakeExcel excel;
   std::vector<XLREF12> areas = {{4, 6, 1, 2}};
-  excel.On(xlfCaller, [&](auto, XLOPER12& result) {
-    result = excel.LendReference(7, areas);
-    return xlretSuccess;
-  });
+  excel.Give(xlfCaller, [&] { return excel.LendReference(7, areas); });
   EXPECT_EQ(CallingCells().Areas().front().rwLast, 6);
   EXPECT_EQ(CallingCellsSize().rows, 3);
   EXPECT_EQ(CallingCellsSize().columns, 2);
@@ -34,7 +31,7 @@ TEST(CallingCells, AreOneAreaAndHaveASize) {
     EXPECT_FALSE(CallingCells().IsSet());
     EXPECT_EQ(ErrorOf(&CallingCellsSize), xlerrNA);
   }
-  excel.On(xlfCaller, [](auto, XLOPER12&) { return int{xlretFailed}; });
+  excel.Fail(xlfCaller, xlretFailed);
   EXPECT_EQ(ErrorOf(&CallingCells), xlerrValue);
   EXPECT_EQ(ErrorOf(&CallingCellsSize), xlerrNA);
 }

@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <type_traits>
-
 #include "frame/text/error_text.h"
-#include "tests/unit/fixtures/failing_memory.h"
 #include "xlcall/xlcall.h"
 
 namespace quillmere {
@@ -33,23 +30,6 @@ TEST(Exceptions, NameTheirCodes) {
   EXPECT_EQ(call.Message(), XTEXT("Range failed with error code 0x8001010A"));
   EXPECT_EQ(call.Call(), XTEXT("Range"));
   EXPECT_EQ(CXlComException(XTEXT(""), 1).Message(), XTEXT("COM call failed"));
-}
-
-TEST(Exceptions, OneTree) {
-  static_assert(std::is_base_of_v<std::runtime_error, CXlRuntimeException>);
-  static_assert(std::is_base_of_v<CXlConversionException, CXlUninitializedOperException>);
-  static_assert(!std::is_base_of_v<CXlConversionException, CXlBadOperTypeException>);
-  static_assert(!std::is_base_of_v<CXlRuntimeException, psl::StringFormatterError>);
-  static_assert(std::is_nothrow_copy_constructible_v<CXlComException>);
-  EXPECT_THROW(ThrowOutOfRange(), CXlOutOfRangeException);
-  EXPECT_THROW(ThrowStringTooLong(), CXlStringTooLongException);
-}
-
-TEST(Exceptions, LeaveNothingBehindWhenMemoryRunsOut) {
-  const auto makeOne = [] {
-    const CXlComException made(XTEXT("A call with a name that is longer than a small text"), -1);
-  };
-  EXPECT_GT(testing::FailEachAllocation(makeOne), 3);
 }
 
 TEST(ErrorText, ReadsBothWays) {
