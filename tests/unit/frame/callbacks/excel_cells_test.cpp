@@ -56,11 +56,10 @@ TEST(UsedRows, CutTallReferencesAlone) {
   EXPECT_EQ(lastRow({600, kXlMaxRows - 1, 0, 0}), 600) << "nothing used in it";
   reader.last.reset();
   EXPECT_EQ(lastRow({0, kXlMaxRows - 1, 0, 0}), kXlMaxRows - 1) << "nobody can tell";
-  const XLREF12 areas[] = {{0, kXlMaxRows - 1, 0, 0}, {0, kXlMaxRows - 1, 2, 2}};
   reader.last = 5;
-  const CXlOper two = CXlOper::Reference(7, areas);
+  const XLREF12 areas[] = {{0, kXlMaxRows - 1, 0, 0}, {0, kXlMaxRows - 1, 2, 2}};
+  const CXlOper two = CXlOper::Reference(7, areas), number = CXlOper::Number(2);
   EXPECT_EQ(CutToUsedRows(two).Areas().size(), 2u);
-  const CXlOper number = CXlOper::Number(2);
   EXPECT_EQ(CutToUsedRows(number).AsNumber(), 2);
   SetUsedRangeReader(nullptr);
 }

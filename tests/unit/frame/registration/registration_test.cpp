@@ -14,21 +14,8 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr ArgumentDeclaration kArguments[] = {
-    {.name = XTEXT("TheRange"), .kind = ArgumentKind::kReference, .help = XTEXT("A valid Range Reference")},
-    {.name = XTEXT("Count"), .kind = ArgumentKind::kInt},
-};
-constexpr FunctionDeclaration kFunction{.procedure = "TEST_DO_IT",
-                                        .name = XTEXT("TEST.DO.IT"),
-                                        .category = 5,
-                                        .flags = kThreadSafe,
-                                        .helpId = 1102,
-                                        .help = XTEXT("Does it"),
-                                        .arguments = kArguments};
 constexpr XStringView kPath = XTEXT("C:\\a.xll");
 constexpr XStringView kHelpFile = XTEXT("C:\\a.chm");
-
-const CXllFunctionRecord record(kFunction);
 
 TEST(Registration, CutsTextsInTheCallAlone) {
   AddinExcel excel;
@@ -54,34 +41,18 @@ TEST(Registration, HelpTopicNeedsFileIdAndRoom) {
   EXPECT_EQ(HelpTopic(XString(254, XTEXT('p')), 7), XTEXT(""));
 }
 
-TEST(Registration, OnlyANumberIsSuccess) {
-  AddinExcel excel;
-  CXllFunction function(record);
-  excel.refused = {XTEXT("TEST.DO.IT")};
-  function.Register(kPath, kHelpFile);
-  EXPECT_EQ(function.GetState(), CXllRegistrable::State::kFailed);
-  function.Unregister(kPath, true);
-  EXPECT_THAT(excel.unregisterSteps, IsEmpty());
-  excel.Fail(xlfRegister, xlretFailed);
-  function.Register(kPath, kHelpFile);
-  EXPECT_EQ(function.GetState(), CXllRegistrable::State::kFailed);
-}
-
 TEST(Registration, UnregistersInFourStepsFromExcel12On) {
   AddinExcel excel;
-  CXllFunction function(record);
-  function.Register(kPath, kHelpFile);
-  function.Unregister(kPath, true);
-  EXPECT_THAT(excel.unregisterSteps, ElementsAre(XTEXT("unregister TEST.DO.IT"), XTEXT("register TEST.DO.IT"),
-                                                 XTEXT("delete TEST.DO.IT"), XTEXT("unregister TEST.DO.IT")));
+  CXllRegistrable item({.name = XTEXT("F")});
+  item.Register(kPath, kHelpFile);
+  item.Unregister(kPath, true);
+  item.Unregister(kPath, true);
+  EXPECT_THAT(excel.unregisterSteps,
+              ElementsAre(XTEXT("unregister F"), XTEXT("register F"), XTEXT("delete F"), XTEXT("unregister F")));
+  item.Register(kPath, kHelpFile);
+  item.Unregister(kPath, false);
   EXPECT_THAT(excel.registered, IsEmpty());
-  function.Unregister(kPath, true);
-  EXPECT_EQ(excel.unregisterSteps.size(), 4u) << "what is not registered is left alone";
-
-  excel.unregisterSteps.clear();
-  function.Register(kPath, kHelpFile);
-  function.Unregister(kPath, false);
-  EXPECT_THAT(excel.unregisterSteps, ElementsAre(XTEXT("unregister TEST.DO.IT")));
+  EXPECT_EQ(excel.unregisterSteps.size(), 5u) << "one step before";
 }
 
 TEST(TypeText, FollowsKindsDefaultsAndMarks) {

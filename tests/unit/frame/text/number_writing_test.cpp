@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 
 #include "frame/callbacks/excel_settings.h"
 #include "frame/convert/cell_text.h"
@@ -24,33 +23,31 @@ TEST(NumberText, WritesAsExcelDoes) {
   const struct {
     double number;
     XStringView text;
-  } cases[] = {
-      {0, XTEXT("0")},
-      {-0.0, XTEXT("0")},
-      {4e-310, XTEXT("0")},
-      {1, XTEXT("1")},
-      {-12.5, XTEXT("-12.5")},
-      {0.1 + 0.2, XTEXT("0.3")},
-      {1234567.8901234567, XTEXT("1234567.89012346")},
-      {999999.9999999999, XTEXT("1000000")},
-      {0.9999999999999999, XTEXT("1")},
-      {1.2345678901234568E15, XTEXT("1234567890123460")},
-      {1.2345678901234567E19, XTEXT("12345678901234600000")},
-      {1.2345678901234568E20, XTEXT("1.23456789012346E+20")},
-      {99999999999999999999.0, XTEXT("1E+20")},
-      {2E50, XTEXT("2E+50")},
-      {-1E100, XTEXT("-1E+100")},
-      {1.23456789E-5, XTEXT("0.0000123456789")},
-      {1.2345678901234568E-5, XTEXT("1.23456789012346E-05")},
-      {5.6789012345E-8, XTEXT("0.000000056789012345")},
-      {5.67890123456E-8, XTEXT("5.67890123456E-08")},
-      {9.999999999999999E-19, XTEXT("0.000000000000000001")},
-      {9.999999999999999E-20, XTEXT("1E-19")},
-      {1.0000000000001235E-99, XTEXT("1.0000000000001E-99")},
-      {9.99999999999996E-120, XTEXT("1E-119")},
-      {1.7976931348623157E308, XTEXT("1.7976931348623E+308")},
-      {std::numeric_limits<double>::infinity(), XTEXT("#NUM!")},
-  };
+  } cases[] = {{0, XTEXT("0")},
+               {-0.0, XTEXT("0")},
+               {4e-310, XTEXT("0")},
+               {1, XTEXT("1")},
+               {-12.5, XTEXT("-12.5")},
+               {0.1 + 0.2, XTEXT("0.3")},
+               {1234567.8901234567, XTEXT("1234567.89012346")},
+               {999999.9999999999, XTEXT("1000000")},
+               {0.9999999999999999, XTEXT("1")},
+               {1.2345678901234568E15, XTEXT("1234567890123460")},
+               {1.2345678901234567E19, XTEXT("12345678901234600000")},
+               {1.2345678901234568E20, XTEXT("1.23456789012346E+20")},
+               {99999999999999999999.0, XTEXT("1E+20")},
+               {2E50, XTEXT("2E+50")},
+               {-1E100, XTEXT("-1E+100")},
+               {1.23456789E-5, XTEXT("0.0000123456789")},
+               {1.2345678901234568E-5, XTEXT("1.23456789012346E-05")},
+               {5.6789012345E-8, XTEXT("0.000000056789012345")},
+               {5.67890123456E-8, XTEXT("5.67890123456E-08")},
+               {9.999999999999999E-19, XTEXT("0.000000000000000001")},
+               {9.999999999999999E-20, XTEXT("1E-19")},
+               {1.0000000000001235E-99, XTEXT("1.0000000000001E-99")},
+               {9.99999999999996E-120, XTEXT("1E-119")},
+               {1.7976931348623157E308, XTEXT("1.7976931348623E+308")},
+               {std::numeric_limits<double>::infinity(), XTEXT("#NUM!")}};
   for (const auto& one : cases) EXPECT_EQ(Written(one.number), one.text);
   EXPECT_EQ(Written(-0.25, XTEXT(',')), XTEXT("-0,25"));
   EXPECT_EQ(Written(1.5E300, XTEXT(',')), XTEXT("1,5E+300"));
@@ -81,42 +78,27 @@ TEST(NumberText, FollowsTheSeparatorInUse) {
 TEST(TextNumber, ReadsPlainNotation) {
   const struct {
     XStringView text;
-    std::optional<double> number;
-  } cases[] = {
-      {XTEXT("12"), 12},
-      {XTEXT("-0.5"), -0.5},
-      {XTEXT("+.5"), 0.5},
-      {XTEXT("5."), 5},
-      {XTEXT(" \t1e3\u00A0\u3000"), 1000},
-      {XTEXT("1E-3"), 0.001},
-      {XTEXT("1e+02"), 100},
-      {XTEXT("0000000000000000000012"), 12},
-      {XTEXT("1e308"), 1e308},
-      {XTEXT("1e309"), std::nullopt},
-      {XTEXT("-1e99999999999999999999"), std::nullopt},
-      {XTEXT("1e-400"), 0},
-      {XTEXT("4e-310"), 0},
-      {XTEXT("0e999999999999"), 0},
-      {XTEXT("9007199254740993"), 9007199254740992},
-      {XTEXT("9007199254740993.00000000000000000000001"), 9007199254740994},
-      {XTEXT(""), std::nullopt},
-      {XTEXT(" "), std::nullopt},
-      {XTEXT("."), std::nullopt},
-      {XTEXT("-"), std::nullopt},
-      {XTEXT("--1"), std::nullopt},
-      {XTEXT("1.2.3"), std::nullopt},
-      {XTEXT("1e"), std::nullopt},
-      {XTEXT("1e+"), std::nullopt},
-      {XTEXT("e5"), std::nullopt},
-      {XTEXT("1 000"), std::nullopt},
-      {XTEXT("1,000"), std::nullopt},
-      {XTEXT("0x10"), std::nullopt},
-      {XTEXT("inf"), std::nullopt},
-      {XTEXT("nan"), std::nullopt},
-      {XTEXT("10%"), std::nullopt},
-      {XTEXT("\uFF11"), std::nullopt},
-  };
+    double number;
+  } cases[] = {{XTEXT("12"), 12},
+               {XTEXT("-0.5"), -0.5},
+               {XTEXT("+.5"), 0.5},
+               {XTEXT("5."), 5},
+               {XTEXT(" \t1e3\u00A0\u3000"), 1000},
+               {XTEXT("1E-3"), 0.001},
+               {XTEXT("1e+02"), 100},
+               {XTEXT("0000000000000000000012"), 12},
+               {XTEXT("1e308"), 1e308},
+               {XTEXT("1e-400"), 0},
+               {XTEXT("4e-310"), 0},
+               {XTEXT("0e999999999999"), 0},
+               {XTEXT("9007199254740993"), 9007199254740992},
+               {XTEXT("9007199254740993.00000000000000000000001"), 9007199254740994}};
   for (const auto& one : cases) EXPECT_EQ(ReadPlainNumber(one.text, XTEXT('.')), one.number);
+  for (const XStringView text :
+       {XTEXT(""), XTEXT(" "), XTEXT("."), XTEXT("-"), XTEXT("--1"), XTEXT("1.2.3"), XTEXT("1e"), XTEXT("1e+"),
+        XTEXT("e5"), XTEXT("1 000"), XTEXT("1,000"), XTEXT("0x10"), XTEXT("inf"), XTEXT("nan"), XTEXT("10%"),
+        XTEXT("\uFF11"), XTEXT("1e309"), XTEXT("-1e99999999999999999999")})
+    EXPECT_EQ(ReadPlainNumber(text, XTEXT('.')), std::nullopt);
 }
 
 TEST(TextNumber, RoundsTextsOfAnyLength) {
@@ -127,16 +109,6 @@ TEST(TextNumber, RoundsTextsOfAnyLength) {
   EXPECT_EQ(ReadPlainNumber(half + XString(30'000, XTEXT('0')), XTEXT('.')), 1.0);
   EXPECT_EQ(ReadPlainNumber(XTEXT("0.") + XString(30'000, XTEXT('0')) + XTEXT("1e30001"), XTEXT('.')), 1.0);
   EXPECT_EQ(ReadPlainNumber(XTEXT("1") + XString(30'000, XTEXT('0')) + XTEXT("e-30000"), XTEXT('.')), 1.0);
-}
-
-TEST(TextNumber, ReadsBackWhatIsWritten) {
-  std::mt19937_64 random(7);
-  for (int round = 0; round < 2'000; ++round) {
-    const double number = std::ldexp(static_cast<double>(random()), static_cast<int>(random() % 1900) - 1000);
-    const std::optional<double> read = ReadPlainNumber(Written(number), XTEXT('.'));
-    ASSERT_TRUE(read);
-    EXPECT_NEAR(*read / number, 1, 6e-14);
-  }
 }
 
 TEST(WhiteSpace, IsTheSameOnEveryBuild) {

@@ -25,18 +25,16 @@ TEST(StringFormatter, ReplacesPlaceholdersAndDoubledBraces) {
   const struct {
     XStringView pattern;
     XStringView expected;
-  } cases[] = {
-      {XTEXT(""), XTEXT("")},
-      {XTEXT("plain"), XTEXT("plain")},
-      {XTEXT("{0}"), XTEXT("zero")},
-      {XTEXT("{1}{0}{1}"), XTEXT("onezeroone")},
-      {XTEXT("a{0}b{1}c"), XTEXT("azerobonec")},
-      {XTEXT("{00001}"), XTEXT("one")},
-      {XTEXT("{{0}}"), XTEXT("{0}")},
-      {XTEXT("{{{0}}}"), XTEXT("{zero}")},
-      {XTEXT("}}{{"), XTEXT("}{")},
-      {XTEXT("{0}}}"), XTEXT("zero}")},
-  };
+  } cases[] = {{XTEXT(""), XTEXT("")},
+               {XTEXT("plain"), XTEXT("plain")},
+               {XTEXT("{0}"), XTEXT("zero")},
+               {XTEXT("{1}{0}{1}"), XTEXT("onezeroone")},
+               {XTEXT("a{0}b{1}c"), XTEXT("azerobonec")},
+               {XTEXT("{00001}"), XTEXT("one")},
+               {XTEXT("{{0}}"), XTEXT("{0}")},
+               {XTEXT("{{{0}}}"), XTEXT("{zero}")},
+               {XTEXT("}}{{"), XTEXT("}{")},
+               {XTEXT("{0}}}"), XTEXT("zero}")}};
   for (const auto& one : cases) EXPECT_EQ(Format(one.pattern, {XTEXT("zero"), XTEXT("one")}), one.expected);
   EXPECT_EQ(Format("{0}-{1}", {"eight", -12}), "eight--12");
 }
