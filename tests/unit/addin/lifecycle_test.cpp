@@ -163,24 +163,20 @@ TEST_F(Lifecycle, EachOpeningAndClosingIsWhole) {
 }
 
 TEST_F(Lifecycle, LearnsVersionAndLocalSettings) {
-  struct Case {
-    XString version;
-    bool coerces;
-    int expected;
-  };
-  for (const Case& example : {Case{XTEXT("12.0"), true, 12}, Case{XTEXT("16.0"), false, 16},
-                              Case{XTEXT("11.0"), true, 11}, Case{XTEXT("beta"), false, 0}}) {
+  const std::tuple<XString, bool, int> cases[] = {
+      {XTEXT("12.0"), true, 12}, {XTEXT("16.0"), false, 16}, {XTEXT("11.0"), true, 11}, {XTEXT("beta"), false, 0}};
+  for (const auto& [version, coerces, expected] : cases) {
     TestApp app;
-    excel.version = example.version;
-    excel.coercesVersion = example.coerces;
+    excel.version = version;
+    excel.coercesVersion = coerces;
     EXPECT_EQ(CXllApp::AutoOpen(), 1);
-    EXPECT_EQ(CurrentExcelSettings().version, example.expected);
+    EXPECT_EQ(CurrentExcelSettings().version, expected);
     EXPECT_EQ(CurrentExcelSettings().rowLetter, XTEXT('Z'));
     EXPECT_EQ(CurrentExcelSettings().columnLetter, XTEXT('S'));
     EXPECT_EQ(DecimalSeparator(), XTEXT(','));
     excel.unregisterSteps.clear();
     CXllApp::AutoRemove();
-    EXPECT_EQ(excel.unregisterSteps.size(), app.Registrables().size() * (example.expected >= 12 ? 4 : 1));
+    EXPECT_EQ(excel.unregisterSteps.size(), app.Registrables().size() * (expected >= 12 ? 4 : 1));
     excel.registered.clear();
   }
 }
@@ -256,16 +252,12 @@ TEST_F(Lifecycle, SurvivesTheFailureOfEachCallback) {
 }
 
 TEST_F(Lifecycle, HelpFileStandsBesideTheAddIn) {
-  {
+  const std::pair<XString, XString> cases[] = {{excel.path, XTEXT("C:\\AddIns\\Quillmere4.chm")}, {XTEXT("xll"), {}}};
+  for (const auto& [path, helpFile] : cases) {
     TestApp app;
+    excel.path = path;
     CXllApp::AutoOpen();
-    EXPECT_EQ(app.HelpFilePath(), XTEXT("C:\\AddIns\\Quillmere4.chm"));
-  }
-  {
-    TestApp app;
-    excel.path = XTEXT("xll");
-    CXllApp::AutoOpen();
-    EXPECT_EQ(app.HelpFilePath(), XTEXT(""));
+    EXPECT_EQ(app.HelpFilePath(), helpFile);
   }
   CQuillmere4App app;
   excel.path = XTEXT("C:/Other place/renamed.xll");

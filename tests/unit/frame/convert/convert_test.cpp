@@ -237,13 +237,13 @@ TEST(ConvertArgument, GivesFetchedCellsBackOnEveryPath) {
   testing::FakeExcel excel;
   const CXlOper reference = CXlOper::Reference(XLREF12{0, 0, 0, 1});
   const CVectorConvertParams<kNumber> params(kName, Shape::kMatrix);
-  excel.Give(xlCoerce, [&] { return excel.LendArray(1, 2, {NumberCell(1), EmptyCell()}); });
-  EXPECT_EQ(ConvertArgument(reference, params).Count(), 2);
-  excel.Give(xlCoerce, [&] { return excel.LendArray(1, 2, {NumberCell(1), excel.LendText(XTEXT("no number"))}); });
-  EXPECT_EQ(MessageOf([&] { ConvertArgument(reference, params); }), XTEXT("Expected number for Data"));
+  const auto convert = [&] { EXPECT_EQ(ConvertArgument(reference, params).Count(), 2); };
+  for (const XLOPER12& last : {EmptyCell(), excel.LendText(XTEXT("no number"))}) {
+    excel.Give(xlCoerce, [&] { return excel.LendArray(1, 2, {NumberCell(1), last}); });
+    EXPECT_EQ(MessageOf(convert), IsEmptyCell(last) ? XTEXT("nothing raised") : XTEXT("Expected number for Data"));
+  }
   excel.Fail(xlCoerce, xlretFailed);
-  EXPECT_EQ(MessageOf([&] { ConvertArgument(reference, params); }),
-            XTEXT("Failed to convert Data from unknown type to number"));
+  EXPECT_EQ(MessageOf(convert), XTEXT("Failed to convert Data from unknown type to number"));
 }
 
 }  // namespace

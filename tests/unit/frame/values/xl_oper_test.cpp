@@ -51,16 +51,14 @@ TEST(XlOper, RefusesWhatIsMalformedWhereItEnters) {
                           AreasValue(&noAreas),
                           AreasValue(&upsideDown),
                           AreasValue(&offSheet),
-                          twoAreas,
-                          OfType(xltypeBigData),
-                          OfType(xltypeFlow),
-                          OfType(0),
-                          OfType(0x200),
-                          OfType(xltypeNum | 0x200),
-                          OfType(xltypeNil | 0x2000),
-                          OfType(xltypeNum | xltypeBool),
-                          OfType(0x40000000)};
+                          twoAreas};
   for (const XLOPER12& value : bad) EXPECT_THROW(CXlOper::Borrow(&value), CXlBadOperTypeException) << value.xltype;
+  for (const std::uint32_t type :
+       std::initializer_list<std::uint32_t>{xltypeBigData, xltypeFlow, 0, 0x200, xltypeNum | 0x200, xltypeNil | 0x2000,
+                                            xltypeNum | xltypeBool, 0x40000000}) {
+    const XLOPER12 value = OfType(type);
+    EXPECT_THROW(CXlOper::Borrow(&value), CXlBadOperTypeException) << type;
+  }
 }
 
 TEST(XlOper, BorrowsWithoutTakingOver) {
