@@ -34,6 +34,8 @@ each_suite() {
     "$@" unit      windows unit_tests               whole  'unit tests, Windows'    program windows unit_tests
     "$@" models    windows model_tests              whole  'models, Windows'        program windows model_tests
 
+    "$@" host      tsan    host_tests               whole  'host tests, tsan'       program tsan host_tests
+    "$@" unit      tsan    unit_tests               whole  'unit tests, tsan'       program tsan unit_tests
     "$@" faults    tsan    fault_tests              whole  'faults, tsan'           program tsan fault_tests \
       --gtest_filter=Random.AllThreads --rounds 15
     "$@" scripts   tsan    qcalc                    whole  'parallel scripts, tsan' scripts tsan 1
