@@ -117,6 +117,12 @@ TEST_F(RecalculationTest, SpillsAndTakesBack) {
   EXPECT_EQ(Held("F1"), "#SPILL!");
   Set("C2", "empty");
   EXPECT_EQ(After("B1:C2"), "{1,2;3,4}");
+  // Another formula's array in the way, which then gives way.
+  Set("D1", "3");
+  SetFormula("A3", "={8,9}");
+  EXPECT_EQ(After("A3:C3"), "{#SPILL!,5,6}");
+  Set("D1", "2");
+  EXPECT_EQ(After("A3:C3"), "{8,9,empty}");
   // Without its formula the spilled cells go.
   Set("B1", "5");
   EXPECT_EQ(After("B1:C2"), "{5,empty;empty,empty}");

@@ -1,11 +1,11 @@
 // An add-in that breaks the rules of Excel's C API, one rule a function, for the host's own tests. The first few
 // functions keep them all, so that a test can tell a strict host from one that always complains.
+#include <barrier>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <limits>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,6 +17,7 @@ namespace {
 
 XlMdCallBack12 callback = nullptr;
 bool callsBackWhenFreeing = false;
+int closingAnswer = 1;
 XLOPER12 freeCount{{.num = 0}, xltypeNum | xlbitDLLFree};
 std::vector<void*> keptBlocks;
 XCHAR* forgotten = nullptr;  // freed at the end, so that the leak checker stays out of it
@@ -78,11 +79,12 @@ XLOPER12 LentText() {
   return name;
 }
 
-void Register(XStringView procedure, XStringView type, XStringView name) {
+/// Registers under the name of a module, by default the library's own.
+void Register(XStringView procedure, XStringView type, XStringView name, XStringView otherModule = {}) {
   XLOPER12 module = OfType(xltypeNil), result = OfType(xltypeNil);
   CallExcel(xlGetName, &module, {});
-  XLOPER12 texts[] = {Text(procedure), Text(type), Text(name)};
-  CallExcel(xlfRegister, &result, {&module, &texts[0], &texts[1], &texts[2]});
+  XLOPER12 texts[] = {Text(procedure), Text(type), Text(name), Text(otherModule)};
+  CallExcel(xlfRegister, &result, {otherModule.empty() ? &module : &texts[3], &texts[0], &texts[1], &texts[2]});
   CallExcel(xlFree, nullptr, {&module});
   for (const XLOPER12& text : texts) delete[] text.val.str;
 }
@@ -99,7 +101,7 @@ QCALC_EXPORT int xlAutoClose() {
   keptBlocks.clear();
   delete[] forgotten;
   forgotten = nullptr;
-  return 1;
+  return closingAnswer;
 }
 
 QCALC_EXPORT void xlAutoFree12(XLOPER12* oper) {
@@ -225,6 +227,13 @@ QCALC_EXPORT XLOPER12* FreeTwice() {
   return Owned(Number(1));
 }
 
+QCALC_EXPORT XLOPER12* FreeEmptied() {
+  XLOPER12 name = LentText();
+  CallExcel(xlFree, nullptr, {&name});
+  CallExcel(xlFree, nullptr, {&name});
+  return Owned(Number(1));
+}
+
 QCALC_EXPORT XLOPER12* FreeForeign() {
   XLOPER12 own = Text(XTEXT("mine"));
   XCHAR* units = own.val.str;
@@ -264,6 +273,13 @@ QCALC_EXPORT XLOPER12* FreeNotLent() {
   return &result;
 }
 
+/// The library has no xlAutoFree that such a result could be given to.
+QCALC_EXPORT XLOPER* Owned4() {
+  static XLOPER result;
+  result.xltype = xltypeBool | xlbitDLLFree;
+  return &result;
+}
+
 QCALC_EXPORT XLOPER12* ForgetBit() {
   static XLOPER12 result;
   result = Text(XTEXT("lost"));
@@ -271,16 +287,12 @@ QCALC_EXPORT XLOPER12* ForgetBit() {
   return &result;
 }
 
+/// One static array, which two threads that call at once get at once; it takes the host a while to copy.
 QCALC_EXPORT XLOPER12* StaticResult() {
-  static XLOPER12 elements[2];
-  static XLOPER12 result;
-  static std::mutex mutex;
-  const std::lock_guard lock(mutex);
-  for (XLOPER12& element : elements) element = Number(1);
-  result = OfType(xltypeMulti);
-  result.val.array.lparray = elements;
-  result.val.array.rows = 1;
-  result.val.array.columns = 2;
+  static std::vector<XLOPER12> elements(kXlMaxRows, Number(1));
+  static XLOPER12 result{{.array = {elements.data(), kXlMaxRows, 1}}, xltypeMulti};
+  static std::barrier<> both(2);
+  both.arrive_and_wait();
   return &result;
 }
 
@@ -413,9 +425,18 @@ QCALC_EXPORT XLOPER12* BadRegistration(std::int32_t which) {
     case 3:
       Register(XTEXT("PlusOne"), XTEXT("UW"), XTEXT("LETTER"));
       break;
-    default:
+    case 4:
       Register(XTEXT("NotExported"), XTEXT("UQ"), XTEXT("EXPORT"));
+      break;
+    default:
+      Register(XTEXT("PlusOne"), XTEXT("UQ"), XTEXT("MODULE"), XTEXT("other.xll"));
   }
+  return Owned(Number(1));
+}
+
+/// xlAutoClose answers 0 from now on.
+QCALC_EXPORT XLOPER12* RefuseToClose() {
+  closingAnswer = 0;
   return Owned(Number(1));
 }
 
@@ -429,23 +450,27 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("Echo4"), XTEXT("RR"), XTEXT("ECHO.REFERENCE4"));
   Register(XTEXT("Coerced"), XTEXT("UUQ"), XTEXT("COERCED"));
   Register(XTEXT("Called"), XTEXT("UQUUUU"), XTEXT("CALLED"));
+  Register(XTEXT("Called"), XTEXT("UQUUUU#"), XTEXT("CALLED.MACRO"));
   Register(XTEXT("Allocate"), XTEXT("JJJ$"), XTEXT("ALLOCATE"));
   Register(XTEXT("Enlarge"), XTEXT("J$"), XTEXT("ENLARGE"));
   Register(XTEXT("FreeCount"), XTEXT("U"), XTEXT("FREE.COUNT"));
   Register(XTEXT("Describe"), XTEXT("UU"), XTEXT("DESCRIBE"));
   Register(XTEXT("KeepLent"), XTEXT("U$"), XTEXT("KEEP.LENT"));
   Register(XTEXT("FreeTwice"), XTEXT("U$"), XTEXT("FREE.TWICE"));
+  Register(XTEXT("FreeEmptied"), XTEXT("U$"), XTEXT("FREE.EMPTIED"));
   Register(XTEXT("FreeForeign"), XTEXT("U$"), XTEXT("FREE.FOREIGN"));
   Register(XTEXT("WriteAfterFree"), XTEXT("U$"), XTEXT("WRITE.AFTER.FREE"));
   Register(XTEXT("ChangeArgument"), XTEXT("UQQ$"), XTEXT("CHANGE.ARGUMENT"));
   Register(XTEXT("BothBits"), XTEXT("U"), XTEXT("BOTH.BITS"));
   Register(XTEXT("FreeNotLent"), XTEXT("U"), XTEXT("FREE.NOT.LENT"));
+  Register(XTEXT("Owned4"), XTEXT("P"), XTEXT("OWNED.VALUE4"));
   Register(XTEXT("ForgetBit"), XTEXT("U"), XTEXT("FORGET.BIT"));
   Register(XTEXT("StaticResult"), XTEXT("U$"), XTEXT("STATIC.RESULT"));
   Register(XTEXT("BadValue"), XTEXT("UJ"), XTEXT("BAD.VALUE"));
   Register(XTEXT("BadCallback"), XTEXT("UJ$"), XTEXT("BAD.CALLBACK"));
   Register(XTEXT("BadCallback"), XTEXT("UJ"), XTEXT("BAD.CALLBACK.MAIN"));
   Register(XTEXT("BadCallback"), XTEXT("UJ#"), XTEXT("BAD.CALLBACK.MACRO"));
+  Register(XTEXT("RefuseToClose"), XTEXT("U"), XTEXT("REFUSE.TO.CLOSE"));
   Register(XTEXT("BadRegistration"), XTEXT("UJ#"), XTEXT("BAD.REGISTRATION"));
   return 1;
 }
