@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "host/api/oper_types.h"
+#include "host/calculation/evaluator.h"
 #include "host/callbacks/rules.h"
 #include "host/faults/argument_damage.h"
 #include "host/faults/handled_fault.h"
@@ -57,10 +58,10 @@ std::optional<Refusal> Check(int xlfn, const XlCallback& callback, const Callbac
   return std::nullopt;
 }
 
-/// Carries out the callback; what handlers throw becomes a code.
-CallbackAnswer Answer(const CallbackRule& rule, CallbackRequest& request) {
+/// Carries out the callback, or evaluates the formula that stands in for it; what they throw becomes a code.
+CallbackAnswer Answer(const CallbackRule& rule, const Formula* formula, CallbackRequest& request) {
   try {
-    return rule.handler(request);
+    return formula ? CallbackAnswer(Evaluate(*formula, request.Evaluation())) : rule.handler(request);
   } catch (const NotThreadSafe&) {
     request.Complain("reached a function that is not thread-safe from one that is");
     return CallbackAnswer::Failure(xlretNotThreadSafe);
@@ -115,7 +116,7 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
     request.arguments.push_back(std::move(reading.value));
   }
   if (interference.answer) return AnswerOf(*interference.answer, current);
-  return Answer(rule, request);
+  return Answer(rule, interference.formula.get(), request);
 }
 
 /// Writes the answer into the add-in's value, lending it what hangs on it.

@@ -24,6 +24,12 @@ void CallbackMeter::AnswerWith(const XlCallback& callback, AnswerKind kind, int 
   entry.nth = nth;
 }
 
+void CallbackMeter::AnswerWith(const XlCallback& callback, const Formula& formula, int nth) {
+  Entry& entry = entries_[IndexOf(callback)];
+  entry.armed.formula = std::make_shared<const Formula>(formula);
+  entry.nth = nth;
+}
+
 void CallbackMeter::FaultIn(const XlCallback& callback) {
   Entry& entry = entries_[IndexOf(callback)];
   entry.armed.hasFault = true;

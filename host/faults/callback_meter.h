@@ -4,18 +4,21 @@
 #include <array>
 #include <atomic>
 #include <iterator>
+#include <memory>
 #include <optional>
 
 #include "host/faults/odd_answer.h"
+#include "host/formulas/formula.h"
 #include "xlcall/callback_list.h"
 
 namespace qcalc {
 
 /// What befalls one callback beside its count.
 struct Interference {
-  std::optional<int> code;           ///< it must return that instead of being made
-  std::optional<AnswerKind> answer;  ///< it succeeds with a value of that kind instead of its own
-  bool hasFault = false;             ///< the host meets a fault of its own on the way, and handles it
+  std::optional<int> code;                 ///< it must return that instead of being made
+  std::optional<AnswerKind> answer;        ///< it succeeds with a value of that kind instead of its own
+  std::shared_ptr<const Formula> formula;  ///< it succeeds with what that gives, calls of the add-in included
+  bool hasFault = false;                   ///< the host meets a fault of its own on the way, and handles it
 };
 
 /// Counting may happen on any thread; arming and reading happen between evaluations.
@@ -33,6 +36,9 @@ class CallbackMeter {
   /// During the next evaluation the `nth` callback of that name (1-based; 0: every one) that is in order gives a value
   /// of that kind.
   void AnswerWith(const XlCallback& callback, AnswerKind kind, int nth);
+
+  /// The same with what a formula gives; the callbacks that its calls of the add-in make count too.
+  void AnswerWith(const XlCallback& callback, const Formula& formula, int nth);
 
   /// During the next evaluation the host meets a fault of its own in every callback of that name.
   void FaultIn(const XlCallback& callback);

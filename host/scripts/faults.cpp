@@ -94,6 +94,10 @@ ScriptAction ParseFail(ScriptLine& line) {
 
 ScriptAction ParseAnswerWith(ScriptLine& line) {
   const XlCallback& callback = line.Callback();
+  if (line.StartsFormula())  // the first alone: what the formula calls may make such callbacks too
+    return [&callback, formula = line.FormulaText()](ScriptRunner& runner) {
+      runner.ItsSession().Host().meter.AnswerWith(callback, formula, 1);
+    };
   const std::string_view word = line.Word("a kind of value");
   const std::optional<AnswerKind> kind = FindAnswerKind(word);
   if (!kind)
@@ -118,7 +122,7 @@ constexpr ScriptCommandForm kCommands[] = {
     {"fail", "fail NAME CODE [NTH]", ParseFail},
     {"mutate", "mutate ARG null, type N, bits N, length N, dims RxC, pointer or nested", ParseMutate},
     {"fail-alloc", "fail-alloc N [once or on]", ParseFailAlloc},
-    {"answer-with", "answer-with NAME KIND [NTH]", ParseAnswerWith},
+    {"answer-with", "answer-with NAME KIND [NTH] or =FORMULA", ParseAnswerWith},
     {"fault-in-callback", "fault-in-callback NAME", ParseFaultInCallback},
     {"double-free", "double-free", ParseDoubleFree},
 };

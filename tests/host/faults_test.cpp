@@ -135,21 +135,6 @@ TEST_F(Faults, ChangedArgumentsShowThroughDamage) {
   }
 }
 
-TEST_F(Faults, CallbacksAnswerInOddKinds) {
-  const XlCallback& coerce = *FindXlCallback("xlCoerce");
-  for (const auto& [kind, expected] :
-       {std::pair(AnswerKind::kText, "\"odd\""), std::pair(AnswerKind::kArray, "{2.5,\"odd\";#N/A,empty}"),
-        std::pair(AnswerKind::kError, "#N/A"), std::pair(AnswerKind::kInteger, "-3"),
-        std::pair(AnswerKind::kReference, "{10,20}"), std::pair(AnswerKind::kMissing, "empty")}) {
-    session.CurrentSheet().Set({0, 0, 0, 1}, *ParseLiteral("{10,20}"));
-    Meter().AnswerWith(coerce, kind, 1);
-    EXPECT_EQ(Evaluate("=COERCED(A1,1)"), expected);
-    EXPECT_EQ(Evaluate("=COERCED(A1,1)"), "10");
-  }
-  session.Finish();
-  EXPECT_THAT(Complaints(), IsEmpty()) << "what was lent has come back";
-}
-
 TEST_F(Faults, AFaultOfTheHostsInACallbackIsItsOwnAffair) {
   Meter().FaultIn(*FindXlCallback("xlCoerce"));
   EXPECT_EQ(Evaluate("=COERCED(5,2)"), "\"5\"");

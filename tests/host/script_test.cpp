@@ -138,6 +138,23 @@ TEST(ScriptRunning, FailuresOfCallbacksLastForOneEvaluation) {
   EXPECT_GT(outcome.failed, 0) << "registering without a module is told";
 }
 
+TEST(ScriptRunning, CallbacksAnswerAsTheyAreTold) {
+  const Outcome outcome = RunText(
+      "answer-with xlCoerce number\neval =COERCED(7,1)\nexpect -2.5\neval =COERCED(7,1)\nexpect 7\n"
+      "answer-with xlCoerce text\neval =COERCED(7,1)\nexpect \"odd\"\n"
+      "answer-with xlCoerce boolean\neval =COERCED(7,1)\nexpect TRUE\n"
+      "answer-with xlCoerce error\neval =COERCED(7,1)\nexpect #N/A\n"
+      "answer-with xlCoerce array\neval =COERCED(7,1)\nexpect {2.5,\"odd\";#N/A,empty}\n"
+      "answer-with xlCoerce reference\neval =COERCED(7,1)\nexpect-ref A1:B1\n"
+      "answer-with xlCoerce missing\neval =COERCED(7,1)\nexpect empty\n"
+      "answer-with xlCoerce empty\neval =COERCED(7,1)\nexpect empty\n"
+      "answer-with xlCoerce integer 2\neval =COERCED(7,1)&COERCED(7,1)\nexpect \"7-3\"\n"
+      "answer-with xlCoerce =COERCED(\"5\",1)&\"!\"\neval =COERCED(7,1)&COERCED(7,1)\nexpect \"5!7\"\n"
+      "expect-calls xlCoerce 3\n");
+  EXPECT_EQ(outcome.failed, 0) << outcome.printed;
+  EXPECT_EQ(outcome.passed, 12);
+}
+
 TEST(ScriptRunning, SettingsThatComeTooLate) {
   EXPECT_THROW(RunText("eval =1\nversion 11\n"), ScriptError);
   EXPECT_THROW(RunText("load A1 no-such-file.csv\n"), ScriptError);
