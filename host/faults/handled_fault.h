@@ -6,8 +6,8 @@ namespace qcalc {
 /// Whether this build can: natively it cannot.
 bool CanHandleFaults();
 
-/// Reads where no memory is and recovers by the handler of its own frame. False when another handler took the fault and
-/// came back here.
+/// Reads where no memory is, raises a stack overflow, and recovers from both by the handler of its own frame. False
+/// when another handler took one of them and came back here.
 bool HandleOwnFault();
 
 }  // namespace qcalc

@@ -1,6 +1,7 @@
-# A function that reads through a null pointer and whose own handler takes the fault.
+# A function that reads through a null pointer, then raises a stack overflow, and whose own handler takes both.
 #
-# Returns in eax what the handler put there, 0 when something else brought the thread back to the instruction behind.
+# Returns in eax how many the handler has counted in the frame's word at 32(%rsp); a fault that something else brought
+# the thread back from is not among them.
 
         .globl  QcalcFaultAndRecover
         .globl  qcalcFaultyInstruction
@@ -13,12 +14,17 @@ QcalcFaultAndRecover:
         .seh_stackalloc 40
         .seh_handler QcalcHandleFault, @except
         .seh_endprologue
-        xorl    %eax, %eax
+        movl    $0, 32(%rsp)
         xorl    %ecx, %ecx
 qcalcFaultyInstruction:
         movl    (%rcx), %edx
 qcalcBehindFault:
-        nop
+        movl    $0xC00000FD, %ecx
+        xorl    %edx, %edx
+        xorl    %r8d, %r8d
+        xorl    %r9d, %r9d
+        call    *__imp_RaiseException(%rip)
+        movl    32(%rsp), %eax
         addq    $40, %rsp
         ret
         .seh_endproc
