@@ -52,6 +52,7 @@ const Kind kKinds[] = {
     {"epilogue bytes", {kAccessViolation}, 0},
     {"host copy", {kAccessViolation}, 0},
     {"locked read", {kAccessViolation}, 0},
+    {"nested", {kAccessViolation}, 0},
     {"copy", {kAccessViolation}, 1 + kOwned + kException},
     {"locked copy", {kAccessViolation}, kOwned + kException},
     {"destructor", {kAccessViolation}, kOwned + kException},

@@ -138,6 +138,13 @@ const NamedProvocation kProvocations[] = {
        const CStoreLock lock(store);
        static_cast<void>(*static_cast<int volatile*>(badAddress));
      }},
+    // After a call of PROVOKE on the same thread that faulted as well.
+    {XTEXT("nested"),
+     [] {
+       const CXlOper inner =
+           CallExcel(xlUDF, CXlOper::Text(XTEXT("PROVOKE")), CXlOper::Text(XTEXT("read")), CXlOper::Number(7));
+       if (inner.AsText() == XTEXT("#ERROR: 'C' exception 0xC0000005")) *badAddress = 1;
+     }},
     // From here on C++ cannot throw.
     {XTEXT("copy"),
      [] {
@@ -179,13 +186,6 @@ void DivideByZero(CXlOper& result, const CXlOper*) {
   result.SetBoolean(1.0 / nothing > 1e308);
 }
 
-/// Asks the host for its caller's value, and returns the argument.
-void CallBack(CXlOper& result, const CXlOper* arguments) {
-  CXlOper caller;
-  TryCallExcel(caller, xlfCaller);
-  result.SetNumber(arguments[0].AsNumber());
-}
-
 double NanosecondsOf(std::chrono::steady_clock::duration duration, double calls) {
   return std::chrono::duration<double, std::nano>(duration).count() / calls;
 }
@@ -211,7 +211,6 @@ void GuardCost(CXlOper& result, const CXlOper* arguments) {
 }
 
 constexpr ArgumentDeclaration kProvokeArguments[] = {{.name = XTEXT("Kind")}, {.name = XTEXT("Value")}};
-constexpr ArgumentDeclaration kValueArgument[] = {{.name = XTEXT("Value")}};
 constexpr ArgumentDeclaration kCallsArgument[] = {{.name = XTEXT("Calls")}};
 
 constexpr FunctionDeclaration Declaration(std::string_view procedure, XStringView name,
@@ -223,12 +222,11 @@ constexpr FunctionDeclaration kProvoke = Declaration("PROVOKE", XTEXT("PROVOKE")
 constexpr FunctionDeclaration kLiveObjects = Declaration("LIVE_OBJECTS", XTEXT("LIVE.OBJECTS"), {});
 constexpr FunctionDeclaration kStoreIsFree = Declaration("STORE_IS_FREE", XTEXT("STORE.IS.FREE"), {});
 constexpr FunctionDeclaration kDivideByZero = Declaration("DIVIDE_BY_ZERO", XTEXT("DIVIDE.BY.ZERO"), {});
-constexpr FunctionDeclaration kCallBack = Declaration("CALL_BACK", XTEXT("CALL.BACK"), kValueArgument);
 constexpr FunctionDeclaration kGuardCost = Declaration("GUARD_COST", XTEXT("GUARD.COST"), kCallsArgument);
 
-const CXllFunctionRecord records[] = {CXllFunctionRecord(kProvoke),     CXllFunctionRecord(kLiveObjects),
+const CXllFunctionRecord records[] = {CXllFunctionRecord(kProvoke), CXllFunctionRecord(kLiveObjects),
                                       CXllFunctionRecord(kStoreIsFree), CXllFunctionRecord(kDivideByZero),
-                                      CXllFunctionRecord(kCallBack),    CXllFunctionRecord(kGuardCost)};
+                                      CXllFunctionRecord(kGuardCost)};
 
 }  // namespace
 }  // namespace quillmere
@@ -241,5 +239,4 @@ XLL_EXPORT XLOPER12* PROVOKE_12(XLOPER12* kind, XLOPER12* value) {
 XLL_EXPORT XLOPER12* LIVE_OBJECTS_12() { return CallFunction12(&quillmere::LiveObjects); }
 XLL_EXPORT XLOPER12* STORE_IS_FREE_12() { return CallFunction12(&quillmere::StoreIsFree); }
 XLL_EXPORT XLOPER12* DIVIDE_BY_ZERO_12() { return CallFunction12(&quillmere::DivideByZero); }
-XLL_EXPORT XLOPER12* CALL_BACK_12(XLOPER12* value) { return CallFunction12(&quillmere::CallBack, value); }
 XLL_EXPORT XLOPER12* GUARD_COST_12(XLOPER12* calls) { return CallFunction12(&quillmere::GuardCost, calls); }
