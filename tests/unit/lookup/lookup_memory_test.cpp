@@ -9,6 +9,7 @@
 
 #include "exports.h"
 #include "frame/callbacks/callbacks.h"
+#include "frame/values/kept_blocks.h"
 #include "tests/unit/fixtures/failing_memory.h"
 #include "tests/unit/fixtures/fake_excel.h"
 #include "workbook/id_stores.h"
@@ -191,6 +192,7 @@ TEST_F(LookupMemoryTest, WithoutAPlaceNothingIsRemembered) {
 TEST_F(LookupMemoryTest, NoMemoryForAnEntryEndsNothingButItsUse) {
   LookupMemory memory({MemoryType::kNumber, {}});
   memory.RequireCallingCells();
+  ReleaseKeptBlocks();
   FailNextAllocation();
   EXPECT_NO_THROW(memory.Remember(0, 7));
   EXPECT_FALSE(memory.IsInUse());
