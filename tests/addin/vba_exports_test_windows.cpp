@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <limits>
-#include <thread>
 
 #include "host/faults/spoilt_memory.h"
 #include "host/library/allocation.h"
@@ -85,24 +84,6 @@ TEST_F(VbaFaults, ResultsThatCannotBeWritten) {
   }
   VirtualFree(readOnly, 0, MEM_RELEASE);
   EXPECT_EQ(rows.Entries().size(), 10u);
-}
-
-TEST_F(VbaFaults, FaultsOfSomeThreadsDoNotReachTheOthers) {
-  constexpr int kRounds = 200;
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < 8; ++thread) {
-    threads.emplace_back([this, isBad = thread % 2 == 1] {
-      for (int round = 0; round < kRounds; ++round) {
-        const std::int32_t answer = rows.put(some.data(), some.data(), isBad ? 11 : 10);
-        if (isBad) {
-          EXPECT_EQ(answer, -1);
-        }
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(rows.Entries().size(), 10u);
-  EXPECT_EQ(rows.destroy(), 1);
 }
 
 TEST_F(VbaFaults, APathThatCannotBeRead) {

@@ -158,24 +158,5 @@ TEST_F(Wrapper, TheSlotFreesWhatExcelDidNot) {
   EXPECT_EQ(second->val.num, 3) << "nothing of ours";
 }
 
-TEST_F(Wrapper, ValuesOfExcelsAreHandedBackAsTheyAre) {
-  AddinExcel excel;
-  static AddinExcel* lender;
-  lender = &excel;
-  XLOPER12* const lent = CallFunction12(
-      [](CXlOper& result, const CXlOper*) { result = CXlOper::TakeFromExcel(lender->LendText(XTEXT("lent"))); });
-  EXPECT_EQ(lent->xltype, xltypeStr | xlbitXLFree);
-  EXPECT_EQ(excel.Lent(), 1u);
-  static_cast<void>(CXlOper::TakeFromExcel(*lent));
-  EXPECT_EQ(excel.Lent(), 0u);
-
-  CXlOper argument = CXlOper::Text(XTEXT("argument"));
-  const XLOPER12* const echoed = CallFunction12(
-      [](CXlOper& result, const CXlOper* arguments) { result = CXlOper::BorrowCell(*arguments[0].Cells().first); },
-      argument.ForCallback());
-  EXPECT_EQ(echoed->xltype, xltypeStr);
-  EXPECT_EQ(echoed->val.str, argument.ForCallback()->val.str);
-}
-
 }  // namespace
 }  // namespace quillmere::testing

@@ -120,6 +120,8 @@ TEST(ConvertScalar, FetchesOneCellOfAReference) {
   const XLREF12 areas[] = {{4, 1'048'575, 2, 3}, {0, 0, 0, 0}};
   const CXlOper reference = CXlOper::Reference(9, areas);
   EXPECT_EQ(ConvertTo<kString>(reference, true), XTEXT("top left"));
+  excel.Give(xlCoerce, [&] { return excel.LendArray(1, 1, {NumberCell(7)}); });
+  EXPECT_EQ(ConvertTo<kNumber>(reference, true), 7);
   excel.Fail(xlCoerce, xlretFailed);
   EXPECT_EQ(MessageOf([&] { ConvertTo<kString>(reference, true); }), XTEXT("Expected string"));
   EXPECT_EQ(MessageOf([&] { ConvertArgument(reference, CScalarConvertParams<kString>(kName)); }),

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <limits>
 
-#include "frame/callbacks/excel_settings.h"
 #include "frame/convert/cell_text.h"
 #include "frame/text/number_reading.h"
 #include "frame/text/white_space.h"
@@ -65,16 +64,6 @@ TEST(NumberText, TextFormOfEveryKind) {
   EXPECT_THROW(TextForm(array, buffer), CXlBadOperTypeException);
 }
 
-TEST(NumberText, FollowsTheSeparatorInUse) {
-  NumberTextBuffer buffer;
-  SetDecimalSeparator(XTEXT(','));
-  EXPECT_EQ(TextForm(NumberCell(1.5), buffer), XTEXT("1,5"));
-  SetDecimalSeparator(XTEXT('.'));
-  EXPECT_EQ(TextForm(NumberCell(1.5), buffer), XTEXT("1.5"));
-  EXPECT_EQ(ReadPlainNumber(XTEXT("1,5"), XTEXT(',')), 1.5);
-  EXPECT_EQ(ReadPlainNumber(XTEXT("1.5"), XTEXT(',')), std::nullopt);
-}
-
 TEST(TextNumber, ReadsPlainNotation) {
   const struct {
     XStringView text;
@@ -94,6 +83,8 @@ TEST(TextNumber, ReadsPlainNotation) {
                {XTEXT("9007199254740993"), 9007199254740992},
                {XTEXT("9007199254740993.00000000000000000000001"), 9007199254740994}};
   for (const auto& one : cases) EXPECT_EQ(ReadPlainNumber(one.text, XTEXT('.')), one.number);
+  EXPECT_EQ(ReadPlainNumber(XTEXT("1,5"), XTEXT(',')), 1.5);
+  EXPECT_EQ(ReadPlainNumber(XTEXT("1.5"), XTEXT(',')), std::nullopt);
   for (const XStringView text :
        {XTEXT(""), XTEXT(" "), XTEXT("."), XTEXT("-"), XTEXT("--1"), XTEXT("1.2.3"), XTEXT("1e"), XTEXT("1e+"),
         XTEXT("e5"), XTEXT("1 000"), XTEXT("1,000"), XTEXT("0x10"), XTEXT("inf"), XTEXT("nan"), XTEXT("10%"),

@@ -37,6 +37,10 @@ TEST(StringFormatter, ReplacesPlaceholdersAndDoubledBraces) {
                {XTEXT("{0}}}"), XTEXT("zero}")}};
   for (const auto& one : cases) EXPECT_EQ(Format(one.pattern, {XTEXT("zero"), XTEXT("one")}), one.expected);
   EXPECT_EQ(Format("{0}-{1}", {"eight", -12}), "eight--12");
+  EXPECT_EQ(Format(XTEXT("{0} {1}"), {XTEXT("{1}"), XTEXT("}{{")}), XTEXT("{1} }{{")) << "they stand for themselves";
+  EXPECT_EQ(Format(XTEXT("{0} {1} {2}"), {std::numeric_limits<std::int64_t>::min(),
+                                          std::numeric_limits<std::uint64_t>::max(), std::int16_t{0}}),
+            XTEXT("-9223372036854775808 18446744073709551615 0"));
 }
 
 TEST(StringFormatter, RefusesMalformedPatterns) {
@@ -49,16 +53,6 @@ TEST(StringFormatter, RefusesMalformedPatterns) {
   for (const XStringView pattern :
        {XTEXT("{2}"), XTEXT("{65535}"), XTEXT("{65536}"), XTEXT("{4294967296}"), XTEXT("{18446744073709551616}")})
     EXPECT_EQ(FaultOf(pattern), FormatFault::kIndexOutOfRange);
-}
-
-TEST(StringFormatter, BracesOfArgumentsStandForThemselves) {
-  EXPECT_EQ(Format(XTEXT("{0} {1}"), {XTEXT("{1}"), XTEXT("}{{")}), XTEXT("{1} }{{"));
-}
-
-TEST(StringFormatter, WritesIntegersOfEveryWidth) {
-  EXPECT_EQ(Format(XTEXT("{0} {1} {2}"), {std::numeric_limits<std::int64_t>::min(),
-                                          std::numeric_limits<std::uint64_t>::max(), std::int16_t{0}}),
-            XTEXT("-9223372036854775808 18446744073709551615 0"));
 }
 
 TEST(Messages, FormatByNumber) {
