@@ -13,6 +13,7 @@
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
+#include "tests/host/case_table.h"
 
 namespace qcalc {
 
@@ -86,6 +87,10 @@ class ModelTest : public testing::Test {
     } catch (const FormulaError& error) {
       return std::string("!") + error.what();
     }
+  }
+  /// Checks the formulas of a table (case_table.h) by what Eval says of them.
+  void Check(std::string_view cases) {
+    for (const auto& [formula, result] : CasesOf(cases)) EXPECT_EQ(Eval(formula), result) << formula;
   }
   /// What a cell or an area holds.
   std::string Held(std::string_view reference) {
