@@ -8,6 +8,9 @@
 namespace quillmere {
 namespace {
 
+/// 64 GB of cells. A system that promises more memory than it has would give it, and end the program as it is filled.
+constexpr std::int64_t kMaxCells = (std::int64_t{64} << 30) / static_cast<std::int64_t>(sizeof(XLOPER12));
+
 void CheckScalar(const XLOPER12& value) {
   const std::uint32_t type = TypeOf(value);
   if (type == xltypeMulti || type == xltypeRef || type == xltypeSRef)
@@ -18,7 +21,7 @@ void CheckScalar(const XLOPER12& value) {
 
 void CheckArraySize(std::int64_t rows, std::int64_t columns) {
   if (rows <= 0 || columns <= 0) throw CXlEmptyArrayException();
-  if (rows > kXlMaxRows || columns > kXlMaxColumns) throw CXlArrayTooLargeException();
+  if (rows > kXlMaxRows || columns > kXlMaxColumns || rows * columns > kMaxCells) throw CXlArrayTooLargeException();
 }
 
 /// The first and the last of `count` cells must lie in the array; those between then do.

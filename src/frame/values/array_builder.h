@@ -9,7 +9,8 @@
 
 namespace quillmere {
 
-/// Raises CXlEmptyArrayException for no rows or no columns, CXlArrayTooLargeException beyond 1,048,576 x 16,384.
+/// Raises CXlEmptyArrayException for no rows or no columns, CXlArrayTooLargeException beyond 1,048,576 x 16,384 and for
+/// more cells than memory holds.
 void CheckArraySize(std::int64_t rows, std::int64_t columns);
 
 /// An array under construction. Its cells are unset until put: every cell must be put, once, before Finish. An

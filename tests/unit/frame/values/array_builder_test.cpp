@@ -30,7 +30,8 @@ TEST(ArrayBuilder, RefusesImpossibleSizes) {
   EXPECT_THROW(CheckArraySize(1, -5), CXlEmptyArrayException);
   EXPECT_THROW(CXlArrayBuilder(1'048'577, 1), CXlArrayTooLargeException);
   EXPECT_THROW(CXlArrayBuilder(std::int64_t{1} << 40, std::int64_t{1} << 40), CXlArrayTooLargeException);
-  EXPECT_NO_THROW(CheckArraySize(1'048'576, 16'384));
+  EXPECT_THROW(CheckArraySize(1'048'576, 2'049), CXlArrayTooLargeException) << "64 GB and more";
+  EXPECT_NO_THROW(CheckArraySize(1'048'576, 2'048));
 }
 
 TEST(ArrayBuilder, CopiesTextsOfEveryLengthWithinTheirBounds) {
