@@ -1,13 +1,8 @@
-// Values across the API, in both widths, and the loans of what hangs on them.
-#include "host/api/marshal.h"
-
+// How arguments are laid out, what type texts say, and how results are shown.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "host/addin/arguments.h"
-#include "host/api/loans.h"
 #include "host/api/type_text.h"
 #include "host/scripts/show_table.h"
 #include "host/values/literal.h"
@@ -15,80 +10,21 @@
 namespace qcalc {
 namespace {
 
-template <typename Width>
-Reading ThroughTheApi(const ApiValue& value, IDSHEET current, std::vector<std::byte>& memory,
-                      typename Width::Oper& oper) {
-  memory.assign(Marshal<Width>::BlockBytes(value, {current}), std::byte{0xA7});
-  Marshal<Width>::Write(value, {current}, memory.data(), oper);
-  return Marshal<Width>::Read(oper, current);
-}
-
-template <typename Width>
-class BothWidths : public ::testing::Test {};
-using Widths = ::testing::Types<Wide, Narrow>;
-TYPED_TEST_SUITE(BothWidths, Widths);
-
-TYPED_TEST(BothWidths, ValuesSurviveTheWay) {
-  const std::string longest(255, 'x');
-  for (const std::string& literal :
-       {std::string("1.5"), std::string("TRUE"), std::string("#N/A"), std::string("empty"), std::string("\"\""),
-        "\"" + longest + "\"", std::string("{1,\"a\",TRUE;#DIV/0!,empty,\"\"}")}) {
-    std::vector<std::byte> memory;
-    typename TypeParam::Oper oper;
-    const Value value = *ParseLiteral(literal);
-    ASSERT_TRUE(Marshal<TypeParam>::Fits(value));
-    const Reading reading = ThroughTheApi<TypeParam>(value, 1, memory, oper);
-    EXPECT_EQ(reading.defect, "");
-    EXPECT_EQ(PrintLiteral(std::get<Value>(reading.value)), literal);
-  }
-}
-
-TYPED_TEST(BothWidths, ReferencesTakeTheFormOfTheirSheet) {
-  const Reference cells{7, {{1, 2, 3, 4}}};
-  const Reference two{7, {{1, 2, 3, 4}, {9, 9, 9, 9}}};
-  std::vector<std::byte> memory;
-  typename TypeParam::Oper oper;
-  Reading reading = ThroughTheApi<TypeParam>(Value::OfReference(cells), 7, memory, oper);
-  EXPECT_EQ(oper.xltype, xltypeSRef);
-  EXPECT_EQ(std::get<Value>(reading.value).AsReference(), cells);
-  reading = ThroughTheApi<TypeParam>(Value::OfReference(cells), 8, memory, oper);
-  EXPECT_EQ(oper.xltype, xltypeRef);
-  EXPECT_EQ(std::get<Value>(reading.value).AsReference(), cells);
-  reading = ThroughTheApi<TypeParam>(Value::OfReference(two), 7, memory, oper);
-  EXPECT_EQ(oper.xltype, xltypeRef);
-  EXPECT_EQ(std::get<Value>(reading.value).AsReference(), two);
-}
-
-TEST(Marshalling, WhatDoesNotFit) {
-  const Reference wide{1, {{0, 70'000, 0, 0}}};
-  EXPECT_TRUE(Marshal<Wide>::Fits(Value::OfReference(wide)));
-  EXPECT_FALSE(Marshal<Narrow>::Fits(Value::OfReference(wide)));
-  EXPECT_TRUE(Marshal<Wide>::Fits(Value::Text(XString(32'767, 'x'))));
-  EXPECT_FALSE(Marshal<Wide>::Fits(Value::Text(XString(32'768, 'x'))));
-  EXPECT_FALSE(Marshal<Narrow>::Fits(Value::Text(XString(256, 'x'))));
-  EXPECT_TRUE(Marshal<Narrow>::Fits(Value::OfArray(ArrayBuilder(65'535, 1).Finish())));
-  EXPECT_FALSE(Marshal<Narrow>::Fits(Value::OfArray(ArrayBuilder(65'536, 1).Finish())));
-}
-
 TEST(Marshalling, JunkStandsBehindTextsAndShortIntegers) {
-  std::vector<std::byte> memory;
-  XLOPER12 oper;
-  ThroughTheApi<Wide>(Value::Text(XTEXT("ab")), 1, memory, oper);
-  EXPECT_EQ(oper.val.str[0], 2);
-  EXPECT_EQ(static_cast<std::uint16_t>(oper.val.str[3]), 0xA7A7);
-  ThroughTheApi<Wide>(Value::Boolean(true), 1, memory, oper);
-  std::uint64_t word;
-  std::memcpy(&word, &oper, sizeof word);
-  EXPECT_EQ(word, 0xA7A7A7A700000001u);
-
   RegisteredFunction function;
-  function.type = std::get<TypeText>(ParseTypeText(XTEXT("UAIHJ")));
-  const Value operands[] = {Value::Boolean(true), Value::Number(-1), Value::Number(65'535), Value::Number(-1)};
+  function.type = std::get<TypeText>(ParseTypeText(XTEXT("UAIHJQQ")));
+  const Value operands[] = {Value::Boolean(true), Value::Number(-1),    Value::Number(65'535),
+                            Value::Number(-1),    Value::Boolean(true), Value::Text(XTEXT("ab"))};
   ArgumentCache cache;
   Arguments arguments(cache, {});
   ASSERT_FALSE(arguments.Build(function, operands));
-  EXPECT_THAT(arguments.Words(), ::testing::ElementsAre(0xA7A7A7A7A7A70001u, 0xA7A7A7A7A7A7FFFFu, 0xA7A7A7A7A7A7FFFFu,
-                                                        0xA7A7A7A7FFFFFFFFu));
+  const std::span<const std::uintptr_t> words = arguments.Words();
+  EXPECT_THAT(words.first(4), ::testing::ElementsAre(0xA7A7A7A7A7A70001u, 0xA7A7A7A7A7A7FFFFu, 0xA7A7A7A7A7A7FFFFu,
+                                                     0xA7A7A7A7FFFFFFFFu));
+  EXPECT_EQ(*reinterpret_cast<const std::uint64_t*>(words[4]), 0xA7A7A7A700000001u);
+  const XCHAR* const text = reinterpret_cast<const XLOPER12*>(words[5])->val.str;
+  EXPECT_EQ(text[0], 2);
+  EXPECT_EQ(static_cast<std::uint16_t>(text[3]), 0xA7A7);
 }
 
 TEST(TypeTexts, WhatExcelTakesAndRefuses) {
@@ -101,25 +37,6 @@ TEST(TypeTexts, WhatExcelTakesAndRefuses) {
   const auto type = std::get<TypeText>(ParseTypeText(XTEXT("UJC%U!#")));
   EXPECT_EQ(type.arguments, (std::vector<TypeLetter>{{'J', false}, {'C', true}, {'U', false}}));
   EXPECT_TRUE(type.isVolatile && type.isMacroEquivalent && !type.isThreadSafe && type.TakesReferences());
-}
-
-TEST(Loans, LoansAndTheirEnd) {
-  Complaints complaints;
-  Loans loans(complaints);
-  std::byte* first = loans.Lend(16, {"F", "xlCoerce"});
-  std::byte* second = loans.Lend(16, {"F", "xlCoerce"});
-  loans.Lend(16, {"G", "xlfCaller"});
-  EXPECT_EQ(first[15], std::byte{0xA7});
-  EXPECT_EQ(loans.TakeBack(first), Loans::Receipt::kTaken);
-  EXPECT_EQ(loans.TakeBack(first), Loans::Receipt::kTakenBefore);
-  EXPECT_EQ(loans.TakeBack(&loans), Loans::Receipt::kUnknown);
-  EXPECT_TRUE(loans.IsLent(second));
-#if !defined(__SANITIZE_ADDRESS__)
-  EXPECT_EQ(first[0], std::byte{0xDD}) << "memory given back is poisoned";
-#endif
-  EXPECT_THAT(loans.Close(), ::testing::ElementsAre(::testing::StartsWith("F kept 1 value of xlCoerce"),
-                                                    ::testing::StartsWith("G kept 1 value of xlfCaller")));
-  EXPECT_THAT(loans.Close(), ::testing::IsEmpty());
 }
 
 TEST(Tables, AreAlignedAndSayWhatStandsInThem) {

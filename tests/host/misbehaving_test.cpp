@@ -16,9 +16,25 @@ TEST_F(Misbehaving, NothingIsSaidOfFunctionsThatKeepTheRules) {
   Check("=PLUS.ONE(2)+PLUS.ONE.MAIN(3) -> 7 | =SHEET.NAME() -> \"[Book1]Calc\"");
   session.Host().settings.shortReferences = false;
   EXPECT_EQ(Evaluate("=SHEET.NAME()"), "\"[Book1]Calc\"");
-  EXPECT_EQ(Evaluate("=ECHO.VALUE4({1,\"a\u00E4\u20AC\";TRUE,#N/A})"), "{1,\"a\u00E4\u20AC\";TRUE,#N/A}");
   session.Finish();
   EXPECT_THAT(Complaints(), IsEmpty());
+}
+
+// DESCRIBE tells the type first: SRef, Ref.
+TEST_F(Misbehaving, ValuesSurviveTheWayInBothWidthsAsFarAsTheyFit) {
+  session.CurrentSheet().Set({0, 1, 0, 1}, *ParseLiteral("{1,2;3,4}"));
+  for (const bool isShort : {true, false}) {
+    session.Host().settings.shortReferences = isShort;
+    EXPECT_EQ(Evaluate("=DESCRIBE(A1:B2)"), isShort ? "{1024,0,0,0}" : "{8,0,0,0}");
+    Check(R"(
+        =DESCRIBE(Other!A1) -> {8,0,0,0} | =DESCRIBE((A1,B2)) -> {8,0,0,0} | =SUM(ECHO.REFERENCE4((A1,B2))) -> 5
+        =ECHO.REFERENCE4(A1:B2) -> {1,2;3,4} | =ECHO.REFERENCE4(A70000) -> #VALUE! | =ECHO.VALUE4(A1:B2) -> {1,2;3,4}
+        =ECHO.VALUE4(1.5) -> 1.5 | =ECHO.VALUE4(TRUE) -> TRUE | =ECHO.VALUE4(#N/A) -> #N/A | =ECHO.VALUE4(C1) -> empty
+        =ECHO.VALUE4("") -> "" | =ECHO.VALUE4({1,"a",TRUE;#DIV/0!,empty,""}) -> {1,"a",TRUE;#DIV/0!,empty,""}
+        =LEN(ECHO.VALUE4(REPT("x",255))) -> 255 | =ECHO.VALUE4(REPT("x",256)) -> #VALUE!
+        =ROWS(ECHO.VALUE4(SEQUENCE(65535))) -> 65535 | =ECHO.VALUE4(SEQUENCE(65536)) -> #VALUE!)");
+  }
+  EXPECT_EQ(Evaluate("=ECHO.VALUE4(\"a\u00E4\u20AC\")"), "\"a\u00E4\u20AC\"");
 }
 
 // Of the first sum: 3 + 10 - 200 + 4,000 + 20,000 + 300,000 + 3,000,000.
