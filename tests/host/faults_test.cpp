@@ -102,14 +102,6 @@ TEST_F(Faults, ChangedArgumentsShowThroughDamage) {
   }
 }
 
-TEST_F(Faults, ResultsAreFreedTwice) {
-  EXPECT_EQ(Evaluate("=FREE.COUNT()"), "0");
-  session.Host().faults.FreeTwice();
-  EXPECT_EQ(Evaluate("=FREE.COUNT()"), "1");
-  EXPECT_EQ(Evaluate("=FREE.COUNT()"), "3");
-  EXPECT_EQ(Evaluate("=FREE.COUNT()"), "4");
-}
-
 TEST_F(Faults, ReloadingStartsAfreshAndSeesALibraryThatStays) {
   Evaluate("=FREE.COUNT()");
   EXPECT_EQ(Evaluate("=FREE.COUNT()"), "1");

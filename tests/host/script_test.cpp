@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "host/scripts/runner.h"
+#include "tests/host/case_table.h"
 
 namespace qcalc {
 namespace {
@@ -28,41 +29,26 @@ Outcome RunText(const std::string& text) {
 }
 
 TEST(ScriptReading, MistakesAreToldWithTheirPlace) {
-  const std::tuple<const char*, int, int, const char*> mistakes[] = {
-      {"# a comment\n\n  evall =1\n", 3, 3, "expected a command"},
-      {"eval 1\n", 1, 6, "which begins with '='"},
-      {"eval =1+\n", 1, 9, "expected"},
-      {"eval =SUM(1,\\\n  2\n", 2, 4, "expected"},
-      {"set A1 1\n", 1, 9, "expected '='"},
-      {"set Q = {1,2;3}\n", 1, 5, "expected"},
-      {"set A1 = {1,2;3}\n", 1, 16, ""},
-      {"expect 1 2\n", 1, 10, ""},
-      {"recalc 0 =1\n", 1, 8, "from 1 to"},
-      {"fail xlCorce xlretFailed\n", 1, 6, "expected a callback's name"},
-      {"fail xlCoerce 32\n", 1, 15, "xlretFailed"},
-      {"refs sref\n", 1, 6, "expected one of SRef, Ref"},
-      {"answer-with xlCoerce word\n", 1, 22, "expected a kind of value (number, text,"},
-      {"mutate 1 type -2\n", 1, 15, "expected bits of a type"},
-      {"mutate 2 bits 0x50g\n", 1, 15, "expected bits of a type"},
-      {"mutate 1 dims 3x\n", 1, 15, "expected a size such as 3x2"},
-      {"mutate 1 dims 3\n", 1, 15, "expected a size such as 3x2"},
-      {"fail-alloc 1 twice\n", 1, 14, "expected one of once, on"},
-      {"reload 501\n", 1, 8, "from 1 to 500"},
-      {"hide A1:B2\n", 1, 6, "expected whole rows"},
-      {"expect-shape 3\n", 1, 14, "such as 3x2"},
-      {"let A1 = 3\n", 1, 5, "no reference"},
-      {"let x y = 3\n", 1, 5, "no reference"},
-      {"print 3\n", 1, 7, "expected the end of the line"},
-      {"case \xFF\n", 1, 6, "UTF-8"},
-  };
-  for (const auto& [text, line, column, message] : mistakes) {
-    const auto commands = ParseScript(text);
-    ASSERT_FALSE(commands) << text;
-    EXPECT_EQ(commands.Error().line, line) << text;
-    EXPECT_EQ(commands.Error().column, column) << text << commands.Error().message;
-    EXPECT_THAT(commands.Error().message, HasSubstr(message)) << text;
+  const auto mistake = [](const std::string& script) { return ParseScript(script).Error().ToString(); };
+  for (const auto& [command, told] : CasesOf(R"(
+      eval 1 -> 6, which begins with '=' | eval =1+ -> 9, expected | set A1 1 -> 9, expected '=' | at -> 3, expected
+      set Q = {1,2;3} -> 5, expected | set A1 = {1,2;3} -> 16, expected | expect 1 2 -> 10, expected
+      recalc 0 =1 -> 8, from 1 to | fail xlCorce xlretFailed -> 6, expected a callback's name
+      fail xlCoerce 32 -> 15, xlretFailed | refs sref -> 6, expected one of SRef, Ref
+      answer-with xlCoerce word -> 22, expected a kind of value (number, text, | mutate 1 type -2 -> 15, bits of a type
+      mutate 2 bits 0x50g -> 15, bits of a type | mutate 1 dims 3x -> 15, a size such as 3x2
+      mutate 1 dims 3 -> 15, a size such as 3x2 | fail-alloc 1 twice -> 14, expected one of once, on
+      reload 501 -> 8, from 1 to 500 | hide A1:B2 -> 6, expected whole rows | expect-shape 3 -> 14, such as 3x2
+      let A1 = 3 -> 5, no reference | let x y = 3 -> 5, no reference | print 3 -> 7, expected the end of the line)")) {
+    const std::size_t comma = told.find(", ");
+    EXPECT_THAT(mistake(command),
+                AllOf(HasSubstr("line 1, column " + told.substr(0, comma) + ": "), HasSubstr(told.substr(comma + 2))))
+        << command;
   }
-  EXPECT_THAT(ParseScript("at\n").Error().message, HasSubstr("the form is: at REF"));
+  EXPECT_THAT(mistake("# a comment\n\n  evall =1\n"), HasSubstr("line 3, column 3: expected a command"));
+  EXPECT_THAT(mistake("eval =SUM(1,\\\n  2\n"), HasSubstr("line 2, column 4: expected"));
+  EXPECT_THAT(mistake("case \xFF\n"), HasSubstr("UTF-8"));
+  EXPECT_THAT(mistake("at\n"), HasSubstr("the form is: at REF"));
 }
 
 TEST(ScriptRunning, MarksLineEndsAndContinuations) {
@@ -74,27 +60,17 @@ TEST(ScriptRunning, MarksLineEndsAndContinuations) {
 }
 
 TEST(ScriptRunning, EveryExpectationCanFail) {
-  const char* const failing[] = {
-      "eval =1\nexpect 2\n",
-      "eval =1\nexpect {1}\n",
-      "eval =1\nexpect \"1\"\n",
-      "eval =1\nexpect =1+1\n",
-      "eval =0.1+0.2\nexpect 0.3000001\n",
-      "eval =1\nexpect~ 1.00000001\n",
-      "eval =1\nexpect-ref A1\n",
-      "eval =A1\nexpect-ref A2\n",
-      "eval =(A1,B2)\nexpect-ref (A1,B3)\n",
-      "eval ={1,2}\nexpect-shape 2x2\n",
-      "eval ={1,2}\nexpect-shape 1x3\n",
-      "eval =\"#ERROR: x\"\nexpect-error-text #ERROR: y\n",
-      "eval =#VALUE!\nexpect-error-text #VALUE!\n",
-      "eval =SHEET.NAME()\nexpect-calls xlSheetNm 2\n",
-      "udf F 1\nexpect-udf 1\n",
-      "expect 1\n",
-      "print\n",
-      "eval =1+\"x\"\nexpect 1\n",
-  };
-  for (const char* script : failing) EXPECT_GE(RunText(script).failed, 1) << script;
+  const Outcome outcome = RunText(
+      "expect 1\nprint\nudf F 1\nexpect-udf 1\n"
+      "eval =1\nexpect 2\nexpect {1}\nexpect \"1\"\nexpect =1+1\nexpect~ 1.00000001\nexpect-ref A1\n"
+      "eval =0.1+0.2\nexpect 0.3000001\n"
+      "eval =A1\nexpect-ref A2\neval =(A1,B2)\nexpect-ref (A1,B3)\n"
+      "eval ={1,2}\nexpect-shape 2x2\nexpect-shape 1x3\n"
+      "eval =\"#ERROR: x\"\nexpect-error-text #ERROR: y\neval =#VALUE!\nexpect-error-text #VALUE!\n"
+      "eval =SHEET.NAME()\nexpect-calls xlSheetNm 2\n"
+      "eval =1+\"x\"\nexpect 1\n");
+  EXPECT_EQ(outcome.failed, 18) << outcome.printed;
+  EXPECT_EQ(outcome.passed, 0);
 }
 
 TEST(ScriptRunning, WhatTheBooksSayIsAFailureToo) {
@@ -118,9 +94,11 @@ TEST(ScriptRunning, EveryExpectationCanPass) {
       "recalc 3 =PLUS.ONE(1)\nexpect 2\neval =Other!B2:C3\nexpect {2,2;2,2}\n"
       "at Other!A1\nset Other!A1 = 1\nrecalc 5 =PLUS.ONE(Other!A1)\nexpect 6\n"
       "parallel 3 20 =PLUS.ONE(1)\nexpect 2\n"
+      "udf Mine 5\neval =CALLED(255,\"mine\",8)\nexpect 5\nexpect-udf 8\n"
+      "hide 3:5\nunhide 4\neval =CALLED.MACRO(185,17,A3)&CALLED.MACRO(185,17,A4)\nexpect \"015\"\n"
       "book Second\neval =SHEET.NAME()\nexpect \"[Book1]Other\"\nset A1 = 3\neval =[Second]Sheet1!A1\nexpect 3\n");
   EXPECT_EQ(outcome.failed, 0) << outcome.printed;
-  EXPECT_EQ(outcome.passed, 23);
+  EXPECT_EQ(outcome.passed, 26);
 }
 
 TEST(ScriptRunning, AFailureTellsWhereAndWhat) {
@@ -138,21 +116,24 @@ TEST(ScriptRunning, FailuresOfCallbacksLastForOneEvaluation) {
   EXPECT_GT(outcome.failed, 0) << "registering without a module is told";
 }
 
-TEST(ScriptRunning, CallbacksAnswerAsTheyAreTold) {
-  const Outcome outcome = RunText(
-      "answer-with xlCoerce number\neval =COERCED(7,1)\nexpect -2.5\neval =COERCED(7,1)\nexpect 7\n"
-      "answer-with xlCoerce text\neval =COERCED(7,1)\nexpect \"odd\"\n"
-      "answer-with xlCoerce boolean\neval =COERCED(7,1)\nexpect TRUE\n"
-      "answer-with xlCoerce error\neval =COERCED(7,1)\nexpect #N/A\n"
-      "answer-with xlCoerce array\neval =COERCED(7,1)\nexpect {2.5,\"odd\";#N/A,empty}\n"
-      "answer-with xlCoerce reference\neval =COERCED(7,1)\nexpect-ref A1:B1\n"
-      "answer-with xlCoerce missing\neval =COERCED(7,1)\nexpect empty\n"
-      "answer-with xlCoerce empty\neval =COERCED(7,1)\nexpect empty\n"
-      "answer-with xlCoerce integer 2\neval =COERCED(7,1)&COERCED(7,1)\nexpect \"7-3\"\n"
-      "answer-with xlCoerce =COERCED(\"5\",1)&\"!\"\neval =COERCED(7,1)&COERCED(7,1)\nexpect \"5!7\"\n"
-      "expect-calls xlCoerce 3\n");
+TEST(ScriptRunning, WhatIsToGoWrongDoesOnce) {
+  std::string script;
+  for (const auto& [kind, result] : CasesOf(R"(
+      number -> expect -2.5 | text -> expect "odd" | boolean -> expect TRUE | error -> expect #N/A | empty -> expect empty
+      array -> expect {2.5,"odd";#N/A,empty} | reference -> expect-ref A1:B1 | missing -> expect empty)"))
+    script += "answer-with xlCoerce " + kind + "\neval =COERCED(7,1)\n" + result + "\n";
+  const Outcome outcome =
+      RunText(script +
+              "eval =COERCED(7,1)\nexpect 7\n"
+              "answer-with xlCoerce integer 2\neval =COERCED(7,1)&COERCED(7,1)\nexpect \"7-3\"\n"
+              "answer-with xlCoerce =COERCED(\"5\",1)&\"!\"\neval =COERCED(7,1)&COERCED(7,1)\nexpect \"5!7\"\n"
+              "expect-calls xlCoerce 3\n"
+              "mutate 1 null\neval =DESCRIBE(1)\nexpect {-1,0,0,0}\nmutate 1 bits 0x5000\neval =DESCRIBE(1)\n"
+              "expect {20481,0,0,0}\nmutate 1 type 512\neval =DESCRIBE(1)\nexpect {512,0,0,0}\n"
+              "fail-alloc 3\neval =ALLOCATE(7,0)\nexpect 6\nfail-alloc 3 on\neval =ALLOCATE(7,0)\nexpect 2\n"
+              "double-free\neval =FREE.COUNT()\nexpect 0\neval =FREE.COUNT()\nexpect 2\n");
   EXPECT_EQ(outcome.failed, 0) << outcome.printed;
-  EXPECT_EQ(outcome.passed, 12);
+  EXPECT_EQ(outcome.passed, 19);
 }
 
 TEST(ScriptRunning, SettingsThatComeTooLate) {
