@@ -2,8 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
-// Needs the types of windows.h.
-#include <psapi.h>
 #include <xmmintrin.h>
 
 #include <algorithm>
@@ -89,12 +87,13 @@ TEST_F(FaultGuard, EachFaultEndsInItsCellAndTheNextCallIsRight) {
   EXPECT_THAT(Complaints(), IsEmpty());
 }
 
-/// Bytes that the process has committed for itself.
+/// Bytes that the process has committed for itself. The system's own counters are not offered by every Wine.
 std::size_t CommittedBytes() {
-  PROCESS_MEMORY_COUNTERS_EX counters{};
-  counters.cb = sizeof counters;
-  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
-  return counters.PrivateUsage;
+  std::size_t bytes = 0;
+  MEMORY_BASIC_INFORMATION pages{};
+  for (const char* at = nullptr; VirtualQuery(at, &pages, sizeof pages); at += pages.RegionSize)
+    if (pages.State == MEM_COMMIT && pages.Type == MEM_PRIVATE) bytes += pages.RegionSize;
+  return bytes;
 }
 
 /// Calls each of `kinds` in turn, `count` calls on each of eight threads; the number of wrong answers.
@@ -111,6 +110,8 @@ int CallOnEightThreads(Session& session, const std::vector<const Kind*>& kinds, 
       if (std::find(expected.begin(), expected.end(), result) == expected.end()) ++wrong;
     }
   });
+  // What was lent and given back is remembered until the account is closed.
+  EXPECT_THAT(session.Host().loans.Close(), IsEmpty());
   return wrong;
 }
 
@@ -122,8 +123,8 @@ TEST_F(FaultGuard, MixedFaultsOnEightThreadsGiveNoWrongAnswerAndLeakNothingWhere
   const std::size_t before = CommittedBytes();
   EXPECT_EQ(CallOnEightThreads(session, unwinding, 14'000), 0);
   const std::size_t after = CommittedBytes();
-  // Above 100,000 faults: a block of 64 bytes left by each would be 6 MB.
-  EXPECT_LT(after, before + (1u << 20));
+  // Above 100,000 faults: a block of 64 bytes left by each would be 6 MB. What was lent takes a part of one meanwhile.
+  EXPECT_LT(after, before + (3u << 20));
   EXPECT_EQ(Evaluate("=LIVE.OBJECTS()"), "0");
 }
 
@@ -227,40 +228,6 @@ class LivingThreads {
   std::vector<std::thread> threads_;
 };
 
-/// Loads the library, calls it on all threads with a fault and without, and unloads it; false when it stays.
-bool LoadCallAndUnload(LivingThreads& threads) {
-  const auto path = (ProgramFolder() / "faulting.xll").wstring();
-  const HMODULE module = LoadLibraryW(path.c_str());
-  if (!module) return false;
-  using Export = XLOPER12* (*)(XLOPER12*, XLOPER12*);
-  const auto provoke = reinterpret_cast<Export>(reinterpret_cast<void*>(GetProcAddress(module, "PROVOKE_12")));
-  const auto free =
-      reinterpret_cast<void (*)(XLOPER12*)>(reinterpret_cast<void*>(GetProcAddress(module, "xlAutoFree12")));
-  std::atomic<int> wrong{0};
-  const std::function<void()> calls = [&] {
-    XCHAR read[] = L"\4read";
-    XCHAR nothing[] = L"\7nothing";
-    XLOPER12 kind{};
-    kind.xltype = xltypeStr;
-    XLOPER12 seven{};
-    seven.val.num = 7;
-    seven.xltype = xltypeNum;
-    kind.val.str = read;
-    XLOPER12* const text = provoke(&kind, &seven);
-    if (text->xltype != (xltypeStr | xlbitDLLFree)) ++wrong;
-    free(text);
-    kind.val.str = nothing;
-    if (provoke(&kind, &seven)->val.num != 7) ++wrong;
-    // The last result stays with the thread, text and all.
-    kind.val.str = read;
-    provoke(&kind, &seven);
-  };
-  threads.RunOnAll(&calls);
-  calls();
-  FreeLibrary(module);
-  return wrong == 0 && GetModuleHandleW(L"faulting.xll") == nullptr;
-}
-
 /// The lowest handle that is free: handles that are lost push it up.
 std::uintptr_t NextHandle() {
   const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
@@ -268,16 +235,52 @@ std::uintptr_t NextHandle() {
   return reinterpret_cast<std::uintptr_t>(event);
 }
 
+/// Loads and opens the add-in, has it fault, remember and answer on all threads, and leaves it open.
+void ReloadAndCall(Session& session, LivingThreads& threads) {
+  session.Reload(1);
+  const auto formula = ParseFormula("=MEMMATCH(\"b\",{\"a\";\"b\"})");
+  EXPECT_EQ(PrintLiteral(session.Evaluate(*formula)), "2");
+  const Library& library = *session.Host().library;
+  const auto put = library.FindAs<XLOPER12* (*)(XLOPER12*)>("Put_RowIDString_12");
+  const auto get = library.FindAs<XLOPER12* (*)()>("Get_RowIdString_12");
+  const auto free = library.FindAs<void (*)(XLOPER12*)>("xlAutoFree12");
+  std::atomic<int> wrong{0};
+  const std::function<void()> calls = [&] {
+    XCHAR units[] = L"\4text";
+    XLOPER12 text{}, number{}, pair{}, wild{};
+    text.val.str = units;
+    text.xltype = wild.xltype = xltypeStr;
+    wild.val.str = reinterpret_cast<XCHAR*>(8);
+    number.xltype = xltypeNum;
+    XLOPER12 cells[] = {text, number};
+    pair.val.array = {cells, 1, 2};
+    pair.xltype = xltypeMulti;
+    if (put(&wild)->xltype != (xltypeStr | xlbitDLLFree)) ++wrong;
+    if (put(&pair)->xltype != xltypeNum) ++wrong;
+    XLOPER12* const entries = get();
+    if (entries->val.array.rows != 2) ++wrong;
+    free(entries);
+    // The last result stays with the thread, text and all.
+    put(&wild);
+  };
+  threads.RunOnAll(&calls);
+  calls();
+  EXPECT_EQ(wrong, 0);
+}
+
 TEST(Reloading, FiveHundredTimesUnderLivingThreadsLeavesNothingBehind) {
   LivingThreads threads(3);
-  for (int i = 0; i < 50; ++i) ASSERT_TRUE(LoadCallAndUnload(threads)) << "load " << i;
+  Session session(ProgramFolder() / "Quillmere4.xll");
+  for (int i = 0; i < 50; ++i) ReloadAndCall(session, threads);
   const std::size_t bytes = CommittedBytes();
   const std::uintptr_t handle = NextHandle();
-  for (int i = 50; i < 500; ++i) ASSERT_TRUE(LoadCallAndUnload(threads)) << "load " << i;
+  for (int i = 50; i < 500 && !HasFailure(); ++i) ReloadAndCall(session, threads);
   // Handles are numbered in fours; a few may have been taken by the system meanwhile.
   EXPECT_LE(NextHandle(), handle + 10 * 4);
   // 450 loads: a kilobyte left by each would be 460,800 bytes.
   EXPECT_LT(CommittedBytes(), bytes + 450 * 1'024);
+  session.Finish();
+  EXPECT_THAT(session.Host().complaints.Take(), IsEmpty());
 }
 
 }  // namespace
