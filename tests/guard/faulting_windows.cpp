@@ -3,11 +3,9 @@
 #include <windows.h>
 
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <exception>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -66,20 +64,7 @@ int ReadAtEpilogueBytes(const void* address);
 namespace quillmere {
 namespace {
 
-std::atomic<int> liveObjects{0};
 CStoreMutex store;
-
-/// Counted, so that a destructor left out shows; holds memory, so that it would leak.
-class Counted {
- public:
-  Counted() : memory_(std::make_unique<std::array<char, 64>>()) { ++liveObjects; }
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
-  ~Counted() { --liveObjects; }
-
- private:
-  std::unique_ptr<std::array<char, 64>> memory_;
-};
 
 int* volatile badAddress = reinterpret_cast<int*>(8);
 void (*volatile badFunction)() = nullptr;
@@ -148,7 +133,7 @@ const NamedProvocation kProvocations[] = {
     // From here on C++ cannot throw.
     {XTEXT("copy"),
      [] {
-       const Counted beside;
+       const std::string beside(100, 'x');
        CopyFromBadAddress();
      }},
     {XTEXT("locked copy"),
@@ -163,18 +148,15 @@ const NamedProvocation kProvocations[] = {
     {XTEXT("large overflow"), [] { zero = RecurseInLargeFrames(1) & 0; }},
 };
 
-/// Provokes what `kind` names with a counted object on the way, and returns `value` if it comes back.
+/// Provokes what `kind` names with a text to be destroyed on the way, and returns `value` if it comes back.
 void Provoke(CXlOper& result, const CXlOper* arguments) {
   const XStringView kind = arguments[0].AsText();
   const std::string destroyedByUnwinding(100, 'x');
-  const Counted counted;
   for (const NamedProvocation& each : kProvocations)
     if (each.name == kind) each.provoke();
   asm volatile("" : : "r"(destroyedByUnwinding.data()));
   result.SetNumber(arguments[1].AsNumber());
 }
-
-void LiveObjects(CXlOper& result, const CXlOper*) { result.SetNumber(liveObjects); }
 
 void StoreIsFree(CXlOper& result, const CXlOper*) {
   result.SetBoolean(CStoreLock(store, std::chrono::milliseconds(100)).HoldsLock());
@@ -219,14 +201,12 @@ constexpr FunctionDeclaration Declaration(std::string_view procedure, XStringVie
 }
 
 constexpr FunctionDeclaration kProvoke = Declaration("PROVOKE", XTEXT("PROVOKE"), kProvokeArguments);
-constexpr FunctionDeclaration kLiveObjects = Declaration("LIVE_OBJECTS", XTEXT("LIVE.OBJECTS"), {});
 constexpr FunctionDeclaration kStoreIsFree = Declaration("STORE_IS_FREE", XTEXT("STORE.IS.FREE"), {});
 constexpr FunctionDeclaration kDivideByZero = Declaration("DIVIDE_BY_ZERO", XTEXT("DIVIDE.BY.ZERO"), {});
 constexpr FunctionDeclaration kGuardCost = Declaration("GUARD_COST", XTEXT("GUARD.COST"), kCallsArgument);
 
-const CXllFunctionRecord records[] = {CXllFunctionRecord(kProvoke), CXllFunctionRecord(kLiveObjects),
-                                      CXllFunctionRecord(kStoreIsFree), CXllFunctionRecord(kDivideByZero),
-                                      CXllFunctionRecord(kGuardCost)};
+const CXllFunctionRecord records[] = {CXllFunctionRecord(kProvoke), CXllFunctionRecord(kStoreIsFree),
+                                      CXllFunctionRecord(kDivideByZero), CXllFunctionRecord(kGuardCost)};
 
 }  // namespace
 }  // namespace quillmere
@@ -236,7 +216,6 @@ using quillmere::CallFunction12;
 XLL_EXPORT XLOPER12* PROVOKE_12(XLOPER12* kind, XLOPER12* value) {
   return CallFunction12(&quillmere::Provoke, kind, value);
 }
-XLL_EXPORT XLOPER12* LIVE_OBJECTS_12() { return CallFunction12(&quillmere::LiveObjects); }
 XLL_EXPORT XLOPER12* STORE_IS_FREE_12() { return CallFunction12(&quillmere::StoreIsFree); }
 XLL_EXPORT XLOPER12* DIVIDE_BY_ZERO_12() { return CallFunction12(&quillmere::DivideByZero); }
 XLL_EXPORT XLOPER12* GUARD_COST_12(XLOPER12* calls) { return CallFunction12(&quillmere::GuardCost, calls); }
