@@ -22,7 +22,7 @@ class KeptBlocks : public ::testing::Test {
   std::int64_t Live() const { return LiveBlocks() - before_; }
 
  private:
-  const std::int64_t before_ = LiveBlocks();
+  const std::int64_t before_ = (ReleaseKeptBlocks(), LiveBlocks());
 };
 
 /// Takes blocks of so many megabytes and gives them back in that order; where they were.
