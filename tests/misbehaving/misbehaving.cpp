@@ -1,5 +1,6 @@
 // An add-in that breaks the rules of Excel's C API, one rule a function, for the host's own tests. The first few
 // functions keep them all, so that a test can tell a strict host from one that always complains.
+#include <algorithm>
 #include <barrier>
 #include <cmath>
 #include <cstdlib>
@@ -50,7 +51,7 @@ XLOPER12 Text(XStringView text) {
   XLOPER12 oper = OfType(xltypeStr);
   oper.val.str = new XCHAR[text.size() + 1];
   oper.val.str[0] = static_cast<XCHAR>(text.size());
-  std::memcpy(oper.val.str + 1, text.data(), text.size() * sizeof(XCHAR));
+  std::copy(text.begin(), text.end(), oper.val.str + 1);
   return oper;
 }
 
