@@ -134,9 +134,12 @@ class RandomColumn : public ModelTest {
   }
   /// One random search in a part of the column, which may go by the index, and in a copy of it, which has none.
   void SearchOnce() {
-    const Value key = RandomKey();
     const std::int32_t first = Below(3) == 0 ? 0 : Below(kRows);
     const Area part{first, first + Below(kRows - first), kColumn, kColumn};
+    // Often what stands where an index begins to be asked, or right behind the part.
+    constexpr std::int32_t kShortSearch = 64;
+    const Value there = Value::OfCell(sheet.Get(Below(2) == 0 ? first + kShortSearch : part.lastRow + 1, kColumn));
+    const Value key = Below(3) != 0 || there.IsEmpty() || there.IsError() ? RandomKey() : there;
     const auto order = static_cast<LookupOrder>(Below(3));
     const ArrayPtr copy = sheet.ReadArray(part);
     ASSERT_EQ(FindInLine(key.AsCell(), CellLine(sheet, part), order),
@@ -163,7 +166,8 @@ TEST_F(RandomColumn, AnIndexFindsWhatASearchFinds) {
       ASSERT_FALSE(HasIndex());
     }
   }
-  EXPECT_GT(indexed, 5000) << "too few searches went by an index to tell anything";
+  EXPECT_GT(indexed, 4000) << "too few searches went by an index to tell anything";
+  for (int i = 0; i < 1000 && !HasIndex(); ++i) SearchOnce();
   Set("A1:C9", "5");
   EXPECT_TRUE(HasIndex()) << "other columns leave it";
 }

@@ -59,7 +59,7 @@ TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
       =CALLED(64,10,{30,20,10},0) -> 3 | =CALLED(64,A4,(A3:A5,B3),0) -> #VALUE!
       =CALLED(64,{20;5},A3:A5,0) -> {2;#N/A} | =CALLED(102,10,A3:B5,2,FALSE) -> "ten"
       =CALLED(102,20,A3:B5,2,FALSE) -> empty | =CALLED(102,25,A3:B5,1) -> 20
-      =CALLED(102,"KEY",A3:B5,2,FALSE) -> #REF!)");
+      =CALLED(102,"KEY",A3:B5,2,FALSE) -> #REF! | =CALLED(255,"plus.one",A1) -> 2.5)");
   session.Host().settings.decimalSeparator = ',';
   Check(R"(=COERCED("16.0",1) -> -32 | =COERCED("16,5",1) -> 16.5 | =COERCED(1.5,2) -> "1,5")");
   session.Finish();
