@@ -68,21 +68,5 @@ TEST(IdStores, WhoWaitsInVainIsToldInTimeAndChangesNothing) {
   EXPECT_EQ(FindId(NumberStore::kRowIds, 7), std::nullopt);
 }
 
-TEST(IdStores, CountsAreReadWhileOthersStore) {
-  std::vector<std::future<void>> threads;
-  for (int thread = 0; thread < 8; ++thread)
-    threads.push_back(std::async(std::launch::async, [thread] {
-      for (int round = 0; round < 200; ++round) {
-        StoreRowId(XString(1, static_cast<XCHAR>('a' + (round + thread) % 8)), round);
-        StoreId(NumberStore::kColumnIds, (round + thread) % 8, round);
-        EXPECT_LE(TextStoreCount(), 8u);
-        EXPECT_LE(NumberStoreCount(NumberStore::kColumnIds), 8u);
-        EXPECT_TRUE(round % 50 != thread || (ClearTextStore() && ClearNumberStore(NumberStore::kColumnIds)));
-      }
-    }));
-  for (const std::future<void>& each : threads) each.wait();
-  EXPECT_TRUE(ClearTextStore() && ClearNumberStore(NumberStore::kColumnIds));
-}
-
 }  // namespace
 }  // namespace quillmere::workbook
