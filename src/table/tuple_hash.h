@@ -13,9 +13,12 @@ namespace quillmere {
 /// Tuples are hashed so many at a time.
 constexpr std::int32_t kTupleBatch = 256;
 
-// How many cells ahead memory is asked for: the cells themselves, and the texts of those that are then there.
+// How many tuples ahead memory is asked for: the cells themselves, and the texts of those that are then there.
 constexpr std::int32_t kCellsAhead = 128;
 constexpr std::int32_t kTextsAhead = 24;
+
+/// All parts of so many tuples are hashed before those of the next.
+constexpr std::int32_t kTuplesAtOnce = 64;
 
 /// The hashes of one batch of tuples.
 template <TextCase textCase, CellTuples Tuples>
@@ -28,19 +31,10 @@ class HashBatch {
     first_ = first;
     count_ = std::min(kTupleBatch, tuples_.Count() - first);
     bool ordinary = true;
-    for (std::size_t part = 0; part < tuples_.Parts(); ++part) {
-      const XLOPER12* at = tuples_.CellAt(first, part);
-      const std::ptrdiff_t stride = tuples_.Stride();
-      const std::int32_t left = tuples_.Count() - first;
-      for (std::int32_t i = 0; i < count_; ++i, at += stride) {
-        if (i + kCellsAhead < left) __builtin_prefetch(at + kCellsAhead * stride);
-        if (i + kTextsAhead < left) PrefetchText(at[kTextsAhead * stride]);
-        const XLOPER12& cell = tuples_.Meaning(*at);
-        ordinary &= !IsNan(cell);
-        const std::uint64_t hash = HashCell<textCase>(cell, key_);
-        hashes_[i] = part == 0 ? hash : key_.Joined(hashes_[i], hash);
-      }
-    }
+    // The parts of a tuple may lie in the same pages of memory.
+    for (std::int32_t at = 0; at < count_; at += kTuplesAtOnce)
+      for (std::size_t part = 0; part < tuples_.Parts(); ++part)
+        ordinary &= FillPart(at, std::min(at + kTuplesAtOnce, count_), part);
     areOrdinary_ = ordinary;
   }
 
@@ -57,6 +51,31 @@ class HashBatch {
   }
 
  private:
+  /// Takes a part of some tuples into their hashes; false when it is a number that is none in one of them.
+  bool FillPart(std::int32_t begin, std::int32_t end, std::size_t part) {
+    bool ordinary = true;
+    const XLOPER12* at = tuples_.CellAt(first_ + begin, part);
+    const std::ptrdiff_t stride = tuples_.Stride();
+    const std::int32_t left = tuples_.Count() - first_;
+    for (std::int32_t i = begin; i < end; ++i, at += stride) {
+      if (i + kCellsAhead < left) PrefetchFarCell(at + kCellsAhead * stride);
+      if (i + kTextsAhead < left) PrefetchText(at[kTextsAhead * stride]);
+      const XLOPER12& cell = tuples_.Meaning(*at);
+      ordinary &= !IsNan(cell);
+      const std::uint64_t hash = HashCell<textCase>(cell, key_);
+      hashes_[i] = part == 0 ? hash : key_.Joined(hashes_[i], hash);
+    }
+    return ordinary;
+  }
+
+  /// Asks for a cell that is read much later, into a cache that holds more than the first.
+  static void PrefetchFarCell(const XLOPER12* cell) noexcept {
+    constexpr int kForReading = 0;
+    constexpr int kSecondCache = 2;
+    __builtin_prefetch(&cell->val, kForReading, kSecondCache);
+    __builtin_prefetch(&cell->xltype, kForReading, kSecondCache);
+  }
+
   static bool IsNan(const XLOPER12& cell) { return IsNumberCell(cell) && cell.val.num != cell.val.num; }
 
   const Tuples& tuples_;
