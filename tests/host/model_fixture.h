@@ -41,15 +41,12 @@ class FakeAddin : public IAddinFunctions {
     lastCaller = context.caller;
     lastOperands.assign(operands.begin(), operands.end());
     if (&function == &next_) return Value::Number(++counter_);
-    if (readsCell && context.workbooks->FindSheet(readsCell->sheet)->FirstUncalculated(readsCell->areas[0]))
-      throw UncalculatedCell{readsCell->sheet, {readsCell->areas[0].firstRow, readsCell->areas[0].firstColumn}};
     return operands[0];
   }
 
   int calls = 0;
   Reference lastCaller;
   std::vector<Value> lastOperands;
-  std::optional<Reference> readsCell;  ///< a cell that every call reads without naming it
 
  private:
   AddinFunction reference_, value_, next_;
@@ -62,16 +59,17 @@ class ModelTest : public testing::Test {
     context = {&workbooks, &sheet, &names, &addin, {}};
   }
 
+  Sheet& SheetAt(std::string_view reference) {
+    return *workbooks.FindSheet(ResolveReference(*ParseReference(reference), workbooks, sheet).sheet);
+  }
   Area AreaOf(std::string_view reference) { return ParseReference(reference)->area; }
   void Set(std::string_view reference, std::string_view literal) {
     const Parsed<Value> value = ParseLiteral(literal);
     ASSERT_TRUE(value) << literal << ": " << value.Error().ToString();
-    const Reference target = ResolveReference(*ParseReference(reference), workbooks, sheet);
-    workbooks.FindSheet(target.sheet)->Set(target.areas[0], *value);
+    SheetAt(reference).Set(AreaOf(reference), *value);
   }
   void SetFormula(std::string_view reference, std::string_view formula) {
-    const Reference target = ResolveReference(*ParseReference(reference), workbooks, sheet);
-    workbooks.FindSheet(target.sheet)->SetFormula(target.areas[0], *ParseFormula(formula));
+    SheetAt(reference).SetFormula(AreaOf(reference), *ParseFormula(formula));
   }
   Value ValueOf(std::string_view formula) {
     const Parsed<Formula> parsed = ParseFormula(formula);
@@ -93,10 +91,7 @@ class ModelTest : public testing::Test {
     for (const auto& [formula, result] : CasesOf(cases)) EXPECT_EQ(Eval(formula), result) << formula;
   }
   /// What a cell or an area holds.
-  std::string Held(std::string_view reference) {
-    const Reference target = ResolveReference(*ParseReference(reference), workbooks, sheet);
-    return PrintLiteral(Dereference(Value::OfReference(target), workbooks));
-  }
+  std::string Held(std::string_view reference) { return PrintLiteral(SheetAt(reference).Read(AreaOf(reference))); }
 
   Workbooks workbooks;
   Sheet& sheet;

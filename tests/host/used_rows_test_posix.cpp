@@ -16,15 +16,12 @@ TEST(UsedRows, AreToldToACall) {
   Book& book = host.workbooks.BookNamed(XTEXT("Book1"));
   Sheet& sheet = book.SheetNamed(XTEXT("Sheet1"));
   sheet.Set(Area{6, 41, 2, 2}, Value::Number(1));
-  std::int32_t first = -1;
-  std::int32_t last = -1;
+  std::int32_t first = -1, last = -1;
   EXPECT_FALSE(usedRows(0, &first, &last)) << "outside any call";
   const EvaluationContext evaluation{&host.workbooks, &sheet, nullptr, nullptr, {}};
   const CallContext call(host, Place::kThreadSafeFunction, "a function", evaluation);
   for (const IDSHEET id : {IDSHEET{0}, sheet.Id()}) {
-    EXPECT_TRUE(usedRows(id, &first, &last));
-    EXPECT_EQ(first, 6);
-    EXPECT_EQ(last, 41);
+    EXPECT_TRUE(usedRows(id, &first, &last) && first == 6 && last == 41);
   }
   EXPECT_FALSE(usedRows(book.SheetNamed(XTEXT("Empty")).Id(), &first, &last));
   EXPECT_FALSE(usedRows(987'654, &first, &last)) << "no such sheet";

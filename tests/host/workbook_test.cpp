@@ -52,15 +52,12 @@ TEST_F(WorkbookTest, SetFillsAndClears) {
 
 TEST_F(WorkbookTest, UsedAreaFollowsEveryWrite) {
   EXPECT_EQ(Used(), "nothing");
-  Set("C1030", "1");
-  EXPECT_EQ(Used(), "C1030");
-  Set("XFD1048576", "\"\"");
-  EXPECT_EQ(Used(), "C1030:XFD1048576");
-  Set("XFD1048576", "empty");
-  Set("A2000", "TRUE");
-  EXPECT_EQ(Used(), "A1030:C2000");
-  Set("C:C", "empty");
-  EXPECT_EQ(Used(), "A2000");
+  for (const auto& [write, used] : CasesOf(R"(
+      C1030 = 1 -> C1030 | XFD1048576 = "" -> C1030:XFD1048576 | XFD1048576 = empty -> C1030
+      A2000 = TRUE -> A1030:C2000 | C:C = empty -> A2000)")) {
+    Set(write.substr(0, write.find(' ')), write.substr(write.rfind(' ')));
+    EXPECT_EQ(Used(), used) << write;
+  }
   SetFormula("B5", "=1+1");
   EXPECT_EQ(Used(), "A5:B2000");
   sheet.Clear({0, kXlMaxRows - 1, 0, kXlMaxColumns - 1});
@@ -89,18 +86,6 @@ TEST_F(WorkbookTest, StoreHoldsWhatWasWritten) {
   EXPECT_EQ(sheet.Get(1027, 2).AsText(), XString(30'000, XTEXT('r')));
 }
 
-TEST_F(WorkbookTest, VisitsInOrder) {
-  Set("B1023", "{1,2;3,4;5,6}");
-  std::string seen;
-  sheet.VisitRowMajor(AreaOf("A1022:C1026"), [&](const CellView& cell) { seen += PrintLiteral(cell) + " "; });
-  EXPECT_EQ(seen, "empty empty empty empty 1 2 empty 3 4 empty 5 6 empty empty empty ");
-  seen.clear();
-  sheet.VisitUsed(AreaOf("B1024:XFD1048576"), [&](std::int32_t row, std::int32_t column, const CellView& cell) {
-    seen += std::to_string(row) + "," + std::to_string(column) + "=" + PrintLiteral(cell) + " ";
-  });
-  EXPECT_EQ(seen, "1023,1=3 1024,1=5 1023,2=4 1024,2=6 ");
-}
-
 TEST_F(WorkbookTest, ResultsFillCallingCells) {
   const auto write = [&](std::string_view cells, std::string_view literal) {
     sheet.WriteResult(AreaOf(cells), *ParseLiteral(literal));
@@ -111,12 +96,6 @@ TEST_F(WorkbookTest, ResultsFillCallingCells) {
   EXPECT_EQ(write("A1:B2", "\"t\""), "{\"t\",\"t\";\"t\",\"t\"}");
   EXPECT_EQ(write("A1", "{7,8}"), "7");
   EXPECT_EQ(write("A1", "empty"), "0");
-}
-
-TEST(ArrayBuilder, BoundsItsSize) {
-  EXPECT_THROW(ArrayBuilder(0, 1), std::length_error);
-  EXPECT_THROW(ArrayBuilder(1, -1), std::length_error);
-  EXPECT_THROW(ArrayBuilder(kXlMaxRows + 1, 1), std::length_error);
 }
 
 }  // namespace
