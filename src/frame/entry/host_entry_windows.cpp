@@ -22,6 +22,9 @@ Function FindExport(HMODULE module, const char* name) noexcept {
   return module ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name))) : nullptr;
 }
 
+// Found when the library is loaded: asked for with each large block.
+const auto watchesMemory = FindExport<int (*)()>(GetModuleHandleW(nullptr), "QcalcWatchesMemory");
+
 }  // namespace
 
 XlMdCallBack12 FindMdCallBack12() noexcept {
@@ -41,9 +44,6 @@ XlExcel4v FindExcel4v() noexcept {
   return FindExport<XlExcel4v>(module, "Excel4v");
 }
 
-bool HostWatchesMemory() noexcept {
-  const auto watches = FindExport<int (*)()>(GetModuleHandleW(nullptr), "QcalcWatchesMemory");
-  return watches && watches() != 0;
-}
+bool HostWatchesMemory() noexcept { return watchesMemory && watchesMemory() != 0; }
 
 }  // namespace quillmere
