@@ -16,8 +16,6 @@ constexpr std::int32_t kManyRows = 5000;
 constexpr std::size_t kLongText = 300;
 constexpr const char* kTable = R"({"Name","Qty","Day";"a",1,TRUE;"b",2.5,empty;"c",-3,#N/A})";
 
-NamedValue Literal(const char* text) { return {text, *ParseLiteral(text)}; }
-
 Value ManyCells() {
   ArrayBuilder builder(kManyRows, 3);
   for (std::int32_t row = 0; row < kManyRows; ++row) {
@@ -55,39 +53,16 @@ void CallValues::FillSheets() {
 }
 
 void CallValues::MakeKinds() {
-  for (const char* text : {"0",
-                           "-1",
-                           "0.5",
-                           "2",
-                           "32768",
-                           "2147483648",
-                           "1e300",
-                           "-1e-300",
-                           R"("")",
-                           R"("a")",
-                           R"("*")",
-                           R"("?~*a")",
-                           R"("12.5")",
-                           R"(">=1")",
-                           R"("Qty")",
-                           R"("#N/A")",
-                           "TRUE",
-                           "FALSE",
-                           "#NULL!",
-                           "#DIV/0!",
-                           "#VALUE!",
-                           "#REF!",
-                           "#NAME?",
-                           "#NUM!",
-                           "#N/A",
-                           "#GETTING_DATA",
-                           "empty",
-                           "{5}",
-                           "{empty}",
-                           "{1,2,3}",
-                           R"({"c";"a";"b"})",
-                           R"({1,"a",TRUE;#DIV/0!,empty,"";-2,"12","*"})"})
-    values_.push_back(Literal(text));
+  const Value scalars = *ParseLiteral(
+      R"({0,-1,0.5,2,32768,2147483648,1e300,-1e-300,"","a","*","?~*a","12.5",">=1","Qty","#N/A",TRUE,FALSE,#NULL!,)"
+      R"(#DIV/0!,#VALUE!,#REF!,#NAME?,#NUM!,#N/A,#GETTING_DATA,empty})");
+  for (const CellView& cell : scalars.AsArray()->Cells()) {
+    Value value = Value::OfCell(cell);
+    values_.push_back({PrintLiteral(value), std::move(value)});
+  }
+  for (const char* text :
+       {"{5}", "{empty}", "{1,2,3}", R"({"c";"a";"b"})", R"({1,"a",TRUE;#DIV/0!,empty,"";-2,"12","*"})"})
+    values_.push_back({text, *ParseLiteral(text)});
   values_.push_back({"missing", Value::Missing()});
   values_.push_back({"a text of 300 units", Value::Text(XString(kLongText, XTEXT('k')))});
   values_.push_back({"a text of 32767 units", Value::Text(XString(kXlMaxText, XTEXT('x'))), true});
