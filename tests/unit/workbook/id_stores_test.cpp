@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <latch>
 
 #include "tests/unit/fixtures/failing_memory.h"
 
@@ -31,12 +30,13 @@ TEST(IdStores, WhoWaitsInVainIsToldInTimeAndChangesNothing) {
   static std::int32_t seven = 7;
   ASSERT_EQ(Put_RowIDLongs(&seven, &seven, 1), 1);
   ASSERT_TRUE(StoreRowId(XTEXT("kept"), 1));
-  std::latch inside(1), leave(1);
+  std::promise<void> inside, leave;
+  const std::future<void> mayLeave = leave.get_future();
   const auto holder = std::async(std::launch::async, [&] {
-    testing::HoldNextAllocation(inside, leave);
+    testing::HoldNextAllocation(inside, mayLeave);
     StoreId(NumberStore::kColumnIds, 1, 2);
   });
-  inside.wait();
+  inside.get_future().wait();
 
   const Wait waits[] = {
       {[] { return Put_RowIDLongs(&seven, &seven, 1) != -1; }, kStoreWait, kDestroyWait},
@@ -59,7 +59,7 @@ TEST(IdStores, WhoWaitsInVainIsToldInTimeAndChangesNothing) {
   EXPECT_EQ(TextStoreCount(), 1u);
   EXPECT_EQ(NumberStoreCount(NumberStore::kRowIds), 1u) << "counts wait for nobody";
 
-  leave.count_down();
+  leave.set_value();
   holder.wait();
   running.clear();
   EXPECT_EQ(FindRowId(XTEXT("kept")), 1);
