@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <thread>
 
 namespace qcalc {
 
@@ -14,7 +15,8 @@ struct LiveBlock {
 };
 
 /// A hash table that any thread may use. It works before and after the program's static objects live, and takes no
-/// lock of the system's, which the sanitizers would look at from within the allocator.
+/// lock of the system's, which the sanitizers would look at from within the allocator; nor does it wait for an atomic
+/// word, since this C++ library may let a waiter miss the moment on Windows.
 class BlockTable {
  public:
   /// Does nothing when there is no memory for it.
@@ -42,12 +44,9 @@ class BlockTable {
   class Lock {
    public:
     explicit Lock(std::atomic_flag& busy) noexcept : busy_(busy) {
-      while (busy_.test_and_set(std::memory_order_acquire)) busy_.wait(true, std::memory_order_relaxed);
+      while (busy_.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
     }
-    ~Lock() {
-      busy_.clear(std::memory_order_release);
-      busy_.notify_one();
-    }
+    ~Lock() { busy_.clear(std::memory_order_release); }
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
 
