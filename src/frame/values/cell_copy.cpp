@@ -95,10 +95,12 @@ __attribute__((noipa)) void CopyCells(TextArena& texts, XLOPER12* to, const XLOP
     std::uint64_t first;
     std::memcpy(&first, &from->val, sizeof first);
     if (type == xltypeNum) {
-      if ((first & kExponentBits) != kExponentBits) [[likely]]
-        WriteCell(to, first, xltypeNum);
-      else
+      if ((first & kExponentBits) == kExponentBits) [[unlikely]]
         WriteCell(to, xlerrNum, xltypeErr);
+      else if (from->xltype == xltypeNum) [[likely]]  // without ownership bits: as it is, in two moves
+        MoveEnds<Word16>(reinterpret_cast<char*>(to), reinterpret_cast<const char*>(from), sizeof *to);
+      else
+        WriteCell(to, first, xltypeNum);
     } else if (type == xltypeStr) {
       const XStringView text = TextOf(*from);
       XCHAR* const copy = texts.Allocate(text.size());
