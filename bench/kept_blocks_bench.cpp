@@ -3,13 +3,11 @@
 // is the megabytes of cells.
 #include <benchmark/benchmark.h>
 
-#include <cstring>
 #include <memory>
 #include <utility>
 #include <vector>
 
-#include "bench/excel_call.h"
-#include "bench/host_array.h"
+#include "bench/stack_call.h"
 #include "exports.h"
 #include "frame/values/kept_blocks.h"
 
@@ -19,7 +17,7 @@ namespace {
 constexpr int kColumns = 8;
 
 /// Numbers alone, or two columns of texts of eight units among them.
-std::unique_ptr<HostArray> Block(const benchmark::State& state, bool withTexts) {
+Blocks OneBlock(const benchmark::State& state, bool withTexts) {
   const int rows = static_cast<int>((state.range(0) << 20) / static_cast<std::int64_t>(kColumns * sizeof(XLOPER12)));
   auto block = std::make_unique<HostArray>(rows, kColumns);
   for (int at = 0; at < rows * kColumns; ++at) {
@@ -28,7 +26,9 @@ std::unique_ptr<HostArray> Block(const benchmark::State& state, bool withTexts) 
     else
       block->cells[at] = NumberCell(at * 0.25);
   }
-  return block;
+  Blocks blocks;
+  blocks.push_back(std::move(block));
+  return blocks;
 }
 
 void AllSizes(benchmark::internal::Benchmark* benchmark) {
@@ -38,21 +38,11 @@ void AllSizes(benchmark::internal::Benchmark* benchmark) {
 
 /// The floor.
 void CopyIntoTouchedMemory(benchmark::State& state, bool withTexts) {
-  const auto block = Block(state, withTexts);
-  std::vector<XLOPER12> cells(block->cells.size());
+  const Blocks blocks = OneBlock(state, withTexts);
+  std::vector<XLOPER12> cells(blocks[0]->cells.size());
   std::vector<XCHAR> texts(withTexts ? cells.size() / kColumns * 2 * 9 : 0);
   for (auto _ : state) {
-    XCHAR* text = texts.data();
-    XLOPER12* to = cells.data();
-    for (const XLOPER12& cell : block->cells) {
-      *to = cell;
-      if (IsTextCell(cell)) {
-        std::memcpy(text, cell.val.str, (cell.val.str[0] + std::size_t{1}) * sizeof(XCHAR));
-        to->val.str = text;
-        text += cell.val.str[0] + 1;
-      }
-      ++to;
-    }
+    CopyPlainly(blocks, cells.data(), texts.data());
     benchmark::DoNotOptimize(cells.data());
     benchmark::ClobberMemory();
   }
@@ -60,28 +50,21 @@ void CopyIntoTouchedMemory(benchmark::State& state, bool withTexts) {
 BENCHMARK_CAPTURE(CopyIntoTouchedMemory, Numbers, false)->Apply(AllSizes);
 BENCHMARK_CAPTURE(CopyIntoTouchedMemory, Texts, true)->Apply(AllSizes);
 
-void CallStack(const HostArray& block) {
-  [&block]<std::size_t... at>(std::index_sequence<at...>) {
-    CallAsExcel(&VSTACK_12, nullptr, block.value, (static_cast<void>(at), nullptr)...);
-  }
-  (std::make_index_sequence<28>());
-}
-
 void LaterCalls(benchmark::State& state, bool withTexts) {
-  const auto block = Block(state, withTexts);
-  CallStack(*block);
-  for (auto _ : state) CallStack(*block);
+  const Blocks blocks = OneBlock(state, withTexts);
+  CallStack(&VSTACK_12, blocks);
+  for (auto _ : state) CallStack(&VSTACK_12, blocks);
 }
 BENCHMARK_CAPTURE(LaterCalls, Numbers, false)->Apply(AllSizes);
 BENCHMARK_CAPTURE(LaterCalls, Texts, true)->Apply(AllSizes);
 
 void FirstCall(benchmark::State& state, bool withTexts) {
-  const auto block = Block(state, withTexts);
+  const Blocks blocks = OneBlock(state, withTexts);
   for (auto _ : state) {
     state.PauseTiming();
     ReleaseKeptBlocks();
     state.ResumeTiming();
-    CallStack(*block);
+    CallStack(&VSTACK_12, blocks);
   }
 }
 BENCHMARK_CAPTURE(FirstCall, Numbers, false)->Apply(AllSizes);

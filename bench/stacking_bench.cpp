@@ -3,13 +3,9 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
-#include <utility>
-#include <vector>
 
-#include "bench/excel_call.h"
-#include "bench/host_array.h"
+#include "bench/stack_call.h"
 #include "exports.h"
 
 namespace quillmere {
@@ -24,8 +20,8 @@ int BlockRows(const benchmark::State& state) { return static_cast<int>(state.ran
 constexpr int TextsOf(int blockRows) { return blockRows * 2 + kColumns; }
 
 /// Blocks whose first row holds the headers A to E, in an order that turns from block to block if `turned`.
-std::vector<std::unique_ptr<HostArray>> MixedBlocks(int blockRows, bool turned) {
-  std::vector<std::unique_ptr<HostArray>> blocks;
+Blocks MixedBlocks(int blockRows, bool turned) {
+  Blocks blocks;
   for (int block = 0; block < kBlocks; ++block) {
     blocks.push_back(std::make_unique<HostArray>(blockRows, kColumns));
     HostArray& array = *blocks.back();
@@ -43,14 +39,6 @@ std::vector<std::unique_ptr<HostArray>> MixedBlocks(int blockRows, bool turned) 
   return blocks;
 }
 
-/// Calls a stacking function with the blocks, without a fill value.
-template <class Export>
-void CallStack(Export function, const std::vector<std::unique_ptr<HostArray>>& blocks) {
-  const auto block = [&blocks](std::size_t at) { return at < blocks.size() ? &blocks[at]->value : nullptr; };
-  [&]<std::size_t... at>(std::index_sequence<at...>) { CallAsExcel(function, nullptr, block(at)...); }
-  (std::make_index_sequence<29>());
-}
-
 void AllSizes(benchmark::internal::Benchmark* benchmark) {
   for (const int rows : {1'000, 100'000, 870'000, 1'000'000}) benchmark->Arg(rows);
   benchmark->Unit(benchmark::kMillisecond);
@@ -63,19 +51,7 @@ void PlainCopy(benchmark::State& state) {
   for (auto _ : state) {
     const auto cells = std::make_unique_for_overwrite<XLOPER12[]>(std::size_t{kBlocks} * blockRows * kColumns);
     const auto texts = std::make_unique_for_overwrite<XCHAR[]>(std::size_t{kBlocks} * TextsOf(blockRows) * 9);
-    XLOPER12* to = cells.get();
-    XCHAR* text = texts.get();
-    for (const auto& block : blocks) {
-      for (const XLOPER12& cell : block->cells) {
-        *to = cell;
-        if (IsTextCell(cell)) {
-          std::memcpy(text, cell.val.str, (cell.val.str[0] + std::size_t{1}) * sizeof(XCHAR));
-          to->val.str = text;
-          text += cell.val.str[0] + 1;
-        }
-        ++to;
-      }
-    }
+    CopyPlainly(blocks, cells.get(), texts.get());
     benchmark::DoNotOptimize(cells.get());
     benchmark::DoNotOptimize(texts.get());
   }
@@ -99,7 +75,7 @@ BENCHMARK_CAPTURE(StackByHeader, OtherOrder, true)->Apply(AllSizes);
 
 /// As many headers as a sheet has columns, two rows a block, the columns backwards in every other block.
 void StackWideByHeader(benchmark::State& state) {
-  std::vector<std::unique_ptr<HostArray>> blocks;
+  Blocks blocks;
   for (int block = 0; block < kBlocks; ++block) {
     blocks.push_back(std::make_unique<HostArray>(2, kXlMaxColumns));
     for (int column = 0; column < kXlMaxColumns; ++column) {
