@@ -1,4 +1,5 @@
 // The host against an add-in that breaks the rules: every breach must be told, and nothing else.
+#include "host/text/letter_case.h"
 #include "tests/host/session_fixture.h"
 
 namespace qcalc {
@@ -123,6 +124,7 @@ TEST_F(Misbehaving, ValuesThatNoFunctionMayReturn) {
 
 // The results are the codes.
 TEST_F(Misbehaving, CallbacksThatAreRefused) {
+  session.Host().macroFunctions.results[FoldCase(XTEXT("text"))] = Value::Number(1);
   CheckTold(R"(
       =BAD.CALLBACK(1) -> 128, xlfGetWorkspace may not be made from a thread-safe function
       =BAD.CALLBACK.MAIN(1) -> 2, xlfGetWorkspace may not be made from a worksheet function
@@ -138,6 +140,7 @@ TEST_F(Misbehaving, CallbacksThatAreRefused) {
       =BAD.CALLBACK.MAIN(10) -> 32, not offered by this host
       =BAD.CALLBACK(11) -> 128, xlGetName may not be made from a thread-safe function
       =BAD.CALLBACK(14) -> 32, xlAsyncReturn is not offered by this host
+      =BAD.CALLBACK(15) -> 128, xlUDF reached a function that is not thread-safe from one that is
       =BAD.CALLBACK(13) -> 0, xlfCaller may not be made from xlAutoFree)");
   Check("=BAD.CALLBACK.MACRO(1) -> 0");
 }

@@ -94,7 +94,7 @@ TEST(ScriptRunning, EveryExpectationCanPass) {
       "recalc 3 =PLUS.ONE(1)\nexpect 2\neval =Other!B2:C3\nexpect {2,2;2,2}\n"
       "at Other!A1\nset Other!A1 = 1\nrecalc 5 =PLUS.ONE(Other!A1)\nexpect 6\n"
       "parallel 3 20 =PLUS.ONE(1)\nexpect 2\n"
-      "udf Mine 5\neval =CALLED(255,\"mine\",8)\nexpect 5\nexpect-udf 8\n"
+      "udf Mine 5\neval =CALLED(255,\"MINE\",8)\nexpect 5\nexpect-udf 8\n"
       "hide 3:5\nunhide 4\neval =CALLED.MACRO(185,17,A3)&CALLED.MACRO(185,17,A4)\nexpect \"015\"\n"
       "book Second\neval =SHEET.NAME()\nexpect \"[Book1]Other\"\nset A1 = 3\neval =[Second]Sheet1!A1\nexpect 3\n");
   EXPECT_EQ(outcome.failed, 0) << outcome.printed;

@@ -46,6 +46,7 @@ TEST_F(WorkbookTest, SetFillsAndClears) {
   Set("A1", "\"\"");
   EXPECT_EQ(Held("A1"), "\"\"");
   EXPECT_THROW(sheet.Set(AreaOf("XFD1048576"), *ParseLiteral("{1,2}")), std::length_error);
+  EXPECT_THROW(ArrayBuilder(0, 1), std::length_error);
   Set("Z2", "{5}");
   EXPECT_EQ(Held("Z2"), "5");
 }

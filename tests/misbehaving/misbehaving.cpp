@@ -407,6 +407,9 @@ QCALC_EXPORT XLOPER12* BadCallback(std::int32_t which) {
     case 14:
       code = CallExcel(xlAsyncReturn, &result, {&one, &two});
       break;
+    case 15:
+      code = CallExcel(xlUDF, &result, {&text});
+      break;
     default:
       break;
   }
