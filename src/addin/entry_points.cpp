@@ -7,6 +7,7 @@
 #include "frame/callbacks/callbacks.h"
 #include "frame/entry/callback_scope.h"
 #include "frame/entry/export.h"
+#include "frame/entry/process_end.h"
 #include "frame/text/ansi_text.h"
 #include "frame/values/value_memory.h"
 #include "frame/values/xl_oper4.h"
@@ -14,7 +15,7 @@
 using quillmere::CXllApp;
 
 namespace {
-quillmere::CQuillmere4App application;
+quillmere::CUntilUnloaded<quillmere::CQuillmere4App> application;
 }  // namespace
 
 XLL_EXPORT int xlAutoOpen() { return CXllApp::AutoOpen(); }

@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "frame/call/store_lock.h"
+#include "frame/entry/process_end.h"
 #include "table/cell_hash.h"
 
 namespace quillmere::workbook {
@@ -61,26 +62,28 @@ class Store {
   std::atomic<std::uint32_t> count_{0};
 };
 
-// They take no memory before their first entry, and are given back when the library is unloaded, which is after the
-// last call.
-CStoreMutex mutex;
-Store<TextMap> rowTexts;
-Store<NumberMap> rowNumbers;
-Store<NumberMap> columnNumbers;
+/// They take no memory before their first entry.
+struct IdStores {
+  CStoreMutex mutex;
+  Store<TextMap> rowTexts;
+  Store<NumberMap> rowNumbers;
+  Store<NumberMap> columnNumbers;
+};
+CUntilUnloaded<IdStores> stores;
 
 Store<NumberMap>& StoreOf(NumberStore store) noexcept {
-  return store == NumberStore::kRowIds ? rowNumbers : columnNumbers;
+  return store == NumberStore::kRowIds ? stores->rowNumbers : stores->columnNumbers;
 }
 
 template <class Map, class Key>
 std::optional<std::int32_t> FindIn(const Store<Map>& store, const Key& key) {
-  const CStoreLock lock(mutex);
+  const CStoreLock lock(stores->mutex);
   return store.Find(key);
 }
 
 template <class Map, class Key>
 bool PutInto(Store<Map>& store, const Key& key, std::int32_t number) {
-  const CStoreLock lock(mutex, kStoreWait);
+  const CStoreLock lock(stores->mutex, kStoreWait);
   if (!lock.HoldsLock()) return false;
   store.Put(key, number);
   return true;
@@ -89,7 +92,7 @@ bool PutInto(Store<Map>& store, const Key& key, std::int32_t number) {
 template <class Map>
 bool Clear(Store<Map>& store) {
   Map emptied;  // freed when the lock has been given back: that may take longer than others wait for it
-  const CStoreLock lock(mutex, kDestroyWait);
+  const CStoreLock lock(stores->mutex, kDestroyWait);
   if (!lock.HoldsLock()) return false;
   store.Swap(emptied);
   return true;
@@ -97,18 +100,18 @@ bool Clear(Store<Map>& store) {
 
 }  // namespace
 
-std::optional<std::int32_t> FindRowId(XStringView key) { return FindIn(rowTexts, key); }
+std::optional<std::int32_t> FindRowId(XStringView key) { return FindIn(stores->rowTexts, key); }
 
-bool StoreRowId(XStringView key, std::int32_t number) { return PutInto(rowTexts, key, number); }
+bool StoreRowId(XStringView key, std::int32_t number) { return PutInto(stores->rowTexts, key, number); }
 
 bool EraseRowId(XStringView key) {
-  const CStoreLock lock(mutex, kStoreWait);
-  return lock.HoldsLock() && rowTexts.Erase(key);
+  const CStoreLock lock(stores->mutex, kStoreWait);
+  return lock.HoldsLock() && stores->rowTexts.Erase(key);
 }
 
 std::vector<std::pair<XString, std::int32_t>> TextStoreEntries() {
-  const CStoreLock lock(mutex);
-  return rowTexts.Entries();
+  const CStoreLock lock(stores->mutex);
+  return stores->rowTexts.Entries();
 }
 
 std::optional<std::int32_t> FindId(NumberStore store, std::int32_t key) { return FindIn(StoreOf(store), key); }
@@ -116,16 +119,16 @@ std::optional<std::int32_t> FindId(NumberStore store, std::int32_t key) { return
 bool StoreId(NumberStore store, std::int32_t key, std::int32_t number) { return PutInto(StoreOf(store), key, number); }
 
 std::optional<std::vector<std::pair<std::int32_t, std::int32_t>>> NumberStoreEntries(NumberStore store) {
-  const CStoreLock lock(mutex, kStoreWait);
+  const CStoreLock lock(stores->mutex, kStoreWait);
   if (!lock.HoldsLock()) return std::nullopt;
   return StoreOf(store).Entries();
 }
 
-std::uint32_t TextStoreCount() noexcept { return rowTexts.Count(); }
+std::uint32_t TextStoreCount() noexcept { return stores->rowTexts.Count(); }
 
 std::uint32_t NumberStoreCount(NumberStore store) noexcept { return StoreOf(store).Count(); }
 
-bool ClearTextStore() { return Clear(rowTexts); }
+bool ClearTextStore() { return Clear(stores->rowTexts); }
 
 bool ClearNumberStore(NumberStore store) { return Clear(StoreOf(store)); }
 

@@ -3,6 +3,7 @@
 
 #include "frame/app/xll_app.h"
 #include "frame/callbacks/callbacks.h"
+#include "frame/entry/process_end.h"
 #include "frame/values/value_memory.h"
 #include "frame/values/xl_oper4.h"
 
@@ -61,8 +62,8 @@ struct Answers {
 };
 
 Answers& KeptAnswers() noexcept {
-  static Answers answers;
-  return answers;
+  static CUntilUnloaded<Answers> answers;
+  return *answers;
 }
 
 }  // namespace

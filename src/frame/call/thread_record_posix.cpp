@@ -3,6 +3,7 @@
 #include <new>
 
 #include "frame/call/thread_record.h"
+#include "frame/entry/process_end.h"
 
 namespace quillmere {
 namespace {
@@ -52,20 +53,20 @@ struct RecordKey {
     while (ChainedRecord* const record = chain) ReleaseRecord(record);
   }
 };
-RecordKey recordKey;
+CUntilUnloaded<RecordKey> recordKey;
 
 }  // namespace
 
 ThreadRecord* ExistingThreadRecord() noexcept {
-  return recordKey.valid ? static_cast<ChainedRecord*>(pthread_getspecific(recordKey.key)) : nullptr;
+  return recordKey->valid ? static_cast<ChainedRecord*>(pthread_getspecific(recordKey->key)) : nullptr;
 }
 
 ThreadRecord* CurrentThreadRecord() noexcept {
   if (ThreadRecord* const existing = ExistingThreadRecord()) return existing;
-  if (!recordKey.valid) return nullptr;
+  if (!recordKey->valid) return nullptr;
   auto* const record = new (std::nothrow) ChainedRecord;
   if (!record) return nullptr;
-  if (pthread_setspecific(recordKey.key, record) != 0) {
+  if (pthread_setspecific(recordKey->key, record) != 0) {
     delete record;
     return nullptr;
   }

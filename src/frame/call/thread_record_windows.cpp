@@ -9,6 +9,7 @@
 
 #include "frame/call/module_windows.h"
 #include "frame/call/thread_record.h"
+#include "frame/entry/process_end.h"
 
 namespace quillmere {
 namespace {
@@ -28,6 +29,7 @@ void DeleteRecord(ThreadRecord* record) noexcept {
 }
 
 void WINAPI ReleaseRecord(void* record) {
+  if (ProcessEnds()) return;
   TlsSetValue(tlsSlot, nullptr);
   DeleteRecord(static_cast<ThreadRecord*>(record));
 }

@@ -7,6 +7,7 @@
 
 #include "frame/entry/coarse_clock.h"
 #include "frame/entry/host_entry.h"
+#include "frame/entry/process_end.h"
 
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/asan_interface.h>
@@ -123,8 +124,7 @@ class NoMemoryHandler {
   NoMemoryHandler() noexcept : previous_(std::set_new_handler(&OnNoMemory)) {}
   ~NoMemoryHandler() {
     if (std::get_new_handler() == &OnNoMemory) std::set_new_handler(previous_);
-    // Held at the end of a process: its thread was ended in the middle, and will not let go.
-    if (!busy.test()) StopKeepingBlocks();
+    StopKeepingBlocks();
   }
   NoMemoryHandler(const NoMemoryHandler&) = delete;
   NoMemoryHandler& operator=(const NoMemoryHandler&) = delete;
@@ -132,7 +132,7 @@ class NoMemoryHandler {
  private:
   const std::new_handler previous_;
 };
-const NoMemoryHandler noMemoryHandler;
+CUntilUnloaded<NoMemoryHandler> noMemoryHandler;
 
 }  // namespace
 
