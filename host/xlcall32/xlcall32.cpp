@@ -19,6 +19,10 @@ Function FindInProgram(const char* name) {
 // Called by name from outside.
 #pragma GCC diagnostic ignored "-Wmissing-declarations"
 
+// In place of the runtime's, of which nothing is used: that frees memory when the program ends, and waits for ever if a
+// thread was ended while it did the same.
+extern "C" BOOL WINAPI XlcallEntry(HINSTANCE, DWORD, LPVOID) { return TRUE; }
+
 QCALC_EXPORT int Excel4v(int xlfn, XLOPER* result, int count, XLOPER** arguments) {
   const auto forward = FindInProgram<XlExcel4v>("Excel4v");
   return forward ? forward(xlfn, result, count, arguments) : xlretFailed;
