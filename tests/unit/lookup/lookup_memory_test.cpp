@@ -7,10 +7,10 @@
 #include <tuple>
 
 #include "exports.h"
-#include "frame/callbacks/callbacks.h"
 #include "frame/values/kept_blocks.h"
 #include "tests/unit/fixtures/failing_memory.h"
 #include "tests/unit/fixtures/fake_excel.h"
+#include "tests/unit/fixtures/raw_values.h"
 #include "workbook/id_stores.h"
 
 namespace quillmere::testing {
@@ -21,36 +21,18 @@ namespace {
 
 constexpr ListDirection kDirections[] = {ListDirection::kDown, ListDirection::kAcross};
 
-/// An Excel whose formulas stand in `caller`, on a sheet of that name; the stores begin and end empty.
+/// An Excel whose formulas stand in `caller`, on a sheet of that name; the store begins and ends empty.
 class LookupMemoryTest : public ::testing::Test {
  protected:
   LookupMemoryTest() {
-    Clear();
-    excel.On(xlfCaller, [this](auto, XLOPER12& result) {
-      const bool hasAreas = caller.Type() == xltypeRef && caller.Raw().val.mref.lpmref != nullptr;
-      result = hasAreas ? excel.LendReference(caller.Sheet(), caller.Areas()) : caller.Raw();
-      return xlretSuccess;
-    });
-    excel.On(xlSheetNm, [this](auto arguments, XLOPER12& result) {
-      EXPECT_EQ(arguments.size(), 1u);
-      EXPECT_EQ(TypeOf(*arguments[0]), caller.Type());
-      result = excel.LendText(sheet);
-      return xlretSuccess;
-    });
+    EXPECT_TRUE(ClearTextStore());
+    excel.Give(xlfCaller, [this] { return CXlOper::Reference(caller).Raw(); });
+    excel.Give(xlSheetNm, [this] { return excel.LendText(sheet); });
   }
-  ~LookupMemoryTest() override { Clear(); }
-
-  static void Clear() {
-    ASSERT_TRUE(ClearTextStore());
-    ASSERT_TRUE(ClearNumberStore(NumberStore::kRowIds));
-    ASSERT_TRUE(ClearNumberStore(NumberStore::kColumnIds));
-  }
-  static std::uint32_t Stored() {
-    return TextStoreCount() + NumberStoreCount(NumberStore::kRowIds) + NumberStoreCount(NumberStore::kColumnIds);
-  }
+  ~LookupMemoryTest() override { EXPECT_TRUE(ClearTextStore()); }
 
   FakeExcel excel;
-  CXlOper caller = CXlOper::Reference({4, 4, 2, 2});
+  XLREF12 caller{4, 4, 2, 2};
   XString sheet = XTEXT("[Book1]Sheet1");
 };
 
@@ -93,7 +75,7 @@ TEST_F(LookupMemoryTest, PlacesShareAKeyOnlyIfTheyAreTheSame) {
         for (const MemoryChoice& choice : choices)
           for (const ListDirection direction : kDirections) {
             sheet = onSheet;
-            caller = CXlOper::Reference(cell);
+            caller = cell;
             work(LookupMemory(choice, direction), PlaceOf(choice, direction, onSheet, cell));
           }
   };
@@ -108,57 +90,6 @@ TEST_F(LookupMemoryTest, PlacesShareAKeyOnlyIfTheyAreTheSame) {
   forEach([&](LookupMemory memory, const Place& place) { EXPECT_EQ(memory.Recall(0), expected[place]); });
 }
 
-TEST_F(LookupMemoryTest, KeyRowsHaveTheLinesOfTheCallingRange) {
-  const XLREF12 area{9, 11, 2, 5};
-  for (const bool hasSheet : {false, true})
-    for (const ListDirection direction : kDirections)
-      for (const MemoryType type : {MemoryType::kCell, MemoryType::kNumber, MemoryType::kNamed}) {
-        Clear();
-        caller = hasSheet ? CXlOper::Reference(77, {&area, 1}) : CXlOper::Reference(area);
-        const bool isDown = direction == ListDirection::kDown;
-        const std::int32_t lines = isDown ? 3 : 4;
-        LookupMemory memory({type, XTEXT("n")}, direction);
-        for (std::int32_t keyRow = 0; keyRow < lines + 2; ++keyRow) memory.Remember(keyRow, 100 + keyRow);
-        EXPECT_EQ(Stored(), static_cast<std::uint32_t>(lines));
-        EXPECT_EQ(memory.Recall(lines), std::nullopt);
-        for (std::int32_t keyRow = 0; keyRow < lines; ++keyRow) {
-          EXPECT_EQ(memory.Recall(keyRow), 100 + keyRow);
-          // A formula in the range's like line alone has the same memory.
-          const int row = 9 + (isDown ? keyRow : 0), column = 2 + (isDown ? 0 : keyRow);
-          caller = CXlOper::Reference({row, row, column, column});
-          EXPECT_EQ(LookupMemory({type, XTEXT("n")}, direction).Recall(0), 100 + keyRow);
-        }
-      }
-  // All key rows of a single line share its memory, under a key that can be read.
-  caller = CXlOper::Reference({9, 9, 2, 5});
-  LookupMemory memory({MemoryType::kRowColumn, {}});
-  memory.Remember(3, 55);
-  EXPECT_EQ(memory.Recall(1000), 55);
-  EXPECT_EQ(FindRowId(XTEXT("[Book1]Sheet1!R10")), 55);
-}
-
-TEST_F(LookupMemoryTest, WithoutAPlaceNothingIsRemembered) {
-  const XLREF12 areas[] = {{1, 1, 1, 1}, {3, 3, 1, 1}};
-  const CXlOper callers[] = {CXlOper::Number(-4), CXlOper::Error(xlerrRef), CXlOper::Reference(77, {}),
-                             CXlOper::Reference(77, areas)};
-  for (const CXlOper& one : callers) {
-    caller = one.Clone();
-    LookupMemory memory({MemoryType::kNumber, {}});
-    EXPECT_THROW(memory.RequireCallingCells(), CXlErrorException);
-    memory.Remember(0, 1);
-    EXPECT_EQ(memory.Recall(0), std::nullopt);
-  }
-
-  caller = CXlOper::Reference({4, 4, 2, 2});
-  sheet = XTEXT("Macro1");  // names no book
-  LookupMemory({MemoryType::kNamed, XTEXT("n")}).Remember(0, 1);
-  sheet = XTEXT("[Book1]Sheet1");
-  LookupMemory({MemoryType::kNamed, XString(32'755, XTEXT('n'))}).Remember(0, 1);  // a key that no cell could show
-  EXPECT_EQ(Stored(), 0u);
-  LookupMemory({MemoryType::kNamed, XString(32'750, XTEXT('n'))}).Remember(0, 1);
-  EXPECT_EQ(Stored(), 1u);
-}
-
 TEST_F(LookupMemoryTest, NoMemoryForAnEntryEndsNothingButItsUse) {
   LookupMemory memory({MemoryType::kNumber, {}});
   memory.RequireCallingCells();
@@ -169,33 +100,20 @@ TEST_F(LookupMemoryTest, NoMemoryForAnEntryEndsNothingButItsUse) {
 }
 
 TEST_F(LookupMemoryTest, NoAnswerOfMatchLeadsOutOfTheList) {
-  XLOPER12 cells[] = {NumberCell(1), NumberCell(2)};
-  XLOPER12 array{};
-  array.xltype = xltypeMulti;
-  array.val.array.lparray = cells;
-  array.val.array.rows = 2;
-  array.val.array.columns = 1;
-  const CXlOper two = CXlOper::Number(2);
-  const CXlOper one = CXlOper::Number(1);
-  const CXlOper noMemory = CXlOper::Number(0);
+  XLOPER12 cells[] = {NumberCell(1), NumberCell(2)}, array = RawArray(cells, 2, 1);
+  XLOPER12 noMemory = NumberCell(0), one = cells[0], two = cells[1];
   const CXlOper rows = CXlOper::Reference({0, 1, 0, 0});
   for (const double answer : {0.0, -1.0, 0.5, 3.0, 1e300, std::nan("")})
     for (const double sorted : {0.0, 1.0}) {
-      excel.On(xlfMatch, [answer](auto, XLOPER12& result) {
-        result.xltype = xltypeNum;
-        result.val.num = answer;
-        return xlretSuccess;
-      });
-      const CXlOper sortType = CXlOper::Number(sorted);
-      const XLOPER12* result =
-          MEMLOOKUP_12(two.ForCallback(), &array, one.ForCallback(), sortType.ForCallback(), nullptr, nullptr);
-      EXPECT_TRUE(IsErrorCell(*result) && result->val.err == xlerrNA) << answer;
-      result = MEMMATCH_12(two.ForCallback(), &array, sortType.ForCallback(), nullptr, nullptr);
-      const bool isTaken = answer == 3 && sorted == 0;
-      EXPECT_TRUE(isTaken ? IsNumberCell(*result) : IsErrorCell(*result) && result->val.err == xlerrNA) << answer;
-      result = AMATCH2_12(two.ForCallback(), rows.ForCallback(), sortType.ForCallback(), nullptr, nullptr,
-                          noMemory.ForCallback());
-      EXPECT_TRUE(IsErrorCell(*result) && result->val.err == xlerrNA) << answer;
+      excel.Give(xlfMatch, [answer] { return RawNumber(answer); });
+      XLOPER12 order = NumberCell(sorted);
+      const XLOPER12 results[] = {*MEMLOOKUP_12(&two, &array, &one, &order, nullptr, nullptr),
+                                  *AMATCH2_12(&two, rows.ForCallback(), &order, nullptr, nullptr, &noMemory),
+                                  *MEMMATCH_12(&two, &array, &order, nullptr, nullptr)};
+      for (const XLOPER12& result : results) {
+        const bool isTaken = &result == &results[2] && answer == 3 && sorted == 0;
+        EXPECT_TRUE(isTaken ? IsNumberCell(result) : IsErrorCell(result) && result.val.err == xlerrNA) << answer;
+      }
     }
 }
 

@@ -8,6 +8,8 @@
 #include <random>
 #include <vector>
 
+#include "tests/unit/fixtures/raw_values.h"
+
 namespace quillmere::testing {
 namespace {
 
@@ -38,22 +40,15 @@ int PlainOrder(const XString& a, const XString& b) {
   return a.size() < b.size() ? -1 : a.size() > b.size();
 }
 
-TEST(FoldCase, FoldsTheLettersFromAToZAlone) {
-  XString text(0x10000, XCHAR{});
-  for (std::size_t unit = 0; unit < text.size(); ++unit) text[unit] = static_cast<XCHAR>(unit);
-  const XString folded = PlainFold(text);
-  EXPECT_TRUE(EqualFolded(text, folded));
-  FoldCase(text);
-  EXPECT_EQ(text, folded);
-}
-
 TEST(FoldCase, TextsOfAllLengthsAndPlacesAreComparedByThePlainRules) {
   static const XCHAR kUnits[] = {XTEXT('A'), XTEXT('a'), XTEXT('Z'), XTEXT('z'), XTEXT('@'), XTEXT('`'), XTEXT('['),
                                  XTEXT('{'), 0,          0x0141,     0x0161,     0x4141,     0x7FFF,     0x8041,
                                  0x8061,     0xFF21,     0xFF41,     0xFFFF,     0x00C9,     0x00E9};
   constexpr int kSeed = 11;
   std::mt19937 random(kSeed);
-  const auto draw = [&random] { return kUnits[random() % std::size(kUnits)]; };
+  const auto draw = [&random] {
+    return random() % 8 == 0 ? static_cast<XCHAR>(random()) : kUnits[random() % std::size(kUnits)];
+  };
   for (int round = 0; round < 30'000; ++round) {
     XString a(random() % 41, XCHAR{});
     for (XCHAR& unit : a) unit = draw();
@@ -73,45 +68,30 @@ TEST(FoldCase, TextsOfAllLengthsAndPlacesAreComparedByThePlainRules) {
     const std::unique_ptr<XCHAR[]> folded(new XCHAR[a.size()]);
     FoldTo(folded.get(), viewA);
     ASSERT_EQ(XString(folded.get(), a.size()), PlainFold(a)) << what;
+    FoldCase(b);
+    ASSERT_EQ(b, PlainFold(XString(viewB))) << what;
   }
-}
-
-XLOPER12 Array(std::vector<XLOPER12>& cells, int rows, int columns) {
-  XLOPER12 value{};
-  value.val.array.lparray = cells.data();
-  value.val.array.rows = rows;
-  value.val.array.columns = columns;
-  value.xltype = xltypeMulti;
-  return value;
 }
 
 /// Values in strictly ascending order, behind an absent one.
 std::vector<CXlOper> OrderedValues() {
-  static std::vector<XLOPER12> small = {NumberCell(9), NumberCell(9)};
-  static std::vector<XLOPER12> larger = {NumberCell(9), BooleanCell(true)};
-  static const XLOPER12 arrays[] = {Array(small, 1, 2), Array(larger, 1, 2), Array(small, 2, 1)};
-  const XLREF12 area{5, 5, 1, 2};
-  const XLREF12 wider{0, 0, 1, 3};
-  const XLREF12 further{4, 4, 2, 2};
+  static XLOPER12 small[] = {NumberCell(9), NumberCell(9)}, larger[] = {NumberCell(9), BooleanCell(true)};
+  static const XLOPER12 wide = RawArray(small, 1, 2), wideAndLarger = RawArray(larger, 1, 2),
+                        high = RawArray(small, 2, 1);
+  const XLREF12 area{5, 5, 1, 2}, wider{0, 0, 1, 3}, taller{3, 9, 2, 2}, further{4, 4, 2, 2};
   std::vector<CXlOper> values;
-  const double numbers[] = {-1e300, -0.5, 0, 1, 1 + 1e-15};
-  for (const double number : numbers) values.push_back(CXlOper::Number(number));
+  const auto add = [&values](auto... next) { (values.push_back(std::move(next)), ...); };
+  for (const double number : {-1e300, -0.5, 0.0, 1.0, 1 + 1e-15}) add(CXlOper::Number(number));
   for (const XStringView text : {XTEXT(""), XTEXT("Z"), XTEXT("a"), XTEXT("\uFF21"), XTEXT("AA"), XTEXT("Aa")})
-    values.push_back(CXlOper::Text(text));
-  for (const bool value : {false, true}) values.push_back(CXlOper::Boolean(value));
-  values.push_back(CXlOper::Reference(1, {{further}}));
-  values.push_back(CXlOper::Reference(2, {{area}}));
-  values.push_back(CXlOper::Reference(2, {{wider}}));
-  values.push_back(CXlOper::Reference(2, {{area, area}}));
-  for (const int code : {xlerrNull, xlerrValue, xlerrNA}) values.push_back(CXlOper::Error(code));
-  for (const XLOPER12& array : arrays) values.push_back(CXlOper::Borrow(&array));
-  values.push_back(CXlOper::Missing());
-  values.push_back(CXlOper::Empty());
-  values.push_back(CXlOper::Reference(area));
-  values.push_back(CXlOper::Reference(wider));
-  values.push_back(CXlOper::Reference(further));
-  values.push_back(CXlOper::Integer(-3));
-  values.push_back(CXlOper::Integer(2));
+    add(CXlOper::Text(text));
+  add(CXlOper::Boolean(false), CXlOper::Boolean(true));
+  add(CXlOper::Reference(1, {{further}}), CXlOper::Reference(2, {{area}}), CXlOper::Reference(2, {{wider}}),
+      CXlOper::Reference(2, {{area, area}}));
+  add(CXlOper::Error(xlerrNull), CXlOper::Error(xlerrValue), CXlOper::Error(xlerrNA));
+  add(CXlOper::Borrow(&wide), CXlOper::Borrow(&wideAndLarger), CXlOper::Borrow(&high));
+  add(CXlOper::Missing(), CXlOper::Empty());
+  add(CXlOper::Reference(area), CXlOper::Reference(wider), CXlOper::Reference(taller), CXlOper::Reference(further));
+  add(CXlOper::Integer(-3), CXlOper::Integer(2));
   return values;
 }
 
@@ -125,7 +105,9 @@ TEST(CompareOpers, OrdersAnyTwoValues) {
       // Ownership bits have no say.
       XLOPER12 other = values[b].Raw();
       other.xltype |= xlbitXLFree | xlbitDLLFree;
-      EXPECT_EQ(CompareOpers(&values[a].Raw(), &other), a < b ? -1 : a > b) << a << ", " << b;
+      const int order = a < b ? -1 : a > b;
+      EXPECT_EQ(CompareOpers(&values[a].Raw(), &other), order) << a << ", " << b;
+      EXPECT_EQ(CompareOpers(&other, &values[a].Raw()), -order) << a << ", " << b;
     }
   }
 }
@@ -133,28 +115,19 @@ TEST(CompareOpers, OrdersAnyTwoValues) {
 TEST(CompareOpers, TreatsTheOddOnesAsTold) {
   const auto compare = [](const CXlOper& a, const CXlOper& b) { return CompareOpers(&a.Raw(), &b.Raw()); };
   EXPECT_EQ(compare(CXlOper::Number(0.0), CXlOper::Number(-0.0)), 0);
-  XLOPER12 nan = NumberCell(0);
-  nan.val.num = std::numeric_limits<double>::quiet_NaN();
-  const XLOPER12 one = NumberCell(1);
+  const XLOPER12 nan = RawNumber(std::numeric_limits<double>::quiet_NaN()), one = NumberCell(1);
   EXPECT_EQ(CompareOpers(&nan, &one), 0);
   const XStringView withNul(XTEXT("a\0b"), 3);
   EXPECT_EQ(compare(CXlOper::Text(withNul), CXlOper::Text({XTEXT("a\0c"), 3})), 0);
   EXPECT_EQ(compare(CXlOper::Text(withNul), CXlOper::Text(XTEXT("aab"))), -1);
 
-  XLOPER12 handle{};
-  handle.xltype = xltypeBigData;
-  handle.val.bigdata.cbData = 3;
-  XLOPER12 longer = handle;
+  XLOPER12 handle = RawValue(xltypeBigData), longer = handle;
+  EXPECT_EQ(CompareOpers(&handle, &longer), 0);
   longer.val.bigdata.cbData = 4;
   EXPECT_EQ(CompareOpers(&handle, &longer), -1);
-  longer = handle;
-  EXPECT_EQ(CompareOpers(&handle, &longer), 0);
 
-  std::vector<XLOPER12> nested(1);
-  nested[0] = Array(nested, 1, 1);
-  std::vector<XLOPER12> alike = nested;
-  const XLOPER12 other = Array(alike, 1, 1);
-  EXPECT_THROW(CompareOpers(&nested[0], &other), CXlBadOperTypeException);
+  XLOPER12 nested = RawArray(&nested, 1, 1), alike = RawArray(&nested, 1, 1);
+  EXPECT_THROW(CompareOpers(&nested, &alike), CXlBadOperTypeException);
 }
 
 }  // namespace
