@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+#include "tests/unit/fixtures/raw_values.h"
+
 namespace quillmere::lookup {
 namespace {
 
@@ -15,22 +17,9 @@ constexpr std::int32_t kKeys = 40'000;  // enough for the top of all bisections 
 /// A cell of a column that is mostly numbers; texts are shared.
 XLOPER12 DrawCell(std::mt19937& random, double number) {
   static XCHAR text[] = {1, XTEXT('m')};
-  switch (random() % 50) {
-    case 0:
-      return EmptyCell();
-    case 1:
-      return BooleanCell(true);
-    case 2:
-      return ErrorCell(xlerrNA);
-    case 3: {
-      XLOPER12 cell = EmptyCell();
-      cell.val.str = text;
-      cell.xltype = xltypeStr;
-      return cell;
-    }
-    default:
-      return NumberCell(number);
-  }
+  static const XLOPER12 kOthers[] = {EmptyCell(), BooleanCell(true), ErrorCell(xlerrNA), testing::RawText(text)};
+  const std::size_t kind = random() % 50;
+  return kind < std::size(kOthers) ? kOthers[kind] : NumberCell(number);
 }
 
 /// One bisection after the other, each step as the rule has it.

@@ -9,6 +9,7 @@
 #include "exports.h"
 #include "frame/values/value_memory.h"
 #include "frame/values/xl_oper.h"
+#include "tests/unit/fixtures/raw_values.h"
 
 namespace quillmere::testing {
 namespace {
@@ -30,15 +31,10 @@ std::vector<double> Rows(XLOPER12 keys, std::int32_t firstKey, std::int32_t coun
 }
 
 XLOPER12 ArrayOf(std::vector<XLOPER12>& cells, int columns) {
-  XLOPER12 array{};
-  array.xltype = xltypeMulti;
-  array.val.array = {cells.data(), static_cast<int>(cells.size()) / columns, columns};
-  return array;
+  return RawArray(cells.data(), static_cast<int>(cells.size()) / columns, columns);
 }
 
 TEST(ArraySearch, ManyKeysFindWhatEachFindsAloneBesideNumbersThatAreNone) {
-  XLOPER12 nan = NumberCell(0);
-  nan.val.num = std::nan("");
   constexpr int kSeed = 5;
   std::mt19937 random(kSeed);
   const auto below = [&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
@@ -47,7 +43,9 @@ TEST(ArraySearch, ManyKeysFindWhatEachFindsAloneBesideNumbersThatAreNone) {
     const auto drawn = [&](int rows) {
       std::vector<XLOPER12> cells;
       for (int cell = 0; cell < rows * columns; ++cell)
-        cells.push_back(below(12) == 0 ? nan : below(5) == 0 ? BooleanCell(true) : NumberCell(below(4)));
+        cells.push_back(below(12) == 0  ? RawNumber(std::nan(""))
+                        : below(5) == 0 ? BooleanCell(true)
+                                        : NumberCell(below(4)));
       return cells;
     };
     std::vector<XLOPER12> rows = drawn(3 + below(40));
@@ -66,14 +64,8 @@ TEST(ArraySearch, ManyKeysFindWhatEachFindsAloneBesideNumbersThatAreNone) {
 
 TEST(ArraySearch, TheTextsOfAResultAreNotThoseOfTheArguments) {
   XCHAR units[] = {1, XTEXT('x')};
-  XLOPER12 text{};
-  text.xltype = xltypeStr;
-  text.val.str = units;
-  XLOPER12 two = NumberCell(2);
-  std::vector<XLOPER12> parts = {NumberCell(1), NumberCell(2)};
-  std::vector<XLOPER12> row = {NumberCell(1), text};
-  XLOPER12 keys = ArrayOf(parts, 1);
-  XLOPER12 table = ArrayOf(row, 2);
+  XLOPER12 text = RawText(units), two = NumberCell(2), parts[] = {NumberCell(1), two}, row[] = {NumberCell(1), text};
+  XLOPER12 keys = RawArray(parts, 2, 1), table = RawArray(row, 1, 2);
   const auto areItsOwn = [&](XLOPER12* answer) {
     for (int cell = 0; cell < 2; ++cell) {
       const XLOPER12& shown = answer->val.array.lparray[cell];

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/unit/fixtures/fake_excel.h"
+#include "tests/unit/fixtures/raw_values.h"
 
 namespace quillmere::testing {
 namespace {
@@ -87,9 +88,7 @@ TEST_F(RowBlocksOfAReference, FailWithTheCallback) {
 TEST(RowBlocks, OfAnArrayAreOneBlockInPlace) {
   std::vector<XLOPER12> cells;
   for (int at = 0; at < 6; ++at) cells.push_back(NumberCell(at));
-  XLOPER12 value{};
-  value.val.array = {cells.data(), 3, 2};
-  value.xltype = xltypeMulti;
+  const XLOPER12 value = RawArray(cells.data(), 3, 2);
   const CXlOper array = CXlOper::Borrow(&value);
   const TableView table(array);
   RowBlocks blocks(table, std::vector<std::int32_t>{1, 0});

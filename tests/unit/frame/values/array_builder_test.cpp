@@ -9,20 +9,20 @@
 #include <utility>
 #include <vector>
 
+#include "tests/unit/fixtures/raw_values.h"
+
 namespace quillmere {
 namespace {
 
 /// A text whose last unit is the last of its block, so that reading past it is seen.
 struct CountedText {
-  explicit CountedText(std::size_t length) : units(new XCHAR[length + 1]) {
+  explicit CountedText(std::size_t length) : units(new XCHAR[length + 1]), cell(testing::RawText(units.get())) {
     units[0] = static_cast<XCHAR>(length);
     for (std::size_t at = 1; at <= length; ++at) units[at] = static_cast<XCHAR>(at * 257);
-    cell.val.str = units.get();
-    cell.xltype = xltypeStr;
   }
 
   std::unique_ptr<XCHAR[]> units;
-  XLOPER12 cell{};
+  XLOPER12 cell;
 };
 
 TEST(ArrayBuilder, RefusesImpossibleSizes) {
@@ -35,12 +35,11 @@ TEST(ArrayBuilder, RefusesImpossibleSizes) {
 }
 
 TEST(ArrayBuilder, CopiesTextsOfEveryLengthWithinTheirBounds) {
-  std::vector<std::unique_ptr<CountedText>> texts;
+  std::vector<CountedText> texts;
   std::vector<XLOPER12> cells;
-  for (std::size_t length = 0; length <= 80; ++length) texts.push_back(std::make_unique<CountedText>(length));
-  for (const std::size_t length : {239u, 240u, 241u, 5'000u, 32'767u})
-    texts.push_back(std::make_unique<CountedText>(length));
-  for (const auto& text : texts) cells.push_back(text->cell);
+  for (std::size_t length = 0; length <= 80; ++length) texts.emplace_back(length);
+  for (const std::size_t length : {239u, 240u, 241u, 5'000u, 32'767u}) texts.emplace_back(length);
+  for (const CountedText& text : texts) cells.push_back(text.cell);
 
   CXlArrayBuilder builder(static_cast<std::int64_t>(cells.size()), 1);
   builder.CopyCells(builder.Row(0), cells.data(), cells.size());
@@ -53,11 +52,9 @@ TEST(ArrayBuilder, CopiesTextsOfEveryLengthWithinTheirBounds) {
 }
 
 TEST(ArrayBuilder, CopiesEveryKindAsExcelTakesIt) {
-  XLOPER12 nan = NumberCell(0);
-  nan.val.num = std::nan("");
   XLOPER12 marked = BooleanCell(true);
   marked.xltype |= xlbitDLLFree;
-  const XLOPER12 cells[] = {NumberCell(1), nan, marked, ErrorCell(45), MissingCell()};
+  const XLOPER12 cells[] = {NumberCell(1), testing::RawNumber(std::nan("")), marked, ErrorCell(45), MissingCell()};
   CXlArrayBuilder builder(5, 1);
   builder.CopyCells(builder.Row(4), cells, 5, -1);
   const CXlOper array = builder.Finish();
@@ -80,12 +77,10 @@ TEST(ArrayBuilder, RefusesWhatIsNoSingleCell) {
   EXPECT_THROW(builder.Fill(builder.Row(0), 2, 1, reference.Raw()), CXlIllegalArgumentException);
   EXPECT_THROW(builder.Put(0, 0, CXlOper()), CXlUninitializedOperException);
   EXPECT_THROW(builder.PutText(0, 0, XString(32'768, XTEXT('x'))), CXlStringTooLongException);
-  XLOPER12 nullText{}, unknownBit = NumberCell(1);
-  nullText.xltype = xltypeStr;
   CountedText tooLong(0);
   tooLong.units[0] = 32'768;
-  unknownBit.xltype |= 0x200;
-  for (const XLOPER12& bad : {reference.Raw(), nullText, unknownBit, tooLong.cell})
+  for (const XLOPER12& bad :
+       {reference.Raw(), testing::RawText(nullptr), testing::RawValue(xltypeNum | 0x200), tooLong.cell})
     EXPECT_THROW(builder.CopyCells(builder.Row(0), &bad, 1), CXlBadOperTypeException);
 }
 
@@ -102,22 +97,16 @@ TEST(ArrayBuilder, RefusesPlacesOutsideTheArray) {
   }
   // Runs of cells: where they begin, how many, how far apart.
   constexpr std::ptrdiff_t kFarthest = std::numeric_limits<std::ptrdiff_t>::max();
+  constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
   XLOPER12* const first = builder.Row(0);
+  XLOPER12* const between = reinterpret_cast<XLOPER12*>(reinterpret_cast<char*>(first) + 8);
   XLOPER12 elsewhere{};
   const std::tuple<XLOPER12*, std::size_t, std::ptrdiff_t> runs[] = {
-      {first, 13, 1},
-      {first + 12, 1, 1},
-      {first + 5, 8, 1},
-      {first + 5, 2, 7},
-      {first + 5, 2, -6},
-      {first + 11, 4, -4},
-      {first, 2, kFarthest},
-      {first + 1, 2, -kFarthest - 1},
-      {first, std::numeric_limits<std::size_t>::max(), 1},
-      {first + 1, (std::size_t{1} << 62) + 1, 4},
-      {reinterpret_cast<XLOPER12*>(reinterpret_cast<char*>(first) + 8), 1, 1},
+      {first, 13, 1},        {first + 12, 1, 1}, {first + 5, 8, 1},
+      {first + 5, 2, 7},     {first + 5, 2, -6}, {first + 11, 4, -4},
+      {first, 2, kFarthest}, {first, kMost, 1},  {first + 1, 2, -kFarthest - 1},
+      {nullptr, 1, 1},       {between, 1, 1},    {first + 1, kMost / 4 + 2, 4},
       {&elsewhere, 1, 1},
-      {nullptr, 1, 1},
   };
   const std::vector<XLOPER12> source(13, text.cell);
   for (const auto& [to, count, stride] : runs) {

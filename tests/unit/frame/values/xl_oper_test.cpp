@@ -9,19 +9,12 @@
 #include "frame/values/array_builder.h"
 #include "frame/values/value_memory.h"
 #include "tests/unit/fixtures/fake_excel.h"
+#include "tests/unit/fixtures/raw_values.h"
 
-namespace quillmere {
+namespace quillmere::testing {
 namespace {
 
-XLOPER12 OfType(std::uint32_t type) { return {.val = {}, .xltype = type}; }
-
-XLOPER12 TextValue(XCHAR* counted) { return {.val = {.str = counted}, .xltype = xltypeStr}; }
-
-XLOPER12 ArrayValue(XLOPER12* cells, int rows, int columns) {
-  return {.val = {.array = {cells, rows, columns}}, .xltype = xltypeMulti};
-}
-
-XLOPER12 AreasValue(XLMREF12* areas) { return {.val = {.mref = {areas, 0}}, .xltype = xltypeRef}; }
+XLOPER12 RawAreas(XLMREF12* areas) { return {.val = {.mref = {areas, 0}}, .xltype = xltypeRef}; }
 
 CXlOper SmallArray() {
   CXlArrayBuilder builder(1, 3);
@@ -37,48 +30,35 @@ TEST(XlOper, RefusesWhatIsMalformedWhereItEnters) {
   XLMREF12 noAreas{0, {}};
   XLMREF12 upsideDown{1, {{5, 4, 0, 0}}};
   XLMREF12 offSheet{1, {{0, 1'048'576, 0, 0}}};
-  XLOPER12 twoAreas = OfType(xltypeSRef);
-  twoAreas.val.sref.count = 2;
-  const XLOPER12 bad[] = {TextValue(nullptr),
-                          TextValue(tooLong),
-                          ArrayValue(nullptr, 1, 1),
-                          ArrayValue(&cell, 0, 1),
-                          ArrayValue(&cell, 1, 0),
-                          ArrayValue(&cell, -1, 1),
-                          ArrayValue(&cell, 1'048'577, 1),
-                          ArrayValue(&cell, 1, 16'385),
-                          AreasValue(nullptr),
-                          AreasValue(&noAreas),
-                          AreasValue(&upsideDown),
-                          AreasValue(&offSheet),
-                          twoAreas};
+  XLOPER12 sRefOfTwoAreas = RawValue(xltypeSRef);
+  sRefOfTwoAreas.val.sref.count = 2;
+  std::vector<XLOPER12> bad = {RawText(nullptr),   RawArray(&cell, 0, 1),  RawArray(&cell, 1'048'577, 1),
+                               RawText(tooLong),   RawArray(&cell, 1, 0),  RawArray(&cell, 1, 16'385),
+                               RawAreas(nullptr),  RawArray(&cell, -1, 1), RawArray(nullptr, 1, 1),
+                               RawAreas(&noAreas), RawAreas(&offSheet),    RawAreas(&upsideDown),
+                               sRefOfTwoAreas};
+  const std::uint32_t types[] = {xltypeBigData,          xltypeFlow, 0, 0x200, xltypeNum | 0x200, xltypeNil | 0x2000,
+                                 xltypeNum | xltypeBool, 0x40000000};
+  for (const std::uint32_t type : types) bad.push_back(RawValue(type));
   for (const XLOPER12& value : bad) EXPECT_THROW(CXlOper::Borrow(&value), CXlBadOperTypeException) << value.xltype;
-  for (const std::uint32_t type :
-       std::initializer_list<std::uint32_t>{xltypeBigData, xltypeFlow, 0, 0x200, xltypeNum | 0x200, xltypeNil | 0x2000,
-                                            xltypeNum | xltypeBool, 0x40000000}) {
-    const XLOPER12 value = OfType(type);
-    EXPECT_THROW(CXlOper::Borrow(&value), CXlBadOperTypeException) << type;
-  }
 }
 
 TEST(XlOper, BorrowsWithoutTakingOver) {
   EXPECT_FALSE(CXlOper::Borrow(nullptr).IsSet());
   XCHAR text[] = {2, XTEXT('h'), XTEXT('i')};
-  const XLOPER12 value = TextValue(text);
+  const XLOPER12 value = RawText(text);
   XLOPER12 slot{};
-  {
-    CXlOper oper = CXlOper::Borrow(&value);
-    EXPECT_EQ(oper.AsText().data(), text + 1);
-    oper.ReturnInto(slot);
-  }
+  CXlOper oper = CXlOper::Borrow(&value);
+  EXPECT_EQ(oper.AsText().data(), text + 1);
+  oper.ReturnInto(slot);
   EXPECT_EQ(slot.xltype, xltypeStr);
   EXPECT_EQ(slot.val.str, text);
-  const XLOPER12 marked = OfType(xltypeNil | xlbitDLLFree | xlbitXLFree);
+  const XLOPER12 marked = RawValue(xltypeNil | xlbitDLLFree | xlbitXLFree);
   EXPECT_TRUE(CXlOper::Borrow(&marked).IsEmpty());
 }
 
 TEST(XlOper, GivesExcelsValuesBackOnce) {
-  testing::FakeExcel excel;
+  FakeExcel excel;
   {
     CXlOper value = CXlOper::TakeFromExcel(excel.LendText(XTEXT("lent")));
     CXlOper& same = value;
@@ -108,7 +88,7 @@ TEST(XlOper, HandsOwnershipToTheReturnSlot) {
     ReleaseOwned(slot);
   }
 
-  testing::FakeExcel excel;
+  FakeExcel excel;
   CXlOper::TakeFromExcel(excel.LendText(XTEXT("Excel's"))).ReturnInto(slot);
   EXPECT_EQ(slot.xltype, xltypeStr | xlbitXLFree);
   ReleaseOwned(slot);
@@ -117,20 +97,15 @@ TEST(XlOper, HandsOwnershipToTheReturnSlot) {
 }
 
 TEST(XlOper, ReturnsOnlyWhatExcelTakes) {
-  XLOPER12 slot{};
-  CXlOper().ReturnInto(slot);
-  EXPECT_EQ(slot.xltype, xltypeErr);
-  EXPECT_EQ(slot.val.err, xlerrValue);
-  XLOPER12 infinite = NumberCell(0);
-  infinite.val.num = std::numeric_limits<double>::infinity();
-  CXlOper numbers[] = {CXlOper::Borrow(&infinite), CXlOper::Number(std::nan(""))};
-  for (CXlOper& oper : numbers) {
-    oper.ReturnInto(slot);
-    EXPECT_EQ(slot.xltype, xltypeErr);
-    EXPECT_EQ(slot.val.err, xlerrNum);
-  }
-  CXlOper::Empty().ReturnInto(slot);
-  EXPECT_EQ(slot.xltype, xltypeNil);
+  const auto returned = [](CXlOper value) {
+    XLOPER12 slot{};
+    value.ReturnInto(slot);
+    return slot.xltype == xltypeErr ? slot.val.err : -1;
+  };
+  const XLOPER12 infinite = RawNumber(std::numeric_limits<double>::infinity());
+  EXPECT_EQ(returned(CXlOper()), xlerrValue);
+  EXPECT_EQ(returned(CXlOper::Borrow(&infinite)), xlerrNum);
+  EXPECT_EQ(returned(CXlOper::Number(std::nan(""))), xlerrNum);
 }
 
 TEST(XlOper, RefusesTheWrongReader) {
@@ -171,10 +146,10 @@ TEST(XlOper, ClonesAllItPointsTo) {
 TEST(XlOper, TakesOneCellOnly) {
   EXPECT_THROW(CXlOper::FromCell(SmallArray().Raw()), CXlIllegalArgumentException);
   EXPECT_THROW(CXlOper::FromCell(CXlOper::Reference(XLREF12{0, 0, 0, 0}).Raw()), CXlIllegalArgumentException);
-  EXPECT_THROW(CXlOper::FromCell(OfType(xltypeFlow)), CXlBadOperTypeException);
-  EXPECT_THROW(CXlOper::BorrowCell(TextValue(nullptr)), CXlBadOperTypeException);
+  EXPECT_THROW(CXlOper::FromCell(RawValue(xltypeFlow)), CXlBadOperTypeException);
+  EXPECT_THROW(CXlOper::BorrowCell(RawText(nullptr)), CXlBadOperTypeException);
   EXPECT_EQ(CXlOper::FromCell(CXlOper::Text(XTEXT("a")).Raw()).AsText(), XTEXT("a"));
 }
 
 }  // namespace
-}  // namespace quillmere
+}  // namespace quillmere::testing
