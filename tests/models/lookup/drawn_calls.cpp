@@ -17,48 +17,17 @@ constexpr std::uint64_t kLargeEvery = 250;
 constexpr std::int32_t kArrayWork = 1'000'000;
 constexpr std::int32_t kReferenceWork = 60'000;
 
-constexpr XStringView kTexts[] = {XTEXT(""),
-                                  XTEXT("a"),
-                                  XTEXT("A"),
-                                  XTEXT("ab"),
-                                  XTEXT("AB"),
-                                  XTEXT("aB"),
-                                  XTEXT("abc"),
-                                  XTEXT("b"),
-                                  XTEXT("B"),
-                                  XTEXT("1"),
-                                  XTEXT("2"),
-                                  XTEXT("é"),
-                                  XTEXT("É"),
-                                  XTEXT("éa"),
-                                  XTEXT("ÉA"),
-                                  XTEXT("a*"),
-                                  XTEXT("a?c"),
-                                  XTEXT("~a"),
-                                  XTEXT(" a"),
-                                  XTEXT("TRUE"),
-                                  XTEXT("a\nb"),
-                                  XTEXT("#N/A"),
-                                  XTEXT("x@[`{"),
-                                  XTEXT("X@[`{"),
-                                  XTEXT("the same long beginning 1"),
-                                  XTEXT("the same long beginning 2"),
-                                  XTEXT("The Same Long Beginning")};
+constexpr XStringView kLong1 = XTEXT("the same long beginning 1"), kLong2 = XTEXT("the same long beginning 2"),
+                      kLongCapitals = XTEXT("The Same Long Beginning");
+constexpr XStringView kTexts[] = {
+    XTEXT(""),     XTEXT("a"),     XTEXT("A"),     XTEXT("ab"), XTEXT("AB"), XTEXT("aB"),   XTEXT("abc"),
+    XTEXT("b"),    XTEXT("B"),     XTEXT("1"),     XTEXT("2"),  XTEXT("é"),  XTEXT("É"),    XTEXT("éa"),
+    XTEXT("ÉA"),   XTEXT("a*"),    XTEXT("a?c"),   XTEXT("~a"), XTEXT(" a"), XTEXT("TRUE"), XTEXT("a\nb"),
+    XTEXT("#N/A"), XTEXT("x@[`{"), XTEXT("X@[`{"), kLong1,      kLong2,      kLongCapitals};
 // Excel's order and that of the units agree on these.
-constexpr XStringView kOrderedTexts[] = {XTEXT(""),
-                                         XTEXT("a"),
-                                         XTEXT("A"),
-                                         XTEXT("aa"),
-                                         XTEXT("aB"),
-                                         XTEXT("AB"),
-                                         XTEXT("b"),
-                                         XTEXT("ba"),
-                                         XTEXT("abcdabcdabcd"),
-                                         XTEXT("abcdabcdabce"),
-                                         XTEXT("ABCD"),
-                                         XTEXT("cd"),
-                                         XTEXT("Cd"),
-                                         XTEXT("e")};
+constexpr XStringView kOrderedTexts[] = {
+    XTEXT(""),   XTEXT("a"),         XTEXT("A"),         XTEXT("aa"),   XTEXT("aB"), XTEXT("AB"), XTEXT("b"),
+    XTEXT("ba"), XTEXT("abcdabcda"), XTEXT("abcdabcdb"), XTEXT("ABCD"), XTEXT("cd"), XTEXT("Cd"), XTEXT("e")};
 constexpr XStringView kPatterns[] = {XTEXT("*"),  XTEXT("a*"),    XTEXT("?"),   XTEXT("??"),  XTEXT("*b"),
                                      XTEXT("A?"), XTEXT("*a*"),   XTEXT("É*"),  XTEXT("a~*"), XTEXT("~~a*"),
                                      XTEXT("?*"), XTEXT("the*2"), XTEXT("a~?c")};

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <toml++/toml.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -88,17 +89,13 @@ std::map<std::string, std::string> WhatIsRegistered() {
   return record;
 }
 
-/// The first lines that differ, with the function they are of; "" where there is none.
+/// Where two records part: the function, and what follows in each; "" where they do not.
 std::string FirstDifference(const std::string& recorded, const std::string& registered) {
-  std::istringstream before(recorded), now(registered);
-  std::string function, lineBefore, lineNow;
-  while (before || now) {
-    if (!std::getline(before, lineBefore)) lineBefore.clear();
-    if (!std::getline(now, lineNow)) lineNow.clear();
-    if (lineBefore != lineNow) return function + "\n  recorded   " + lineBefore + "\n  registered " + lineNow;
-    if (lineNow.starts_with('[')) function = lineNow;
-  }
-  return "";
+  const auto [was, is] = std::ranges::mismatch(recorded, registered);
+  if (was == recorded.end() && is == registered.end()) return "";
+  const std::size_t at = is - registered.begin(), function = std::min(registered.rfind("\n[", at), at);
+  return registered.substr(function, at - function) + " <-- is\n" + registered.substr(at, 80) + "\nand was\n" +
+         recorded.substr(at, 80);
 }
 
 TEST(RegistrationGolden, IsAsRecorded) {
