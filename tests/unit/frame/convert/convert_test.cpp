@@ -1,9 +1,10 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <span>
 #include <vector>
 
-#include "frame/convert/argument.h"
 #include "frame/convert/convert_array.h"
 #include "frame/convert/convert_scalar.h"
 #include "frame/values/array_builder.h"
@@ -13,6 +14,7 @@ namespace quillmere {
 namespace {
 
 using enum ElementKind;
+using ::testing::ElementsAre;
 using Shape = CVectorConvertParamsBase::Shape;
 constexpr XStringView kName = XTEXT("Data");
 
@@ -26,9 +28,21 @@ XString MessageOf(const std::function<void()>& work) {
   return XTEXT("nothing raised");
 }
 
-CXlOper ArrayOf(std::int64_t rows, std::int64_t columns, const std::vector<XLOPER12>& cells) {
+/// What a strict conversion of a value to that kind raises.
+template <ElementKind kind>
+XString Refusal(const CXlOper& value) {
+  return MessageOf([&] { ConvertTo<kind>(value, true); });
+}
+
+/// What the conversion of an argument raises.
+template <class Params>
+XString Refusal(const CXlOper& argument, const Params& params) {
+  return MessageOf([&] { ConvertArgument(argument, params); });
+}
+
+CXlOper ArrayOf(std::int64_t rows, std::int64_t columns, std::span<const XLOPER12> cells) {
   CXlArrayBuilder builder(rows, columns);
-  builder.CopyCells(builder.Row(0), cells.data(), cells.size());
+  builder.CopyCells(builder.Row(0), cells.data(), static_cast<std::size_t>(rows * columns));
   return builder.Finish();
 }
 
@@ -45,14 +59,9 @@ void ReadTexts(testing::FakeExcel& excel) {
   excel.On(xlCoerce, [](std::span<XLOPER12* const> arguments, XLOPER12& result) {
     const XStringView text = CellText(*arguments[0]);
     const std::uint32_t type = static_cast<std::uint32_t>(arguments[1]->val.w);
-    if (type == xltypeNum && text == XTEXT("1,234")) {
-      result = NumberCell(1234);
-    } else if (type == xltypeBool && text == XTEXT("true")) {
-      result = BooleanCell(true);
-    } else {
-      return xlretFailed;
-    }
-    return xlretSuccess;
+    const bool isNumber = type == xltypeNum && text == XTEXT("1,234");
+    result = isNumber ? NumberCell(1234) : BooleanCell(true);
+    return isNumber || (type == xltypeBool && text == XTEXT("true")) ? xlretSuccess : xlretFailed;
   });
 }
 
@@ -77,21 +86,20 @@ TEST(ConvertScalar, CutsNumbersTowardsZeroWithinTheRange) {
   EXPECT_EQ(ConvertTo<kShortInteger>(to(-32768.5), true), -32768);
   EXPECT_EQ(ConvertTo<kUnsignedShortInteger>(to(65535.5), true), 65535);
   EXPECT_EQ(ConvertTo<kUnsignedShortInteger>(to(-0.9), true), 0);
-  EXPECT_EQ(MessageOf([&] { ConvertTo<kLongInteger>(to(2147483648.0), true); }), XTEXT("Expected long integer"));
-  EXPECT_EQ(MessageOf([&] { ConvertTo<kShortInteger>(to(32768), true); }), XTEXT("Expected short integer"));
-  EXPECT_EQ(MessageOf([&] { ConvertTo<kUnsignedShortInteger>(to(-1), true); }),
-            XTEXT("Expected unsigned short integer"));
-  EXPECT_EQ(MessageOf([&] { ConvertTo<kInteger>(to(1e300), true); }), XTEXT("Expected integer"));
+  EXPECT_EQ(Refusal<kLongInteger>(to(2147483648.0)), XTEXT("Expected long integer"));
+  EXPECT_EQ(Refusal<kShortInteger>(to(32768)), XTEXT("Expected short integer"));
+  EXPECT_EQ(Refusal<kUnsignedShortInteger>(to(-1)), XTEXT("Expected unsigned short integer"));
+  EXPECT_EQ(Refusal<kInteger>(to(1e300)), XTEXT("Expected integer"));
 }
 
 TEST(ConvertScalar, GivesZeroWhenNotStrict) {
   const CXlOper error = CXlOper::Error(xlerrNA);
   EXPECT_EQ(ConvertTo<kNumber>(error, false), 0);
   EXPECT_EQ(ConvertTo<kString>(error, false), XTEXT(""));
-  EXPECT_EQ(MessageOf([&] { ConvertTo<kNumber>(error, true); }), XTEXT("Expected number"));
-  EXPECT_EQ(MessageOf([&] { ConvertTo<kString>(error, true); }), XTEXT("Expected string"));
-  EXPECT_EQ(MessageOf([] { ConvertTo<kError>(CXlOper::Number(42), true); }), XTEXT("Expected error"));
-  EXPECT_EQ(MessageOf([] { ConvertTo<kBoolean>(CXlOper::Missing(), true); }), XTEXT("Expected boolean"));
+  EXPECT_EQ(Refusal<kNumber>(error), XTEXT("Expected number"));
+  EXPECT_EQ(Refusal<kString>(error), XTEXT("Expected string"));
+  EXPECT_EQ(Refusal<kError>(CXlOper::Number(42)), XTEXT("Expected error"));
+  EXPECT_EQ(Refusal<kBoolean>(CXlOper::Missing()), XTEXT("Expected boolean"));
 }
 
 TEST(ConvertScalar, AsksExcelToReadTexts) {
@@ -100,8 +108,7 @@ TEST(ConvertScalar, AsksExcelToReadTexts) {
   EXPECT_EQ(ConvertTo<kInteger>(CXlOper::Text(XTEXT("1,234")), true), 1234);
   EXPECT_TRUE(ConvertTo<kBoolean>(CXlOper::Text(XTEXT("true")), true));
   EXPECT_EQ(excel.Calls(xlCoerce), 2);
-  EXPECT_EQ(MessageOf([] { ConvertTo<kNumber>(CXlOper::Text(XTEXT("12")), true); }), XTEXT("Expected number"));
-  EXPECT_EQ(ConvertTo<kString>(CXlOper::Text(XTEXT("12")), true), XTEXT("12"));
+  EXPECT_EQ(Refusal<kNumber>(CXlOper::Text(XTEXT("12"))), XTEXT("Expected number"));
   excel.Give(xlCoerce, [&] { return excel.LendText(XTEXT("not what was asked for")); });
   EXPECT_EQ(ConvertTo<kNumber>(CXlOper::Text(XTEXT("12")), false), 0);
 }
@@ -109,11 +116,9 @@ TEST(ConvertScalar, AsksExcelToReadTexts) {
 TEST(ConvertScalar, FetchesOneCellOfAReference) {
   testing::FakeExcel excel;
   excel.On(xlCoerce, [&excel](std::span<XLOPER12* const> arguments, XLOPER12& result) {
-    const XLMREF12& areas = *arguments[0]->val.mref.lpmref;
-    EXPECT_EQ(areas.count, 1);
-    EXPECT_EQ(areas.reftbl[0].rwLast, 4);
-    EXPECT_EQ(areas.reftbl[0].colLast, 2);
-    EXPECT_EQ(arguments[0]->val.mref.idSheet, 9u);
+    const CXlOper cell = CXlOper::Borrow(arguments[0]);
+    EXPECT_EQ(cell.Sheet(), 9u);
+    EXPECT_THAT(cell.Areas(), ElementsAre(::testing::FieldsAre(4, 4, 2, 2)));
     result = excel.LendText(XTEXT("top left"));
     return xlretSuccess;
   });
@@ -123,33 +128,25 @@ TEST(ConvertScalar, FetchesOneCellOfAReference) {
   excel.Give(xlCoerce, [&] { return excel.LendArray(1, 1, {NumberCell(7)}); });
   EXPECT_EQ(ConvertTo<kNumber>(reference, true), 7);
   excel.Fail(xlCoerce, xlretFailed);
-  EXPECT_EQ(MessageOf([&] { ConvertTo<kString>(reference, true); }), XTEXT("Expected string"));
-  EXPECT_EQ(MessageOf([&] { ConvertArgument(reference, CScalarConvertParams<kString>(kName)); }),
+  EXPECT_EQ(Refusal<kString>(reference), XTEXT("Expected string"));
+  EXPECT_EQ(Refusal(reference, CScalarConvertParams<kString>(kName)),
             XTEXT("Failed to convert Data from unknown type to string"));
 }
 
 TEST(ConvertArgument, ScalarMessages) {
   const std::int32_t codes[] = {1, 2, 3};
   const XStringView words[] = {XTEXT("Asc"), XTEXT("Des")};
-  using Long = CScalarConvertParams<kLongInteger>;
-  const auto convert = [](const CXlOper& value, const auto& params) { return [&] { ConvertArgument(value, params); }; };
-
-  const ArgumentDeclaration withDefault{.name = kName, .defaultValue = {.type = xltypeNum, .number = 5}};
-  EXPECT_EQ(CXlArgument(CXlOper::Missing(), withDefault).As<kLongInteger>(), 5);
-  EXPECT_EQ(ConvertArgument(CXlOper::Number(2.9), Long(kName).OneOf(codes)), 2);
-  EXPECT_EQ(ConvertArgument(CXlOper::Text(XTEXT("DES")), CScalarConvertParams<kString>(kName).OneOf(words)),
-            XTEXT("DES"));
-  EXPECT_THROW(ConvertArgument(CXlOper(), Long(kName)), CXlUninitializedOperException);
-  EXPECT_EQ(MessageOf(convert(CXlOper::Missing(), Long(XTEXT("Sorted")))),
-            XTEXT("Sorted is not initialized. Expected long integer."));
-  EXPECT_EQ(MessageOf(convert(CXlOper::Error(xlerrNA), Long(kName))),
-            XTEXT("Failed to convert Data from error to long integer"));
-  EXPECT_EQ(MessageOf(convert(CXlOper::Number(1e10), Long(kName))),
-            XTEXT("Failed to convert Data from number to long integer"));
-  EXPECT_EQ(MessageOf(convert(CXlOper::Number(4), Long(kName).OneOf(codes))),
-            XTEXT("Expected one of 1, 2, 3 for Data"));
-  EXPECT_EQ(MessageOf(convert(CXlOper::Text(XTEXT("Up")), CScalarConvertParams<kString>(kName).OneOf(words))),
-            XTEXT("Expected one of Asc, Des for Data"));
+  const CScalarConvertParams<kLongInteger> number(kName);
+  const auto code = CScalarConvertParams<kLongInteger>(kName).OneOf(codes);
+  const auto word = CScalarConvertParams<kString>(kName).OneOf(words);
+  EXPECT_EQ(ConvertArgument(CXlOper::Number(2.9), code), 2);
+  EXPECT_EQ(ConvertArgument(CXlOper::Text(XTEXT("DES")), word), XTEXT("DES"));
+  EXPECT_THROW(ConvertArgument(CXlOper(), number), CXlUninitializedOperException);
+  EXPECT_EQ(Refusal(CXlOper::Missing(), number), XTEXT("Data is not initialized. Expected long integer."));
+  EXPECT_EQ(Refusal(CXlOper::Error(xlerrNA), number), XTEXT("Failed to convert Data from error to long integer"));
+  EXPECT_EQ(Refusal(CXlOper::Number(1e10), number), XTEXT("Failed to convert Data from number to long integer"));
+  EXPECT_EQ(Refusal(CXlOper::Number(4), code), XTEXT("Expected one of 1, 2, 3 for Data"));
+  EXPECT_EQ(Refusal(CXlOper::Text(XTEXT("Up")), word), XTEXT("Expected one of Asc, Des for Data"));
 }
 
 TEST(ConvertArgument, TakesTheFirstKindThatFits) {
@@ -171,51 +168,43 @@ TEST(ConvertArgument, ReadsElementsWithoutACall) {
   const CXlOper word = CXlOper::Text(XTEXT("TRUE"));
   const XLOPER12 cells[] = {EmptyCell(), BooleanCell(true), number.Raw(), NumberCell(-1.5), word.Raw()};
   const CVectorConvertParams<kNumber> params(kName, Shape::kMatrix);
-  const auto matrix = ConvertArgument(ArrayOf(2, 2, {cells, cells + 4}), params);
+  const auto matrix = ConvertArgument(ArrayOf(2, 2, cells), params);
   EXPECT_EQ(matrix.rows, 2);
-  EXPECT_EQ(std::vector<double>(matrix.Values().begin(), matrix.Values().end()),
-            (std::vector<double>{0, 1, 100, -1.5}));
-  const CXlOper array = ArrayOf(5, 1, {cells, cells + 5});
-  EXPECT_EQ(MessageOf([&] { ConvertArgument(array, params); }), XTEXT("Expected number for Data"));
+  EXPECT_THAT(matrix.Values(), ElementsAre(0, 1, 100, -1.5));
+  const CXlOper array = ArrayOf(5, 1, cells);
+  EXPECT_EQ(Refusal(array, params), XTEXT("Expected number for Data"));
   EXPECT_EQ(ConvertArgument(array, CVectorConvertParams<kString>(kName, Shape::kMatrix)).At(3, 0), XTEXT("-1.5"));
-  EXPECT_EQ(MessageOf([&] { ConvertArgument(array, CVectorConvertParams<kBoolean>(kName, Shape::kMatrix)); }),
-            XTEXT("Expected boolean for Data"));
+  EXPECT_EQ(Refusal(array, CVectorConvertParams<kBoolean>(kName, Shape::kMatrix)), XTEXT("Expected boolean for Data"));
   EXPECT_EQ(excel.Calls(xlCoerce), 0);
 }
 
 TEST(ConvertArgument, ChecksTheCounts) {
   using Params = CVectorConvertParams<kNumber>;
-  const Params vector(kName, Shape::kVector);
-  const Params matrix(kName, Shape::kMatrix);
+  const Params vector(kName, Shape::kVector), matrix(kName, Shape::kMatrix), list(kName, Shape::kList);
   constexpr double none = 0;
-  const struct {
-    Params params;
-    CXlOper value;
-    XStringView message;
-  } cases[] = {
-      {vector, CXlOper::Missing(), XTEXT("Data is not initialized. Expected number vector.")},
-      {matrix, CXlOper(), XTEXT("Data is not initialized. Expected number matrix.")},
-      {vector, Array(2, 2), XTEXT("Expected vector for Data")},
-      {Params(vector).LeastValues(4), Array(1, 3), XTEXT("Expected at least 4 values for Data")},
-      {Params(matrix).Rows(1), Array(2, 2), XTEXT("Expected 1 row in Data")},
-      {Params(matrix).Rows(3), Array(2, 2), XTEXT("Expected 3 rows in Data")},
-      {Params(matrix).Columns(1), Array(2, 2), XTEXT("Expected 1 column in Data")},
-      {Params(matrix).Columns(3), Array(2, 2), XTEXT("Expected 3 columns in Data")},
-      {Params(vector).Values(1), Array(2, 1), XTEXT("Expected 1 value in Data")},
-      {Params(vector).Values(3), Array(2, 1), XTEXT("Expected 3 values in Data")},
-      {Params(matrix).LeastRows(3), Array(2, 2), XTEXT("Expected at least 3 rows for Data")},
-      {Params(matrix).LeastColumns(3), Array(2, 2), XTEXT("Expected at least 3 columns for Data")},
-      {Params(matrix).FullRows(), Array(2, 2, {1, 2, 3, none}), XTEXT("Expected 2 values in row 2 of Data")},
-      {Params(matrix).FullRows(), Array(2, 1, {none, 1}), XTEXT("Expected 1 value in row 1 of Data")},
-      {Params(matrix).FullColumns(), Array(3, 2, {1, 2, 3, none, 5, none}),
-       XTEXT("Expected 3 values in column 2 of Data")},
-      {Params(matrix).FullColumns(), Array(1, 2, {1, none}), XTEXT("Expected 1 value in column 2 of Data")},
-      {Params(kName, Shape::kList), CXlOper::Empty(), XTEXT("Expected at least 1 value for Data")},
-      {Params(kName, Shape::kList).Optional().LeastValues(1), CXlOper::Empty(),
-       XTEXT("Expected at least 1 value for Data")},
-      {Params(kName, Shape::kList).Values(2), Array(1, 3, {1, none, none}), XTEXT("Expected 2 values in Data")},
-  };
-  for (const auto& one : cases) EXPECT_EQ(MessageOf([&one] { ConvertArgument(one.value, one.params); }), one.message);
+  EXPECT_EQ(Refusal(CXlOper::Missing(), vector), XTEXT("Data is not initialized. Expected number vector."));
+  EXPECT_EQ(Refusal(CXlOper(), matrix), XTEXT("Data is not initialized. Expected number matrix."));
+  EXPECT_EQ(Refusal(Array(2, 2), vector), XTEXT("Expected vector for Data"));
+  EXPECT_EQ(Refusal(Array(1, 3), Params(vector).LeastValues(4)), XTEXT("Expected at least 4 values for Data"));
+  EXPECT_EQ(Refusal(Array(2, 2), Params(matrix).Rows(1)), XTEXT("Expected 1 row in Data"));
+  EXPECT_EQ(Refusal(Array(2, 2), Params(matrix).Rows(3)), XTEXT("Expected 3 rows in Data"));
+  EXPECT_EQ(Refusal(Array(2, 2), Params(matrix).Columns(1)), XTEXT("Expected 1 column in Data"));
+  EXPECT_EQ(Refusal(Array(2, 2), Params(matrix).Columns(3)), XTEXT("Expected 3 columns in Data"));
+  EXPECT_EQ(Refusal(Array(2, 1), Params(vector).Values(1)), XTEXT("Expected 1 value in Data"));
+  EXPECT_EQ(Refusal(Array(2, 1), Params(vector).Values(3)), XTEXT("Expected 3 values in Data"));
+  EXPECT_EQ(Refusal(Array(2, 2), Params(matrix).LeastRows(3)), XTEXT("Expected at least 3 rows for Data"));
+  EXPECT_EQ(Refusal(Array(2, 2), Params(matrix).LeastColumns(3)), XTEXT("Expected at least 3 columns for Data"));
+  EXPECT_EQ(Refusal(Array(2, 2, {1, 2, 3, none}), Params(matrix).FullRows()),
+            XTEXT("Expected 2 values in row 2 of Data"));
+  EXPECT_EQ(Refusal(Array(2, 1, {none, 1}), Params(matrix).FullRows()), XTEXT("Expected 1 value in row 1 of Data"));
+  EXPECT_EQ(Refusal(Array(3, 2, {1, 2, none, 4, 5, none}), Params(matrix).FullColumns()),
+            XTEXT("Expected 3 values in column 2 of Data"));
+  EXPECT_EQ(Refusal(Array(1, 2, {1, none}), Params(matrix).FullColumns()),
+            XTEXT("Expected 1 value in column 2 of Data"));
+  EXPECT_EQ(Refusal(CXlOper::Empty(), list), XTEXT("Expected at least 1 value for Data"));
+  EXPECT_EQ(Refusal(CXlOper::Empty(), Params(list).Optional().LeastValues(1)),
+            XTEXT("Expected at least 1 value for Data"));
+  EXPECT_EQ(Refusal(Array(1, 3, {1, none, none}), Params(list).Values(2)), XTEXT("Expected 2 values in Data"));
   EXPECT_EQ(MessageOf([&] { Params(matrix).LeastRows(1).CheckSize(0, 3); }), XTEXT("Expected at least 1 row for Data"));
   EXPECT_EQ(MessageOf([&] { Params(matrix).LeastColumns(1).CheckSize(3, 0); }),
             XTEXT("Expected at least 1 column for Data"));
@@ -225,14 +214,10 @@ TEST(ConvertArgument, KeepsTheShape) {
   using Params = CVectorConvertParams<kInteger>;
   const auto row = ConvertArgument(Array(1, 3), Params(kName, Shape::kVector).LeastValues(3).Columns(3));
   EXPECT_EQ(row.rows, 1);
-  EXPECT_EQ(row.columns, 3);
-  const auto scalar = ConvertArgument(CXlOper::Number(7.7), Params(kName, Shape::kVector));
-  EXPECT_EQ(scalar.Count(), 1);
-  EXPECT_EQ(scalar.At(0, 0), 7);
+  EXPECT_THAT(ConvertArgument(CXlOper::Number(7.7), Params(kName, Shape::kVector)).Values(), ElementsAre(7));
   EXPECT_EQ(ConvertArgument(CXlOper::Missing(), Params(kName, Shape::kMatrix).Optional()).Count(), 0);
   const auto list = ConvertArgument(Array(2, 2, {0, 5, 0, 6}), Params(kName, Shape::kList));
-  EXPECT_EQ(list.rows, 2);
-  EXPECT_EQ(list.At(1, 0), 6);
+  EXPECT_THAT(list.Values(), ElementsAre(5, 6));
 }
 
 TEST(ConvertArgument, GivesFetchedCellsBackOnEveryPath) {
