@@ -6,6 +6,8 @@
 #include <deque>
 #include <random>
 
+#include "table/compare.h"
+
 namespace quillmere::testing {
 namespace {
 
@@ -25,25 +27,16 @@ class ArrayPainting : public ::testing::Test {
   std::int32_t Draw(std::int32_t below) { return static_cast<std::int32_t>(random_() % below); }
 
   AxisMap DrawMap(std::int32_t length, std::int32_t places) {
-    switch (Draw(4)) {
-      case 0:
-        return AxisMap::Repeated(Draw(length + 1)).PaddedTo(length);
-      case 1:
-        return AxisMap::Run(0, std::min(length, places)).PaddedTo(length);
-      case 2: {
-        AxisMap backwards = AxisMap::Run(places - 1, std::min(length, places)).PaddedTo(length);
-        backwards.step = -1;
-        return backwards;
-      }
-      default: {
-        std::vector<std::int32_t>& drawn = drawn_.emplace_back(static_cast<std::size_t>(length));
-        // Neighbours that follow each other, go backwards, repeat or jump.
-        for (std::int32_t at = 0; at < length; ++at)
-          drawn[at] =
-              at == 0 || Draw(3) == 0 ? Draw(places + 1) - 1 : std::clamp(drawn[at - 1] + Draw(3) - 1, -1, places - 1);
-        return AxisMap::By(drawn);
-      }
-    }
+    const std::int32_t kind = Draw(4);
+    if (kind == 0) return AxisMap::Repeated(Draw(length + 1)).PaddedTo(length);
+    if (kind == 1) return AxisMap::Run(0, std::min(length, places)).PaddedTo(length);
+    if (kind == 2) return {length, std::min(length, places), places - 1, -1, {}};
+    std::vector<std::int32_t>& drawn = drawn_.emplace_back(static_cast<std::size_t>(length));
+    // Neighbours that follow each other, go backwards, repeat or jump.
+    for (std::int32_t at = 0; at < length; ++at)
+      drawn[at] =
+          at == 0 || Draw(3) == 0 ? Draw(places + 1) - 1 : std::clamp(drawn[at - 1] + Draw(3) - 1, -1, places - 1);
+    return AxisMap::By(drawn);
   }
 
   ArrayPiece DrawPiece(std::int32_t rows, std::int32_t columns) {
@@ -58,11 +51,7 @@ class ArrayPainting : public ::testing::Test {
         const std::int32_t fromRow = piece.rows.At(row), fromColumn = piece.columns.At(column);
         const XLOPER12& expected = fromRow < 0 || fromColumn < 0 ? fill : piece.cells.At(fromRow, fromColumn);
         const XLOPER12& cell = painted.CellAt(top + row, left + column);
-        ASSERT_EQ(TypeOf(cell), TypeOf(expected)) << row << ' ' << column;
-        if (IsTextCell(cell))
-          ASSERT_EQ(TextOf(cell), TextOf(expected));
-        else
-          ASSERT_EQ(CellNumber(cell), CellNumber(expected));
+        ASSERT_EQ(CompareOpers(&cell, &expected), 0) << row << ' ' << column;
       }
     }
   }

@@ -64,42 +64,15 @@ std::string Echoed(const XLOPER& value) {
   }
 }
 
-XLOPER OfType(std::uint32_t type) {
-  XLOPER value{};
-  value.xltype = static_cast<std::uint16_t>(type);
-  return value;
-}
-
-XLOPER Number(double number) {
-  XLOPER value = OfType(xltypeNum);
-  value.val.num = number;
-  return value;
-}
-
+XLOPER OfType(std::uint16_t type) { return {.val = {}, .xltype = type}; }
+XLOPER Number(double number) { return {.val = {.num = number}, .xltype = xltypeNum}; }
 /// `counted` begins with its length.
-XLOPER Text(std::string& counted) {
-  XLOPER value = OfType(xltypeStr);
-  value.val.str = counted.data();
-  return value;
-}
-
+XLOPER Text(std::string& counted) { return {.val = {.str = counted.data()}, .xltype = xltypeStr}; }
 XLOPER Array(XLOPER* cells, std::uint16_t rows, std::uint16_t columns) {
-  XLOPER value = OfType(xltypeMulti);
-  value.val.array = {cells, rows, columns};
-  return value;
+  return {.val = {.array = {cells, rows, columns}}, .xltype = xltypeMulti};
 }
-
-XLOPER Reference(XLREF area, std::uint16_t count = 1) {
-  XLOPER value = OfType(xltypeSRef);
-  value.val.sref = {count, area};
-  return value;
-}
-
-XLOPER Reference(XLMREF& areas) {
-  XLOPER value = OfType(xltypeRef);
-  value.val.mref = {&areas, 77};
-  return value;
-}
+XLOPER Reference(XLREF area, std::uint16_t count = 1) { return {.val = {.sref = {count, area}}, .xltype = xltypeSRef}; }
+XLOPER Reference(XLMREF& areas) { return {.val = {.mref = {&areas, 77}}, .xltype = xltypeRef}; }
 
 CXlOper Filled(std::int64_t rows, std::int64_t columns, const XLOPER12& cell) {
   CXlArrayBuilder builder(rows, columns);
