@@ -87,21 +87,12 @@ class CallMaker : private models::Draws {
   }
 
   CellView DrawCell() {
-    switch (Below(12)) {
-      case 0:
-        return CellView::Boolean(Chance(50));
-      case 1:
-        return CellView::Error(Pick(kErrors));
-      case 2:
-        return {};
-      case 3:
-      case 4:
-      case 5:
-      case 6:
-        return CellView::Number(isLarge_ ? Below(rows_) : Pick(kNumbers));
-      default:
-        return DrawText();
-    }
+    const std::int32_t kind = Below(12);
+    if (kind == 0) return CellView::Boolean(Chance(50));
+    if (kind == 1) return CellView::Error(Pick(kErrors));
+    if (kind == 2) return {};
+    if (kind <= 6) return CellView::Number(isLarge_ ? Below(rows_) : Pick(kNumbers));
+    return DrawText();
   }
 
   /// Texts of large tables are many; those that Excel may have to order are plain.
@@ -253,35 +244,20 @@ class CallMaker : private models::Draws {
     const Value badColumn =
         PickOf({Value::Number(0), Value::Number(-1), Value::Number(columns_ + 1), Value::Number(0.5),
                 Value::Boolean(true), Value::Error(xlerrNA), TextValue(XTEXT("no such label"))});
-    switch (Below(9)) {
-      case 0:
-        call_.position = -4;
-        break;
-      case 1:
-        call_.sorted = Value::Error(xlerrNum);
-        break;
-      case 2:
-        call_.exactMatch = Value::Error(xlerrNA);
-        break;
-      case 3:
-        call_.memory = PickOf({Value::Number(4), Value::Number(-1), Value::Boolean(true), Value::Error(xlerrRef)});
-        break;
-      case 4:
-        call_.answerColumns = badColumn;
-        break;
-      case 5:
-        call_.lookupColumns = keyColumns_ == 1 ? badColumn : Value::Number(1);
-        break;
-      case 6:
-        call_.answerColumns = Filled(2, 1);
-        break;
-      case 7:
-        call_.keys = Filled(1, columns_ + 1);
-        call_.lookupColumns = Value::Missing();
-        break;
-      default:
-        call_.keys = PickOf({Value::Missing(), Value::Empty()});
+    const std::int32_t spoilt = Below(9);
+    if (spoilt == 0) call_.position = -4;
+    if (spoilt == 1) call_.sorted = Value::Error(xlerrNum);
+    if (spoilt == 2) call_.exactMatch = Value::Error(xlerrNA);
+    if (spoilt == 3)
+      call_.memory = PickOf({Value::Number(4), Value::Number(-1), Value::Boolean(true), Value::Error(xlerrRef)});
+    if (spoilt == 4) call_.answerColumns = badColumn;
+    if (spoilt == 5) call_.lookupColumns = keyColumns_ == 1 ? badColumn : Value::Number(1);
+    if (spoilt == 6) call_.answerColumns = Filled(2, 1);
+    if (spoilt == 7) {
+      call_.keys = Filled(1, columns_ + 1);
+      call_.lookupColumns = Value::Missing();
     }
+    if (spoilt == 8) call_.keys = PickOf({Value::Missing(), Value::Empty()});
     if (!call_.function->returnsValues) call_.answerColumns = Value::Missing();
   }
 

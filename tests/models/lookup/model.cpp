@@ -76,14 +76,15 @@ bool ReadMemory(const Value& memory, Question& question) {
   return true;
 }
 
-std::optional<std::int32_t> FindLabel(const CellView& label, const LookupCall& call) {
+/// The zero-based column; -1 for a label that is not there.
+std::int32_t FindLabel(const CellView& label, const LookupCall& call) {
   for (std::int32_t column = 0; column < call.table->Columns(); ++column) {
     const CellView& cell = call.table->At(0, column);
     const bool isFound =
         call.isReference ? ExcelMatches(cell, label) : cell.IsText() && EqualLabels(cell.AsText(), label.AsText());
     if (isFound) return column;
   }
-  return std::nullopt;
+  return -1;
 }
 
 /// False when an entry names no column.
@@ -91,18 +92,12 @@ bool ReadColumns(const Value& selector, const LookupCall& call, Question& questi
                  std::vector<std::int32_t>& columns) {
   for (std::int32_t i = 0; i < SizesOf(selector).columns; ++i) {
     const CellView entry = At(selector, 0, i);
-    if (entry.IsNumber()) {
-      const double column = std::trunc(entry.AsNumber());
-      if (column < 1 || column > call.table->Columns()) return false;
-      columns.push_back(static_cast<std::int32_t>(column) - 1);
-    } else if (entry.IsText()) {
-      question.hasHeader = true;
-      const std::optional<std::int32_t> column = FindLabel(entry, call);
-      if (!column) return false;
-      columns.push_back(*column);
-    } else {
-      return false;
-    }
+    if (!entry.IsNumber() && !entry.IsText()) return false;
+    question.hasHeader |= entry.IsText();
+    const std::int32_t column =
+        entry.IsText() ? FindLabel(entry, call) : static_cast<std::int32_t>(std::trunc(entry.AsNumber())) - 1;
+    if (column < 0 || column >= call.table->Columns()) return false;
+    columns.push_back(column);
   }
   return true;
 }
@@ -283,17 +278,11 @@ class Finder {
     const models::CallingPlace& caller = call_.caller;
     const std::string row = std::to_string(caller.row + (caller.rows > 1 ? keyRow : 0));
     const std::string sheet = std::to_string(reinterpret_cast<std::uintptr_t>(caller.sheet));
-    switch (question_.memoryType) {
-      case 1:
-        return "cell " + sheet + " " + row + " " + std::to_string(caller.column);
-      case 2:
-        return "row " + sheet + " " + row;
-      case 3:
-        return "number " + row;
-      default:
-        return "name " + caller.book + " " + row + " " +
-               std::string(question_.memoryName.begin(), question_.memoryName.end());
-    }
+    if (question_.memoryType == 1) return "cell " + sheet + " " + row + " " + std::to_string(caller.column);
+    if (question_.memoryType == 2) return "row " + sheet + " " + row;
+    if (question_.memoryType == 3) return "number " + row;
+    return "name " + caller.book + " " + row + " " +
+           std::string(question_.memoryName.begin(), question_.memoryName.end());
   }
 
   const LookupCall& call_;
@@ -318,18 +307,10 @@ int Side(Number a, Number b) {
 
 int Compare(const CellView& cell, const CellView& key, bool caseSensitive) {
   if (cell.Kind() != key.Kind()) return Side(Rank(cell.Kind()), Rank(key.Kind()));
-  switch (key.Kind()) {
-    case CellKind::kNumber:
-      return Side(cell.AsNumber(), key.AsNumber());
-    case CellKind::kBoolean:
-      return Side<int>(cell.AsBoolean(), key.AsBoolean());
-    case CellKind::kError:
-      return Side(cell.AsError(), key.AsError());
-    case CellKind::kEmpty:
-      return 0;
-    case CellKind::kText:
-      break;
-  }
+  if (key.IsNumber()) return Side(cell.AsNumber(), key.AsNumber());
+  if (key.IsBoolean()) return Side<int>(cell.AsBoolean(), key.AsBoolean());
+  if (key.IsError()) return Side(cell.AsError(), key.AsError());
+  if (key.IsEmpty()) return 0;
   const XStringView a = cell.AsText(), b = key.AsText();
   for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
     const int side = caseSensitive ? Side<int>(a[i], b[i]) : Side<int>(FoldLatin(a[i]), FoldLatin(b[i]));

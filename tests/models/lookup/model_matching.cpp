@@ -18,17 +18,15 @@ XCHAR LowerCase(XCHAR unit) {
 }
 
 std::vector<PatternUnit> ReadPattern(XStringView text, bool hasEscape) {
+  using Kind = PatternUnit::Kind;
   std::vector<PatternUnit> pattern;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const XCHAR unit = text[i];
-    if (hasEscape && unit == XTEXT('~') && i + 1 < text.size())
-      pattern.push_back({PatternUnit::Kind::kPlain, text[++i]});
-    else if (unit == XTEXT('*'))
-      pattern.push_back({PatternUnit::Kind::kRun, unit});
-    else if (unit == XTEXT('?'))
-      pattern.push_back({PatternUnit::Kind::kOne, unit});
+    const bool isEscape = hasEscape && unit == XTEXT('~') && i + 1 < text.size();
+    if (isEscape)
+      pattern.push_back({Kind::kPlain, text[++i]});
     else
-      pattern.push_back({PatternUnit::Kind::kPlain, unit});
+      pattern.push_back({unit == XTEXT('*') ? Kind::kRun : unit == XTEXT('?') ? Kind::kOne : Kind::kPlain, unit});
   }
   return pattern;
 }
@@ -61,16 +59,9 @@ bool HasWildcards(const CellView& key) {
 
 bool ExcelMatches(const CellView& cell, const CellView& key) {
   if (cell.Kind() != key.Kind()) return false;
-  switch (key.Kind()) {
-    case CellKind::kNumber:
-      return cell.AsNumber() == key.AsNumber();
-    case CellKind::kBoolean:
-      return cell.AsBoolean() == key.AsBoolean();
-    case CellKind::kText:
-      return Fits(ReadPattern(key.AsText(), true), cell.AsText(), false);
-    default:
-      return false;
-  }
+  if (key.IsNumber()) return cell.AsNumber() == key.AsNumber();
+  if (key.IsBoolean()) return cell.AsBoolean() == key.AsBoolean();
+  return key.IsText() && Fits(ReadPattern(key.AsText(), true), cell.AsText(), false);
 }
 
 bool FitsPattern(const CellView& cell, const CellView& key, bool caseSensitive) {
