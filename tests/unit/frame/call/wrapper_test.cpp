@@ -13,7 +13,8 @@
 #include "frame/errors/exceptions.h"
 #include "frame/values/array_builder.h"
 #include "frame/values/value_memory.h"
-#include "tests/unit/fixtures/addin_excel.h"
+#include "tests/unit/fixtures/fake_excel.h"
+#include "tests/unit/fixtures/raw_values.h"
 
 namespace quillmere::testing {
 namespace {
@@ -78,19 +79,17 @@ struct Foreign : std::exception {
 };
 
 TEST_F(Wrapper, EveryExceptionEndsInTheCell) {
+  const auto answerOf = [](FunctionBody body) { return TextAnswer(CallFunction12(body)); };
   const XLOPER12* const error = CallFunction12([](CXlOper&, const CXlOper*) { throw CXlErrorException(xlerrNA); });
-  EXPECT_EQ(error->xltype, xltypeErr);
-  EXPECT_EQ(error->val.err, xlerrNA);
-  EXPECT_EQ(TextAnswer(CallFunction12(&Throw<CXlOutOfRangeException>)), XTEXT("#ERROR: Index out of range"));
-  EXPECT_EQ(TextAnswer(CallFunction12(&Throw<std::bad_alloc>)), XTEXT("#ERROR: Memory allocation failed"));
-  EXPECT_EQ(TextAnswer(CallFunction12(&Throw<Foreign>)), XTEXT("#ERROR: a library's words"));
-  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) { throw 7; })), XTEXT("#ERROR: Unknown error"));
-  EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) {
-              throw CXlRuntimeException(XString(40'000, XTEXT('m')));
-            })).size(),
-            32'767u);
-  XLOPER12 nonsense{};
-  nonsense.xltype = 0x0200;
+  EXPECT_TRUE(IsErrorCell(*error) && error->val.err == xlerrNA);
+  EXPECT_EQ(answerOf(&Throw<CXlOutOfRangeException>), XTEXT("#ERROR: Index out of range"));
+  EXPECT_EQ(answerOf(&Throw<std::bad_alloc>), XTEXT("#ERROR: Memory allocation failed"));
+  EXPECT_EQ(answerOf(&Throw<Foreign>), XTEXT("#ERROR: a library's words"));
+  EXPECT_EQ(answerOf([](CXlOper&, const CXlOper*) { throw 7; }), XTEXT("#ERROR: Unknown error"));
+  const XString longest =
+      answerOf([](CXlOper&, const CXlOper*) { throw CXlRuntimeException(XString(40'000, XTEXT('m'))); });
+  EXPECT_EQ(longest.size(), 32'767u);
+  XLOPER12 nonsense = RawValue(0x200);
   EXPECT_EQ(TextAnswer(CallFunction12([](CXlOper&, const CXlOper*) {}, &nonsense)), XTEXT("#ERROR: Bad XLOPER type"));
 }
 
@@ -133,8 +132,7 @@ TEST_F(Wrapper, ExcelEndsACallByItsAnswer) {
       FakeExcel excel;
       for (const int asked : {int{xlCoerce}, int{xlfCaller}}) excel.Fail(asked, code);
       const XLOPER12* const answer = CallFunction12(body, text.ForCallback(), range.ForCallback());
-      EXPECT_EQ(answer->xltype, xltypeErr) << code << ", body " << &body - bodies;
-      EXPECT_EQ(answer->val.err, xlerrValue) << code << ", body " << &body - bodies;
+      EXPECT_TRUE(IsErrorCell(*answer) && answer->val.err == xlerrValue) << code << ", body " << &body - bodies;
       EXPECT_EQ(excel.AllCalls(), 1);
     }
   }

@@ -19,18 +19,15 @@ constexpr XStringView kHelpFile = XTEXT("C:\\a.chm");
 
 TEST(Registration, CutsTextsInTheCallAlone) {
   AddinExcel excel;
-  RegistrationTexts texts;
-  texts.name = XTEXT("F");
-  texts.help = XString(254, XTEXT('x')) + XTEXT("\xD83D\xDE00 and more");
-  texts.argumentHelp.assign(300, XString(300, XTEXT('y')));
-  CXllRegistrable item(texts);
+  const XString help = XString(254, XTEXT('x')) + XTEXT("\xD83D\xDE00 and more");
+  CXllRegistrable item({.name = XTEXT("F"), .help = help, .argumentHelp = {300, XString(300, XTEXT('y'))}});
   item.Register(kPath, {});
   const std::vector<CXlOper>& call = excel.registerCalls.front();
   EXPECT_EQ(call[9].AsText(), XString(254, XTEXT('x'))) << "not within a surrogate pair";
   EXPECT_EQ(call[10].AsText().size(), 255u);
   EXPECT_EQ(call.size(), 255u);
   EXPECT_EQ(call.back().AsText(), XTEXT(""));
-  EXPECT_EQ(item.Texts().help, texts.help);
+  EXPECT_EQ(item.Texts().help, help);
 }
 
 TEST(Registration, HelpTopicNeedsFileIdAndRoom) {
@@ -55,16 +52,17 @@ TEST(Registration, UnregistersInFourStepsFromExcel12On) {
   EXPECT_EQ(excel.unregisterSteps.size(), 5u) << "one step before";
 }
 
+/// An argument with or without a default.
+constexpr ArgumentDeclaration Argument(ArgumentKind kind, bool hasDefault, bool byValue = false) {
+  return {.name = XTEXT("A"), .kind = kind, .defaultValue = {.type = hasDefault ? xltypeNum : 0u}, .byValue = byValue};
+}
+
 TEST(TypeText, FollowsKindsDefaultsAndMarks) {
-  const auto argument = [](ArgumentKind kind, bool hasDefault, bool byValue = false) {
-    return ArgumentDeclaration{
-        .name = XTEXT("A"), .kind = kind, .defaultValue = {.type = hasDefault ? xltypeNum : 0u}, .byValue = byValue};
-  };
   using enum ArgumentKind;
-  const ArgumentDeclaration all[] = {argument(kReference, true), argument(kValue, false),    argument(kInt, false),
-                                     argument(kInt, true),       argument(kInt, true, true), argument(kString, false),
-                                     argument(kString, true),    argument(kBoolean, false),  argument(kBoolean, true),
-                                     argument(kShort, false),    argument(kDouble, false)};
+  const ArgumentDeclaration all[] = {Argument(kReference, true), Argument(kValue, false),    Argument(kInt, false),
+                                     Argument(kInt, true),       Argument(kInt, true, true), Argument(kString, false),
+                                     Argument(kString, true),    Argument(kBoolean, false),  Argument(kBoolean, true),
+                                     Argument(kShort, false),    Argument(kDouble, false)};
   FunctionDeclaration function{.arguments = all};
   EXPECT_EQ(TypeText12(function), "UUQJQJC%QAQQQ");
   EXPECT_EQ(TypeText4(function), "RRPJPJCPAPPP");

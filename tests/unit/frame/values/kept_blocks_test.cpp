@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "frame/app/xll_app.h"
 #include "frame/entry/coarse_clock.h"
 #include "frame/values/array_builder.h"
@@ -77,13 +75,11 @@ TEST_F(KeptBlocks, GoBackWhenUnusedClosedOrWanted) {
 }
 
 TEST_F(KeptBlocks, HoldCellsAndTexts) {
-  const std::vector<XCHAR> text(30'000, XTEXT('t'));
+  const XString text(30'000, XTEXT('t'));
   const auto build = [&text] {
     CXlArrayBuilder builder(40, 1'000);
-    for (int row = 0; row < 40; ++row) {
-      for (int column = 1; column < 1'000; ++column) builder.PutNumber(row, column, column);
-      builder.PutText(row, 0, {text.data(), text.size()});
-    }
+    builder.Fill(builder.Row(0), 40'000, 1, NumberCell(1));
+    for (int row = 0; row < 40; ++row) builder.PutText(row, 0, text);
     return builder.Finish();
   };
   const std::int64_t before = Live();
