@@ -69,6 +69,7 @@ CStoreMutex store;
 int* volatile badAddress = reinterpret_cast<int*>(8);
 void (*volatile badFunction)() = nullptr;
 volatile int zero = 0;
+volatile double quotient = 0;
 volatile std::size_t someBytes = 1'000;
 
 struct FaultsWhenDestroyed {
@@ -105,6 +106,9 @@ struct NamedProvocation {
 
 const NamedProvocation kProvocations[] = {
     {XTEXT("nothing"), [] {}},
+    // Where all is well these two do not fault either.
+    {XTEXT("held store"), [] { quotient = 5 / CStoreLock(store, std::chrono::milliseconds(100)).HoldsLock(); }},
+    {XTEXT("float division"), [] { quotient = 1.0 / zero; }},
     {XTEXT("read"), [] { static_cast<void>(*static_cast<int volatile*>(badAddress)); }},
     {XTEXT("write"), [] { *badAddress = 1; }},
     {XTEXT("divide"), [] { zero = 5 / zero; }},
@@ -158,16 +162,6 @@ void Provoke(CXlOper& result, const CXlOper* arguments) {
   result.SetNumber(arguments[1].AsNumber());
 }
 
-void StoreIsFree(CXlOper& result, const CXlOper*) {
-  result.SetBoolean(CStoreLock(store, std::chrono::milliseconds(100)).HoldsLock());
-}
-
-/// 1/0 in the float environment that the frame has set.
-void DivideByZero(CXlOper& result, const CXlOper*) {
-  volatile double nothing = 0;
-  result.SetBoolean(1.0 / nothing > 1e308);
-}
-
 double NanosecondsOf(std::chrono::steady_clock::duration duration, double calls) {
   return std::chrono::duration<double, std::nano>(duration).count() / calls;
 }
@@ -201,12 +195,9 @@ constexpr FunctionDeclaration Declaration(std::string_view procedure, XStringVie
 }
 
 constexpr FunctionDeclaration kProvoke = Declaration("PROVOKE", XTEXT("PROVOKE"), kProvokeArguments);
-constexpr FunctionDeclaration kStoreIsFree = Declaration("STORE_IS_FREE", XTEXT("STORE.IS.FREE"), {});
-constexpr FunctionDeclaration kDivideByZero = Declaration("DIVIDE_BY_ZERO", XTEXT("DIVIDE.BY.ZERO"), {});
 constexpr FunctionDeclaration kGuardCost = Declaration("GUARD_COST", XTEXT("GUARD.COST"), kCallsArgument);
 
-const CXllFunctionRecord records[] = {CXllFunctionRecord(kProvoke), CXllFunctionRecord(kStoreIsFree),
-                                      CXllFunctionRecord(kDivideByZero), CXllFunctionRecord(kGuardCost)};
+const CXllFunctionRecord records[] = {CXllFunctionRecord(kProvoke), CXllFunctionRecord(kGuardCost)};
 
 }  // namespace
 }  // namespace quillmere
@@ -216,6 +207,4 @@ using quillmere::CallFunction12;
 XLL_EXPORT XLOPER12* PROVOKE_12(XLOPER12* kind, XLOPER12* value) {
   return CallFunction12(&quillmere::Provoke, kind, value);
 }
-XLL_EXPORT XLOPER12* STORE_IS_FREE_12() { return CallFunction12(&quillmere::StoreIsFree); }
-XLL_EXPORT XLOPER12* DIVIDE_BY_ZERO_12() { return CallFunction12(&quillmere::DivideByZero); }
 XLL_EXPORT XLOPER12* GUARD_COST_12(XLOPER12* calls) { return CallFunction12(&quillmere::GuardCost, calls); }
