@@ -90,6 +90,27 @@ class ModelTest : public testing::Test {
   void Check(std::string_view cases) {
     for (const auto& [formula, result] : CasesOf(cases)) EXPECT_EQ(Eval(formula), result) << formula;
   }
+  /// Calculates all formulas; the error, or nothing.
+  std::string Calculate() {
+    try {
+      Recalculate(workbooks, context);
+      return "";
+    } catch (const FormulaError& error) {
+      return std::string("!") + error.what();
+    }
+  }
+  /// Writes values and formulas into cells, calculates, and checks what cells hold then: two tables (case_table.h) of
+  /// cells and their contents. The second may be an error in place of them.
+  void Follow(std::string_view writes, std::string_view held) {
+    for (const auto& [cells, content] : CasesOf(writes))
+      content.starts_with('=') ? SetFormula(cells, content) : Set(cells, content);
+    const std::string error = Calculate();
+    if (!error.empty() || held.starts_with('!'))
+      EXPECT_EQ(error, held) << "after " << writes;
+    else
+      for (const auto& [cells, content] : CasesOf(held))
+        EXPECT_EQ(Held(cells), content) << cells << " after " << writes;
+  }
   /// What a cell or an area holds.
   std::string Held(std::string_view reference) { return PrintLiteral(SheetAt(reference).Read(AreaOf(reference))); }
 

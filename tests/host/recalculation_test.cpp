@@ -14,113 +14,62 @@
 namespace qcalc {
 namespace {
 
-class RecalculationTest : public ModelTest {
- protected:
-  /// The error, or nothing.
-  std::string Calculate() {
-    try {
-      Recalculate(workbooks, context);
-      return "";
-    } catch (const FormulaError& error) {
-      return error.what();
-    }
-  }
-  /// Calculates and says what the cells hold.
-  std::string After(std::string_view reference) {
-    const std::string error = Calculate();
-    return error.empty() ? Held(reference) : "!" + error;
-  }
-};
+class RecalculationTest : public ModelTest {};
 
 TEST_F(RecalculationTest, CalculatesPrecedentsFirst) {
-  Set("D1", "5");
-  SetFormula("A1", "=B1*2");
-  SetFormula("B1", "=Data!C1+1");
-  SetFormula("Data!C1", "=SUM(Sheet1!D1:D9)");
-  EXPECT_EQ(After("A1:B1"), "{12,6}");
-  Set("D3", "1");
-  EXPECT_EQ(After("A1"), "14");
+  Follow("D1 -> 5 | A1 -> =B1*2 | B1 -> =Data!C1+1 | Data!C1 -> =SUM(Sheet1!D1:D9)", "A1:B1 -> {12,6}");
+  Follow("D3 -> 1", "A1 -> 14");
   // A chain much longer than the stack would bear, its end first.
   constexpr int kLength = 20'000;
-  SetFormula("F" + std::to_string(kLength), "=1");
-  for (int row = kLength - 1; row > 0; --row)
-    SetFormula("F" + std::to_string(row), "=F" + std::to_string(row + 1) + "+1");
-  EXPECT_EQ(After("F1"), std::to_string(kLength));
+  for (int row = kLength; row > 0; --row)
+    SetFormula("F" + std::to_string(row), row == kLength ? "=1" : "=F" + std::to_string(row + 1) + "+1");
+  Follow("", "F1 -> " + std::to_string(kLength));
 }
 
 TEST_F(RecalculationTest, CalculatesOnlyWhatChanged) {
-  SetFormula("A1", "=GET.REF(1)");
-  SetFormula("B1", "=GET.REF(C1)+0");
-  Calculate();
+  Follow("A1 -> =GET.REF(1) | B1 -> =GET.REF(C1)+0", "B1 -> 0");
   EXPECT_EQ(addin.lastCaller, (Reference{sheet.Id(), {AreaOf("B1")}}));
-  Calculate();
+  Follow("", "B1 -> 0");
   EXPECT_EQ(addin.calls, 2);
-  Set("C1", "4");
-  EXPECT_EQ(After("B1"), "4");
+  Follow("C1 -> 4", "B1 -> 4");
   EXPECT_EQ(addin.calls, 3);
-  names[XTEXT("x")] = *ParseLiteral("8");
-  SetFormula("D1", "=GET.REF(X)");
-  EXPECT_EQ(After("D1"), "8");
-  names[XTEXT("x")] = *ParseLiteral("9");
+  names[XTEXT("x")] = Value::Number(8);
+  Follow("D1 -> =GET.REF(X)", "D1 -> 8");
+  names[XTEXT("x")] = Value::Number(9);
   NoteNameChange(workbooks, XTEXT("X"));
-  EXPECT_EQ(After("D1"), "9");
+  Follow("", "D1 -> 9");
   EXPECT_EQ(addin.calls, 5);
-  SetFormula("E1", "=GET.NEXT()");
-  SetFormula("E2", "=E1*10");
-  EXPECT_EQ(After("E1:E2"), "{1;10}");
-  EXPECT_EQ(After("E1:E2"), "{2;20}");
+  Follow("E1 -> =GET.NEXT() | E2 -> =E1*10", "E1:E2 -> {1;10}");
+  Follow("", "E1:E2 -> {2;20}");
 }
 
 TEST_F(RecalculationTest, ReportsCircles) {
-  SetFormula("A1", "=B1+1");
-  SetFormula("B1", "=SUM(A1:A3)");
-  EXPECT_EQ(Calculate(), "circular reference: [Book1]Sheet1!A1 -> [Book1]Sheet1!B1 -> [Book1]Sheet1!A1");
-  EXPECT_NE(Calculate(), "");
-  Set("A1", "1");
-  EXPECT_EQ(After("B1"), "1");
-  SetFormula("C3", "=SUM(C:C)");
-  EXPECT_EQ(Calculate(), "circular reference: [Book1]Sheet1!C3 -> [Book1]Sheet1!C3");
-  Set("C3", "empty");
-  SetFormula("D1", "=COUNTA(1,A1:A2)");
-  EXPECT_EQ(Calculate(), "[Book1]Sheet1!D1: COUNTA at column 2 is not offered yet");
+  const char* const circle = "!circular reference: [Book1]Sheet1!A1 -> [Book1]Sheet1!B1 -> [Book1]Sheet1!A1";
+  Follow("A1 -> =B1+1 | B1 -> =SUM(A1:A3)", circle);
+  Follow("", circle);
+  Follow("A1 -> 1", "B1 -> 1");
+  Follow("C3 -> =SUM(C:C)", "!circular reference: [Book1]Sheet1!C3 -> [Book1]Sheet1!C3");
+  Follow("C3 -> empty | D1 -> =COUNTA(1,A1:A2)", "![Book1]Sheet1!D1: COUNTA at column 2 is not offered yet");
   // Cells that it would fill itself.
-  SetFormula("D1", "=SEQUENCE(3)+D2");
-  EXPECT_EQ(Calculate().substr(0, 18), "circular reference");
+  Follow("D1 -> =SEQUENCE(3)+D2", "!circular reference: [Book1]Sheet1!D1 -> [Book1]Sheet1!D1");
 }
 
 TEST_F(RecalculationTest, SpillsAndTakesBack) {
-  Set("D1", "2");
-  SetFormula("F1", "=SUM(B1:B9)");
-  SetFormula("A1", "=C2*10");  // of a spill that comes later, and not its own cell
-  SetFormula("B1", "=SEQUENCE(D1,2)");
-  EXPECT_EQ(After("B1:C3"), "{1,2;3,4;empty,empty}");
-  EXPECT_EQ(Held("F1"), "4");
-  EXPECT_EQ(Held("A1"), "40");
-  Set("D1", "3");
-  EXPECT_EQ(After("B1:C3"), "{1,2;3,4;5,6}");
-  EXPECT_EQ(Held("F1"), "9");
-  Set("D1", "1");
-  EXPECT_EQ(After("B1:C3"), "{1,2;empty,empty;empty,empty}");
-  EXPECT_EQ(Held("F1"), "1");
+  // A1 is of a spill that comes later, and not its own cell.
+  Follow("D1 -> 2 | F1 -> =SUM(B1:B9) | A1 -> =C2*10 | B1 -> =SEQUENCE(D1,2)",
+         "B1:C3 -> {1,2;3,4;empty,empty} | F1 -> 4 | A1 -> 40");
+  Follow("D1 -> 3", "B1:C3 -> {1,2;3,4;5,6} | F1 -> 9");
+  Follow("D1 -> 1", "B1:C3 -> {1,2;empty,empty;empty,empty} | F1 -> 1");
   // A value in the way, and its removal.
-  Set("D1", "2");
-  Calculate();
-  Set("C2", "\"mine\"");
-  EXPECT_EQ(After("B1:C2"), "{#SPILL!,empty;empty,\"mine\"}");
-  EXPECT_EQ(Held("F1"), "#SPILL!");
-  Set("C2", "empty");
-  EXPECT_EQ(After("B1:C2"), "{1,2;3,4}");
+  Follow("D1 -> 2", "F1 -> 4");
+  Follow("C2 -> \"mine\"", "B1:C2 -> {#SPILL!,empty;empty,\"mine\"} | F1 -> #SPILL!");
+  Follow("C2 -> empty", "B1:C2 -> {1,2;3,4}");
   // Another formula's array in the way, which then gives way.
-  Set("D1", "3");
-  SetFormula("A3", "={8,9}");
-  EXPECT_EQ(After("A3:C3"), "{#SPILL!,5,6}");
-  Set("D1", "2");
-  EXPECT_EQ(After("A3:C3"), "{8,9,empty}");
+  Follow("D1 -> 3 | A3 -> ={8,9}", "A3:C3 -> {#SPILL!,5,6}");
+  Follow("D1 -> 2", "A3:C3 -> {8,9,empty}");
   // Without its formula the spilled cells go.
-  Set("B1", "5");
-  EXPECT_EQ(After("B1:C2"), "{5,empty;empty,empty}");
-  SetFormula("XFD1", "={1,2}");
-  EXPECT_EQ(After("XFD1"), "#SPILL!");
+  Follow("B1 -> 5", "B1:C2 -> {5,empty;empty,empty}");
+  Follow("XFD1 -> ={1,2}", "XFD1 -> #SPILL!");
 }
 
 // Random values and formulas in 25 cells: after every recalculation that finds no circle, each formula's cells hold

@@ -36,19 +36,13 @@ TEST_F(WorkbookTest, FindsSheetsByNameAndId) {
 }
 
 TEST_F(WorkbookTest, SetFillsAndClears) {
-  Set("B2", "{1,\"x\";empty,TRUE}");
-  EXPECT_EQ(Held("A1:D4"),
-            "{empty,empty,empty,empty;empty,1,\"x\",empty;empty,empty,TRUE,empty;empty,empty,empty,empty}");
-  Set("A1:A3", "\"y\"");
-  EXPECT_EQ(Held("A1:B3"), "{\"y\",empty;\"y\",1;\"y\",empty}");
-  Set("A2:B2", "empty");
-  EXPECT_EQ(Held("A1:C3"), "{\"y\",empty,empty;empty,empty,\"x\";\"y\",empty,TRUE}");
-  Set("A1", "\"\"");
-  EXPECT_EQ(Held("A1"), "\"\"");
+  Follow("B2 -> {1,\"x\";empty,TRUE}",
+         "A1:D4 -> {empty,empty,empty,empty;empty,1,\"x\",empty;empty,empty,TRUE,empty;empty,empty,empty,empty}");
+  Follow("A1:A3 -> \"y\"", "A1:B3 -> {\"y\",empty;\"y\",1;\"y\",empty}");
+  Follow("A2:B2 -> empty", "A1:C3 -> {\"y\",empty,empty;empty,empty,\"x\";\"y\",empty,TRUE}");
+  Follow("A1 -> \"\" | Z2 -> {5}", "A1 -> \"\" | Z2 -> 5");
   EXPECT_THROW(sheet.Set(AreaOf("XFD1048576"), *ParseLiteral("{1,2}")), std::length_error);
   EXPECT_THROW(ArrayBuilder(0, 1), std::length_error);
-  Set("Z2", "{5}");
-  EXPECT_EQ(Held("Z2"), "5");
 }
 
 TEST_F(WorkbookTest, UsedAreaFollowsEveryWrite) {
@@ -88,15 +82,13 @@ TEST_F(WorkbookTest, StoreHoldsWhatWasWritten) {
 }
 
 TEST_F(WorkbookTest, ResultsFillCallingCells) {
-  const auto write = [&](std::string_view cells, std::string_view literal) {
-    sheet.WriteResult(AreaOf(cells), *ParseLiteral(literal));
-    return Held(cells);
-  };
-  EXPECT_EQ(write("A1:C2", "{1,2;3,4}"), "{1,2,#N/A;3,4,#N/A}");
-  EXPECT_EQ(write("A1:B3", "{1,empty}"), "{1,0;1,0;1,0}");
-  EXPECT_EQ(write("A1:B2", "\"t\""), "{\"t\",\"t\";\"t\",\"t\"}");
-  EXPECT_EQ(write("A1", "{7,8}"), "7");
-  EXPECT_EQ(write("A1", "empty"), "0");
+  for (const auto& [write, held] : CasesOf(R"(
+      A1:C2 {1,2;3,4} -> {1,2,#N/A;3,4,#N/A} | A1:B3 {1,empty} -> {1,0;1,0;1,0} | A1:B2 "t" -> {"t","t";"t","t"}
+      A1 {7,8} -> 7 | A1 empty -> 0)")) {
+    const std::string cells = write.substr(0, write.find(' '));
+    sheet.WriteResult(AreaOf(cells), *ParseLiteral(write.substr(cells.size() + 1)));
+    EXPECT_EQ(Held(cells), held) << write;
+  }
 }
 
 }  // namespace
