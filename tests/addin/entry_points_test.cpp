@@ -20,22 +20,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-/// One interface: its type of value, its units of text, and what the add-in exports for it.
-struct WideEntry {
-  using Oper = XLOPER12;
-  using Unit = XCHAR;
-  static constexpr const char* kInfo = "xlAddInManagerInfo12";
-  static constexpr const char* kFree = "xlAutoFree12";
-};
-struct NarrowEntry {
-  using Oper = XLOPER;
-  using Unit = char;
-  static constexpr const char* kInfo = "xlAddInManagerInfo";
-  static constexpr const char* kFree = "xlAutoFree";
-};
-
-const std::string kValueError = "#" + std::to_string(xlerrValue);
-
 class EntryPoints : public ::testing::Test {
  protected:
   EntryPoints() { session.Open(); }
@@ -46,15 +30,15 @@ class EntryPoints : public ::testing::Test {
   std::optional<int> Call(const char* name) { return session.ItsAddin().CallEntryPoint(name, context); }
   std::vector<std::string> Complaints() { return session.Host().complaints.Take(); }
 
-  /// What the Add-in Manager is told, freed twice; an error value as "#" and its code.
-  template <class Entry>
-  std::string LongName(typename Entry::Oper* action) {
-    using Oper = typename Entry::Oper;
+  /// What the Add-in Manager is told, freed twice; an error value as "#" and its code. The interface is that of `Oper`,
+  /// and its entry points' names end in `suffix`.
+  template <class Oper>
+  std::string LongName(const std::string& suffix, Oper* action) {
     const Library& library = *session.Host().library;
     Oper* answer = nullptr;
     {
-      const CallContext frame(session.Host(), Place::kCommand, Entry::kInfo, context);
-      answer = library.FindAs<Oper* (*)(Oper*)>(Entry::kInfo)(action);
+      const CallContext frame(session.Host(), Place::kCommand, "the Add-in Manager", context);
+      answer = library.FindAs<Oper* (*)(Oper*)>("xlAddInManagerInfo" + suffix)(action);
     }
     const auto type = static_cast<std::uint32_t>(answer->xltype);
     std::string name = "a value of type " + std::to_string(type);
@@ -63,10 +47,42 @@ class EntryPoints : public ::testing::Test {
       EXPECT_EQ(type, xltypeStr | xlbitDLLFree);
       name.assign(answer->val.str + 1, answer->val.str + 1 + static_cast<std::uint16_t>(answer->val.str[0]));
     }
-    const CallContext frame(session.Host(), Place::kFreeing, Entry::kFree, context);
-    for (int i = 0; i < 2; ++i) library.FindAs<void (*)(Oper*)>(Entry::kFree)(answer);
+    const CallContext frame(session.Host(), Place::kFreeing, "freeing", context);
+    for (int i = 0; i < 2; ++i) library.FindAs<void (*)(Oper*)>("xlAutoFree" + suffix)(answer);
     EXPECT_EQ(answer->xltype & xlbitDLLFree, 0);
     return name;
+  }
+
+  template <class Oper>
+  void AskForLongNames(const std::string& suffix) {
+    const std::string longName = "Quillmere V4 array functions", valueError = "#" + std::to_string(xlerrValue);
+    std::remove_pointer_t<decltype(Oper{}.val.str)> units[] = {1, 'x'};
+    Oper whole{}, real{}, other{}, text{}, missing{};
+    whole.xltype = other.xltype = xltypeInt;
+    whole.val.w = 1;
+    other.val.w = 2;
+    real.xltype = xltypeNum;
+    real.val.num = 1.0;
+    text.xltype = xltypeStr;
+    text.val.str = units;
+    missing.xltype = xltypeMissing;
+    for (Oper* const action : {&whole, &real, &whole}) EXPECT_EQ(LongName(suffix, action), longName);
+    for (Oper* const action : {&other, &text, &missing, static_cast<Oper*>(nullptr)})
+      EXPECT_EQ(LongName(suffix, action), valueError);
+    // One callback, and what it fails to answer or answers oddly is given back.
+    const XlCallback& coerce = *FindXlCallback("xlCoerce");
+    CallbackMeter& meter = session.Host().meter;
+    const auto askOnce = [&](const std::string& expected) {
+      meter.Start();
+      EXPECT_EQ(LongName(suffix, &whole), expected);
+      EXPECT_EQ(meter.Calls(coerce), 1);
+      meter.Stop();
+    };
+    askOnce(longName);
+    meter.Fail(coerce, xlretFailed, 0);
+    askOnce(valueError);
+    meter.AnswerWith(coerce, AnswerKind::kText, 0);
+    askOnce(valueError);
   }
 
   Session session{ProgramFolder() / "Quillmere4.xll"};
@@ -74,43 +90,11 @@ class EntryPoints : public ::testing::Test {
       &session.ItsWorkbooks(), &session.CurrentSheet(), &session.Names(), &session.ItsAddin(), {}};
 };
 
-template <class Entry>
-class AddInManager : public EntryPoints {};
-using BothEntries = ::testing::Types<WideEntry, NarrowEntry>;
-TYPED_TEST_SUITE(AddInManager, BothEntries);
-
-TYPED_TEST(AddInManager, AsksForTheLongName) {
-  typename TypeParam::Unit units[] = {1, 'x'};
-  typename TypeParam::Oper whole{}, real{}, other{}, text{}, missing{};
-  whole.xltype = other.xltype = xltypeInt;
-  whole.val.w = 1;
-  other.val.w = 2;
-  real.xltype = xltypeNum;
-  real.val.num = 1.0;
-  text.xltype = xltypeStr;
-  text.val.str = units;
-  missing.xltype = xltypeMissing;
-  for (auto* const action : {&whole, &real, &whole})
-    EXPECT_EQ(this->template LongName<TypeParam>(action), "Quillmere V4 array functions");
-  for (auto* const action : {&other, &text, &missing, static_cast<typename TypeParam::Oper*>(nullptr)})
-    EXPECT_EQ(this->template LongName<TypeParam>(action), kValueError);
-  // One callback, and what it fails to answer or answers oddly is given back.
-  const XlCallback& coerce = *FindXlCallback("xlCoerce");
-  CallbackMeter& meter = this->session.Host().meter;
-  const auto metered = [&] {
-    meter.Start();
-    const std::string answer = this->template LongName<TypeParam>(&whole);
-    EXPECT_EQ(meter.Calls(coerce), 1);
-    meter.Stop();
-    return answer;
-  };
-  EXPECT_EQ(metered(), "Quillmere V4 array functions");
-  meter.Fail(coerce, xlretFailed, 0);
-  EXPECT_EQ(metered(), kValueError);
-  meter.AnswerWith(coerce, AnswerKind::kText, 0);
-  EXPECT_EQ(metered(), kValueError);
-  this->session.Finish();
-  EXPECT_THAT(this->Complaints(), IsEmpty());
+TEST_F(EntryPoints, TheAddInManagerIsToldTheLongName) {
+  AskForLongNames<XLOPER12>("12");
+  AskForLongNames<XLOPER>("");
+  session.Finish();
+  EXPECT_THAT(Complaints(), IsEmpty());
 }
 
 TEST_F(EntryPoints, OpensAnewOnceItWasClosedOrRemoved) {
@@ -137,11 +121,10 @@ TEST_F(EntryPoints, TheBinaryTypeOfAFile) {
   const auto binaryType = session.Host().library->FindAs<std::int32_t (*)(const char*)>("l64BitExe");
 #if defined(_WIN32)
   constexpr std::int32_t kOwnType = 6;
-  const std::string program = (ProgramFolder() / "host_tests.exe").string();
 #else
-  constexpr std::int32_t kOwnType = -1;  // no program of Windows
-  const std::string program = (ProgramFolder() / "host_tests").string();
+  constexpr std::int32_t kOwnType = -1;  // there is no such program
 #endif
+  const std::string program = (ProgramFolder() / "host_tests.exe").string();
   ::testing::internal::CaptureStderr();
   EXPECT_EQ(binaryType(program.c_str()), kOwnType);
   EXPECT_THAT(::testing::internal::GetCapturedStderr(),

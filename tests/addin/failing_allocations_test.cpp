@@ -39,7 +39,7 @@ TEST(FailingAllocations, EndInAnAnswerAndLeaveNothingBehind) {
   const auto open = command("xlAutoOpen");
   const auto binaryType = library.FindAs<std::int32_t (*)(const char*)>("l64BitExe");
   const NumberStoreExports rows(library, "RowID");
-  std::int32_t keys[] = {1, 2}, numbers[] = {3, 4};
+  std::int32_t keys[] = {1, 2}, numbers[] = {3, 4}, stored = 0;
   bool isOpen = true;
   const Call calls[] = {[close = command("xlAutoClose")] { return close() == 1; },
                         [remove = command("xlAutoRemove")] { return remove() == 1; },
@@ -47,7 +47,7 @@ TEST(FailingAllocations, EndInAnAnswerAndLeaveNothingBehind) {
                         AskForLongName<XLOPER12>(library, "xlAddInManagerInfo12", "xlAutoFree12"),
                         AskForLongName<XLOPER>(library, "xlAddInManagerInfo", "xlAutoFree"),
                         [&] { return binaryType("no such file") == -1; },
-                        [&] { return std::abs(rows.put(keys, numbers, 2)) == 1; },
+                        [&] { return std::abs(stored = rows.put(keys, numbers, 2)) == 1; },
                         [&] { return std::abs(rows.get(keys, numbers)) == 1; }};
   const EvaluationContext context{
       &session.ItsWorkbooks(), &session.CurrentSheet(), &session.Names(), &session.ItsAddin(), {}};
@@ -69,6 +69,9 @@ TEST(FailingAllocations, EndInAnAnswerAndLeaveNothingBehind) {
       failed += allocations.Failed();
       EXPECT_TRUE(isOpen || session.Host().registry.All().empty()) << "allocation " << nth;
     }
+    const NumberStoreExports::Pairs pairs = rows.Entries();
+    EXPECT_EQ(pairs.size() == 2, stored == 1) << "allocation " << nth;
+    for (const auto& [key, number] : pairs) EXPECT_EQ(number, key + 2);
     rows.destroy();
     // Whole again; what the opening before the last registered is let go at the next removal.
     for (int i = 0; i < 6; ++i) EXPECT_TRUE(make(calls[i % 3]));

@@ -8,7 +8,6 @@
 #include <limits>
 #include <thread>
 
-#include "host/library/allocation.h"
 #include "host/scripts/session.h"
 #include "host/values/literal.h"
 
@@ -87,33 +86,6 @@ TEST_F(VbaExports, TextsComeFromTheSheetAndOutliveTheClosing) {
   EXPECT_EQ(destroy(), 1);
   EXPECT_EQ(count(), 0u);
   EXPECT_EQ(Evaluate("=Get_RowIdString()"), "#N/A");
-}
-
-TEST_F(VbaExports, MemoryThatRunsOutKeepsThePairsBefore) {
-  const std::int32_t keys[] = {1, 2, 3, 4};
-  int failures = 0;
-  for (std::int64_t nth = 1;; ++nth) {
-    ASSERT_EQ(rows.destroy(), 1);
-    AddinAllocations().Fail(nth, AllocationFailure::kOnce);
-    AddinAllocations().Start();
-    std::int32_t answer = 0;
-    {
-      const RunningCode running(RunningCode::Owner::kAddin);
-      answer = rows.put(keys, keys, 4);
-    }
-    AddinAllocations().Stop();
-    if (AddinAllocations().Failed() == 0) {
-      EXPECT_EQ(answer, 1);
-      break;
-    }
-    ++failures;
-    EXPECT_EQ(answer, -1);
-    const NumberStoreExports::Pairs pairs = rows.Entries();
-    ASSERT_LT(pairs.size(), 4u) << "allocation " << nth;
-    for (std::size_t i = 0; i < pairs.size(); ++i) EXPECT_THAT(pairs[i], Pair(keys[i], keys[i]));
-  }
-  EXPECT_GE(failures, 4) << "one a pair at least";
-  EXPECT_EQ(rows.count(), 4u);
 }
 
 /// Each thread stores, reads and empties. A thread that waits in vain for the store is told so: that is no fault.
