@@ -12,8 +12,6 @@ class Findings {
  public:
   explicit Findings(const SuiteSettings& settings) : settings_(settings) {}
 
-  bool IsWanted(std::uint64_t number) const { return !settings_.only || *settings_.only == number; }
-
   /// What the trial is called in a report: how to make it again, and the call.
   std::string NameOf(std::uint64_t number, const std::string& call) const {
     return "--seed " + std::to_string(settings_.seed) + " --only " + std::to_string(number) + ": " + call;
@@ -37,5 +35,12 @@ class Findings {
   const SuiteSettings& settings_;
   int told_ = 0;
 };
+
+/// Registers a test with GoogleTest, which makes it of the arguments; they outlive it.
+template <typename Test, typename... Arguments>
+void Register(const std::string& suite, const char* name, Arguments&... arguments) {
+  testing::RegisterTest(suite.c_str(), name, nullptr, nullptr, __FILE__, __LINE__,
+                        [&arguments...]() -> testing::Test* { return new Test(arguments...); });
+}
 
 }  // namespace qcalc::fault

@@ -247,22 +247,15 @@ class Allocations : public FunctionTest {
   std::int64_t failed_ = 0;
 };
 
-template <typename Test>
-void Register(const char* name, TrialRunner& runner, const SuiteSettings& settings,
-              const RegisteredFunction& function) {
-  testing::RegisterTest(
-      ToUtf8(function.name).c_str(), name, nullptr, nullptr, __FILE__, __LINE__,
-      [&runner, &settings, &function]() -> testing::Test* { return new Test(runner, settings, function); });
-}
-
 }  // namespace
 
 void RegisterFunctionSuites(TrialRunner& runner, const SuiteSettings& settings) {
   for (const RegisteredFunction* function : runner.Functions()) {
-    Register<Values>("Values", runner, settings, *function);
-    Register<Damage>("Damage", runner, settings, *function);
-    Register<Callbacks>("Callbacks", runner, settings, *function);
-    Register<Allocations>("Allocations", runner, settings, *function);
+    const std::string name = ToUtf8(function->name);
+    Register<Values>(name, "Values", runner, settings, *function);
+    Register<Damage>(name, "Damage", runner, settings, *function);
+    Register<Callbacks>(name, "Callbacks", runner, settings, *function);
+    Register<Allocations>(name, "Allocations", runner, settings, *function);
   }
 }
 

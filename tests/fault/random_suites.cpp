@@ -201,17 +201,11 @@ class AllThreads : public RandomTest {
   std::size_t plainRounds_ = 0;
 };
 
-template <typename Test>
-void Register(const char* name, TrialRunner& runner, const SuiteSettings& settings) {
-  testing::RegisterTest("Random", name, nullptr, nullptr, __FILE__, __LINE__,
-                        [&runner, &settings]() -> testing::Test* { return new Test(runner, settings); });
-}
-
 }  // namespace
 
 void RegisterRandomSuites(TrialRunner& runner, const SuiteSettings& settings) {
-  Register<OneThread>("OneThread", runner, settings);
-  Register<AllThreads>("AllThreads", runner, settings);
+  Register<OneThread>("Random", "OneThread", runner, settings);
+  Register<AllThreads>("Random", "AllThreads", runner, settings);
 }
 
 }  // namespace qcalc::fault

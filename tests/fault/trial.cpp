@@ -1,6 +1,7 @@
 #include "trial.h"
 
 #include <algorithm>
+#include <array>
 
 #include "host/addin/evaluation_watch.h"
 #include "host/values/literal.h"
@@ -24,26 +25,16 @@ std::string Shorten(std::string text) {
 
 std::string Describe(const Value& value) { return value.IsReference() ? "a reference" : Shorten(PrintLiteral(value)); }
 
+/// As a script says it.
 std::string DescribeDamage(const ArgumentFault& damage) {
-  const std::string argument = ", argument " + std::to_string(damage.argument);
-  const std::string number = std::to_string(damage.number);
-  switch (damage.kind) {
-    case ArgumentFaultKind::kNull:
-      return argument + " is a null pointer";
-    case ArgumentFaultKind::kType:
-      return argument + " has type " + number;
-    case ArgumentFaultKind::kBits:
-      return argument + " has the bits " + number;
-    case ArgumentFaultKind::kLength:
-      return argument + " says it has " + number + " units";
-    case ArgumentFaultKind::kDims:
-      return argument + " says it has " + std::to_string(damage.rows) + " x " + std::to_string(damage.columns);
-    case ArgumentFaultKind::kPointer:
-      return argument + " points nowhere";
-    case ArgumentFaultKind::kNested:
-      return argument + " holds an array in an array";
-  }
-  return argument;
+  constexpr const char* kWords[] = {"null", "type ", "bits ", "length ", "dims ", "pointer", "nested"};
+  std::string text =
+      ", mutate " + std::to_string(damage.argument) + " " + kWords[static_cast<std::size_t>(damage.kind)];
+  if (damage.kind == ArgumentFaultKind::kDims)
+    text += std::to_string(damage.rows) + "x" + std::to_string(damage.columns);
+  else if (text.ends_with(' '))
+    text += std::to_string(damage.number);
+  return text;
 }
 
 std::string DescribeCallback(const CallbackFault& fault) {
@@ -67,16 +58,8 @@ std::string FaultOf(const Trial& trial, const Value& result) {
 }  // namespace
 
 bool Faults::MayFault() const {
-  if (!damage) return false;
-  switch (damage->kind) {
-    case ArgumentFaultKind::kType:
-    case ArgumentFaultKind::kLength:
-    case ArgumentFaultKind::kDims:
-    case ArgumentFaultKind::kPointer:
-      return true;
-    default:
-      return false;
-  }
+  using enum ArgumentFaultKind;
+  return damage && std::ranges::count(std::array{kType, kLength, kDims, kPointer}, damage->kind) != 0;
 }
 
 void Faults::Arm(HostState& host) const {
