@@ -2,63 +2,41 @@
 # Includes go one way: cmake/rooms.txt has a row for each folder with what it may include, and no folder is missing there.
 set -euo pipefail
 
-declare -A allowed=()
-declare -A above=()
-while read -r _ folder arrows; do
-  house=${folder%%/*}
-  if [[ $arrows == above ]]; then
-    allowed[$folder]=${above[$house]:-}
-  else
-    allowed[$folder]=$arrows
-  fi
-  above[$house]+=" $folder"
-done < <(grep -E '^[a-z]' cmake/rooms.txt)
+{
+  grep -E '^[a-z]' cmake/rooms.txt
+  git ls-files --cached --others --exclude-standard src host | grep -E '\.(h|cpp|S)$'
+  grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"' src host --include='*.h' --include='*.cpp'
+} | awk '
+  # The deepest folder with a row that the path lies in; "" where there is none.
+  function room_of(path) {
+    while (sub(/\/[^\/]*$/, "", path)) if (path in arrows) return path
+    return ""
+  }
+  function complain(text) { print text; failed = 1 }
 
-# room_of PATH: the deepest folder with a row that PATH lies in; PATH itself where there is none.
-declare -A room_of=()
-find_room() {
-  local folder=${1%/*}
-  if [[ -z ${room_of[$folder]:-} ]]; then
-    room=$folder
-    while [[ -z ${allowed[$room]+row} && $room == */* ]]; do room=${room%/*}; done
-    [[ -n ${allowed[$room]+row} ]] || room=$folder
-    room_of[$folder]=$room
-  fi
-  room=${room_of[$folder]}
-}
-
-# may_include ROOM INCLUDED: whether the room of INCLUDED, or a folder that it lies in, stands in ROOM's row.
-may_include() {
-  local arrow
-  for arrow in "$1" src/xlcall ${allowed[$1]}; do
-    [[ $2 == "$arrow"/* ]] && return
-  done
-  return 1
-}
-
-status=0
-complain() {
-  echo "$1"
-  status=1
-}
-
-while IFS= read -r file; do
-  find_room "$file"
-  [[ -n ${allowed[$room]+row} ]] || complain "$file: its folder has no row in cmake/rooms.txt"
-done < <(git ls-files --cached --others --exclude-standard src host | grep -E '\.(h|cpp|S)$')
-
-while IFS=: read -r file line include; do
-  find_room "$file"
-  from=$room
-  [[ -n ${allowed[$from]+row} ]] || continue
-  included=${include#*\"}
-  included=${included%%\"*}
-  if [[ $included != */* ]]; then
-    complain "$file:$line: \"$included\" is not named from src/ (or from the root, in host/)"
-    continue
-  fi
-  [[ $included == host/* || $included == implementations/* ]] || included=src/$included
-  find_room "$included"
-  [[ $room == "$from" ]] || may_include "$from" "$included" || complain "$file:$line: $from may not include \"$included\""
-done < <(grep -rnE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"' src host --include='*.h' --include='*.cpp')
-exit $status
+  /^[^ ]+:[0-9]+:/ {  # an include
+    split($0, place, ":")
+    split($0, quoted, "\"")
+    room = room_of(place[1])
+    if (room == "") next
+    if (quoted[2] !~ /\//) {
+      complain(place[1] ":" place[2] ": \"" quoted[2] "\" is not named from src/ (or from the root, in host/)")
+      next
+    }
+    path = quoted[2] ~ /^(host|implementations)\// ? quoted[2] : "src/" quoted[2]
+    count = split(room " src/xlcall " arrows[room], allowed)
+    for (i = 1; i <= count; ++i) if (index(path, allowed[i] "/") == 1) next
+    complain(place[1] ":" place[2] ": " room " may not include \"" path "\"")
+    next
+  }
+  NF > 1 {  # a row
+    folder = $2
+    house = substr(folder, 1, index(folder, "/"))
+    $1 = $2 = ""
+    arrows[folder] = $3 == "above" ? above[house] : $0
+    above[house] = above[house] " " folder
+    next
+  }
+  room_of($0) == "" { complain($0 ": its folder has no row in cmake/rooms.txt") }
+  END { exit failed }
+'
