@@ -1,15 +1,9 @@
 // The add-in itself, through the functions that Excel calls by name, in both of Excel's interfaces.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <string>
-#include <vector>
 
 #include "host/api/oper_types.h"
 #include "host/callbacks/callbacks.h"
-#include "host/scripts/session.h"
-#include "host/values/literal.h"
+#include "tests/host/session_fixture.h"
 #include "xlcall/callback_list.h"
 
 namespace qcalc {
@@ -18,17 +12,12 @@ namespace {
 using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
-class EntryPoints : public ::testing::Test {
+class EntryPoints : public SessionTest {
  protected:
-  EntryPoints() { session.Open(); }
+  EntryPoints() : SessionTest("Quillmere4.xll") { session.Open(); }
 
-  std::string Evaluate(const std::string& text) {
-    return PrintLiteral(session.Contents(session.Evaluate(*ParseFormula(text))));
-  }
   std::optional<int> Call(const char* name) { return session.ItsAddin().CallEntryPoint(name, context); }
-  std::vector<std::string> Complaints() { return session.Host().complaints.Take(); }
 
   /// What the Add-in Manager is told, freed twice; an error value as "#" and its code. The interface is that of `Oper`,
   /// and its entry points' names end in `suffix`.
@@ -85,7 +74,6 @@ class EntryPoints : public ::testing::Test {
     askOnce(valueError);
   }
 
-  Session session{ProgramFolder() / "Quillmere4.xll"};
   const EvaluationContext context{
       &session.ItsWorkbooks(), &session.CurrentSheet(), &session.Names(), &session.ItsAddin(), {}};
 };
@@ -93,8 +81,6 @@ class EntryPoints : public ::testing::Test {
 TEST_F(EntryPoints, TheAddInManagerIsToldTheLongName) {
   AskForLongNames<XLOPER12>("12");
   AskForLongNames<XLOPER>("");
-  session.Finish();
-  EXPECT_THAT(Complaints(), IsEmpty());
 }
 
 TEST_F(EntryPoints, OpensAnewOnceItWasClosedOrRemoved) {
@@ -113,8 +99,6 @@ TEST_F(EntryPoints, OpensAnewOnceItWasClosedOrRemoved) {
     EXPECT_EQ(Evaluate("=VSTACK(0,{1,2},3)"), "{1,2;3,3}");
   }
   EXPECT_EQ(Call("xlCheckInstance"), 1);
-  session.Finish();
-  EXPECT_THAT(Complaints(), IsEmpty());
 }
 
 TEST_F(EntryPoints, TheBinaryTypeOfAFile) {

@@ -1,15 +1,11 @@
 // The ID stores as VBA code fills, reads and empties them.
 #include "tests/addin/vba_exports.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <limits>
 #include <thread>
 
-#include "host/scripts/session.h"
-#include "host/values/literal.h"
+#include "tests/host/session_fixture.h"
 
 namespace qcalc {
 
@@ -26,21 +22,12 @@ NumberStoreExports::Pairs NumberStoreExports::Entries() const {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using ::testing::Pair;
 
-class VbaExports : public ::testing::Test {
+class VbaExports : public SessionTest {
  protected:
-  ~VbaExports() override {
-    session.Finish();
-    EXPECT_THAT(session.Host().complaints.Take(), IsEmpty());
-  }
+  VbaExports() : SessionTest("Quillmere4.xll") {}
 
-  std::string Evaluate(const std::string& text) {
-    return PrintLiteral(session.Contents(session.Evaluate(*ParseFormula(text))));
-  }
-
-  Session session{ProgramFolder() / "Quillmere4.xll"};
   const Library& library = (session.Open(), *session.Host().library);
   const NumberStoreExports rows{library, "RowID"};
   const NumberStoreExports columns{library, "ColID"};

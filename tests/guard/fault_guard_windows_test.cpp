@@ -1,6 +1,4 @@
 // The frame's fault guard, shown on a library that provokes the faults.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <windows.h>
 #include <xmmintrin.h>
@@ -11,8 +9,7 @@
 
 #include "host/calculation/evaluator.h"
 #include "host/library/allocation.h"
-#include "host/scripts/session.h"
-#include "host/values/literal.h"
+#include "tests/host/session_fixture.h"
 
 namespace qcalc {
 namespace {
@@ -60,14 +57,9 @@ const Kind kKinds[] = {
 
 std::string Call(const std::string& kind) { return "=PROVOKE(\"" + kind + "\",7)"; }
 
-class FaultGuard : public ::testing::Test {
+class FaultGuard : public SessionTest {
  protected:
-  std::string Evaluate(const std::string& text) {
-    const auto formula = ParseFormula(text);
-    return PrintLiteral(session.Contents(session.Evaluate(*formula)));
-  }
-
-  Session session{ProgramFolder() / "faulting.xll"};
+  FaultGuard() : SessionTest("faulting.xll") {}
 };
 
 TEST_F(FaultGuard, EachFaultEndsInItsCellAndLosesNothingButWhatAnEscapeSkips) {
@@ -84,8 +76,6 @@ TEST_F(FaultGuard, EachFaultEndsInItsCellAndLosesNothingButWhatAnEscapeSkips) {
     EXPECT_EQ(Evaluate(Call("nothing")), "7") << "after " << kind.name;
     EXPECT_EQ(Evaluate(Call("held store")), "7") << "after " << kind.name;
   }
-  session.Finish();
-  EXPECT_THAT(session.Host().complaints.Take(), IsEmpty());
 }
 
 /// Bytes that the process has committed for itself. The system's own counters are not offered by every Wine.

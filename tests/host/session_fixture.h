@@ -1,4 +1,4 @@
-// A session with the add-in that breaks the rules.
+// A session with an add-in, by default the one that breaks the rules.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -16,6 +16,13 @@ namespace qcalc {
 
 class SessionTest : public testing::Test {
  protected:
+  explicit SessionTest(const char* addin = "misbehaving.xll") : session(ProgramFolder() / addin) {}
+  /// What the host has to complain of by the end, and no test took, is a failure.
+  ~SessionTest() override {
+    session.Finish();
+    EXPECT_THAT(Complaints(), testing::IsEmpty());
+  }
+
   /// The formula's result as a literal.
   std::string Evaluate(const std::string& text) {
     return PrintLiteral(session.Contents(session.Evaluate(*ParseFormula(text))));
@@ -36,7 +43,7 @@ class SessionTest : public testing::Test {
     }
   }
 
-  Session session{ProgramFolder() / "misbehaving.xll"};
+  Session session;
 };
 
 }  // namespace qcalc
