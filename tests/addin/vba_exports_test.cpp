@@ -44,6 +44,7 @@ TEST_F(VbaExports, PutCountGetAndDestroy) {
   EXPECT_EQ(rows.count(), 0u);
   EXPECT_THAT(columns.Entries(), ElementsAre(Pair(7, 1)));
   EXPECT_EQ(columns.destroy() + columns.destroy(), 2) << "an empty one too";
+  EXPECT_EQ(columns.count(), 0u);
 }
 
 TEST_F(VbaExports, CountsAndPointersThatMakeNoSense) {
