@@ -3,7 +3,6 @@
 #include <atomic>
 #include <new>
 #include <thread>
-#include <utility>
 
 #include "frame/entry/coarse_clock.h"
 #include "frame/entry/host_entry.h"
@@ -112,11 +111,9 @@ bool MakeRoom(std::size_t bytes) noexcept {
   return any;
 }
 
-bool ReleaseAll() noexcept { return MakeRoom(kMostKeptBytes); }
-
 /// What operator new calls when there is no memory: it tries again if this returns.
 void OnNoMemory() {
-  if (!ReleaseAll()) throw std::bad_alloc();
+  if (!ReleaseKeptBlocks()) throw std::bad_alloc();
 }
 
 class NoMemoryHandler {
@@ -140,7 +137,7 @@ MemoryBlock TakeBlock(std::size_t bytes) {
   if (bytes >= kLeastKeptBytes && keptCount.load(std::memory_order_relaxed) != 0) {
     lastUse = CoarseTime();
     if (HostWatchesMemory()) {
-      ReleaseAll();
+      ReleaseKeptBlocks();
     } else if (const MemoryBlock block = TakeKept(bytes); block.memory) {
       Show(block, bytes);
       return block;
@@ -160,19 +157,19 @@ void GiveBlock(MemoryBlock block) noexcept {
   ::operator delete(block.memory);
 }
 
-void ReleaseKeptBlocks() noexcept { ReleaseAll(); }
+bool ReleaseKeptBlocks() noexcept { return MakeRoom(kMostKeptBytes); }
 
 void ReleaseIdleBlocks() noexcept {
   if (keptCount.load(std::memory_order_relaxed) != 0) ReleaseIdleBlocks(CoarseTime());
 }
 
 void ReleaseIdleBlocks(std::uint64_t now) noexcept {
-  if (now > lastUse + kMostIdleTime) ReleaseAll();
+  if (now > lastUse + kMostIdleTime) ReleaseKeptBlocks();
 }
 
 void StopKeepingBlocks() noexcept {
   keepsBlocks = false;
-  ReleaseAll();
+  ReleaseKeptBlocks();
 }
 
 }  // namespace quillmere

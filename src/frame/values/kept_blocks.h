@@ -30,8 +30,8 @@ MemoryBlock TakeBlock(std::size_t bytes);
 /// Takes back what TakeBlock gave.
 void GiveBlock(MemoryBlock block) noexcept;
 
-/// Gives all kept blocks back to the system.
-void ReleaseKeptBlocks() noexcept;
+/// Gives all kept blocks back to the system; whether there were any.
+bool ReleaseKeptBlocks() noexcept;
 
 /// The same if they have not been used for a while. To be called whenever Excel calls in.
 void ReleaseIdleBlocks() noexcept;
