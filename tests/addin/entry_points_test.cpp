@@ -105,10 +105,11 @@ TEST_F(EntryPoints, TheBinaryTypeOfAFile) {
   const auto binaryType = session.Host().library->FindAs<std::int32_t (*)(const char*)>("l64BitExe");
 #if defined(_WIN32)
   constexpr std::int32_t kOwnType = 6;
-#else
-  constexpr std::int32_t kOwnType = -1;  // there is no such program
-#endif
   const std::string program = (ProgramFolder() / "host_tests.exe").string();
+#else
+  constexpr std::int32_t kOwnType = -1;  // no program of Windows
+  const std::string program = (ProgramFolder() / "host_tests").string();
+#endif
   ::testing::internal::CaptureStderr();
   EXPECT_EQ(binaryType(program.c_str()), kOwnType);
   EXPECT_THAT(::testing::internal::GetCapturedStderr(),

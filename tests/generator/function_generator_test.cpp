@@ -210,7 +210,7 @@ constexpr std::string_view kMistakes = R"cases(
     position = 0 => position = 3000000000 -> the setting 'position' is no int
     implementation = "Tell" => implementation = "Say" -> no [[implementation]] 'Say' stands in this table
     { name = "Tell" } => { name = "Tell" }, { name = "Mute" } -> no function uses the implementation 'Mute'
-    "Lookup_Values", "Other" => "Other" -> -5 'Search' takes an argument, an argument, an argument, a run of 6)cases";
+    "Lookup_Values", "Other" => "Other" -> -5 'Search' takes an argument, an argument, an argument, a run of 6, an argument in 'FIND.FIRST' (sample.toml:)cases";
 
 TEST(FunctionGenerator, FindsEveryMistakeWithItsLine) {
   for (const auto& [change, told] : qcalc::CasesOf(kMistakes)) {

@@ -214,9 +214,11 @@ TEST(ConvertArgument, KeepsTheShape) {
   using Params = CVectorConvertParams<kInteger>;
   const auto row = ConvertArgument(Array(1, 3), Params(kName, Shape::kVector).LeastValues(3).Columns(3));
   EXPECT_EQ(row.rows, 1);
+  EXPECT_EQ(row.columns, 3);
   EXPECT_THAT(ConvertArgument(CXlOper::Number(7.7), Params(kName, Shape::kVector)).Values(), ElementsAre(7));
   EXPECT_EQ(ConvertArgument(CXlOper::Missing(), Params(kName, Shape::kMatrix).Optional()).Count(), 0);
   const auto list = ConvertArgument(Array(2, 2, {0, 5, 0, 6}), Params(kName, Shape::kList));
+  EXPECT_EQ(list.rows, 2);
   EXPECT_THAT(list.Values(), ElementsAre(5, 6));
 }
 

@@ -8,6 +8,7 @@
 #include "frame/convert/cell_text.h"
 #include "frame/text/white_space.h"
 #include "frame/values/cell.h"
+#include "tests/unit/fixtures/raw_values.h"
 
 namespace quillmere {
 namespace {
@@ -33,9 +34,10 @@ TEST(TextNumber, IsADoubleInPlainNotation) {
   EXPECT_EQ(read(XTEXT("1") + zeros + XTEXT("e-30000")), 1.0);
 }
 
-TEST(TextForm, OfAnErrorIsItsName) {
+TEST(TextForm, OfAnErrorIsItsNameAndAnArrayHasNone) {
   NumberTextBuffer buffer;
   EXPECT_EQ(TextForm(ErrorCell(xlerrRef), buffer), XTEXT("#REF!"));
+  EXPECT_THROW(TextForm(testing::RawValue(xltypeMulti), buffer), CXlBadOperTypeException);
 }
 
 TEST(WhiteSpace, IsTheSameOnEveryBuild) {

@@ -106,6 +106,9 @@ TEST(XlOper, ReturnsOnlyWhatExcelTakes) {
   EXPECT_EQ(returned(CXlOper()), xlerrValue);
   EXPECT_EQ(returned(CXlOper::Borrow(&infinite)), xlerrNum);
   EXPECT_EQ(returned(CXlOper::Number(std::nan(""))), xlerrNum);
+  XLOPER12 slot{};
+  CXlOper::Empty().ReturnInto(slot);
+  EXPECT_EQ(slot.xltype, xltypeNil);
 }
 
 TEST(XlOper, RefusesTheWrongReader) {
