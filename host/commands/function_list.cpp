@@ -1,4 +1,4 @@
-#include "host/function_list.h"
+#include "host/commands/function_list.h"
 
 #include <algorithm>
 #include <vector>
