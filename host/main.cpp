@@ -4,7 +4,8 @@
 #include <iostream>
 
 #include "host/commands/commands.h"
-#include "host/console.h"
+#include "host/process/checked_output.h"
+#include "host/process/console.h"
 #include "host/text/path_text.h"
 
 namespace qcalc {
@@ -17,6 +18,8 @@ ExitStatus RunProgram(std::vector<std::string> arguments) {
   app.require_subcommand(1);
   std::string addinPath;
   app.add_option("--addin", addinPath, "the add-in to load; by default the one beside the program");
+  bool isInProcess = false;
+  app.add_flag("--in-process", isInProcess, "work in this process, for a debugger: an add-in that dies ends it untold");
 
   std::vector<std::string> formulas, scripts;
   std::string function;
@@ -34,14 +37,9 @@ ExitStatus RunProgram(std::vector<std::string> arguments) {
     return app.exit(error) == 0 ? kAllWell : kUnusable;
   }
   const std::filesystem::path addin = addinPath.empty() ? ProgramFolder() / "Quillmere4.xll" : PathOf(addinPath);
-  try {
-    if (eval->parsed()) return RunEval(addin, formulas);
-    if (run->parsed()) return RunScripts(addin, scripts);
-    return ListFunctions(addin, function);
-  } catch (const AddinFailure& failure) {
-    std::cerr << addin.string() << ": " << failure.what() << std::endl;
-    return kNoAddin;
-  }
+  if (eval->parsed()) return Supervise(EvalWork(addin, formulas), isInProcess);
+  if (run->parsed()) return Supervise(ScriptWork(addin, scripts), isInProcess);
+  return Supervise(FunctionsWork(addin, function), isInProcess);
 }
 
 }  // namespace
@@ -49,5 +47,10 @@ ExitStatus RunProgram(std::vector<std::string> arguments) {
 
 int main(int count, char** arguments) {
   qcalc::PrepareStreams();
-  return qcalc::RunProgram(qcalc::ProgramArguments(count, arguments));
+  const qcalc::CheckedOutput output;
+  return qcalc::StatusOf([&] {
+    const qcalc::ExitStatus status = qcalc::RunProgram(qcalc::ProgramArguments(count, arguments));
+    std::cout.flush();
+    return status;
+  });
 }

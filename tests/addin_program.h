@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/console.h"
+#include "host/process/console.h"
 #include "host/scripts/session.h"
 
 namespace qcalc {

@@ -21,8 +21,7 @@ std::string NameOf(const RegisteredFunction& function) {
 }
 
 std::uintptr_t CallExport(const RegisteredFunction& function, const Arguments& arguments) {
-  const RunningCode running(RunningCode::Owner::kAddin);
-  return Invoke(function.entry, arguments.Words());
+  return RunAddinCode([&] { return Invoke(function.entry, arguments.Words()); });
 }
 
 }  // namespace
@@ -34,6 +33,7 @@ Addin::~Addin() {
 bool Addin::Load(const std::filesystem::path& path, std::string& error) {
   if (!callLibrary_) callLibrary_ = LoadCallLibrary();
   HostState::SetLoaded(&host_);
+  const CallNote note("its loading");
   library_ = Library::Load(path, error);
   if (!library_) {
     HostState::SetLoaded(nullptr);
@@ -43,10 +43,8 @@ bool Addin::Load(const std::filesystem::path& path, std::string& error) {
   RedirectMessageBoxes(*library_);
   MeterAllocations(*library_);
   returnedValues_.Attach(*library_);
-  if (const auto setEntryPoint = library_->FindAs<void (*)(XlMdCallBack12)>("SetExcel12EntryPt")) {
-    const RunningCode running(RunningCode::Owner::kAddin);
-    setEntryPoint(callback_);
-  }
+  if (const auto setEntryPoint = library_->FindAs<void (*)(XlMdCallBack12)>("SetExcel12EntryPt"))
+    RunAddinCode([&] { setEntryPoint(callback_); });
   return true;
 }
 
@@ -54,12 +52,12 @@ std::optional<int> Addin::CallEntryPoint(const char* name, const EvaluationConte
   const auto entry = library_->FindAs<int (*)()>(name);
   if (!entry) return std::nullopt;
   const CallContext frame(host_, Place::kCommand, name, context);
-  const RunningCode running(RunningCode::Owner::kAddin);
-  return entry();
+  return RunAddinCode(entry);
 }
 
 void Addin::Unload() {
   const std::filesystem::path path = library_->Path();
+  const CallNote note("its unloading");
   host_.library = nullptr;
   library_.reset();
   HostState::SetLoaded(nullptr);

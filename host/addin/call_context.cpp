@@ -15,7 +15,8 @@ CallContext::CallContext(HostState& itsHost, Place itsPlace, std::string itsFunc
       place(itsPlace),
       function(std::move(itsFunction)),
       evaluation(itsEvaluation),
-      outer_(std::exchange(innermost, this)) {}
+      outer_(std::exchange(innermost, this)),
+      note_(place == Place::kFreeing ? "the freeing of a result of " + function : function) {}
 
 CallContext::~CallContext() { innermost = outer_; }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/calculation/evaluation_context.h"
+#include "host/process/journal.h"
 
 namespace qcalc {
 
@@ -50,6 +51,7 @@ class CallContext {
 
  private:
   CallContext* outer_;
+  const CallNote note_;
 };
 
 }  // namespace qcalc

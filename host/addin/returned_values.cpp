@@ -7,6 +7,7 @@
 #include "host/api/marshal.h"
 #include "host/api/oper_types.h"
 #include "host/library/allocation.h"
+#include "host/library/invoke.h"
 #include "host/library/library.h"
 
 namespace qcalc {
@@ -85,14 +86,14 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
 template <typename Width>
 bool ReturnedValues::HandOver(typename Width::Oper* oper, const CallContext& frame) {
   const CallContext freeing(host_, Place::kFreeing, frame.function, frame.evaluation);
-  const RunningCode running(RunningCode::Owner::kAddin);
-  if constexpr (std::is_same_v<Width, Wide>) {
-    if (autoFree12_) autoFree12_(oper);
-    return autoFree12_ != nullptr;
-  } else {
-    if (autoFree_) autoFree_(oper);
-    return autoFree_ != nullptr;
-  }
+  const auto free = [&](auto* autoFree) {
+    if (autoFree) RunAddinCode([&] { autoFree(oper); });
+    return autoFree != nullptr;
+  };
+  if constexpr (std::is_same_v<Width, Wide>)
+    return free(autoFree12_);
+  else
+    return free(autoFree_);
 }
 
 template <typename Width>

@@ -6,6 +6,7 @@
 #include "host/calculation/builtins/builtin.h"
 #include "host/calculation/formula_operators.h"
 #include "host/formulas/formula_node.h"
+#include "host/process/journal.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/conversion.h"
@@ -180,6 +181,7 @@ class Evaluator {
 }  // namespace
 
 Value Evaluate(const Formula& formula, const EvaluationContext& context) {
+  ++ProcessJournal().formulasCalculated;
   try {
     return Evaluator(context).Evaluate(formula.Root());
   } catch (const std::length_error& error) {

@@ -23,9 +23,7 @@ bool PrintResult(Session& session, const Formula& formula) {
   return false;
 }
 
-}  // namespace
-
-ExitStatus RunEval(const std::filesystem::path& addin, const std::vector<std::string>& texts) {
+ExitStatus Eval(const std::filesystem::path& addin, const std::vector<std::string>& texts, std::size_t first) {
   std::vector<Formula> formulas;
   for (const std::string& text : texts) {
     const Parsed<Formula> formula = ParseFormula(text);
@@ -35,11 +33,25 @@ ExitStatus RunEval(const std::filesystem::path& addin, const std::vector<std::st
     }
     formulas.push_back(*formula);
   }
-  Session session(addin);
-  bool isWell = true;
-  for (const Formula& formula : formulas) isWell = PrintResult(session, formula) && isWell;
-  session.Finish();
-  return !PrintComplaints(session) && isWell ? kAllWell : kFailed;
+  return WithAddin(addin, [&](Session& session) {
+    bool isWell = true;
+    for (std::size_t i = first; i < formulas.size(); ++i) {
+      ProcessJournal().item = static_cast<std::int32_t>(i);
+      isWell = PrintResult(session, formulas[i]) && isWell;
+    }
+    return isWell ? kAllWell : kFailed;
+  });
+}
+
+}  // namespace
+
+Work EvalWork(const std::filesystem::path& addin, const std::vector<std::string>& formulas) {
+  return {formulas,
+          [=](std::size_t first) { return Eval(addin, formulas, first); },
+          [=](Journal& journal, const std::string& sentence) {
+            std::cerr << formulas[static_cast<std::size_t>(journal.item)] << ": " << sentence << std::endl;
+          },
+          {}};
 }
 
 }  // namespace qcalc

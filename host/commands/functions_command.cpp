@@ -8,8 +8,9 @@
 
 namespace qcalc {
 
-ExitStatus ListFunctions(const std::filesystem::path& addin, const std::string& name) {
-  Session session(addin);
+namespace {
+
+ExitStatus List(Session& session, const std::string& name) {
   session.Open();
   bool isFound = name.empty();
   for (const RegisteredFunction* function : session.Host().registry.All()) {
@@ -22,8 +23,17 @@ ExitStatus ListFunctions(const std::filesystem::path& addin, const std::string& 
   }
   std::cout << std::flush;
   if (!isFound) std::cerr << "the add-in registered no function named " << name << std::endl;
-  session.Finish();
-  return !PrintComplaints(session) && isFound ? kAllWell : kFailed;
+  return isFound ? kAllWell : kFailed;
+}
+
+}  // namespace
+
+Work FunctionsWork(const std::filesystem::path& addin, const std::string& name) {
+  const auto list = [=](Session& session) { return List(session, name); };
+  return {{"functions"},
+          [=](std::size_t) { return WithAddin(addin, list); },
+          [](Journal&, const std::string& sentence) { std::cerr << sentence << std::endl; },
+          {}};
 }
 
 }  // namespace qcalc

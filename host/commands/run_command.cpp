@@ -1,30 +1,30 @@
 // qcalc run.
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 
 #include "host/commands/commands.h"
+#include "host/files/file_text.h"
 #include "host/scripts/runner.h"
 #include "host/text/path_text.h"
 
 namespace qcalc {
 namespace {
 
+/// The script's text; nothing, with the reason told, when it cannot be read.
 std::optional<std::string> ReadScript(const std::string& name) {
   if (name == "-") return std::string(std::istreambuf_iterator<char>(std::cin), {});
-  std::ifstream file(PathOf(name), std::ios::binary);
-  std::string text(std::istreambuf_iterator<char>(file), {});
-  if (!file.is_open() || file.bad()) return std::nullopt;
-  return text;
+  auto read = ReadFile(PathOf(name));
+  if (const auto* failure = std::get_if<FileFailure>(&read)) {
+    std::cerr << name << ": " << failure->reason << std::endl;
+    return std::nullopt;
+  }
+  return std::get<std::string>(std::move(read));
 }
 
 ExitStatus RunScript(const std::filesystem::path& addin, const std::string& name, Report& report) {
   const std::optional<std::string> text = ReadScript(name);
-  if (!text) {
-    std::cerr << name << ": the file cannot be read" << std::endl;
-    return kUnusable;
-  }
+  if (!text) return kUnusable;
   const auto commands = ParseScript(*text);
   if (!commands) {
     const SyntaxError& error = commands.Error();
@@ -44,14 +44,31 @@ ExitStatus RunScript(const std::filesystem::path& addin, const std::string& name
   return kAllWell;
 }
 
+ExitStatus RunScripts(const std::filesystem::path& addin, const std::vector<std::string>& names, std::size_t first) {
+  Journal& journal = ProcessJournal();
+  Report report(std::cout, journal.tally);
+  ExitStatus worst = kAllWell;
+  for (std::size_t i = first; i < names.size(); ++i) {
+    journal.item = static_cast<std::int32_t>(i);
+    journal.line = 0;
+    journal.caseName.Set({});
+    worst = std::max(worst, RunScript(addin, names[i], report));
+  }
+  return worst;
+}
+
 }  // namespace
 
-ExitStatus RunScripts(const std::filesystem::path& addin, const std::vector<std::string>& names) {
-  Report report(std::cout);
-  ExitStatus worst = kAllWell;
-  for (const std::string& name : names) worst = std::max(worst, RunScript(addin, name, report));
-  report.Close();
-  return std::max(worst, report.Failed() > 0 ? kFailed : kAllWell);
+Work ScriptWork(const std::filesystem::path& addin, const std::vector<std::string>& names) {
+  return {names, [=](std::size_t first) { return RunScripts(addin, names, first); },
+          [=](Journal& journal, const std::string& sentence) {
+            const std::string& name = names[static_cast<std::size_t>(journal.item)];
+            Report(std::cout, journal.tally).Fail({name, journal.line, journal.caseName.Get()}, sentence);
+          },
+          [](Journal& journal) {
+            Report(std::cout, journal.tally).Close();
+            return journal.tally.failed > 0 ? kFailed : kAllWell;
+          }};
 }
 
 }  // namespace qcalc

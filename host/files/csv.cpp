@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <optional>
 
+#include "host/files/file_text.h"
+#include "host/process/journal.h"
 #include "host/text/digits.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
@@ -165,6 +166,7 @@ class CsvLoader {
       sheet_.Cells().SetPooled(row, column_ + index, {});
     extent_.columns = std::max(extent_.columns, fields);
     extent_.rows = row - row_ + 1;
+    ++ProcessJournal().rowsLoaded;
   }
 
   Sheet& sheet_;
@@ -218,13 +220,9 @@ std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, s
 
 std::variant<CsvExtent, CsvError> LoadCsvFile(const std::filesystem::path& path, Sheet& sheet, std::int32_t row,
                                               std::int32_t column) {
-  std::ifstream stream(path, std::ios::binary | std::ios::ate);
-  if (!stream || std::filesystem::is_directory(path)) return CsvError{0, 0, "expected a file that can be read"};
-  std::string text(static_cast<std::size_t>(stream.tellg()), '\0');
-  stream.seekg(0);
-  if (!stream.read(text.data(), static_cast<std::streamsize>(text.size())))
-    return CsvError{0, 0, "expected a file that can be read to its end"};
-  return LoadCsv(text, sheet, row, column);
+  const auto read = ReadFile(path);
+  if (const auto* failure = std::get_if<FileFailure>(&read)) return CsvError{0, 0, failure->reason};
+  return LoadCsv(std::get<std::string>(read), sheet, row, column);
 }
 
 }  // namespace qcalc

@@ -22,7 +22,7 @@ std::string Shortened(const std::string& text) {
 
 void Report::Fail(const ScriptPlace& place, const std::string& sentence,
                   const std::vector<std::pair<std::string, std::string>>& details) {
-  ++failed_;
+  ++tally_.failed;
   output_ << place.script << ":" << place.line << ": FAILED";
   if (!place.caseName.empty()) output_ << " [" << place.caseName << "]";
   output_ << ": " << sentence << "\n";
@@ -33,6 +33,6 @@ void Report::Fail(const ScriptPlace& place, const std::string& sentence,
   output_.flush();
 }
 
-void Report::Close() const { output_ << passed_ << " passed, " << failed_ << " failed\n" << std::flush; }
+void Report::Close() const { output_ << tally_.passed << " passed, " << tally_.failed << " failed\n" << std::flush; }
 
 }  // namespace qcalc

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/process/journal.h"
+
 namespace qcalc {
 
 /// Where in a script something happened.
@@ -17,9 +19,10 @@ struct ScriptPlace {
 
 class Report {
  public:
-  explicit Report(std::ostream& output) : output_(output) {}
+  /// Both outlive this.
+  Report(std::ostream& output, Tally& tally) : output_(output), tally_(tally) {}
 
-  void Pass() { ++passed_; }
+  void Pass() { ++tally_.passed; }
 
   /// Counts a failure and prints it: its place, a sentence, and lines of a title and a text each.
   void Fail(const ScriptPlace& place, const std::string& sentence,
@@ -28,13 +31,9 @@ class Report {
   /// Prints the closing line: "N passed, N failed".
   void Close() const;
 
-  int Passed() const { return passed_; }
-  int Failed() const { return failed_; }
-
  private:
   std::ostream& output_;
-  int passed_ = 0;
-  int failed_ = 0;
+  Tally& tally_;
 };
 
 }  // namespace qcalc

@@ -5,6 +5,7 @@ namespace qcalc {
 void ScriptRunner::Run(const std::vector<ScriptCommand>& commands) {
   for (const ScriptCommand& command : commands) {
     line_ = command.line;
+    ProcessJournal().line = line_;
     try {
       command.action(*this);
     } catch (const ScriptError& error) {
@@ -19,8 +20,13 @@ void ScriptRunner::Run(const std::vector<ScriptCommand>& commands) {
     ReportComplaints();
   }
   session_.Finish();
-  case_ = "end of the script";
+  BeginCase("end of the script");
   ReportComplaints();
+}
+
+void ScriptRunner::BeginCase(std::string name) {
+  case_ = heading_ = std::move(name);
+  ProcessJournal().caseName.Set(case_);
 }
 
 void ScriptRunner::Evaluate(const std::string& formula, const std::function<Value()>& work) {

@@ -32,7 +32,7 @@ class ScriptRunner {
 
   Session& ItsSession() { return session_; }
   const std::filesystem::path& Folder() const { return folder_; }
-  void BeginCase(std::string name) { case_ = heading_ = std::move(name); }
+  void BeginCase(std::string name);
   /// The name of the case the first time it is asked for, empty afterwards.
   std::string TakeHeading() { return std::exchange(heading_, {}); }
 

@@ -57,7 +57,7 @@ TEST_F(CsvTest, SaysWhereAFaultIs) {
   const auto late = LoadCsv("1\n2\n3\n", sheet, kXlMaxRows - 2, 0);
   EXPECT_EQ(std::get<CsvError>(late).line, 3);
   EXPECT_EQ(std::get<CsvError>(LoadCsvFile("no/such/file.csv", sheet, 0, 0)).ToString("x"),
-            "x: expected a file that can be read");
+            "x: it cannot be read: No such file or directory");
   EXPECT_EQ(std::get<CsvError>(LoadCsvFile(".", sheet, 0, 0)).line, 0);
 }
 

@@ -23,9 +23,10 @@ Outcome RunText(const std::string& text) {
   const auto commands = ParseScript(text);
   if (!commands) return {-1, -1, commands.Error().ToString()};
   std::ostringstream output;
-  Report report(output);
+  Tally tally;
+  Report report(output, tally);
   ScriptRunner("test.calc", {}, ProgramFolder() / "misbehaving.xll", report).Run(*commands);
-  return {report.Passed(), report.Failed(), output.str()};
+  return {static_cast<int>(tally.passed), static_cast<int>(tally.failed), output.str()};
 }
 
 TEST(ScriptReading, MistakesAreToldWithTheirPlace) {

@@ -6,7 +6,7 @@
 #include <shellapi.h>
 #include <stdio.h>
 
-#include "host/console.h"
+#include "host/process/console.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -25,5 +25,7 @@ void PrepareStreams() {
   for (FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
   SetConsoleOutputCP(CP_UTF8);
 }
+
+bool ErrorsGoToTerminal() { return _isatty(_fileno(stderr)) != 0; }
 
 }  // namespace qcalc

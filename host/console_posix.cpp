@@ -1,9 +1,0 @@
-#include "host/console.h"
-
-namespace qcalc {
-
-std::vector<std::string> ProgramArguments(int count, char** arguments) { return {arguments + 1, arguments + count}; }
-
-void PrepareStreams() {}
-
-}  // namespace qcalc

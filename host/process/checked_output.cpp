@@ -1,0 +1,49 @@
+#include "host/process/checked_output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <iostream>
+#include <system_error>
+
+#include "host/process/journal.h"
+#include "host/process/progress_line.h"
+
+namespace qcalc {
+namespace {
+
+[[noreturn]] void Fail() { throw OutputFailure{std::generic_category().message(errno)}; }
+
+}  // namespace
+
+CheckedOutput::CheckedOutput() : before_(std::cout.rdbuf(this)) {
+  // The stream passes on what its buffer throws only when it is told to.
+  std::cout.exceptions(std::ios::badbit);
+  // A message about lost output must not try to flush it first.
+  std::cerr.tie(nullptr);
+}
+
+CheckedOutput::~CheckedOutput() {
+  std::cerr.tie(&std::cout);
+  std::cout.exceptions(std::ios::goodbit);
+  std::cout.rdbuf(before_);
+}
+
+CheckedOutput::int_type CheckedOutput::overflow(int_type unit) {
+  if (traits_type::eq_int_type(unit, traits_type::eof())) return traits_type::not_eof(unit);
+  const char byte = traits_type::to_char_type(unit);
+  xsputn(&byte, 1);
+  return unit;
+}
+
+std::streamsize CheckedOutput::xsputn(const char* text, std::streamsize count) {
+  EraseProgress(ProcessJournal());
+  if (std::fwrite(text, 1, static_cast<std::size_t>(count), stdout) != static_cast<std::size_t>(count)) Fail();
+  return count;
+}
+
+int CheckedOutput::sync() {
+  if (std::fflush(stdout) != 0) Fail();
+  return 0;
+}
+
+}  // namespace qcalc

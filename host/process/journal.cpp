@@ -1,0 +1,61 @@
+#include "host/process/journal.h"
+
+#include <functional>
+#include <map>
+#include <set>
+#include <thread>
+
+namespace qcalc {
+namespace {
+
+// While a call is being noted its slot is taken and has no order yet.
+constexpr std::uint64_t kTaken = UINT64_MAX;
+
+Journal ownJournal;
+Journal* processJournal = &ownJournal;
+
+}  // namespace
+
+Journal& ProcessJournal() { return *processJournal; }
+
+void SetProcessJournal(Journal& journal) { processJournal = &journal; }
+
+std::string Journal::OpenCalls() const {
+  std::map<std::uint64_t, const Call*> innermost;
+  for (const Call& call : calls) {
+    if (call.order == 0 || call.order == kTaken) continue;
+    const Call*& latest = innermost[call.thread];
+    if (!latest || latest->order < call.order) latest = &call;
+  }
+  std::set<std::string> names;
+  for (const auto& [thread, call] : innermost) names.insert(call->name.Get());
+  std::string all;
+  for (const std::string& name : names) all += (all.empty() ? "" : " or ") + name;
+  return all;
+}
+
+void Journal::BeginProcess() {
+  for (Call& call : calls) call.order = 0;
+  lastWords.Set({});
+  isFinished = false;
+}
+
+CallNote::CallNote(std::string_view name) : call_(nullptr) {
+  Journal& journal = ProcessJournal();
+  const std::uint64_t thread = std::hash<std::thread::id>()(std::this_thread::get_id());
+  for (std::size_t i = 0; i < journal.calls.size() && !call_; ++i) {
+    Journal::Call& slot = journal.calls[(thread + i) % journal.calls.size()];
+    std::uint64_t free = 0;
+    if (slot.order.compare_exchange_strong(free, kTaken)) call_ = &slot;
+  }
+  if (!call_) return;
+  call_->thread = thread;
+  call_->name.Set(name);
+  call_->order = ++journal.callsMade;
+}
+
+CallNote::~CallNote() {
+  if (call_) call_->order = 0;
+}
+
+}  // namespace qcalc

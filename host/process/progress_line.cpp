@@ -1,0 +1,51 @@
+#include "host/process/progress_line.h"
+
+#include <cstdio>
+
+#include "host/process/console.h"
+
+namespace qcalc {
+namespace {
+
+constexpr std::chrono::seconds kQuiet{1};
+constexpr const char* kEraseLine = "\r\x1b[K";
+
+/// 1234567 as "1,234,567".
+std::string Grouped(std::int64_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t end = text.size(); end > 3; end -= 3) text.insert(end - 3, ",");
+  return text;
+}
+
+}  // namespace
+
+ProgressLine::ProgressLine(const std::vector<std::string>& items) : items_(items), isTerminal_(ErrorsGoToTerminal()) {}
+
+void ProgressLine::Show(Journal& journal) {
+  const auto elapsed = std::chrono::steady_clock::now() - start_;
+  if (!isTerminal_ || elapsed < kQuiet) return;
+  const auto item = static_cast<std::size_t>(journal.item.load());
+  const std::string text = DescribeProgress(item < items_.size() ? items_[item] : std::string(), journal,
+                                            std::chrono::duration_cast<std::chrono::seconds>(elapsed));
+  if (text == shown_ && journal.showsProgress) return;
+  shown_ = text;
+  std::fprintf(stderr, "%s%s", kEraseLine, text.c_str());
+  std::fflush(stderr);
+  journal.showsProgress = true;
+}
+
+std::string DescribeProgress(const std::string& item, const Journal& journal, std::chrono::seconds elapsed) {
+  std::string text = item;
+  if (journal.line > 0) text += ":" + std::to_string(journal.line);
+  if (journal.rowsLoaded > 0) text += ", " + Grouped(journal.rowsLoaded) + " rows loaded";
+  if (journal.formulasCalculated > 0) text += ", " + Grouped(journal.formulasCalculated) + " formulas calculated";
+  return text + ", " + std::to_string(elapsed.count()) + " s";
+}
+
+void EraseProgress(Journal& journal) {
+  if (!journal.showsProgress.exchange(false)) return;
+  std::fputs(kEraseLine, stderr);
+  std::fflush(stderr);
+}
+
+}  // namespace qcalc
