@@ -34,7 +34,9 @@ ExitStatus RunProgram(std::vector<std::string> arguments) {
     std::reverse(arguments.begin(), arguments.end());
     app.parse(arguments);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kAllWell : kUnusable;
+    const bool isHelp = app.exit(error) == 0;
+    std::cout.flush();
+    return isHelp ? kAllWell : kUnusable;
   }
   const std::filesystem::path addin = addinPath.empty() ? ProgramFolder() / "Quillmere4.xll" : PathOf(addinPath);
   if (eval->parsed()) return Supervise(EvalWork(addin, formulas), isInProcess);
@@ -48,9 +50,5 @@ ExitStatus RunProgram(std::vector<std::string> arguments) {
 int main(int count, char** arguments) {
   qcalc::PrepareStreams();
   const qcalc::CheckedOutput output;
-  return qcalc::StatusOf([&] {
-    const qcalc::ExitStatus status = qcalc::RunProgram(qcalc::ProgramArguments(count, arguments));
-    std::cout.flush();
-    return status;
-  });
+  return qcalc::StatusOf([&] { return qcalc::RunProgram(qcalc::ProgramArguments(count, arguments)); });
 }

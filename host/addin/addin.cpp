@@ -86,7 +86,7 @@ Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value>
   Arguments arguments(argumentCache_, host_.FormOf(context));
   if (const auto refused = arguments.Build(function, operands)) return Value::Error(*refused);
   CallContext frame(host_, PlaceOf(function.type), NameOf(function), context);
-  for (const ArgumentFault& fault : host_.faults.ArgumentFaults()) {
+  for (const ArgumentFault& fault : host_.faults.TakeArgumentFaults()) {
     if (const std::string reason = arguments.Spoil(function, fault); !reason.empty())
       throw FormulaError(frame.function + " was not called: " + reason);
     frame.isSpoilt = true;

@@ -16,4 +16,13 @@ EvaluationWatch::~EvaluationWatch() {
   host_.meter.Stop();
 }
 
+std::vector<std::string> TakeUnmet(HostState& host) {
+  std::vector<std::string> unmet = host.meter.TakeUnmet();
+  for (std::string& other : host.faults.TakeUnmet()) unmet.push_back(std::move(other));
+  if (std::string allocation = AddinAllocations().TakeUnmet(); !allocation.empty())
+    unmet.push_back(std::move(allocation));
+  for (std::string& text : unmet) text = "what was armed met nothing: " + text;
+  return unmet;
+}
+
 }  // namespace qcalc

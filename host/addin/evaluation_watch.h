@@ -18,4 +18,7 @@ class EvaluationWatch {
   HostState& host_;
 };
 
+/// What was armed for the last evaluation and met nothing: a sentence each.
+std::vector<std::string> TakeUnmet(HostState& host);
+
 }  // namespace qcalc

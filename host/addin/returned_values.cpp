@@ -109,7 +109,7 @@ void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
   } else if (bits == xlbitDLLFree) {
     if (!HandOver<Width>(oper, frame)) return host_.loans.NoteNeverFreed(frame.function);
   }
-  if (host_.faults.FreesTwice()) {
+  if (host_.faults.TakeSecondFreeing()) {
     if (bits != xlbitDLLFree) HandOver<Width>(oper, frame);
     HandOver<Width>(oper, frame);
   }

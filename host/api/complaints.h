@@ -1,6 +1,7 @@
 // What the add-in did against the rules of Excel's C API, noted where it happens and taken up by the script runner.
 #pragma once
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -8,23 +9,37 @@
 
 namespace qcalc {
 
-/// A list of sentences, written to from any thread.
+/// A list of sentences, each once with the number of times it came; written to from any thread.
 class Complaints {
  public:
+  using Counted = std::vector<std::pair<std::string, int>>;
+
   void Add(std::string text) {
     const std::lock_guard lock(mutex_);
-    texts_.push_back(std::move(text));
+    const auto same = [&](const auto& other) { return other.first == text; };
+    if (const auto found = std::find_if(counted_.begin(), counted_.end(), same); found != counted_.end())
+      ++found->second;
+    else
+      counted_.emplace_back(std::move(text), 1);
   }
 
-  /// Hands over what has been noted since the last time.
-  std::vector<std::string> Take() {
+  /// Hands over what has been noted since the last time, in the order in which the sentences first came.
+  Counted TakeCounted() {
     const std::lock_guard lock(mutex_);
-    return std::exchange(texts_, {});
+    return std::exchange(counted_, {});
+  }
+
+  /// The same as texts; one that came more often says so.
+  std::vector<std::string> Take() {
+    std::vector<std::string> texts;
+    for (const auto& [text, count] : TakeCounted())
+      texts.push_back(count == 1 ? text : text + " (" + std::to_string(count) + " times)");
+    return texts;
   }
 
  private:
   std::mutex mutex_;
-  std::vector<std::string> texts_;
+  Counted counted_;
 };
 
 }  // namespace qcalc

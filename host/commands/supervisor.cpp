@@ -1,32 +1,16 @@
 #include "host/commands/supervisor.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <optional>
 
+#include "host/process/last_words.h"
 #include "host/process/progress_line.h"
 #include "host/process/worker.h"
 
 namespace qcalc {
 namespace {
-
-[[noreturn]] void EndWithLastWords() {
-  std::string words = "std::terminate was called";
-  if (const std::exception_ptr thrown = std::current_exception()) {
-    words = "an exception left it";
-    try {
-      std::rethrow_exception(thrown);
-    } catch (const std::exception& error) {
-      words += std::string(": ") + error.what();
-    } catch (...) {
-      words += " that is no std::exception";
-    }
-  }
-  ProcessJournal().lastWords.Set(words);
-  std::abort();
-}
 
 ExitStatus RunAsWorker(const Work& work, Journal& journal) {
   SetProcessJournal(journal);

@@ -6,6 +6,9 @@
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "host/faults/odd_answer.h"
 #include "host/formulas/formula.h"
@@ -30,6 +33,9 @@ class CallbackMeter {
   /// Ends an evaluation: nothing fails any more; the counts stay to be read.
   void Stop();
 
+  /// The callbacks to which something was to happen in the last evaluation for which that was asked, and did not.
+  std::vector<std::string> TakeUnmet() { return std::exchange(unmet_, {}); }
+
   /// During the next evaluation the `nth` callback of that name (1-based; 0: every one) returns `code`.
   void Fail(const XlCallback& callback, int code, int nth);
 
@@ -53,12 +59,17 @@ class CallbackMeter {
     std::atomic<int> calls{0};
     Interference armed;
     int nth = 0;
+    bool isArmed = false;
+    std::atomic<bool> isMet{false};
   };
 
+  /// The entry of a callback to whose `nth` call something is to happen.
+  Entry& Arm(const XlCallback& callback, int nth);
   static std::size_t IndexOf(const XlCallback& callback) { return static_cast<std::size_t>(&callback - kXlCallbacks); }
 
   std::array<Entry, std::size(kXlCallbacks)> entries_;
   std::atomic<bool> isRunning_{false};
+  std::vector<std::string> unmet_;
 };
 
 }  // namespace qcalc

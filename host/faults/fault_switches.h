@@ -2,6 +2,8 @@
 #pragma once
 
 #include <atomic>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "host/faults/argument_fault.h"
@@ -20,19 +22,36 @@ class FaultSwitches {
 
   void Start() { isRunning_ = true; }
   void Stop() {
-    isRunning_ = freesTwice_ = false;
+    if (!argumentFaults_.empty() && !hasSpoilt_) unmet_.push_back("mutate: no argument was handed over");
+    if (freesTwice_ && !hasFreedTwice_) unmet_.push_back("double-free: no result came");
+    isRunning_ = freesTwice_ = hasSpoilt_ = hasFreedTwice_ = false;
     argumentFaults_.clear();
   }
 
-  /// The damage due now.
-  const std::vector<ArgumentFault>& ArgumentFaults() const { return isRunning_ ? argumentFaults_ : kNone; }
-  bool FreesTwice() const { return isRunning_ && freesTwice_; }
+  /// The damage due to the arguments of a call that is made now.
+  const std::vector<ArgumentFault>& TakeArgumentFaults() {
+    if (!isRunning_) return kNone;
+    hasSpoilt_ = true;
+    return argumentFaults_;
+  }
+  /// Whether the result that is given back now is to be freed once more.
+  bool TakeSecondFreeing() {
+    if (!isRunning_ || !freesTwice_) return false;
+    hasFreedTwice_ = true;
+    return true;
+  }
+
+  /// What was to happen in the last evaluation for which that was asked, and did not.
+  std::vector<std::string> TakeUnmet() { return std::exchange(unmet_, {}); }
 
  private:
   static inline const std::vector<ArgumentFault> kNone;
 
   std::atomic<bool> isRunning_{false};
   bool freesTwice_ = false;
+  std::atomic<bool> hasSpoilt_{false};
+  std::atomic<bool> hasFreedTwice_{false};
+  std::vector<std::string> unmet_;
   std::vector<ArgumentFault> argumentFaults_;
 };
 

@@ -1,6 +1,7 @@
 #include "host/library/allocation.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/library/block_table.h"
 
@@ -22,7 +23,13 @@ void AllocationMeter::Start(bool counts) {
 
 void AllocationMeter::Stop() {
   isRunning_ = false;
+  if (nth_ > 0) unmet_ = failed_ > 0 ? 0 : nth_;
   nth_ = 0;
+}
+
+std::string AllocationMeter::TakeUnmet() {
+  const std::int64_t nth = std::exchange(unmet_, 0);
+  return nth ? "allocation " + std::to_string(nth) + ": there were " + std::to_string(count_) + " allocations" : "";
 }
 
 void AllocationMeter::Fail(std::int64_t nth, AllocationFailure failure) {

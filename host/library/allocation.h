@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "host/library/block_table.h"
@@ -30,6 +31,9 @@ class AllocationMeter {
 
   /// Ends an evaluation: nothing fails any more; the counts stay to be read.
   void Stop();
+
+  /// How an allocation was to fail in the last evaluation for which that was asked, and none came; else empty.
+  std::string TakeUnmet();
 
   /// During the next evaluation the add-in's `nth` allocation (1-based, on whichever thread) fails.
   void Fail(std::int64_t nth, AllocationFailure failure);
@@ -72,7 +76,8 @@ class AllocationMeter {
   std::atomic<std::int64_t> count_{0};
   std::atomic<std::int64_t> failed_{0};
   std::atomic<std::uint64_t> number_{0};
-  std::int64_t nth_ = 0;  // 0: none fails
+  std::int64_t nth_ = 0;    // 0: none fails
+  std::int64_t unmet_ = 0;  // the number of one that was to fail and did not come
   AllocationFailure failure_ = AllocationFailure::kOnce;
 };
 

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "host/library/allocation.h"
+#include "host/process/last_words.h"
 
 namespace qcalc {
 
@@ -14,9 +15,13 @@ std::uintptr_t Invoke(void* entry, std::span<const std::uintptr_t> words);
 
 /// Runs `code`, which is the add-in's. An exception that leaves it ends the process, as it ends Excel.
 template <typename Code>
-auto RunAddinCode(Code code) noexcept {
+auto RunAddinCode(Code code) {
   const RunningCode running(RunningCode::Owner::kAddin);
-  return code();
+  try {
+    return code();
+  } catch (...) {
+    EndWithLastWords();
+  }
 }
 
 }  // namespace qcalc

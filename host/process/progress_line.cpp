@@ -12,8 +12,12 @@ constexpr const char* kEraseLine = "\r\x1b[K";
 
 /// 1234567 as "1,234,567".
 std::string Grouped(std::int64_t number) {
-  std::string text = std::to_string(number);
-  for (std::size_t end = text.size(); end > 3; end -= 3) text.insert(end - 3, ",");
+  const std::string digits = std::to_string(number);
+  std::string text;
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0) text += ',';
+    text += digits[i];
+  }
   return text;
 }
 

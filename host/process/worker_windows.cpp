@@ -59,6 +59,12 @@ ProcessEnd EndOf(DWORD code) {
   return end;
 }
 
+// Needs next to no stack: there is none left after an overflow.
+LONG WINAPI EndByFault(EXCEPTION_POINTERS* fault) {
+  TerminateProcess(GetCurrentProcess(), fault->ExceptionRecord->ExceptionCode);
+  return EXCEPTION_EXECUTE_HANDLER;
+}
+
 }  // namespace
 
 struct WorkerStarter::State {
@@ -121,6 +127,9 @@ Journal* InheritedJournal() {
 
 void EndInterrupted(const ProcessEnd& end) { std::_Exit(end.status); }
 
-void LetFaultsEndTheProcess() { SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX); }
+void LetFaultsEndTheProcess() {
+  SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+  SetUnhandledExceptionFilter(EndByFault);
+}
 
 }  // namespace qcalc

@@ -33,6 +33,10 @@ void Report::Fail(const ScriptPlace& place, const std::string& sentence,
   output_.flush();
 }
 
+void Report::Note(const std::string& script, const std::string& sentence) {
+  output_ << script << ": " << sentence << std::endl;
+}
+
 void Report::Close() const { output_ << tally_.passed << " passed, " << tally_.failed << " failed\n" << std::flush; }
 
 }  // namespace qcalc

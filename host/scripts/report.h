@@ -28,6 +28,9 @@ class Report {
   void Fail(const ScriptPlace& place, const std::string& sentence,
             const std::vector<std::pair<std::string, std::string>>& details = {});
 
+  /// Prints a sentence about a script that counts nothing.
+  void Note(const std::string& script, const std::string& sentence);
+
   /// Prints the closing line: "N passed, N failed".
   void Close() const;
 

@@ -1,5 +1,7 @@
 #include "host/scripts/runner.h"
 
+#include "host/addin/evaluation_watch.h"
+
 namespace qcalc {
 
 void ScriptRunner::Run(const std::vector<ScriptCommand>& commands) {
@@ -19,9 +21,14 @@ void ScriptRunner::Run(const std::vector<ScriptCommand>& commands) {
     }
     ReportComplaints();
   }
+  {
+    const EvaluationWatch last(session_.Host());  // what is still armed has nothing to meet
+  }
   session_.Finish();
   BeginCase("end of the script");
   ReportComplaints();
+  for (const auto& [text, count] : told_)
+    if (count > 1) report_.Note(name_, "in all " + std::to_string(count) + " times: " + text);
 }
 
 void ScriptRunner::BeginCase(std::string name) {
@@ -62,7 +69,12 @@ Reference ScriptRunner::Resolve(const ReferenceText& text) {
 }
 
 void ScriptRunner::ReportComplaints() {
-  for (const std::string& text : session_.Host().complaints.Take()) report_.Fail(Place(), text);
+  for (const std::string& text : TakeUnmet(session_.Host())) report_.Fail(Place(), text);
+  for (const auto& [text, count] : session_.Host().complaints.TakeCounted()) {
+    int& told = told_[text];
+    if (told == 0) report_.Fail(Place(), text);
+    told += count;
+  }
 }
 
 }  // namespace qcalc

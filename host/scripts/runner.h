@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -55,6 +56,7 @@ class ScriptRunner {
   Reference Resolve(const ReferenceText& text);
 
  private:
+  /// A complaint is one failure the first time that it comes, and counted afterwards.
   void ReportComplaints();
   ScriptPlace Place() const { return {name_, line_, case_}; }
 
@@ -67,6 +69,7 @@ class ScriptRunner {
   std::string heading_;
   std::string formula_;
   std::optional<Value> result_;
+  std::map<std::string, int> told_;  // complaints, and how often each came
 };
 
 }  // namespace qcalc

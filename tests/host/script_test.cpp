@@ -133,6 +133,17 @@ TEST(ScriptRunning, WhatIsToGoWrongDoesOnce) {
   EXPECT_GT(opening.failed, 0) << "registering without a module is told";
 }
 
+TEST(ScriptRunning, WhatWasArmedForNothingIsAFailure) {
+  const Outcome outcome = RunText(
+      "fail xlSheetNm xlretFailed 2\neval =SHEET.NAME()\nmutate 1 null\neval =1\nfail-alloc 50\neval =ALLOCATE(7,0)\n"
+      "double-free\neval =1\nparallel 2 3 =BAD.VALUE(11)\neval =BAD.VALUE(11)\nfail xlfCaller xlretFailed\n");
+  EXPECT_EQ(outcome.failed, 6) << outcome.printed;
+  EXPECT_THAT(outcome.printed, AllOf(HasSubstr("xlSheetNm, call 2: there were 1 calls"), HasSubstr("mutate: "),
+                                     HasSubstr("allocation 50: there were "), HasSubstr("double-free: "),
+                                     HasSubstr("in all 7 times: BAD.VALUE returned a boolean of 7"),
+                                     HasSubstr(":11: FAILED [end of the script]: what was armed met nothing")));
+}
+
 TEST(ScriptRunning, SettingsThatComeTooLate) {
   EXPECT_THROW(RunText("eval =1\nversion 11\n"), ScriptError);
   EXPECT_THROW(RunText("load A1 no-such-file.csv\n"), ScriptError);

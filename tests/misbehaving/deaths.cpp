@@ -9,6 +9,8 @@
 
 namespace {
 
+volatile std::uintptr_t nowhere = 16;
+
 int Overflow(volatile char* above);
 int (*volatile recurse)(volatile char*) = Overflow;  // through which the compiler does not see that it never ends
 
@@ -24,7 +26,7 @@ int Overflow(volatile char* above) {
 QCALC_EXPORT XLOPER12* Die(std::int32_t how) {
   switch (how) {
     case 1:
-      *reinterpret_cast<volatile int*>(std::uintptr_t{16}) = 1;
+      *reinterpret_cast<volatile int*>(nowhere) = 1;
       break;
     case 2:
       std::exit(Overflow(nullptr));

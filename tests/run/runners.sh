@@ -139,8 +139,7 @@ run_scripts() {
   echo "$good $bad"
 }
 
-# run_batches COUNT SCRIPT...: for scripts_suite, whose variables it fills: the scripts, COUNT of them to a process. Where
-# one of several dies, a process each tells in which.
+# run_batches COUNT SCRIPT...: for scripts_suite, whose variables it fills: the scripts, COUNT of them to a process.
 run_batches() {
   local count=$1 at batch some_good some_bad
   shift
@@ -152,7 +151,6 @@ run_batches() {
     else
       bad=$((bad + 1))
       cat - "$log.some" >>"$log" <<<"no closing line: ${batch[*]}"
-      ((${#batch[@]} == 1)) || run_batches 1 "${batch[@]}"
     fi
   done
 }

@@ -2,6 +2,7 @@
 # The suites of `./dev test`, and what a part of them is made of. Sourced by dev, which builds.
 source tests/run/functions.sh
 source tests/run/runners.sh
+source tests/run/command_line.sh
 
 guarded=build/windows/bin/Quillmere4_guarded.xll
 
@@ -19,6 +20,7 @@ each_suite() {
     "$@" faults    asan    fault_tests              family 'faults, asan'           program $native_faults
     "$@" host      asan    host_tests               whole  'host tests, asan'       program asan host_tests
     "$@" scripts   asan    qcalc                    family 'scripts, asan'          scripts asan 100
+    "$@" host      asan    qcalc,misbehaving        whole  'command line, asan'     command_line asan
     "$@" models    asan    model_tests              family 'models, asan'           program asan model_tests
     "$@" unit      asan    unit_tests               family 'unit tests, asan'       program asan unit_tests
     "$@" generator asan    generator_tests          whole  'generator tests, asan'  program asan generator_tests
@@ -30,6 +32,7 @@ each_suite() {
     "$@" scripts   windows qcalc                    family 'scripts, Windows'       scripts windows 100
     "$@" scripts   windows qcalc,Quillmere4_guarded whole  'scripts, guarded pages' scripts windows 1 --addin $guarded
     "$@" host      windows host_tests               whole  'host tests, Windows'    program windows host_tests
+    "$@" host      windows qcalc,misbehaving        whole  'command line, Windows'  command_line windows
     "$@" guard     windows fault_guard_tests        whole  'fault guard, Windows'   program windows fault_guard_tests
     "$@" unit      windows unit_tests               whole  'unit tests, Windows'    program windows unit_tests
     "$@" models    windows model_tests              whole  'models, Windows'        program windows model_tests

@@ -1,0 +1,48 @@
+# shellcheck shell=bash disable=SC2154,SC2016
+# qcalc from outside: statuses, and what must be told when a process dies or output is lost.
+
+# said STATUS PATTERN COMMAND...: one case. The command ends with that status, and prints what matches the pattern, where
+# a line end stands as "|".
+said() {
+  local status=0 output
+  output=$(timeout -k 10 60 "${@:3}" 2>&1 </dev/null) || status=$?
+  output=$(tr -d '\r' <<<"$output" | tr '\n' '|')
+  if [[ $status == "$1" && $output =~ $2 ]]; then
+    good=$((good + 1))
+  else
+    bad=$((bad + 1))
+    printf '%s\n  expected %s: %s\n  got %s: %s\n' "${*:3}" "$1" "$2" "$status" "$output" >>"$log"
+  fi
+}
+
+# command_line_suite NAME PART WANTED BUILD
+command_line_suite() {
+  local name=$1 log=$logs/$1.log build=$4 good=0 bad=0 qcalc bad_addin folder=$logs/$1
+  read -ra qcalc <<<"$(started "$build" qcalc)"
+  bad_addin=("${qcalc[@]}" --addin "build/$build/bin/misbehaving.xll")
+  local lost='^the output could not be written: [^|]+[|]$' to_full_disk=(bash -c '"$@" >/dev/full' -)
+  local to_closed_pipe=(bash -c '{ sleep 0.2 && "$@"; } | true; exit ${PIPESTATUS[0]}' -)
+  mkdir -p "$folder"
+  : >"$log"
+  printf 'eval =1\nexpect 1\ncase of death\neval =DIE(1)\nexpect 1\n' >"$folder/dying.calc"
+  printf 'eval =PLUS.ONE(1)\nexpect 2\n' >"$folder/living.calc"
+
+  said 0 '^\{1;2\}\|#DIV/0!\|$' "${qcalc[@]}" eval '=VSTACK(0,1,2)' =1/0
+  said 5 'dying.calc:4: FAILED \[of death\]: the add-in died in DIE: .*\|2 passed, 1 failed\|$' \
+    "${bad_addin[@]}" run "$folder/dying.calc" "$folder/living.calc"
+  said 5 '=DIE\(2\): the add-in died in DIE: .*\|2\|$' "${bad_addin[@]}" eval '=DIE(2)' '=PLUS.ONE(1)'
+  said 5 'in DIE: it ended the process with status 0\|$' "${bad_addin[@]}" eval '=DIE(3)'
+  said 5 'in DIE: an exception left it: thrown out of an export\|$' "${bad_addin[@]}" eval '=DIE(4)'
+  said 5 'in DIE: an exception left it that is no std::exception\|$' "${bad_addin[@]}" eval '=DIE(5)'
+  said 5 'in DIE: ' "${bad_addin[@]}" eval '=DIE(6)'
+  said 5 'in DIE: it ended the process with status 7\|$' "${bad_addin[@]}" eval '=DIE(7)'
+  said 5 'in xlAutoOpen: an exception left it: thrown out of xlAutoOpen\|0 passed, 1 failed\|$' \
+    env DIE_AT_OPENING=1 "${bad_addin[@]}" run "$folder/living.calc"
+  said 2 'tests: it is a folder\|1 passed, 0 failed\|$' "${bad_addin[@]}" run tests "$folder/living.calc"
+  said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" eval =1
+  said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" run "$folder/living.calc"
+  said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" functions
+  said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" --help
+  said 4 "$lost" "${to_closed_pipe[@]}" "${qcalc[@]}" eval =1
+  report "$name" "$good" "$bad"
+}
