@@ -42,8 +42,8 @@ struct Journal {
   /// What has been done, for those who wait.
   std::atomic<std::int64_t> rowsLoaded{0};
   std::atomic<std::int64_t> formulasCalculated{0};
-  /// Whether a line that tells so stands on the terminal.
-  std::atomic<bool> showsProgress{false};
+  /// How many columns the line takes up that tells so on the terminal; 0 when none stands there.
+  std::atomic<std::int32_t> progressWidth{0};
 
   /// A call into the add-in that has not returned yet. `order` grows from call to call; 0 is no call.
   struct Call {

@@ -8,7 +8,6 @@ namespace qcalc {
 namespace {
 
 constexpr std::chrono::seconds kQuiet{1};
-constexpr const char* kEraseLine = "\r\x1b[K";
 
 /// 1234567 as "1,234,567".
 std::string Grouped(std::int64_t number) {
@@ -31,11 +30,12 @@ void ProgressLine::Show(Journal& journal) {
   const auto item = static_cast<std::size_t>(journal.item.load());
   const std::string text = DescribeProgress(item < items_.size() ? items_[item] : std::string(), journal,
                                             std::chrono::duration_cast<std::chrono::seconds>(elapsed));
-  if (text == shown_ && journal.showsProgress) return;
+  if (text == shown_ && journal.progressWidth > 0) return;
+  EraseProgress(journal);
   shown_ = text;
-  std::fprintf(stderr, "%s%s", kEraseLine, text.c_str());
+  std::fputs(text.c_str(), stderr);
   std::fflush(stderr);
-  journal.showsProgress = true;
+  journal.progressWidth = static_cast<std::int32_t>(text.size());
 }
 
 std::string DescribeProgress(const std::string& item, const Journal& journal, std::chrono::seconds elapsed) {
@@ -47,8 +47,10 @@ std::string DescribeProgress(const std::string& item, const Journal& journal, st
 }
 
 void EraseProgress(Journal& journal) {
-  if (!journal.showsProgress.exchange(false)) return;
-  std::fputs(kEraseLine, stderr);
+  // Blanks, which a console without escape sequences knows too.
+  const std::int32_t width = journal.progressWidth.exchange(0);
+  if (width == 0) return;
+  std::fprintf(stderr, "\r%*s\r", static_cast<int>(width), "");
   std::fflush(stderr);
 }
 
