@@ -3,11 +3,13 @@
 #include <cstdio>
 
 #include "host/process/console.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {
 
 constexpr std::chrono::seconds kQuiet{1};
+constexpr std::size_t kWidestItem = 40;  // so that the line stays one on a terminal of 80 columns, long counts apart
 
 /// 1234567 as "1,234,567".
 std::string Grouped(std::int64_t number) {
@@ -18,6 +20,14 @@ std::string Grouped(std::int64_t number) {
     text += digits[i];
   }
   return text;
+}
+
+/// The end of a name that is too long.
+std::string Ending(const std::string& name) {
+  if (name.size() <= kWidestItem) return name;
+  std::size_t start = name.size() - kWidestItem;
+  while (start < name.size() && IsInsideCharacter(name[start])) ++start;
+  return "..." + name.substr(start);
 }
 
 }  // namespace
@@ -39,7 +49,7 @@ void ProgressLine::Show(Journal& journal) {
 }
 
 std::string DescribeProgress(const std::string& item, const Journal& journal, std::chrono::seconds elapsed) {
-  std::string text = item;
+  std::string text = Ending(item);
   if (journal.line > 0) text += ":" + std::to_string(journal.line);
   if (journal.rowsLoaded > 0) text += ", " + Grouped(journal.rowsLoaded) + " rows loaded";
   if (journal.formulasCalculated > 0) text += ", " + Grouped(journal.formulasCalculated) + " formulas calculated";
