@@ -16,7 +16,7 @@ constexpr Unit SmallLetter(Unit unit) {
   return unit >= 'A' && unit <= 'Z' ? static_cast<Unit>(unit + ('a' - 'A')) : unit;
 }
 
-/// One unit without its case: Latin, Greek, Cyrillic and Armenian letters give their small form.
+/// One unit without its case: a capital letter of any script gives its small one, where that is one unit too.
 XCHAR FoldUnit(XCHAR unit);
 
 /// The text without its case, as names of sheets and functions and texts of cells are compared.
