@@ -3,30 +3,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <string_view>
 
-#include "host/text/digits.h"
 #include "host/text/letter_case.h"
+#include "host/text/text_order.h"
 
 namespace qcalc {
 
 namespace {
-
-// Digits, then these marks, then letters, as Excel publishes its order.
-constexpr std::string_view kMarkOrder = " !\"#$%&()*,./:;?@[\\]^_`{|}~+<=>";
-
-// Hyphen and apostrophe have none: they count only between otherwise equal texts.
-int RankOf(XCHAR unit) {
-  const unsigned u = static_cast<std::uint16_t>(FoldUnit(unit));
-  constexpr int kMarks = 16, kLetters = 256;
-  if (IsDigit(u)) return static_cast<int>(u - '0');
-  if (u < 0x80)
-    if (const auto mark = kMarkOrder.find(static_cast<char>(u)); mark != std::string_view::npos)
-      return kMarks + static_cast<int>(mark);
-  return kLetters + static_cast<int>(u);
-}
-
-bool IsIgnorable(XCHAR unit) { return unit == XTEXT('-') || unit == XTEXT('\''); }
 
 // The number as its 15 significant digits say it.
 double RoundToShownDigits(double number) {
@@ -57,23 +40,6 @@ CellView Filled(const CellView& cell, const CellView& other) {
 }
 
 }  // namespace
-
-std::weak_ordering CompareTexts(XStringView left, XStringView right) {
-  std::size_t l = 0, r = 0;
-  for (;;) {
-    while (l < left.size() && IsIgnorable(left[l])) ++l;
-    while (r < right.size() && IsIgnorable(right[r])) ++r;
-    if (l == left.size() || r == right.size()) break;
-    if (const auto order = RankOf(left[l++]) <=> RankOf(right[r++]); order != 0) return order;
-  }
-  if (l < left.size() || r < right.size())
-    return l < left.size() ? std::weak_ordering::greater : std::weak_ordering::less;
-  // Equal but for hyphens: the text with more of them comes last, then the one whose first difference is one.
-  if (left.size() != right.size()) return left.size() <=> right.size();
-  for (std::size_t i = 0; i < left.size(); ++i)
-    if (FoldUnit(left[i]) != FoldUnit(right[i])) return RankOf(left[i]) <=> RankOf(right[i]);
-  return std::weak_ordering::equivalent;
-}
 
 std::weak_ordering CompareCells(const CellView& left, const CellView& right) {
   const CellView l = Filled(left, right), r = Filled(right, left);

@@ -7,12 +7,9 @@
 
 namespace qcalc {
 
-/// How the comparison operators order two cells, neither an error: number < text < FALSE < TRUE, texts without case, an
-/// empty cell as the other's 0, "" or FALSE, numbers by their 15 digits.
+/// How the comparison operators order two cells, neither an error: number < text < FALSE < TRUE, texts as
+/// CompareTexts has them, an empty cell as the other's 0, "" or FALSE, numbers by their 15 digits.
 std::weak_ordering CompareCells(const CellView& left, const CellView& right);
-
-/// Texts without case in the operators' order: hyphens and apostrophes count only between otherwise equal texts.
-std::weak_ordering CompareTexts(XStringView left, XStringView right);
 
 /// Whether a lookup for `key` takes `cell`: same kind, numbers equal as doubles, texts equal but for case. Empty cells
 /// and errors equal nothing.

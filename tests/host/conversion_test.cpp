@@ -45,12 +45,5 @@ TEST_F(ConversionTest, TextsToNumbers) {
     EXPECT_EQ(Eval("=--\"" + text + "\""), "#VALUE!") << text;
 }
 
-TEST_F(ConversionTest, TextsComeInOrder) {
-  Check(R"(
-      =""<"1" -> TRUE | ="1"<"10" -> TRUE | ="10"<"9" -> TRUE | ="9"<" " -> TRUE | =" "<"!" -> TRUE | ="!"<"_" -> TRUE
-      ="_"<"a" -> TRUE | ="a"<"B" -> TRUE | ="B"<"coop" -> TRUE | ="coop"<"co-op" -> TRUE | ="co-op"<"coops" -> TRUE
-      ="a-b"="a'b" -> FALSE | ="co-op">"coop" -> TRUE | ="B">"a" -> TRUE | =UNICHAR(196)&"x"=UNICHAR(228)&"X" -> TRUE)");
-}
-
 }  // namespace
 }  // namespace qcalc

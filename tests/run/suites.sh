@@ -87,7 +87,6 @@ run_in() {
 # run_tests [WORD...]: the parts of that name, or all; native ones first, since their build is the cheapest.
 run_tests() {
   local word build targets
-  export LC_ALL=C.UTF-8
   (($#)) || set -- checks faults generator guard host models scripts unit
   for word in "$@"; do
     want "$word" || {
