@@ -4,7 +4,6 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -14,10 +13,7 @@ namespace qcalc {
 template <std::size_t capacity>
 class JournalText {
  public:
-  void Set(std::string_view text) {
-    length_ = text.size() < capacity ? text.size() : capacity;
-    std::memcpy(bytes_, text.data(), length_);
-  }
+  void Set(std::string_view text) { length_ = text.copy(bytes_, capacity); }
   std::string Get() const { return {bytes_, length_}; }
 
  private:
