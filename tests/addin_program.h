@@ -10,12 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "host/commands/exit_status.h"
 #include "host/process/console.h"
 #include "host/scripts/session.h"
 
 namespace qcalc {
-
-enum : int { kTestsFailed = 1, kUnusable = 2, kNoAddin = 3 };
 
 /// Runs all tests that are registered, then closes the session: what the host has to complain of then is a failure too.
 inline int RunTestsAndFinish(Session& session) {
@@ -23,7 +22,7 @@ inline int RunTestsAndFinish(Session& session) {
   session.Finish();
   const std::vector<std::string> complaints = session.Host().complaints.Take();
   for (const std::string& text : complaints) std::cout << "at the end: " << text << std::endl;
-  return complaints.empty() ? status : kTestsFailed;
+  return complaints.empty() ? status : kFailed;
 }
 
 /// Reads the command line, GoogleTest's flags first, and calls `run` with the path of the add-in: that of --addin, or

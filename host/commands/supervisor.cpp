@@ -29,6 +29,13 @@ std::string DescribeDeath(const Journal& journal, const ProcessEnd& end) {
          (words.empty() ? end.reason : words);
 }
 
+/// What was being done, to somebody who did not wait for the end.
+std::string DescribeWork(const Work& work, const Journal& journal) {
+  const std::string calls = journal.OpenCalls();
+  return work.items[static_cast<std::size_t>(journal.item)] +
+         (journal.line > 0 ? ":" + std::to_string(journal.line) : "") + (calls.empty() ? "" : ", in " + calls);
+}
+
 /// Has processes work until all is done, a new one after each that dies. The highest status of all.
 ExitStatus RunWorkers(const Work& work, WorkerStarter& starter) {
   Journal& journal = starter.SharedJournal();
@@ -38,7 +45,10 @@ ExitStatus RunWorkers(const Work& work, WorkerStarter& starter) {
     journal.BeginProcess();
     const ProcessEnd end = starter.Run([&] { progress.Show(journal); });
     EraseProgress(journal);
-    if (end.wasInterrupted) EndInterrupted(end);
+    if (end.wasInterrupted) {
+      std::cerr << "ended from outside: " << DescribeWork(work, journal) << std::endl;
+      EndInterrupted(end);
+    }
     if (journal.isFinished) {
       worst = std::max(worst, static_cast<ExitStatus>(journal.status.load()));
       if (!end.wasStopped && end.status == journal.status) return worst;

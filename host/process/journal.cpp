@@ -21,16 +21,17 @@ Journal& ProcessJournal() { return *processJournal; }
 void SetProcessJournal(Journal& journal) { processJournal = &journal; }
 
 std::string Journal::OpenCalls() const {
-  std::map<std::uint64_t, const Call*> innermost;
-  for (const Call& call : calls) {
-    if (call.order == 0 || call.order == kTaken) continue;
-    const Call*& latest = innermost[call.thread];
-    if (!latest || latest->order < call.order) latest = &call;
+  std::map<std::uint64_t, std::map<std::uint64_t, const Call*, std::greater<>>> threads;
+  for (const Call& call : calls)
+    if (call.order != 0 && call.order != kTaken) threads[call.thread].emplace(call.order, &call);
+  std::set<std::string> chains;
+  for (const auto& [thread, open] : threads) {
+    std::string chain;
+    for (const auto& [order, call] : open) chain += (chain.empty() ? "" : ", within ") + call->name.Get();
+    chains.insert(chain);
   }
-  std::set<std::string> names;
-  for (const auto& [thread, call] : innermost) names.insert(call->name.Get());
   std::string all;
-  for (const std::string& name : names) all += (all.empty() ? "" : " or ") + name;
+  for (const std::string& chain : chains) all += (all.empty() ? "" : "; or ") + chain;
   return all;
 }
 

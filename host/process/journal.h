@@ -45,7 +45,7 @@ struct Journal {
   struct Call {
     std::atomic<std::uint64_t> order{0};
     std::uint64_t thread = 0;
-    JournalText<112> name;
+    JournalText<1024> name;
   };
   std::array<Call, 1024> calls;
   std::atomic<std::uint64_t> callsMade{0};
@@ -57,8 +57,8 @@ struct Journal {
   std::atomic<bool> isFinished{false};
   std::atomic<std::int32_t> status{0};
 
-  /// The calls that have not returned, the innermost of each thread, each once: "A", "A or B"; empty when there are
-  /// none.
+  /// The calls that have not returned, each thread's from the innermost on: "A, within B" or, for several threads,
+  /// "A, within B; or C"; empty when there are none.
   std::string OpenCalls() const;
   /// Forgets the calls and the last words, before another process goes on.
   void BeginProcess();

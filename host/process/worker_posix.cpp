@@ -5,6 +5,7 @@
 #include <string.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/signalfd.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -39,6 +40,47 @@ std::vector<std::string> OwnArguments() {
   }
   return arguments;
 }
+
+/// While it lives the signal that asks this process to end waits in a file, so that what was being done can be told. A
+/// worker takes it as usual.
+class TerminationSignal {
+ public:
+  TerminationSignal() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, &before_);
+    file_ = signalfd(-1, &signals, SFD_CLOEXEC);
+  }
+  ~TerminationSignal() {
+    close(file_);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+  TerminationSignal(const TerminationSignal&) = delete;
+  TerminationSignal& operator=(const TerminationSignal&) = delete;
+
+  int File() const { return file_; }
+  /// The signal waits no longer; false when none waited.
+  bool Take() const {
+    signalfd_siginfo signal;
+    return read(file_, &signal, sizeof signal) == sizeof signal;
+  }
+
+  /// Starts this program; the system's error, 0 when there is none.
+  int Spawn(pid_t& worker, char** arguments) const {
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setsigmask(&attributes, &before_);
+    const int error = posix_spawn(&worker, "/proc/self/exe", nullptr, &attributes, arguments, environ);
+    posix_spawnattr_destroy(&attributes);
+    return error;
+  }
+
+ private:
+  sigset_t before_;
+  int file_;
+};
 
 ProcessEnd EndOf(int status) {
   ProcessEnd end;
@@ -83,17 +125,19 @@ ProcessEnd WorkerStarter::Run(const std::function<void()>& wait) {
   std::vector<char*> pointers;
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
+  const TerminationSignal termination;
   pid_t worker = 0;
-  if (const int error = posix_spawn(&worker, "/proc/self/exe", nullptr, nullptr, pointers.data(), environ)) {
+  if (const int error = termination.Spawn(worker, pointers.data())) {
     errno = error;
     Fail("the program does not start");
   }
   const int handle = static_cast<int>(syscall(SYS_pidfd_open, worker, 0));
-  pollfd ended{handle, POLLIN, 0};
-  while (handle >= 0 && poll(&ended, 1, kWaitMilliseconds) <= 0) wait();
+  pollfd events[] = {{handle, POLLIN, 0}, {termination.File(), POLLIN, 0}};
+  while (poll(events, std::size(events), kWaitMilliseconds) <= 0) wait();
+  if (events[1].revents && termination.Take()) kill(worker, SIGTERM);
   int status = 0;
   while (waitpid(worker, &status, 0) < 0 && errno == EINTR) continue;
-  if (handle >= 0) close(handle);
+  close(handle);
   return EndOf(status);
 }
 

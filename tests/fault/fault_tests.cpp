@@ -3,20 +3,18 @@
 #include <iostream>
 
 #include "findings.h"
+#include "host/commands/supervisor.h"
 #include "tests/addin_program.h"
 
 namespace qcalc::fault {
 namespace {
 
 int RunTests(const std::filesystem::path& addin, const std::string& examples, const SuiteSettings& settings) {
-  TellLastWords();
-  NoteLastWords(0, "opening the add-in and its plain calls");
   Session session(addin);
   session.Open();
   CallValues values(session);
   if (!examples.empty()) values.ReadExamples(examples);
   TrialRunner runner(session, values);
-  NoteLastWords(0, "");
   RegisterFunctionSuites(runner, settings);
   RegisterRandomSuites(runner, settings);
   std::cout << "seed " << settings.seed << ", " << runner.Functions().size() << " functions" << std::endl;
@@ -45,5 +43,11 @@ int RunProgram(const std::vector<std::string>& arguments) {
 
 int main(int count, char** arguments) {
   qcalc::PrepareStreams();
-  return qcalc::fault::RunProgram(qcalc::ProgramArguments(count, arguments));
+  const std::vector<std::string> given = qcalc::ProgramArguments(count, arguments);
+  // In a process of their own: a call that it does not survive is known even where nothing can be checked after it.
+  return qcalc::Supervise({{"the tests"},
+                           [&](std::size_t) { return static_cast<qcalc::ExitStatus>(qcalc::fault::RunProgram(given)); },
+                           [](qcalc::Journal&, const std::string& sentence) { std::cerr << sentence << std::endl; },
+                           {}},
+                          false);
 }

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "last_words.h"
+#include "host/process/journal.h"
 #include "suites.h"
 
 namespace qcalc::fault {
@@ -20,7 +20,7 @@ class Findings {
   /// Makes one trial on the main thread and tells what is wrong. False when enough has been told.
   bool Try(TrialRunner& runner, const Trial& trial, std::uint64_t number) {
     const std::string name = NameOf(number, trial.Describe());
-    NoteLastWords(0, name);
+    const CallNote note(name);
     return Tell(name, runner.Try(trial));
   }
 

@@ -83,7 +83,7 @@ class FunctionTest : public testing::Test {
     std::pair<std::vector<std::pair<const XlCallback*, int>>, std::int64_t> before;
     for (const bool forgets : {true, false}) {
       trial.forgets = forgets;
-      NoteLastWords(0, findings_.NameOf(number, trial.Describe()));
+      const CallNote note(findings_.NameOf(number, trial.Describe()));
       const Value answer = runner_.Observe(trial);
       if (!function_.IsHidden()) trial.answer = answer;
       const std::pair way(runner_.CallbacksMade(), AddinAllocations().Count());

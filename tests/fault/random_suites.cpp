@@ -117,7 +117,6 @@ class OneThread : public RandomTest {
       trial.faults = DrawFaults(runner_, trial.operands.size(), random);
       return findings_.Try(runner_, trial, number);
     });
-    NoteLastWords(0, "");
   }
 };
 
@@ -134,6 +133,7 @@ class AllThreads : public RandomTest {
  private:
   static constexpr int kCallsOfThread = 12;
   static constexpr int kRepetitions = 3;
+  static constexpr int kThreads = 8;
 
   bool TryRound(std::uint64_t number) {
     const std::int64_t before = AddinAllocations().LiveBlocks();
@@ -163,21 +163,20 @@ class AllThreads : public RandomTest {
     const Faults faults = FaultsOf(number);
     faults.Arm(runner_.Host());
     const EvaluationWatch watch(runner_.Host());
-    runner_.Host().mainThread.RunOnThreads(kMostThreads, [&](int thread) {
+    runner_.Host().mainThread.RunOnThreads(kThreads, [&](int thread) {
       Random random = SourceOf(settings_, number, static_cast<std::uint64_t>(thread) + 1);
       for (int i = 0; i < kCallsOfThread; ++i) {
         Trial trial = DrawCall(runner_, random);
         trial.faults = faults;
         const std::string name = findings_.NameOf(number, trial.Describe());
-        NoteLastWords(thread, name);
+        const CallNote note(name);
         Note(name, runner_.CheckCall(trial));
       }
-      NoteLastWords(thread, "");
     });
   }
 
   void PlainRound() {
-    runner_.Host().mainThread.RunOnThreads(kMostThreads, [&](int thread) {
+    runner_.Host().mainThread.RunOnThreads(kThreads, [&](int thread) {
       const auto& functions = runner_.Functions();
       const std::size_t at = (plainRounds_ + static_cast<std::size_t>(thread)) % functions.size();
       Note("a plain round", runner_.CheckPlainCall(*functions[at]));
