@@ -1,5 +1,8 @@
 // xlfRegister, xlfUnregister and xlfSetName.
+#include <algorithm>
+
 #include "host/callbacks/handlers.h"
+#include "host/callbacks/registered_texts.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 
@@ -7,6 +10,9 @@ namespace qcalc {
 namespace {
 
 constexpr std::size_t kMaxRegisteredText = 255;
+// Types of macros; 0 is a function that is hidden.
+constexpr int kFunction = 1;
+constexpr int kCommand = 2;
 
 /// The arguments of xlfRegister, 0-based.
 enum : std::size_t {
@@ -46,9 +52,28 @@ std::string FindDefect(const CallbackRequest& request) {
   if (!EqualsIgnoringCase(*request.TextAt(kModule), request.Host().library->PathText()))
     return "names another module than xlGetName gives: " + ToUtf8(*request.TextAt(kModule));
   if (const auto macroType = request.NumberAt(kMacroType);
-      !request.IsOmitted(kMacroType) && (!macroType || (*macroType != 0 && *macroType != 1 && *macroType != 2)))
+      !request.IsOmitted(kMacroType) &&
+      (!macroType || (*macroType != 0 && *macroType != kFunction && *macroType != kCommand)))
     return "was given a macro type that is not 0, 1 or 2";
-  return {};
+  const XString* name = request.TextAt(kFunctionText);
+  if (!name && request.NumberAt(kMacroType).value_or(kFunction) == kCommand) return "was given no name for a command";
+  const std::string defect = name ? DefectOfName(*name) : std::string();
+  return defect.empty() ? defect : "was given " + defect;
+}
+
+/// What Excel registers all the same and makes nothing of.
+void ComplainOfTexts(const CallbackRequest& request, const TypeText& type) {
+  if (const XString* names = request.TextAt(kArgumentText); names && !names->empty())
+    if (const auto count = std::count(names->begin(), names->end(), XTEXT(',')) + 1; count > std::ssize(type.arguments))
+      request.Complain("was given " + std::to_string(count) + " argument names for " +
+                       std::to_string(type.arguments.size()) + " arguments");
+  if (const XString* shortcut = request.TextAt(kShortcut); shortcut && !shortcut->empty()) {
+    if (shortcut->size() != 1) request.Complain("was given a shortcut that is not one character");
+    if (request.NumberAt(kMacroType).value_or(kFunction) != kCommand)
+      request.Complain("was given a shortcut for what is no command");
+  }
+  if (const XString* topic = request.TextAt(kHelpTopic))
+    if (const std::string defect = DefectOfHelpTopic(*topic); !defect.empty()) request.Complain("was given " + defect);
 }
 
 XString TextOrEmpty(const CallbackRequest& request, std::size_t index) {
@@ -67,7 +92,7 @@ std::unique_ptr<RegisteredFunction> ReadRegistration(const CallbackRequest& requ
   function->type = std::move(type);
   function->entry = entry;
   function->argumentNames = TextOrEmpty(request, kArgumentText);
-  function->macroType = static_cast<int>(request.NumberAt(kMacroType).value_or(1));
+  function->macroType = static_cast<int>(request.NumberAt(kMacroType).value_or(kFunction));
   function->category = TextOrEmpty(request, kCategory);
   function->shortcut = TextOrEmpty(request, kShortcut);
   function->helpTopic = TextOrEmpty(request, kHelpTopic);
@@ -96,6 +121,7 @@ CallbackAnswer HandleRegister(CallbackRequest& request) {
     if (!IsOfferedArgument(letter))
       return refuse("of " + name + ": this host does not offer the letter " + std::string(1, letter.letter) +
                     (letter.isWide ? "%" : ""));
+  ComplainOfTexts(request, type);
   return Value::Number(request.Host().registry.Add(ReadRegistration(request, std::move(type), entry)).id);
 }
 

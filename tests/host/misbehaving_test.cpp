@@ -166,6 +166,21 @@ TEST_F(Misbehaving, RegistrationsThatAreRefused) {
       =BAD.REGISTRATION(3) -> 1, 'W' is none | =BAD.REGISTRATION(4) -> 1, exports no such procedure
       =BAD.REGISTRATION(5) -> 1, names another module than xlGetName gives: other.xll)");
   EXPECT_EQ(Evaluate("=MARKS(1)"), "#NAME?");
+  CheckTold(R"(
+      =REGISTER.AS("A1") -> #VALUE!, which is a cell | =REGISTER.AS("xfd1") -> #VALUE!, which is a cell
+      =REGISTER.AS("r1c1") -> #VALUE!, which is a cell | =REGISTER.AS("C") -> #VALUE!, which is a cell
+      =REGISTER.AS("TRUE") -> #VALUE!, which is Excel's own | =REGISTER.AS("Match") -> #VALUE!, which is Excel's own
+      =REGISTER.AS("MY SUM") -> #VALUE!, a character that no name holds | =REGISTER.AS("") -> #VALUE!, an empty name
+      =REGISTER.AS("2ND") -> #VALUE!, does not begin with a letter
+      =REGISTER.AS("A-B") -> #VALUE!, a character that no name holds | =REGISTER.AS(,,2) -> #VALUE!, no name for a command
+      =REGISTER.AS("F.2","a,b") -> 1, 2 argument names for 1 arguments
+      =REGISTER.AS("F.3","a",2,"xy") -> 1, a shortcut that is not one character
+      =REGISTER.AS("F.4","a",1,"x") -> 1, a shortcut for what is no command
+      =REGISTER.AS("F.5",,,,"help.chm") -> 1, neither file!number nor | =REGISTER.AS("F.6",,,,"!5") -> 1, neither file
+      =REGISTER.AS("F.7",,,,"a.chm!-1") -> 1, neither file | =REGISTER.AS("F.8",,,,"http://a/b!7") -> 1, neither file)");
+  Check(R"(
+      =REGISTER.AS("VSTACK","") -> 1 | =REGISTER.AS("R1C1.2","a",2,"x") -> 1 | =REGISTER.AS("XFE1") -> 1
+      =REGISTER.AS("_\?.ä",,,"","http://a/b!0") -> 1 | =REGISTER.AS("F.9",,,,"c:\a b.chm!4294967295") -> 1)");
 }
 
 #if !defined(__SANITIZE_THREAD__)  // which sees the race in the add-in before the host does

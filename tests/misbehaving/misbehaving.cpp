@@ -441,6 +441,20 @@ QCALC_EXPORT XLOPER12* BadRegistration(std::int32_t which) {
   return Owned(Number(1));
 }
 
+/// Registers PlusOne by those texts and that type of macro. 1 when Excel takes it, else its error.
+QCALC_EXPORT XLOPER12* RegisterAs(XLOPER12* name, XLOPER12* argumentNames, XLOPER12* macroType, XLOPER12* shortcut,
+                                  XLOPER12* helpTopic) {
+  XLOPER12 module = OfType(xltypeNil), result = OfType(xltypeNil), category = OfType(xltypeMissing);
+  XLOPER12 procedure = Text(XTEXT("PlusOne")), type = Text(XTEXT("UQ"));
+  CallExcel(xlGetName, &module, {});
+  CallExcel(xlfRegister, &result,
+            {&module, &procedure, &type, name, argumentNames, macroType, &category, shortcut, helpTopic});
+  CallExcel(xlFree, nullptr, {&module});
+  delete[] procedure.val.str;
+  delete[] type.val.str;
+  return Owned(result.xltype == xltypeNum ? Number(1) : result);
+}
+
 /// xlAutoClose answers 0 from now on.
 QCALC_EXPORT XLOPER12* RefuseToClose() {
   closingAnswer = 0;
@@ -481,5 +495,6 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("BadCallback"), XTEXT("UJ#"), XTEXT("BAD.CALLBACK.MACRO"));
   Register(XTEXT("RefuseToClose"), XTEXT("U"), XTEXT("REFUSE.TO.CLOSE"));
   Register(XTEXT("BadRegistration"), XTEXT("UJ#"), XTEXT("BAD.REGISTRATION"));
+  Register(XTEXT("RegisterAs"), XTEXT("UQQQQQ#"), XTEXT("REGISTER.AS"));
   return 1;
 }
