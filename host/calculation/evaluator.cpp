@@ -66,18 +66,8 @@ class Evaluator {
       Refuse(node, "takes at most " + std::to_string(function.operands.size()) + " arguments, found " +
                        std::to_string(node.children.size()));
     PreparedCall call{&function, {}, std::nullopt};
-    for (std::size_t i = 0; i < function.operands.size(); ++i) {
-      if (i >= node.children.size()) {
-        call.operands.push_back(Value::Missing());
-        continue;
-      }
-      Value operand = Evaluate(*node.children[i]);
-      if (function.operands[i] != OperandKind::kReference) {
-        if (operand.IsReference() && operand.AsReference().areas.size() > 1) call.refused = Value::Error(xlerrValue);
-        operand = Hold(std::move(operand));
-      }
-      call.operands.push_back(std::move(operand));
-    }
+    for (const auto& child : node.children) AddOperand(call, Evaluate(*child), context_);
+    call.operands.resize(function.operands.size(), Value::Missing());
     return call;
   }
 
@@ -179,6 +169,16 @@ class Evaluator {
 };
 
 }  // namespace
+
+void AddOperand(PreparedCall& call, Value operand, const EvaluationContext& context, bool mayBeOld) {
+  const OperandKind kind = call.function->operands[call.operands.size()];
+  if (kind != OperandKind::kReference && operand.IsReference()) {
+    if (operand.AsReference().areas.size() > 1) call.refused = Value::Error(xlerrValue);
+    if (!mayBeOld) CheckCalculated(operand.AsReference(), *context.workbooks);
+    operand = Dereference(operand, *context.workbooks);
+  }
+  call.operands.push_back(std::move(operand));
+}
 
 Value Evaluate(const Formula& formula, const EvaluationContext& context) {
   ++ProcessJournal().formulasCalculated;

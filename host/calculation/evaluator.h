@@ -24,12 +24,17 @@ struct PreparedCall {
   std::optional<Value> refused;
 };
 
+/// Adds the operand for the function's next argument: as it is, or what it holds where a value is wanted, once all of
+/// that is calculated; `mayBeOld` takes the values that uncalculated cells had. Throws UncalculatedCell. A call has as
+/// many operands as its function takes before it is made: those left out are missing.
+void AddOperand(PreparedCall& call, Value operand, const EvaluationContext& context, bool mayBeOld = false);
+
 /// Stops at the outermost add-in call (the first one met from the outside in, left to right); nothing when the formula
 /// makes none. Throws as Evaluate.
 std::optional<PreparedCall> PrepareOutermostCall(const Formula& formula, const EvaluationContext& context);
 
 /// Calls one of Excel's own functions with evaluated operands, as a callback (xlfSum, ...) does; nothing when the host
-/// does not offer it. References count as references, scalars as direct arguments.
+/// does not offer it, or not with so many. References count as references, scalars as direct arguments.
 std::optional<Value> CallBuiltin(XStringView name, std::span<const Value> operands, const EvaluationContext& context);
 
 }  // namespace qcalc

@@ -1,24 +1,45 @@
 // Callbacks that calculate: Excel's own functions, formulas, functions of the macro language.
+#include "host/calculation/builtins/builtin.h"
 #include "host/calculation/evaluator.h"
 #include "host/callbacks/handlers.h"
+#include "host/formulas/formula_node.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {
 
-/// The function that an argument of xlUDF means, by name or by register id; null when there is none.
+constexpr std::size_t kMaxEvaluatedText = 255;
+
+/// The function that an argument of xlUDF means, by name or by register id; null when there is none. Commands are none.
 const RegisteredFunction* RegisteredAt(const CallbackRequest& request, std::size_t index) {
   const Registry& registry = request.Host().registry;
-  if (const XString* name = request.TextAt(index)) return registry.Find(*name);
+  const XString* name = request.TextAt(index);
   const auto id = request.NumberAt(index);
-  return id ? registry.Find(*id) : nullptr;
+  const RegisteredFunction* function = name ? registry.Find(*name) : id ? registry.Find(*id) : nullptr;
+  return function && !function->IsCommand() ? function : nullptr;
 }
 
-std::vector<Value> ValuesFrom(const CallbackRequest& request, std::size_t first) {
-  std::vector<Value> values;
-  for (std::size_t i = first; i < request.arguments.size(); ++i) values.push_back(request.ValueAt(i));
-  return values;
+/// Whether a formula names cells or values of the active sheet without the "!" that xlfEvaluate wants before them.
+bool HasBareName(const Formula& formula) {
+  bool isBare = false;
+  VisitNodes(formula.Root(), [&](const FormulaNode& node) {
+    const bool isName = node.kind == FormulaNode::Kind::kName;
+    const bool isCells = node.kind == FormulaNode::Kind::kReference && node.reference.sheet.empty();
+    if (isName || isCells) isBare = isBare || formula.Text()[static_cast<std::size_t>(node.column) - 1] != '!';
+  });
+  return isBare;
+}
+
+CallbackAnswer CallRegistered(const CallbackRequest& request, const RegisteredFunction& function) {
+  const std::size_t count = request.arguments.size() - 1;
+  if (count > function.operands.size()) return request.WrongCount(count);
+  PreparedCall call{&function, {}, std::nullopt};
+  for (std::size_t i = 1; i <= count; ++i)
+    AddOperand(call, request.ValueAt(i), request.Evaluation(), request.MayReadOldValues());
+  call.operands.resize(function.operands.size(), Value::Missing());
+  if (call.refused) return *call.refused;
+  return request.Evaluation().addin->Call(function, call.operands, request.Evaluation());
 }
 
 }  // namespace
@@ -26,35 +47,31 @@ std::vector<Value> ValuesFrom(const CallbackRequest& request, std::size_t first)
 CallbackAnswer HandleWorksheetFunction(CallbackRequest& request) {
   // "xlfSum" is SUM, as the add-in's programmer and a cell's user spell it.
   const XString name(request.callback.name.begin() + 3, request.callback.name.end());
-  const std::vector<Value> operands = ValuesFrom(request, 0);
+  std::vector<Value> operands;
+  for (std::size_t i = 0; i < request.arguments.size(); ++i) operands.push_back(request.ValueAt(i));
   for (const Value& operand : operands)
     if (operand.IsReference()) request.CheckCalculated(operand.AsReference());
-  auto result = CallBuiltin(name, operands, request.Evaluation());
-  if (!result) return request.NotOffered("this function");
-  return std::move(*result);
+  if (auto result = CallBuiltin(name, operands, request.Evaluation())) return std::move(*result);
+  return FindBuiltin(name) ? request.WrongCount(operands.size()) : request.NotOffered("this function");
 }
 
 CallbackAnswer HandleEvaluate(CallbackRequest& request) {
   const XString* text = request.TextAt(0);
   if (!text) return request.WrongArgument(1, "a text");
+  if (text->size() > kMaxEvaluatedText) return Value::Error(xlerrValue);
   // The name that an add-in's function was registered by stands for its register id.
   if (const RegisteredFunction* function = request.Host().registry.Find(*text)) return Value::Number(function->id);
   const Parsed<Formula> formula = ParseFormula(ToUtf8(*text));
   if (!formula) return Value::Error(xlerrValue);
-  return Dereference(Evaluate(*formula, request.Evaluation()), *request.Evaluation().workbooks);
+  if (HasBareName(*formula)) return Value::Error(xlerrName);
+  return Evaluate(*formula, request.Evaluation());
 }
 
 CallbackAnswer HandleUdf(CallbackRequest& request) {
   HostState& host = request.Host();
   const XString* name = request.TextAt(0);
   if (!name && !request.NumberAt(0)) return request.WrongArgument(1, "a function's name or register id");
-  if (const RegisteredFunction* function = RegisteredAt(request, 0)) {
-    std::vector<Value> operands = ValuesFrom(request, 1);
-    for (std::size_t i = 0; i < operands.size() && i < function->operands.size(); ++i)
-      if (function->operands[i] != OperandKind::kReference)
-        operands[i] = Dereference(operands[i], *request.Evaluation().workbooks);
-    return request.Evaluation().addin->Call(*function, operands, request.Evaluation());
-  }
+  if (const RegisteredFunction* function = RegisteredAt(request, 0)) return CallRegistered(request, *function);
   if (!name) return Value::Error(xlerrName);
   const auto macro = host.macroFunctions.results.find(FoldCase(*name));
   if (macro == host.macroFunctions.results.end()) return Value::Error(xlerrName);

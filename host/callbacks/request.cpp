@@ -58,8 +58,7 @@ const Sheet* CallbackRequest::SheetAt(std::size_t index) const {
 }
 
 void CallbackRequest::CheckCalculated(const Reference& reference) const {
-  if (context.place == Place::kMacroFunction || context.place == Place::kCommand) return;
-  qcalc::CheckCalculated(reference, *Evaluation().workbooks);
+  if (!MayReadOldValues()) qcalc::CheckCalculated(reference, *Evaluation().workbooks);
 }
 
 void CallbackRequest::Complain(const std::string& text) const {
@@ -69,6 +68,11 @@ void CallbackRequest::Complain(const std::string& text) const {
 CallbackAnswer CallbackRequest::WrongArgument(std::size_t number, std::string_view expected) const {
   Complain("was given an argument " + std::to_string(number) + " that is not " + std::string(expected));
   return CallbackAnswer::Failure(xlretInvXloper);
+}
+
+CallbackAnswer CallbackRequest::WrongCount(std::size_t count) const {
+  Complain("was given " + std::to_string(count) + " arguments");
+  return CallbackAnswer::Failure(xlretInvCount);
 }
 
 CallbackAnswer CallbackRequest::NotOffered(const std::string& what) const {

@@ -51,6 +51,8 @@ struct CallbackRequest {
   /// null when there is none such.
   const Sheet* SheetAt(std::size_t index) const;
 
+  /// Whether cells may be read that are not calculated yet, for what they held before.
+  bool MayReadOldValues() const { return context.place == Place::kMacroFunction || context.place == Place::kCommand; }
   /// Throws UncalculatedCell when a function on a worksheet is to read cells of which one is not calculated yet.
   void CheckCalculated(const Reference& reference) const;
 
@@ -58,6 +60,8 @@ struct CallbackRequest {
   void Complain(const std::string& text) const;
   /// Reports an argument (1-based) of the wrong kind and gives xlretInvXloper.
   CallbackAnswer WrongArgument(std::size_t number, std::string_view expected) const;
+  /// Reports that what is called does not take so many, and gives xlretInvCount.
+  CallbackAnswer WrongCount(std::size_t count) const;
   /// Reports what Excel can do and the host cannot, and gives xlretFailed.
   CallbackAnswer NotOffered(const std::string& what) const;
 };

@@ -41,8 +41,9 @@ TEST_F(Misbehaving, ArgumentsPassedByValueAreConvertedByTheHost) {
 }
 
 TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
+  session.Names()[XTEXT("large")] = Value::Number(7);
   session.CurrentSheet().Set({0, 4, 0, 1}, *ParseLiteral(R"({1.5,"2.5";TRUE,empty;10,"ten";20,empty;"Key",#REF!})"));
-  Check(R"(
+  Check(R"-(
       =COERCED(A1,1) -> 1.5 | =COERCED(A1,2048) -> 1 | =COERCED(B1,1) -> 2.5 | =COERCED(B1,2) -> "2.5"
       =COERCED(A2,1) -> 1 | =COERCED(A2,2) -> "TRUE" | =COERCED(B2,1) -> 0 | =COERCED(B2,2) -> ""
       =COERCED(B2,256) -> empty | =COERCED(A1:B2,1) -> 1.5 | =COERCED(A1:B2,64) -> {1.5,"2.5";TRUE,empty}
@@ -53,18 +54,28 @@ TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
       =CALLED(64,10,{30,20,10},0) -> 3 | =CALLED(64,A4,(A3:A5,B3),0) -> #VALUE!
       =CALLED(64,{20;5},A3:A5,0) -> {2;#N/A} | =CALLED(102,10,A3:B5,2,FALSE) -> "ten"
       =CALLED(102,20,A3:B5,2,FALSE) -> empty | =CALLED(102,25,A3:B5,1) -> 20
-      =CALLED(102,"KEY",A3:B5,2,FALSE) -> #REF! | =CALLED(255,"plus.one",A1) -> 2.5)");
+      =CALLED(102,"KEY",A3:B5,2,FALSE) -> #REF! | =CALLED(255,"plus.one",A1) -> 2.5
+      =CALLED(255,CALLED(257,"plus.one"),A1) -> 2.5 | =CALLED(255,"plus.one",(A1,A2)) -> #VALUE!
+      =REGISTER.AS("A.COMMAND",,2) -> 1 | =CALLED(255,"a.command") -> #NAME? | =DESCRIBE(CALLED(257,"!A1:B2")) -> {1024,0,0,0}
+      =CALLED(257,"=SUM(Sheet1!A3:A4)") -> 30 | =CALLED(257,"SUM(A3:A4)") -> #NAME? | =CALLED(257,"A3") -> #NAME?
+      =CALLED(257,"!large") -> 7 | =CALLED(257,"large") -> #NAME? | =CALLED(257,"!nobody") -> #NAME?
+      =CALLED(257,"1+") -> #VALUE! | =CALLED(257,"1"&REPT("+1",127)) -> 128 | =CALLED(257,"01"&REPT("+1",127)) -> #VALUE!)-");
+  CheckTold(R"(
+      =CALLED(64,1) -> -4, CALLED: xlfMatch was given 1 arguments
+      =CALLED(255,"plus.one",1,2) -> -4, CALLED: xlUDF was given 2 arguments)");
   session.Host().settings.decimalSeparator = ',';
   Check(R"(=COERCED("16.0",1) -> -32 | =COERCED("16,5",1) -> 16.5 | =COERCED(1.5,2) -> "1,5")");
 }
 
 // The range goes over a cell that the formula does not name; the other formula comes first.
-TEST_F(Misbehaving, WorksheetFunctionsDoNotReadWhatIsNotCalculated) {
+TEST_F(Misbehaving, FunctionsDoNotReadWhatIsNotCalculated) {
   Sheet& sheet = session.CurrentSheet();
-  sheet.SetFormula({9, 9, 2, 2}, *ParseFormula("=40+2"));
+  for (const std::int32_t row : {9, 10}) sheet.SetFormula({row, row, 2, 2}, *ParseFormula("=40+2"));
   sheet.SetFormula({0, 0, 0, 0}, *ParseFormula("=CALLED.MACRO(64,42,A10:INDEX(E:E,10),0)"));
-  sheet.SetFormula({1, 1, 0, 0}, *ParseFormula("=CALLED(64,42,A10:INDEX(E:E,10),0)"));
-  EXPECT_EQ(Evaluate("=A1:A2"), "{#N/A;3}") << "a macro-sheet equivalent gets the cell's old value";
+  sheet.SetFormula({1, 1, 0, 0}, *ParseFormula("=SUM(CALLED.MACRO(255,\"ECHO.VALUE4\",A11:INDEX(E:E,11)))"));
+  sheet.SetFormula({2, 2, 0, 0}, *ParseFormula("=CALLED(64,42,A10:INDEX(E:E,10),0)"));
+  sheet.SetFormula({3, 3, 0, 0}, *ParseFormula("=SUM(CALLED(255,\"ECHO.VALUE4\",A11:INDEX(E:E,11)))"));
+  EXPECT_EQ(Evaluate("=A1:A4"), "{#N/A;0;3;42}") << "a macro-sheet equivalent gets the cell's old value";
   sheet.SetFormula({9, 9, 3, 3}, *ParseFormula("=CALLED(64,42,A10:INDEX(E:E,10),0)"));
   EXPECT_THROW(Evaluate("=D10"), FormulaError) << "which reads itself";
 }
