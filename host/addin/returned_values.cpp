@@ -53,6 +53,16 @@ void ReturnedValues::CheckUnmarked(const void* memory, const Arguments& argument
     host_.complaints.Add(function + " returned memory of the heap without xlbitDLLFree: it is lost");
 }
 
+Value ReturnedValues::CheckReference(Value value, const RegisteredFunction& function, const std::string& name) {
+  if (!function.type.result.MayBeReference()) {
+    host_.complaints.Add(name + " returned a reference and is registered to return values");
+    return Value::Error(xlerrValue);
+  }
+  if (host_.workbooks.FindSheet(value.AsReference().sheet)) return value;
+  host_.complaints.Add(name + " returned a reference to a sheet that does not exist");
+  return Value::Error(xlerrRef);
+}
+
 template <typename Width>
 Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction& function, const Arguments& arguments,
                            CallContext& frame) {
@@ -77,6 +87,7 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
   } else {
     host_.complaints.Add(name + " returned a value of a kind that no function returns");
   }
+  if (value.IsReference()) value = CheckReference(std::move(value), function, name);
   if (bits == 0 && memory) CheckUnmarked(memory, arguments, name);
   LeaveHand(oper);
   Release<Width>(oper, frame);

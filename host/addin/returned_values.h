@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "host/addin/call_context.h"
+#include "host/values/value.h"
 
 namespace qcalc {
 
@@ -41,6 +42,8 @@ class ReturnedValues {
   bool HandOver(typename Width::Oper* oper, const CallContext& frame);
   void CheckOwner(const void* oper, bool ownsMemory, const RegisteredFunction& function);
   void CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function);
+  /// A reference that came back, or the error that stands for it when it may not.
+  Value CheckReference(Value value, const RegisteredFunction& function, const std::string& name);
   void LeaveHand(const void* oper);
 
   HostState& host_;

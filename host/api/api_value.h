@@ -30,4 +30,12 @@ struct ApiSheetReference {
 
 using ApiValue = std::variant<Value, ApiInteger, ApiHandle, ApiSheet, ApiSheetReference>;
 
+/// The id of the sheet that the value names, 0 when it names none.
+inline IDSHEET SheetOf(const ApiValue& value) {
+  if (const auto* sheet = std::get_if<ApiSheet>(&value)) return sheet->sheet;
+  if (const auto* full = std::get_if<ApiSheetReference>(&value)) return full->reference.sheet;
+  const auto* plain = std::get_if<Value>(&value);
+  return plain && plain->IsReference() ? plain->AsReference().sheet : 0;
+}
+
 }  // namespace qcalc

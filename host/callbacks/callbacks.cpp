@@ -113,6 +113,10 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
     if (!reading.defect.empty() && !context->isSpoilt)
       refuse(xlretInvXloper, "was given " + reading.defect + " as argument " + std::to_string(i + 1));
     if (reading.isMalformed) return CallbackAnswer::Failure(xlretInvXloper);
+    if (const IDSHEET sheet = SheetOf(reading.value); sheet && !host->workbooks.FindSheet(sheet)) {
+      const std::string which = std::to_string(i + 1);
+      return refuse(xlretFailed, context->isSpoilt ? "" : "was given a sheet that does not exist as argument " + which);
+    }
     request.arguments.push_back(std::move(reading.value));
   }
   if (interference.answer) return AnswerOf(*interference.answer, current);

@@ -124,7 +124,9 @@ TEST_F(Misbehaving, ValuesThatNoFunctionMayReturn) {
       =BAD.VALUE(9) -> #VALUE!, an array element (1, 1) with free bits
       =BAD.VALUE(10) -> {#NUM!}, an array element (1, 1) with a number that is not finite
       =BAD.VALUE(11) -> TRUE, a boolean of 7 | =BAD.VALUE(12) -> #VALUE!, an error of code -1
-      =BAD.VALUE(13) -> #VALUE!, a reference that leaves the sheet | =BAD.VALUE(14) -> 0, unknown bits in its type)");
+      =BAD.VALUE(13) -> #VALUE!, a reference that leaves the sheet | =BAD.VALUE(14) -> 0, unknown bits in its type
+      =BAD.VALUE(15) -> #REF!, a reference to a sheet that does not exist
+      =BAD.PLAIN.VALUE(16) -> #VALUE!, a reference and is registered to return values)");
   EXPECT_EQ(Evaluate("=BAD.VALUE(99)"), "#NUM!") << "a null pointer";
   EXPECT_THAT(Complaints(), IsEmpty());
 }
@@ -148,6 +150,7 @@ TEST_F(Misbehaving, CallbacksThatAreRefused) {
       =BAD.CALLBACK(11) -> 128, xlGetName may not be made from a thread-safe function
       =BAD.CALLBACK(14) -> 32, xlAsyncReturn is not offered by this host
       =BAD.CALLBACK(15) -> 128, xlUDF reached a function that is not thread-safe from one that is
+      =BAD.CALLBACK(16) -> 32, xlCoerce was given a sheet that does not exist as argument 1
       =BAD.CALLBACK(13) -> 0, xlfCaller may not be made from xlAutoFree)");
   Check("=BAD.CALLBACK.MACRO(1) -> 0");
   session.Finish();

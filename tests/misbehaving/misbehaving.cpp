@@ -22,6 +22,7 @@ bool callsBackWhenFreeing = false;
 int closingAnswer = 1;
 XLOPER12 freeCount{{.num = 0}, xltypeNum | xlbitDLLFree};
 std::vector<void*> keptBlocks;
+XLMREF12 firstCell{1, {{0, 0, 0, 0}}};
 XCHAR* forgotten = nullptr;  // freed at the end, so that the leak checker stays out of it
 
 int CallExcel(int number, XLOPER12* result, std::initializer_list<XLOPER12*> arguments) {
@@ -353,6 +354,14 @@ QCALC_EXPORT XLOPER12* BadValue(std::int32_t which) {
       return &result;
     case 14:
       return &(result = OfType(xltypeNum | 0x2000));
+    case 15:
+      result = OfType(xltypeRef);
+      result.val.mref = {&firstCell, 0xBAD};
+      return &result;
+    case 16:
+      result = OfType(xltypeSRef);
+      result.val.sref.count = 1;
+      return &result;
     default:
       return nullptr;
   }
@@ -362,7 +371,8 @@ QCALC_EXPORT XLOPER12* BadValue(std::int32_t which) {
 QCALC_EXPORT XLOPER12* BadCallback(std::int32_t which) {
   XLOPER12 result = OfType(xltypeNil);
   XLOPER12 one = Number(1), two = Integer(2), text = Text(XTEXT("text"));
-  XLOPER12 nothing = OfType(xltypeMulti), caller = OfType(xltypeNil);
+  XLOPER12 nothing = OfType(xltypeMulti), caller = OfType(xltypeNil), elsewhere = OfType(xltypeRef);
+  elsewhere.val.mref = {&firstCell, 0xBAD};
   int code = 0;
   switch (which) {
     case 1:
@@ -410,6 +420,9 @@ QCALC_EXPORT XLOPER12* BadCallback(std::int32_t which) {
       break;
     case 15:
       code = CallExcel(xlUDF, &result, {&text});
+      break;
+    case 16:
+      code = CallExcel(xlCoerce, &result, {&elsewhere});
       break;
     default:
       break;
@@ -490,6 +503,7 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("ForgetBit"), XTEXT("U"), XTEXT("FORGET.BIT"));
   Register(XTEXT("StaticResult"), XTEXT("U$"), XTEXT("STATIC.RESULT"));
   Register(XTEXT("BadValue"), XTEXT("UJ"), XTEXT("BAD.VALUE"));
+  Register(XTEXT("BadValue"), XTEXT("QJ"), XTEXT("BAD.PLAIN.VALUE"));
   Register(XTEXT("BadCallback"), XTEXT("UJ$"), XTEXT("BAD.CALLBACK"));
   Register(XTEXT("BadCallback"), XTEXT("UJ"), XTEXT("BAD.CALLBACK.MAIN"));
   Register(XTEXT("BadCallback"), XTEXT("UJ#"), XTEXT("BAD.CALLBACK.MACRO"));
