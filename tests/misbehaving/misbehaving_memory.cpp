@@ -1,0 +1,94 @@
+// Memory of the host's and its own that the add-in treats wrongly.
+#include <atomic>
+#include <thread>
+
+#include "tests/misbehaving/misbehaving.h"
+
+using namespace misbehaving;
+
+// Called by name from outside.
+#pragma GCC diagnostic ignored "-Wmissing-declarations"
+
+QCALC_EXPORT XLOPER12* KeepLent() {
+  LentText();
+  return Owned(Number(1));
+}
+
+QCALC_EXPORT XLOPER12* FreeTwice() {
+  XLOPER12 name = LentText();
+  XLOPER12 copy = name;
+  CallExcel(xlFree, nullptr, {&name});
+  CallExcel(xlFree, nullptr, {&copy});
+  return Owned(Number(1));
+}
+
+QCALC_EXPORT XLOPER12* FreeEmptied() {
+  XLOPER12 name = LentText();
+  CallExcel(xlFree, nullptr, {&name});
+  CallExcel(xlFree, nullptr, {&name});
+  return Owned(Number(1));
+}
+
+QCALC_EXPORT XLOPER12* FreeForeign() {
+  XLOPER12 own = Text(XTEXT("mine"));
+  XCHAR* units = own.val.str;
+  CallExcel(xlFree, nullptr, {&own});
+  delete[] units;
+  return Owned(Number(1));
+}
+
+QCALC_EXPORT XLOPER12* WriteAfterFree() {
+  XLOPER12 name = LentText();
+  XCHAR* units = name.val.str;
+  CallExcel(xlFree, nullptr, {&name});
+  units[1] = 'x';
+  return Owned(Number(1));
+}
+
+QCALC_EXPORT XLOPER12* ChangeArgument(XLOPER12*, XLOPER12* argument) {
+  if ((argument->xltype & 0x0FFF) == xltypeMulti)
+    argument->val.array.lparray[0].val.num = 99;
+  else
+    argument->val.num = 99;
+  return Owned(Number(1));
+}
+
+QCALC_EXPORT XLOPER12* BothBits() {
+  static XLOPER12 result;
+  result = Number(1);
+  result.xltype |= xlbitXLFree | xlbitDLLFree;
+  return &result;
+}
+
+QCALC_EXPORT XLOPER12* FreeNotLent() {
+  static XCHAR units[] = {2, 'o', 'k'};
+  static XLOPER12 result;
+  result = OfType(xltypeStr | xlbitXLFree);
+  result.val.str = units;
+  return &result;
+}
+
+/// The library has no xlAutoFree that such a result could be given to.
+QCALC_EXPORT XLOPER* Owned4() {
+  static XLOPER result;
+  result.xltype = xltypeBool | xlbitDLLFree;
+  return &result;
+}
+
+QCALC_EXPORT XLOPER12* ForgetBit() {
+  static XLOPER12 result;
+  result = Text(XTEXT("lost"));
+  forgotten = result.val.str;
+  return &result;
+}
+
+/// One static array, which two threads that call at once get at once; it takes the host a while to copy.
+QCALC_EXPORT XLOPER12* StaticResult() {
+  static std::vector<XLOPER12> elements(kXlMaxRows, Number(1));
+  static XLOPER12 result{{.array = {elements.data(), kXlMaxRows, 1}}, xltypeMulti};
+  // No std::barrier: on Windows this library's may let a waiter miss the moment.
+  static std::atomic<unsigned> calls{0};
+  const unsigned mine = ++calls;
+  while (calls < mine + mine % 2) std::this_thread::yield();
+  return &result;
+}
