@@ -30,8 +30,8 @@ std::uint64_t Mix(std::uint64_t sum, const std::byte* data, std::size_t bytes) {
 }
 
 std::uint64_t ChecksumOfEntry(const ArgumentCache::Entry& entry) {
-  return Mix(Mix(0, entry.block.data(), entry.block.size()), reinterpret_cast<const std::byte*>(&entry.oper),
-             sizeof entry.oper);
+  return Mix(Mix(0, entry.block.Guarded().data(), entry.block.Guarded().size()),
+             reinterpret_cast<const std::byte*>(&entry.oper), sizeof entry.oper);
 }
 
 /// A value where one cell is wanted: the scalar, a missing argument as an empty cell, the first element of an array.
@@ -216,7 +216,7 @@ std::byte* Arguments::NewBlock(std::size_t bytes, Laid& laid) { return laid.bloc
 
 std::uint64_t Arguments::ChecksumOf(const Laid& laid, bool withLarge) {
   std::uint64_t sum = 0;
-  for (const JunkBlock& block : laid.blocks) sum = Mix(sum, block.data(), block.size());
+  for (const JunkBlock& block : laid.blocks) sum = Mix(sum, block.Guarded().data(), block.Guarded().size());
   for (const SpoiltMemory& memory : laid.spoilt) sum = Mix(sum, memory.data(), memory.size());
   return laid.cached && withLarge ? sum ^ ChecksumOfEntry(*laid.cached) : sum;
 }

@@ -1,5 +1,6 @@
 #include "host/api/loans.h"
 
+#include <iterator>
 #include <utility>
 
 namespace qcalc {
@@ -24,13 +25,32 @@ bool Loans::IsLent(const void* address) const {
   return loans_.contains(address);
 }
 
+bool Loans::IsInLoan(const void* address) const {
+  const std::lock_guard lock(mutex_);
+  const auto next = loans_.upper_bound(address);
+  if (next == loans_.begin()) return false;
+  const JunkBlock& block = std::prev(next)->second.block;
+  return static_cast<const std::byte*>(address) < block.data() + block.size();
+}
+
+bool Loans::CameBack(const void* address) const {
+  const std::lock_guard lock(mutex_);
+  return returnedOrigins_.contains(address);
+}
+
 Loans::Receipt Loans::TakeBack(const void* address) {
   const std::lock_guard lock(mutex_);
   auto node = loans_.extract(address);
   if (node.empty()) return returnedOrigins_.contains(address) ? Receipt::kTakenBefore : Receipt::kUnknown;
+  CheckGuard(node.mapped());
   returnedOrigins_.emplace(address, node.mapped().origin);
   Quarantine(std::move(node.mapped()));
   return Receipt::kTaken;
+}
+
+void Loans::CheckGuard(const Loan& loan) {
+  if (!loan.block.IsGuardIntact())
+    complaints_.Add(loan.origin.function + " wrote past the end of a value of " + std::string(loan.origin.callback));
 }
 
 void Loans::Quarantine(Loan loan) {
@@ -65,7 +85,10 @@ std::vector<std::string> Loans::Close() {
   const std::lock_guard lock(mutex_);
   while (!returned_.empty()) ReleaseOldest();
   std::map<std::pair<std::string, std::string_view>, long long> kept;
-  for (const auto& [address, loan] : loans_) ++kept[{loan.origin.function, loan.origin.callback}];
+  for (const auto& [address, loan] : loans_) {
+    CheckGuard(loan);
+    ++kept[{loan.origin.function, loan.origin.callback}];
+  }
   std::vector<std::string> sentences;
   for (const auto& [origin, count] : kept)
     sentences.push_back(origin.first + " kept " + std::to_string(count) + " value" + (count == 1 ? "" : "s") + " of " +

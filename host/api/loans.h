@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -33,12 +34,15 @@ class Loans {
   /// A new block of that many bytes on loan to the add-in, known by its address.
   std::byte* Lend(std::size_t bytes, LoanOrigin origin);
 
-  /// Whether a block that begins at that address is on loan.
+  /// Whether a block that begins at that address is on loan, or one that holds the address.
   bool IsLent(const void* address) const;
+  bool IsInLoan(const void* address) const;
+  /// Whether a block that began at that address came back, and its address has not been lent again.
+  bool CameBack(const void* address) const;
 
   enum class Receipt { kTaken, kTakenBefore, kUnknown };
 
-  /// Takes a block back, whose memory is poisoned at once.
+  /// Takes a block back, whose memory is poisoned at once. A write past its end goes to the complaints.
   Receipt TakeBack(const void* address);
 
   /// Notes a result that the add-in was to free and exports no way to.
@@ -54,12 +58,13 @@ class Loans {
     LoanOrigin origin;
   };
 
+  void CheckGuard(const Loan& loan);
   void ReleaseOldest();
   void Quarantine(Loan loan);
 
   Complaints& complaints_;
   mutable std::mutex mutex_;
-  std::unordered_map<const void*, Loan> loans_;
+  std::map<const void*, Loan, std::less<>> loans_;
   // Blocks that came back are kept a while, poisoned: an address stays unique and a late write shows.
   std::deque<Loan> returned_;
   std::unordered_map<const void*, LoanOrigin> returnedOrigins_;

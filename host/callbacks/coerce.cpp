@@ -5,6 +5,10 @@
 namespace qcalc {
 namespace {
 
+/// The types that a value can be asked for as.
+constexpr std::uint32_t kKinds =
+    xltypeNum | xltypeStr | xltypeBool | xltypeRef | xltypeErr | xltypeMulti | xltypeNil | xltypeSRef | xltypeInt;
+
 /// What has been read, as the first type of the mask that it converts to.
 CallbackAnswer Coerce(const CallbackRequest& request, const ApiValue& value, std::uint32_t mask) {
   const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.Host().settings.decimalSeparator;
@@ -37,8 +41,8 @@ CallbackAnswer HandleCoerce(CallbackRequest& request) {
   std::uint32_t mask = 0;
   if (!request.IsOmitted(1)) {
     const auto number = request.NumberAt(1);
-    if (!number || *number < 0 || *number > 0xFFFF) return request.WrongArgument(2, "a mask of types");
-    mask = static_cast<std::uint32_t>(*number);
+    mask = number && *number >= 0 && *number <= kKinds ? static_cast<std::uint32_t>(*number) : ~kKinds;
+    if ((mask & ~kKinds) != 0 || mask != *number) return request.WrongArgument(2, "a set of types to convert to");
   }
   if (const Reference* reference = request.ReferenceAt(0)) return CoerceReference(request, *reference, mask);
   return Coerce(request, request.arguments[0], mask);
