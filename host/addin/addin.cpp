@@ -63,6 +63,7 @@ void Addin::Unload() {
   HostState::SetLoaded(nullptr);
   host_.registry.Clear();
   if (Library::IsMapped(path)) host_.complaints.Add("the library is still mapped after it was unloaded");
+  returnedValues_.Close();
   for (std::string& sentence : host_.loans.Close()) host_.complaints.Add(std::move(sentence));
 }
 

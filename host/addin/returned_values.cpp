@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "host/addin/arguments.h"
+#include "host/addin/handed_memory.h"
 #include "host/addin/host_state.h"
 #include "host/api/marshal.h"
 #include "host/api/oper_types.h"
@@ -49,7 +50,7 @@ void ReturnedValues::LeaveHand(const void* oper) {
 void ReturnedValues::CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function) {
   // What the host lent and nobody marked shows among the loans; an argument handed back stays the host's.
   if (host_.loans.IsLent(memory) || arguments.Contains(memory)) return;
-  if (IsHeapBlock(memory))
+  if (HeapBlockBytes(memory))
     host_.complaints.Add(function + " returned memory of the heap without xlbitDLLFree: it is lost");
 }
 
@@ -76,9 +77,24 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
   if ((oper->xltype & ~(kTypeBits | kFreeBits)) != 0)
     host_.complaints.Add(name + " returned a value with unknown bits in its type (" + std::to_string(oper->xltype) +
                          ")");
+  const std::string defect = DefectOfMemory<Width>(*oper, host_.loans);
+  if (!defect.empty()) host_.complaints.Add(name + " returned " + defect);
+  Value value = defect.empty() ? Read<Width>(*oper, function, frame) : Value::Error(xlerrValue);
+  if (bits == 0 && memory && defect.empty()) CheckUnmarked(memory, arguments, name);
+  LeaveHand(oper);
+  Release<Width>(oper, frame);
+  return value;
+}
+
+template <typename Width>
+Value ReturnedValues::Read(const typename Width::Oper& oper, const RegisteredFunction& function,
+                           const CallContext& frame) {
+  const std::string& name = frame.function;
   const IDSHEET current = frame.evaluation.sheet ? frame.evaluation.sheet->Id() : 0;
-  Reading reading = Marshal<Width>::Read(*oper, current);
+  Reading reading = Marshal<Width>::Read(oper, current);
   if (!reading.defect.empty()) host_.complaints.Add(name + " returned " + reading.defect);
+  if (HoldsLentText<Width>(oper, host_.loans))
+    host_.complaints.Add(name + " returned an array of its own with a text that the host had lent");
   Value value = Value::Error(xlerrValue);
   if (const auto* plain = std::get_if<Value>(&reading.value)) {
     value = plain->IsMissing() ? Value::Empty() : *plain;
@@ -88,10 +104,24 @@ Value ReturnedValues::Take(typename Width::Oper* oper, const RegisteredFunction&
     host_.complaints.Add(name + " returned a value of a kind that no function returns");
   }
   if (value.IsReference()) value = CheckReference(std::move(value), function, name);
-  if (bits == 0 && memory) CheckUnmarked(memory, arguments, name);
-  LeaveHand(oper);
-  Release<Width>(oper, frame);
   return value;
+}
+
+void ReturnedValues::NoteOwed(const void* memory, const std::string& function) {
+  AddinAllocations().NoteOwed(memory);
+  const std::lock_guard lock(mutex_);
+  owed_[memory] = function;
+}
+
+void ReturnedValues::Close() {
+  std::map<std::string, int> counts;
+  for (const auto& [memory, function] : owed_)
+    if (AddinAllocations().IsOwed(memory)) ++counts[function];
+  for (const auto& [function, count] : counts)
+    host_.complaints.Add(function + " returned " + std::to_string(count) + " value" + (count == 1 ? "" : "s") +
+                         " with xlbitDLLFree that the add-in never freed");
+  owed_.clear();
+  AddinAllocations().ForgiveOwed();
 }
 
 template <typename Width>
@@ -115,10 +145,13 @@ void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
   if (bits == kFreeBits) {
     host_.complaints.Add(frame.function + " returned a value with both free bits");
   } else if (bits == xlbitXLFree) {
-    if (memory && host_.loans.TakeBack(memory) != Loans::Receipt::kTaken)
+    // One that came back before is no memory to be read, which has been told.
+    if (memory && host_.loans.TakeBack(memory) == Loans::Receipt::kUnknown)
       host_.complaints.Add(frame.function + " returned a value with xlbitXLFree that the host had not lent");
   } else if (bits == xlbitDLLFree) {
+    const bool isHeap = HeapBlockBytes(memory).has_value();
     if (!HandOver<Width>(oper, frame)) return host_.loans.NoteNeverFreed(frame.function);
+    if (isHeap && HeapBlockBytes(memory)) NoteOwed(memory, frame.function);
   }
   if (host_.faults.TakeSecondFreeing()) {
     if (bits != xlbitDLLFree) HandOver<Width>(oper, frame);

@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "host/addin/handed_memory.h"
 #include "host/api/oper_types.h"
 #include "host/calculation/evaluator.h"
 #include "host/callbacks/rules.h"
@@ -109,6 +110,9 @@ CallbackAnswer MakeCallback(int xlfn, CallContext* context, int count, typename 
   for (int i = 0; i < count; ++i) {
     // What the host itself has spoilt may come back to it.
     if (context->isSpoilt && !IsReadable<Width>(*arguments[i])) return CallbackAnswer::Failure(xlretInvXloper);
+    if (const std::string defect = DefectOfMemory<Width>(*arguments[i], host->loans); !defect.empty())
+      return refuse(xlretInvXloper,
+                    context->isSpoilt ? "" : "was given " + defect + " as argument " + std::to_string(i + 1));
     Reading reading = Marshal<Width>::Read(*arguments[i], current);
     if (!reading.defect.empty() && !context->isSpoilt)
       refuse(xlretInvXloper, "was given " + reading.defect + " as argument " + std::to_string(i + 1));

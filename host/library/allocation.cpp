@@ -9,6 +9,7 @@ namespace qcalc {
 namespace {
 
 constinit BlockTable blocks;
+constinit BlockTable owed;
 
 }  // namespace
 
@@ -63,8 +64,22 @@ void AllocationMeter::NoteTaken(const void* block, std::size_t bytes) noexcept {
   if (block && IsTracking()) blocks.Add(block, {bytes, ++number_});
 }
 
+void AllocationMeter::NoteOwed(const void* block) noexcept {
+  if (IsOwed(block)) return;
+  owed.Add(block, {});
+  ++owedCount_;
+}
+
+bool AllocationMeter::IsOwed(const void* block) const noexcept { return owed.Holds(block); }
+
+void AllocationMeter::ForgiveOwed() noexcept {
+  owed.Clear();
+  owedCount_ = 0;
+}
+
 bool AllocationMeter::NoteFreed(const void* block) noexcept {
   LiveBlock gone;
+  if (owedCount_.load(std::memory_order_relaxed) > 0 && owed.Remove(block, gone)) --owedCount_;
   return block && IsTracking() && blocks.Remove(block, gone);
 }
 

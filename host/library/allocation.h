@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,12 @@ class AllocationMeter {
   /// The known blocks that came after the allocation of that number, in their order.
   std::vector<LiveBlock> LiveBlocksAfter(std::uint64_t number) const;
 
+  /// A block that the add-in was to free and has not yet; until it does, it counts as owed.
+  void NoteOwed(const void* block) noexcept;
+  bool IsOwed(const void* block) const noexcept;
+  /// No block is owed any more.
+  void ForgiveOwed() noexcept;
+
   /// For the allocator's stand-ins: counts one allocation. Whether it has to fail.
   bool MustFail() noexcept;
   /// For the allocator's stand-ins: a block has been given out, or is about to be taken back; null is ignored. Whether
@@ -67,8 +74,8 @@ class AllocationMeter {
   void NoteTaken(const void* block, std::size_t bytes) noexcept;
   bool NoteFreed(const void* block) noexcept;
   bool IsTracking() const noexcept { return isTracking_.load(std::memory_order_relaxed); }
-  /// Whether neither counts nor blocks are wanted now.
-  bool IsIdle() const noexcept { return !isRunning_.load(std::memory_order_relaxed) && !IsTracking(); }
+  /// Whether it matters at all which blocks are freed.
+  bool WantsFreed() const noexcept { return IsTracking() || owedCount_.load(std::memory_order_relaxed) > 0; }
 
  private:
   std::atomic<bool> isRunning_{false};
@@ -76,6 +83,7 @@ class AllocationMeter {
   std::atomic<std::int64_t> count_{0};
   std::atomic<std::int64_t> failed_{0};
   std::atomic<std::uint64_t> number_{0};
+  std::atomic<int> owedCount_{0};
   std::int64_t nth_ = 0;    // 0: none fails
   std::int64_t unmet_ = 0;  // the number of one that was to fail and did not come
   AllocationFailure failure_ = AllocationFailure::kOnce;
@@ -85,6 +93,11 @@ extern AllocationMeter addinAllocationMeter;
 
 /// The meter of this process: there is one add-in in it.
 inline AllocationMeter& AddinAllocations() noexcept { return addinAllocationMeter; }
+
+/// The bytes of the block that begins at that address, when it is one of the heap that the add-in allocates from;
+/// nothing when it is none, or where the build cannot tell: without the sanitizers' allocators, natively, it knows only
+/// the latest blocks that the add-in took on this thread.
+std::optional<std::size_t> HeapBlockBytes(const void* address) noexcept;
 
 /// Brings the library's allocations before the meter. To be called when it has been loaded.
 void MeterAllocations(const Library& library);

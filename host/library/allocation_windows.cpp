@@ -1,3 +1,4 @@
+#include <malloc.h>
 #include <windows.h>
 
 #include <cerrno>
@@ -81,6 +82,12 @@ BOOL WINAPI MeteredHeapFree(HANDLE heap, DWORD flags, void* block) {
 }  // namespace
 
 RunningCode::Owner RunningCode::Exchange(Owner) noexcept { return Owner::kHost; }
+
+std::optional<std::size_t> HeapBlockBytes(const void* address) noexcept {
+  for (const HANDLE heap : {reinterpret_cast<HANDLE>(_get_heap_handle()), GetProcessHeap()})
+    if (address && HeapValidate(heap, 0, address)) return HeapSize(heap, 0, address);
+  return std::nullopt;
+}
 
 void MeterAllocations(const Library& library) {
   const ImportPatch patches[] = {

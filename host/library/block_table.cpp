@@ -62,6 +62,17 @@ bool BlockTable::Remove(const void* address, LiveBlock& block) noexcept {
   return true;
 }
 
+bool BlockTable::Holds(const void* address) const noexcept {
+  const Lock lock(busy_);
+  return size_ > 0 && slots_[Find(address)].address;
+}
+
+void BlockTable::Clear() noexcept {
+  const Lock lock(busy_);
+  for (std::size_t i = 0; i < capacity_; ++i) slots_[i].address = nullptr;
+  size_ = 0;
+}
+
 std::size_t BlockTable::Size() const noexcept {
   const Lock lock(busy_);
   return size_;

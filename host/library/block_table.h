@@ -25,6 +25,11 @@ class BlockTable {
   /// Takes the address out. False, with `block` as it was, when it is not in.
   bool Remove(const void* address, LiveBlock& block) noexcept;
 
+  bool Holds(const void* address) const noexcept;
+
+  /// Takes all addresses out.
+  void Clear() noexcept;
+
   std::size_t Size() const noexcept;
 
   /// Calls `visit` with every block. It must neither allocate nor free.

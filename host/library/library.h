@@ -60,8 +60,4 @@ class Library {
 /// the program itself exports them.
 std::unique_ptr<Library> LoadCallLibrary();
 
-/// Whether an address is the start of a block of the heap that the add-in allocates from. False too where the build
-/// cannot tell: natively only the address sanitizer's allocator can.
-bool IsHeapBlock(const void* address);
-
 }  // namespace qcalc

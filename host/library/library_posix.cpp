@@ -3,11 +3,6 @@
 
 #include "host/library/library.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-/// The sanitizers' own function; this compiler comes without the header that declares it.
-extern "C" int __sanitizer_get_ownership(const volatile void* address);
-#endif
-
 namespace qcalc {
 
 std::filesystem::path ProgramFolder() {
@@ -49,14 +44,5 @@ bool Library::Contains(const void* address) const {
 void* ProgramHandle() { return dlopen(nullptr, RTLD_NOW); }
 
 std::unique_ptr<Library> LoadCallLibrary() { return nullptr; }
-
-bool IsHeapBlock(const void* address) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  return __sanitizer_get_ownership(address) != 0;
-#else
-  static_cast<void>(address);
-  return false;
-#endif
-}
 
 }  // namespace qcalc

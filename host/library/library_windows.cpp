@@ -1,4 +1,3 @@
-#include <malloc.h>
 #include <windows.h>
 
 #include "host/library/library.h"
@@ -54,11 +53,6 @@ bool Library::Contains(const void* address) const {
 std::unique_ptr<Library> LoadCallLibrary() {
   std::string error;
   return Library::Load(ProgramFolder() / L"XLCALL32.DLL", error);
-}
-
-bool IsHeapBlock(const void* address) {
-  return HeapValidate(reinterpret_cast<HANDLE>(_get_heap_handle()), 0, address) ||
-         HeapValidate(GetProcessHeap(), 0, address);
 }
 
 }  // namespace qcalc

@@ -1,4 +1,6 @@
 // The host against an add-in that breaks the rules: every breach must be told, and nothing else.
+#include <cstdlib>
+
 #include "host/text/letter_case.h"
 #include "tests/host/session_fixture.h"
 
@@ -61,6 +63,8 @@ TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
       =CALLED(257,"!large") -> 7 | =CALLED(257,"large") -> #NAME? | =CALLED(257,"!nobody") -> #NAME?
       =CALLED(257,"1+") -> #VALUE! | =CALLED(257,"1"&REPT("+1",127)) -> 128 | =CALLED(257,"01"&REPT("+1",127)) -> #VALUE!)-");
   CheckTold(R"(
+      =COERCED(A1,32) -> -8, 2 that is not a set of types | =COERCED(A1,514) -> -8, 2 that is not a set of types
+      =COERCED(A1,4097) -> -8, 2 that is not a set of types
       =CALLED(64,1) -> -4, CALLED: xlfMatch was given 1 arguments
       =CALLED(255,"plus.one",1,2) -> -4, CALLED: xlUDF was given 2 arguments)");
   session.Host().settings.decimalSeparator = ',';
@@ -90,17 +94,30 @@ TEST_F(Misbehaving, WhatIsKeptShowsWhenTheBooksClose) {
                   "OWNED.VALUE4 returned 1 value with xlbitDLLFree, and the add-in exports no way to free them"));
 }
 
+TEST_F(Misbehaving, WhatIsNeverFreedShowsWhenTheLibraryIsGone) {
+  const Value address = (Evaluate("=KEEP.OWN(3)"), session.Evaluate(*ParseFormula("=KEEP.OWN(0)")));
+  session.Finish();
+  EXPECT_THAT(Complaints(), ElementsAre("KEEP.OWN returned 1 value with xlbitDLLFree that the add-in never freed"));
+  std::free(reinterpret_cast<void*>(static_cast<std::uintptr_t>(address.AsNumber())));
+}
+
 TEST_F(Misbehaving, FreeingWrongly) {
   CheckTold(R"(
       =FREE.TWICE() -> 1, FREE.TWICE: xlFree freed a value twice
       =FREE.EMPTIED() -> 1, FREE.EMPTIED: xlFree was given a value that had been freed before
       =FREE.FOREIGN() -> 1, FREE.FOREIGN: xlFree was given a value that the host had not lent
       =BOTH.BITS() -> 1, BOTH.BITS returned a value with both free bits
-      =FREE.NOT.LENT() -> "ok", xlbitXLFree that the host had not lent)");
-#if defined(_WIN32) || defined(__SANITIZE_ADDRESS__)  // elsewhere the host cannot tell which memory is the heap's
-  CheckTold("=FORGET.BIT() -> \"lost\", without xlbitDLLFree");
-#endif
+      =FREE.NOT.LENT() -> "ok", xlbitXLFree that the host had not lent
+      =FORGET.BIT() -> "lost", without xlbitDLLFree
+      =BAD.MEMORY(1) -> #VALUE!, returned a text of 9 units in a block of 6 bytes
+      =BAD.MEMORY(2) -> #VALUE!, returned an array of 1000000 x 1 in a block of 32 bytes
+      =BAD.MEMORY(3) -> #VALUE!, returned an array with a text of 9 units in a block of 6 bytes
+      =BAD.MEMORY(4) -> {"[Book1]Calc"}, an array of its own with a text that the host had lent
+      =BAD.MEMORY(5) -> #VALUE!, returned a text that it had given back through xlFree)");
 #if !defined(__SANITIZE_ADDRESS__)  // which ends the process there and then
+  CheckTold(R"(
+      =WRITE.PAST(1) -> 1, WRITE.PAST wrote past the end of a value of xlSheetNm
+      =WRITE.PAST("ab") -> 1, WRITE.PAST changed its argument 1)");
   Evaluate("=WRITE.AFTER.FREE()");
   session.Finish();
   EXPECT_THAT(Complaints(),
@@ -150,6 +167,7 @@ TEST_F(Misbehaving, CallbacksThatAreRefused) {
       =BAD.CALLBACK(11) -> 128, xlGetName may not be made from a thread-safe function
       =BAD.CALLBACK(14) -> 32, xlAsyncReturn is not offered by this host
       =BAD.CALLBACK(15) -> 128, xlUDF reached a function that is not thread-safe from one that is
+      =BAD.CALLBACK(17) -> 8, xlCoerce was given a text of 9 units in a block of 10 bytes as argument 1
       =BAD.CALLBACK(16) -> 32, xlCoerce was given a sheet that does not exist as argument 1
       =BAD.CALLBACK(13) -> 0, xlfCaller may not be made from xlAutoFree)");
   Check("=BAD.CALLBACK.MACRO(1) -> 0");

@@ -12,6 +12,8 @@ XLOPER12 freeCount{{.num = 0}, xltypeNum | xlbitDLLFree};
 std::vector<void*> keptBlocks;
 XCHAR* forgotten = nullptr;
 XLMREF12 firstCell{1, {{0, 0, 0, 0}}};
+XLOPER12 lentElement;
+XLOPER12 unfreed;
 
 int CallExcel(int number, XLOPER12* result, std::initializer_list<XLOPER12*> arguments) {
   std::vector<XLOPER12*> all(arguments);
@@ -100,6 +102,11 @@ QCALC_EXPORT void xlAutoFree12(XLOPER12* oper) {
     XLOPER12 caller = OfType(xltypeNil);
     CallExcel(xlfCaller, &caller, {});
   }
+  if (oper == &unfreed) return;
+  if ((oper->xltype & 0x0FFF) == xltypeMulti && oper->val.array.lparray == &lentElement) {
+    CallExcel(xlFree, nullptr, {&lentElement});
+    oper->val.array.lparray = nullptr;
+  }
   if ((oper->xltype & 0x0FFF) == xltypeStr) delete[] oper->val.str;
   if ((oper->xltype & 0x0FFF) == xltypeMulti) delete[] oper->val.array.lparray;
   delete oper;
@@ -133,6 +140,9 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("FreeEmptied"), XTEXT("U$"), XTEXT("FREE.EMPTIED"));
   Register(XTEXT("FreeForeign"), XTEXT("U$"), XTEXT("FREE.FOREIGN"));
   Register(XTEXT("WriteAfterFree"), XTEXT("U$"), XTEXT("WRITE.AFTER.FREE"));
+  Register(XTEXT("WritePast"), XTEXT("UQ$"), XTEXT("WRITE.PAST"));
+  Register(XTEXT("BadMemory"), XTEXT("UJ"), XTEXT("BAD.MEMORY"));
+  Register(XTEXT("KeepOwn"), XTEXT("UJ"), XTEXT("KEEP.OWN"));
   Register(XTEXT("ChangeArgument"), XTEXT("UQQ$"), XTEXT("CHANGE.ARGUMENT"));
   Register(XTEXT("BothBits"), XTEXT("U"), XTEXT("BOTH.BITS"));
   Register(XTEXT("FreeNotLent"), XTEXT("U"), XTEXT("FREE.NOT.LENT"));

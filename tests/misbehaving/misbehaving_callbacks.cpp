@@ -62,6 +62,10 @@ QCALC_EXPORT XLOPER12* BadCallback(std::int32_t which) {
     case 15:
       code = CallExcel(xlUDF, &result, {&text});
       break;
+    case 17:
+      text.val.str[0] = 9;
+      code = CallExcel(xlCoerce, &result, {&text});
+      break;
     case 16:
       code = CallExcel(xlCoerce, &result, {&elsewhere});
       break;

@@ -1,6 +1,8 @@
 // Memory of the host's and its own that the add-in treats wrongly.
 #include <atomic>
+#include <cstdlib>
 #include <thread>
+#include <utility>
 
 #include "tests/misbehaving/misbehaving.h"
 
@@ -43,6 +45,56 @@ QCALC_EXPORT XLOPER12* WriteAfterFree() {
   CallExcel(xlFree, nullptr, {&name});
   units[1] = 'x';
   return Owned(Number(1));
+}
+
+/// Writes a unit past the end of a text: of the argument, or of one of its own lent by the host when that is none.
+QCALC_EXPORT XLOPER12* WritePast(XLOPER12* argument) {
+  XLOPER12 name = argument->xltype == xltypeStr ? *argument : LentText();
+  name.val.str[name.val.str[0] + 2] = 'x';
+  if (argument->xltype != xltypeStr) CallExcel(xlFree, nullptr, {&name});
+  return Owned(Number(1));
+}
+
+/// `which` chooses one of several values whose memory is not what they say.
+QCALC_EXPORT XLOPER12* BadMemory(std::int32_t which) {
+  static XLOPER12 result;
+  XLOPER12 text = Text(XTEXT("ab")), array = OfType(xltypeMulti), copy = LentText();
+  array.val.array = {&lentElement, 1, 1};
+  switch (which) {
+    case 1:
+      text.val.str[0] = 9;
+      CallExcel(xlFree, nullptr, {&copy});
+      return Owned(text);
+    case 2:
+      delete[] text.val.str;
+      CallExcel(xlFree, nullptr, {&copy});
+      array.val.array = {new XLOPER12[1]{Number(1)}, 1'000'000, 1};
+      return Owned(array);
+    case 3:
+      CallExcel(xlFree, nullptr, {&copy});
+      text.val.str[0] = 9;
+      array.val.array.lparray = new XLOPER12[1]{text};
+      delete[] std::exchange(forgotten, text.val.str);
+      return Owned(array);
+    case 4:
+      delete[] text.val.str;
+      lentElement = copy;
+      return Owned(array);
+    default:
+      delete[] text.val.str;
+      result = copy;
+      CallExcel(xlFree, nullptr, {&copy});
+      return &result;
+  }
+}
+
+/// A text that xlAutoFree12 does not free, of that many units; its address, for the test to free it, when told 0.
+QCALC_EXPORT XLOPER12* KeepOwn(std::int32_t units) {
+  if (units == 0) return Owned(Number(static_cast<double>(reinterpret_cast<std::uintptr_t>(unfreed.val.str))));
+  unfreed = OfType(xltypeStr | xlbitDLLFree);
+  unfreed.val.str = static_cast<XCHAR*>(std::calloc(static_cast<std::size_t>(units) + 1, sizeof(XCHAR)));
+  unfreed.val.str[0] = static_cast<XCHAR>(units);
+  return &unfreed;
 }
 
 QCALC_EXPORT XLOPER12* ChangeArgument(XLOPER12*, XLOPER12* argument) {
