@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <thread>
 
+#include "host/addin/call_guards.h"
 #include "host/library/allocation.h"
 #include "host/library/invoke.h"
 #include "host/library/message_box.h"
+#include "host/library/running_threads.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -20,7 +23,8 @@ std::string NameOf(const RegisteredFunction& function) {
   return ToUtf8(function.name.empty() ? function.procedure : function.name);
 }
 
-std::uintptr_t CallExport(const RegisteredFunction& function, const Arguments& arguments) {
+std::uintptr_t CallExport(const RegisteredFunction& function, const Arguments& arguments, const CallContext& frame) {
+  const ProcessorGuard processor(frame.host.complaints, frame.function);
   return RunAddinCode([&] { return Invoke(function.entry, arguments.Words()); });
 }
 
@@ -34,6 +38,7 @@ bool Addin::Load(const std::filesystem::path& path, std::string& error) {
   if (!callLibrary_) callLibrary_ = LoadCallLibrary();
   HostState::SetLoaded(&host_);
   const CallNote note("its loading");
+  threadsBefore_ = RunningThreads(nullptr);
   library_ = Library::Load(path, error);
   if (!library_) {
     HostState::SetLoaded(nullptr);
@@ -52,17 +57,39 @@ std::optional<int> Addin::CallEntryPoint(const char* name, const EvaluationConte
   const auto entry = library_->FindAs<int (*)()>(name);
   if (!entry) return std::nullopt;
   const CallContext frame(host_, Place::kCommand, name, context);
+  const FolderGuard folder(host_.complaints, frame.function);
+  const ProcessorGuard processor(host_.complaints, frame.function);
   return RunAddinCode(entry);
+}
+
+bool Addin::HasLeftThreads() {
+  using namespace std::chrono_literals;
+  // A thread that has been joined may be known to the system for a moment more.
+  constexpr int kTries = 30;
+  std::size_t left = 0;
+  for (int i = 0; i < kTries; ++i) {
+    if (i > 0) std::this_thread::sleep_for(10ms);
+    const std::set<std::uint64_t> threads = RunningThreads(library_.get());
+    left = static_cast<std::size_t>(
+        std::count_if(threads.begin(), threads.end(), [&](auto id) { return !threadsBefore_.contains(id); }));
+    if (left == 0) return false;
+  }
+  host_.complaints.Add("the add-in left " + std::to_string(left) + " thread" + (left == 1 ? "" : "s") +
+                       " running when it was to be unloaded");
+  return true;
 }
 
 void Addin::Unload() {
   const std::filesystem::path path = library_->Path();
   const CallNote note("its unloading");
+  const bool isInUse = HasLeftThreads();
+  // Its code would go from under them.
+  if (isInUse) library_->Pin();
   host_.library = nullptr;
   library_.reset();
   HostState::SetLoaded(nullptr);
   host_.registry.Clear();
-  if (Library::IsMapped(path)) host_.complaints.Add("the library is still mapped after it was unloaded");
+  if (!isInUse && Library::IsMapped(path)) host_.complaints.Add("the library is still mapped after it was unloaded");
   returnedValues_.Close();
   for (std::string& sentence : host_.loans.Close()) host_.complaints.Add(std::move(sentence));
 }
@@ -92,7 +119,8 @@ Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value>
       throw FormulaError(frame.function + " was not called: " + reason);
     frame.isSpoilt = true;
   }
-  const std::uintptr_t word = CallExport(function, arguments);
+  const FolderGuard folder(host_.complaints, frame.function);
+  const std::uintptr_t word = CallExport(function, arguments, frame);
   if (const int changed = arguments.FirstChanged(true))
     host_.complaints.Add(frame.function + " changed its argument " + std::to_string(changed));
   Value result = TakeResult(function, word, arguments, frame);
@@ -131,12 +159,13 @@ Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> op
     return timing;
   }
   CallContext frame(host_, PlaceOf(function.type), NameOf(function), context);
+  const FolderGuard folder(host_.complaints, frame.function);
   const Passing passing = PassingOf(function.type.result);
   std::vector<double> microseconds;
   for (int i = 1; i <= count; ++i) {
     frame.mustReturn = 0;
     const auto start = Clock::now();
-    const std::uintptr_t word = CallExport(function, arguments);
+    const std::uintptr_t word = CallExport(function, arguments, frame);
     if (i < count) {
       if (passing == Passing::kOper12) returnedValues_.Release<Wide>(reinterpret_cast<XLOPER12*>(word), frame);
       if (passing == Passing::kOper) returnedValues_.Release<Narrow>(reinterpret_cast<XLOPER*>(word), frame);

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "host/addin/arguments.h"
@@ -51,6 +52,8 @@ class Addin final : public IAddinFunctions {
 
  private:
   Value CallHere(const RegisteredFunction& function, std::span<const Value> operands, const EvaluationContext& context);
+  /// Whether threads that were not there before still run in the library; they go to the complaints.
+  bool HasLeftThreads();
   Value TakeResult(const RegisteredFunction& function, std::uintptr_t word, const Arguments& arguments,
                    CallContext& frame);
 
@@ -58,6 +61,7 @@ class Addin final : public IAddinFunctions {
   const XlMdCallBack12 callback_;
   std::unique_ptr<Library> callLibrary_;
   std::unique_ptr<Library> library_;
+  std::set<std::uint64_t> threadsBefore_;
   ReturnedValues returnedValues_;
   ArgumentCache argumentCache_;
 };

@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "host/addin/arguments.h"
+#include "host/addin/call_guards.h"
 #include "host/addin/handed_memory.h"
 #include "host/addin/host_state.h"
 #include "host/api/marshal.h"
@@ -127,6 +128,7 @@ void ReturnedValues::Close() {
 template <typename Width>
 bool ReturnedValues::HandOver(typename Width::Oper* oper, const CallContext& frame) {
   const CallContext freeing(host_, Place::kFreeing, frame.function, frame.evaluation);
+  const ProcessorGuard processor(host_.complaints, freeing.function);
   const auto free = [&](auto* autoFree) {
     if (autoFree) RunAddinCode([&] { autoFree(oper); });
     return autoFree != nullptr;

@@ -27,6 +27,9 @@ class Library {
   /// Whether the system holds a library of that file in memory.
   static bool IsMapped(const std::filesystem::path& path);
 
+  /// Keeps the library in memory until the process ends, whatever becomes of the object.
+  void Pin() const;
+
   /// The address of an export, null when there is none of that name.
   void* Find(const std::string& name) const;
 

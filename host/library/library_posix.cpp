@@ -32,6 +32,8 @@ bool Library::IsMapped(const std::filesystem::path& path) {
   return handle != nullptr;
 }
 
+void Library::Pin() const { dlopen(path_.c_str(), RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE); }
+
 void* Library::Find(const std::string& name) const { return dlsym(handle_, name.c_str()); }
 
 bool Library::Contains(const void* address) const {

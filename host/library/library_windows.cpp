@@ -39,6 +39,12 @@ Library::~Library() { FreeLibrary(static_cast<HMODULE>(handle_)); }
 
 bool Library::IsMapped(const std::filesystem::path& path) { return GetModuleHandleW(path.c_str()) != nullptr; }
 
+void Library::Pin() const {
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                     reinterpret_cast<const wchar_t*>(handle_), &module);
+}
+
 void* Library::Find(const std::string& name) const {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name.c_str()));
 }

@@ -1,5 +1,6 @@
 // The host against an add-in that breaks the rules: every breach must be told, and nothing else.
 #include <cstdlib>
+#include <filesystem>
 
 #include "host/text/letter_case.h"
 #include "tests/host/session_fixture.h"
@@ -123,6 +124,30 @@ TEST_F(Misbehaving, FreeingWrongly) {
   EXPECT_THAT(Complaints(),
               ElementsAre("WRITE.AFTER.FREE wrote to memory of xlSheetNm after giving it back through xlFree"));
 #endif
+}
+
+TEST_F(Misbehaving, WhatIsTheThreadsAndTheProcessesStaysAsItWas) {
+  const std::filesystem::path folder = std::filesystem::current_path();
+  CheckTold(R"(
+      =CHANGE.THREAD(1) -> 1, CHANGE.THREAD changed how the processor rounds
+      =CHANGE.THREAD(2) -> 1, faults of arithmetic | =CHANGE.THREAD(3) -> 1, faults of arithmetic
+      =CHANGE.THREAD(4) -> 1, how the processor rounds | =CHANGE.THREAD(5) -> 1, changed the current folder)");
+  EXPECT_EQ(std::filesystem::current_path(), folder);
+  Check("=CHANGE.THREAD(0) -> 1");
+}
+
+// A copy, which stays in memory afterwards.
+TEST_F(Misbehaving, AThreadThatIsLeftKeepsTheLibraryInMemory) {
+  const std::filesystem::path copy = std::filesystem::temp_directory_path() / "misbehaving_threads.xll";
+  std::filesystem::copy_file(ProgramFolder() / "misbehaving.xll", copy,
+                             std::filesystem::copy_options::overwrite_existing);
+  Session other(copy);
+  other.Evaluate(*ParseFormula("=LEAVE.THREAD()"));
+  const auto endThread = other.Host().library->FindAs<void (*)()>("EndThread");
+  other.Finish();
+  endThread();
+  EXPECT_THAT(other.Host().complaints.Take(),
+              ElementsAre("the add-in left 1 thread running when it was to be unloaded"));
 }
 
 TEST_F(Misbehaving, ArgumentsMayNotBeChanged) {

@@ -143,6 +143,8 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("WritePast"), XTEXT("UQ$"), XTEXT("WRITE.PAST"));
   Register(XTEXT("BadMemory"), XTEXT("UJ"), XTEXT("BAD.MEMORY"));
   Register(XTEXT("KeepOwn"), XTEXT("UJ"), XTEXT("KEEP.OWN"));
+  Register(XTEXT("ChangeThread"), XTEXT("UJ$"), XTEXT("CHANGE.THREAD"));
+  Register(XTEXT("LeaveThread"), XTEXT("U"), XTEXT("LEAVE.THREAD"));
   Register(XTEXT("ChangeArgument"), XTEXT("UQQ$"), XTEXT("CHANGE.ARGUMENT"));
   Register(XTEXT("BothBits"), XTEXT("U"), XTEXT("BOTH.BITS"));
   Register(XTEXT("FreeNotLent"), XTEXT("U"), XTEXT("FREE.NOT.LENT"));

@@ -1,0 +1,15 @@
+// The threads of this process.
+#pragma once
+
+#include <cstdint>
+#include <set>
+
+namespace qcalc {
+
+class Library;
+
+/// The system's numbers of them. With a library, those alone in which its code may run: on Windows those that it or the
+/// C runtime started; natively all.
+std::set<std::uint64_t> RunningThreads(const Library* library);
+
+}  // namespace qcalc
