@@ -103,6 +103,8 @@ TEST_F(Misbehaving, WhatIsNeverFreedShowsWhenTheLibraryIsGone) {
 }
 
 TEST_F(Misbehaving, FreeingWrongly) {
+  session.Host().faults.FreeTwice();
+  Check("=FREE.COUNT.UNMARKED() -> 0 | =FREE.COUNT() -> 2");
   CheckTold(R"(
       =FREE.TWICE() -> 1, FREE.TWICE: xlFree freed a value twice
       =FREE.EMPTIED() -> 1, FREE.EMPTIED: xlFree was given a value that had been freed before
@@ -235,9 +237,11 @@ TEST_F(Misbehaving, RegistrationsThatAreRefused) {
       =REGISTER.AS("F.4","a",1,"x") -> 1, a shortcut for what is no command
       =REGISTER.AS("F.5",,,,"help.chm") -> 1, neither file!number nor | =REGISTER.AS("F.6",,,,"!5") -> 1, neither file
       =REGISTER.AS("F.7",,,,"a.chm!-1") -> 1, neither file | =REGISTER.AS("F.8",,,,"http://a/b!7") -> 1, neither file)");
-  Check(R"(
+  Check(R"-(
+      =REGISTER.AS("TWICE") -> 1 | =REGISTER.AS("TWICE") -> 1 | =CALLED.MACRO(201,CALLED(257,"TWICE")) -> TRUE
+      =TWICE(1) -> 2 | =CALLED.MACRO(201,CALLED(257,"TWICE")) -> TRUE | =TWICE(1) -> #NAME?
       =REGISTER.AS("VSTACK","") -> 1 | =REGISTER.AS("R1C1.2","a",2,"x") -> 1 | =REGISTER.AS("XFE1") -> 1
-      =REGISTER.AS("_\?.ä",,,"","http://a/b!0") -> 1 | =REGISTER.AS("F.9",,,,"c:\a b.chm!4294967295") -> 1)");
+      =REGISTER.AS("_\?.ä",,,"","http://a/b!0") -> 1 | =REGISTER.AS("F.9",,,,"c:\a b.chm!4294967295") -> 1)-");
 }
 
 #if !defined(__SANITIZE_THREAD__)  // which sees the race in the add-in before the host does

@@ -91,7 +91,16 @@ QCALC_EXPORT std::int32_t Enlarge() {
 }
 
 /// How often its result has been freed before.
-QCALC_EXPORT XLOPER12* FreeCount() { return &freeCount; }
+QCALC_EXPORT XLOPER12* FreeCount() {
+  freeCount.xltype = xltypeNum | xlbitDLLFree;
+  return &freeCount;
+}
+
+/// The same, and nobody is to free it.
+QCALC_EXPORT XLOPER12* FreeCountUnmarked() {
+  freeCount.xltype = xltypeNum;
+  return &freeCount;
+}
 
 /// What has arrived: -1 for a null pointer, else the type's bits; for an array its size and the type of its first
 /// element, for a text its length.

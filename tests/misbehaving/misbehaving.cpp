@@ -8,7 +8,7 @@ namespace misbehaving {
 
 XlMdCallBack12 callback = nullptr;
 bool callsBackWhenFreeing = false;
-XLOPER12 freeCount{{.num = 0}, xltypeNum | xlbitDLLFree};
+XLOPER12 freeCount{{.num = 0}, xltypeNum};
 std::vector<void*> keptBlocks;
 XCHAR* forgotten = nullptr;
 XLMREF12 firstCell{1, {{0, 0, 0, 0}}};
@@ -134,6 +134,7 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("Allocate"), XTEXT("JJJ$"), XTEXT("ALLOCATE"));
   Register(XTEXT("Enlarge"), XTEXT("J$"), XTEXT("ENLARGE"));
   Register(XTEXT("FreeCount"), XTEXT("U"), XTEXT("FREE.COUNT"));
+  Register(XTEXT("FreeCountUnmarked"), XTEXT("U"), XTEXT("FREE.COUNT.UNMARKED"));
   Register(XTEXT("Describe"), XTEXT("UU"), XTEXT("DESCRIBE"));
   Register(XTEXT("KeepLent"), XTEXT("U$"), XTEXT("KEEP.LENT"));
   Register(XTEXT("FreeTwice"), XTEXT("U$"), XTEXT("FREE.TWICE"));
