@@ -111,7 +111,7 @@ Value Addin::Call(const AddinFunction& called, std::span<const Value> operands, 
 
 Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value> operands,
                       const EvaluationContext& context) {
-  Arguments arguments(argumentCache_, host_.FormOf(context));
+  Arguments arguments(argumentCache_, host_.FormOf(context), host_.settings.marks);
   if (const auto refused = arguments.Build(function, operands)) return Value::Error(*refused);
   CallContext frame(host_, PlaceOf(function.type), NameOf(function), context);
   for (const ArgumentFault& fault : host_.faults.TakeArgumentFaults()) {
@@ -153,7 +153,7 @@ Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> op
                    const EvaluationContext& context) {
   using Clock = std::chrono::steady_clock;
   Timing timing;
-  Arguments arguments(argumentCache_, host_.FormOf(context));
+  Arguments arguments(argumentCache_, host_.FormOf(context), host_.settings.marks);
   if (const auto refused = arguments.Build(function, operands)) {
     timing.result = Value::Error(*refused);
     return timing;

@@ -112,7 +112,7 @@ std::optional<std::int32_t> Arguments::AddInteger(TypeLetter letter, const Value
     words_.push_back((kRegisterJunk << 16) | (truth.AsBoolean() ? 1 : 0));
     return std::nullopt;
   }
-  const Value converted = ToNumber(cell);
+  const Value converted = ToNumber(cell, marks_);
   if (!converted.IsNumber()) return converted.AsError();
   const double number = std::trunc(converted.AsNumber());
   const auto within = [&](auto limits) {
@@ -131,7 +131,7 @@ std::optional<std::int32_t> Arguments::AddInteger(TypeLetter letter, const Value
 }
 
 std::optional<std::int32_t> Arguments::AddText(TypeLetter letter, const Value& operand, Laid& laid) {
-  const Value converted = ToText(TopLeft(operand));
+  const Value converted = ToText(TopLeft(operand), marks_);
   if (!converted.IsText()) return converted.AsError();
   const XString& text = converted.AsText();
   if (text.size() > static_cast<std::size_t>(letter.isWide ? kXlMaxText : kXlMaxText4)) return xlerrValue;

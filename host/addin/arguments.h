@@ -13,6 +13,7 @@
 #include "host/api/marshal.h"
 #include "host/faults/argument_fault.h"
 #include "host/faults/spoilt_memory.h"
+#include "host/values/number_marks.h"
 
 namespace qcalc {
 
@@ -41,8 +42,9 @@ class ArgumentCache {
 /// the object's life it is poisoned.
 class Arguments {
  public:
-  /// `cache` and `form` as the add-in's host keeps them; both outlive this.
-  Arguments(ArgumentCache& cache, const ReferenceForm& form) : cache_(cache), form_(form) {}
+  /// `cache`, which outlives this, `form` and `marks` as the add-in's host keeps them.
+  Arguments(ArgumentCache& cache, const ReferenceForm& form, NumberMarks marks)
+      : cache_(cache), form_(form), marks_(marks) {}
 
   /// Lays out the operands for that function. Where Excel converts an argument itself and cannot, the error that the
   /// formula then gives without a call (#VALUE!, #NUM!).
@@ -82,6 +84,7 @@ class Arguments {
 
   ArgumentCache& cache_;
   const ReferenceForm form_;
+  const NumberMarks marks_;
   std::vector<std::uintptr_t> words_;
   std::vector<Laid> laid_;
 };

@@ -4,13 +4,14 @@
 #include <map>
 #include <optional>
 
+#include "host/values/number_marks.h"
 #include "host/values/value.h"
 
 namespace qcalc {
 
 struct HostSettings {
   XString version = XTEXT("16.0");
-  XCHAR decimalSeparator = XTEXT('.');
+  NumberMarks marks;
   bool shortReferences = true;  ///< references to the current sheet go out as SRef, else as Ref with its id
 };
 

@@ -34,28 +34,18 @@ std::uint32_t TypeOf(const ApiValue& value) {
   return 0;
 }
 
-/// A text as a number, where the decimal separator may be another than the point.
-Value NumberOf(const CellView& cell, XCHAR decimalSeparator) {
-  if (!cell.IsText() || decimalSeparator == '.') return ToNumber(cell);
-  XString text(cell.AsText());
-  if (text.find('.') != XString::npos) return Value::Error(xlerrValue);
-  for (XCHAR& unit : text)
-    if (unit == decimalSeparator) unit = '.';
-  return ToNumber(CellView::Text(text));
-}
-
 /// One value as the first type of the mask that it converts to: number, integer, text, boolean.
-std::optional<ApiValue> ConvertCell(const CellView& cell, std::uint32_t mask, XCHAR decimalSeparator) {
+std::optional<ApiValue> ConvertCell(const CellView& cell, std::uint32_t mask, NumberMarks marks) {
   if (cell.IsError()) return std::nullopt;
   if (mask & (xltypeNum | xltypeInt)) {
-    const Value number = NumberOf(cell, decimalSeparator);
+    const Value number = ToNumber(cell, marks);
     if (number.IsNumber() && (mask & xltypeNum)) return number;
     const double whole = number.IsNumber() ? std::trunc(number.AsNumber()) : std::nan("");
     if (whole >= std::numeric_limits<std::int32_t>::min() && whole <= std::numeric_limits<std::int32_t>::max())
       return ApiInteger{static_cast<std::int32_t>(whole)};
   }
   if (mask & xltypeStr)
-    if (Value text = ToText(cell, decimalSeparator); text.IsText()) return text;
+    if (Value text = ToText(cell, marks); text.IsText()) return text;
   if (mask & xltypeBool)
     if (Value truth = ToBoolean(cell); truth.IsBoolean()) return truth;
   return std::nullopt;
@@ -69,12 +59,12 @@ ApiValue AsOneByOne(const CellView& cell) {
 
 }  // namespace
 
-std::optional<ApiValue> CoerceValue(const ApiValue& source, std::uint32_t mask, XCHAR decimalSeparator) {
+std::optional<ApiValue> CoerceValue(const ApiValue& source, std::uint32_t mask, NumberMarks marks) {
   const std::uint32_t type = TypeOf(source);
   if (type == xltypeBigData) return std::nullopt;
   if (mask == 0 || (type & mask)) return source;
   if (const auto* integer = std::get_if<ApiInteger>(&source))
-    return ConvertCell(CellView::Number(integer->number), mask, decimalSeparator);
+    return ConvertCell(CellView::Number(integer->number), mask, marks);
   const auto* value = std::get_if<Value>(&source);
   if (!value || value->IsMissing() || value->IsReference()) return std::nullopt;
   const CellView cell = value->IsArray() ? value->AsArray()->At(0, 0) : value->AsCell();
@@ -82,7 +72,7 @@ std::optional<ApiValue> CoerceValue(const ApiValue& source, std::uint32_t mask, 
     const ApiValue single = Value::OfCell(cell);
     if (TypeOf(single) & mask) return single;
   }
-  if (auto converted = ConvertCell(cell, mask, decimalSeparator)) return converted;
+  if (auto converted = ConvertCell(cell, mask, marks)) return converted;
   return mask & xltypeMulti ? std::optional(AsOneByOne(cell)) : std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "host/values/number_marks.h"
 #include "host/values/value.h"
 #include "host/workbook/workbooks.h"
 
@@ -20,7 +21,8 @@ struct EvaluationContext {
   const Sheet* sheet = nullptr;  ///< what unqualified references mean
   const NamedValues* names = nullptr;
   IAddinFunctions* addin = nullptr;
-  Reference caller;  ///< the calling cells; what xlfCaller answers
+  Reference caller;   ///< the calling cells; what xlfCaller answers
+  NumberMarks marks;  ///< of numbers in texts; those of formulas are always points
 };
 
 /// The formula cannot be evaluated at all: not a value of Excel's, but a mistake in the script or a limit of the host.

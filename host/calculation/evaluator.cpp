@@ -45,7 +45,7 @@ class Evaluator {
       case FormulaNode::Kind::kCall:
         return EvaluateCall(node);
       case FormulaNode::Kind::kUnary:
-        return ApplyUnary(node.op, EvaluateHeld(*node.children[0]));
+        return ApplyUnary(node.op, EvaluateHeld(*node.children[0]), context_.marks);
       case FormulaNode::Kind::kBinary:
         return EvaluateChain(node);
       case FormulaNode::Kind::kUnion:
@@ -101,7 +101,7 @@ class Evaluator {
     for (; first->kind == FormulaNode::Kind::kBinary; first = first->children[0].get()) chain.push_back(first);
     Value left = EvaluateHeld(*first);
     for (auto link = chain.rbegin(); link != chain.rend(); ++link)
-      left = ApplyBinary((*link)->op, left, EvaluateHeld(*(*link)->children[1]));
+      left = ApplyBinary((*link)->op, left, EvaluateHeld(*(*link)->children[1]), context_.marks);
     return left;
   }
 

@@ -32,25 +32,25 @@ Value Calculate(FormulaOperator op, double left, double right) {
   }
 }
 
-Value Concatenate(const CellView& left, const CellView& right) {
-  const Value l = ToText(left), r = ToText(right);
+Value Concatenate(const CellView& left, const CellView& right, NumberMarks marks) {
+  const Value l = ToText(left, marks), r = ToText(right, marks);
   if (l.AsText().size() + r.AsText().size() > static_cast<std::size_t>(kXlMaxText)) return Value::Error(xlerrValue);
   return Value::Text(l.AsText() + r.AsText());
 }
 
-Value Arithmetic(FormulaOperator op, const CellView& left, const CellView& right) {
-  const Value l = ToNumber(left);
+Value Arithmetic(FormulaOperator op, const CellView& left, const CellView& right, NumberMarks marks) {
+  const Value l = ToNumber(left, marks);
   if (l.IsError()) return l;
-  const Value r = ToNumber(right);
+  const Value r = ToNumber(right, marks);
   return r.IsError() ? r : Calculate(op, l.AsNumber(), r.AsNumber());
 }
 
-Value ApplyToCells(FormulaOperator op, const CellView& left, const CellView& right) {
+Value ApplyToCells(FormulaOperator op, const CellView& left, const CellView& right, NumberMarks marks) {
   if (left.IsError()) return Value::OfCell(left);
   if (right.IsError()) return Value::OfCell(right);
   switch (op) {
     case FormulaOperator::kConcatenate:
-      return Concatenate(left, right);
+      return Concatenate(left, right, marks);
     case FormulaOperator::kEqual:
       return Value::Boolean(CompareCells(left, right) == 0);
     case FormulaOperator::kNotEqual:
@@ -64,7 +64,7 @@ Value ApplyToCells(FormulaOperator op, const CellView& left, const CellView& rig
     case FormulaOperator::kGreaterOrEqual:
       return Value::Boolean(CompareCells(left, right) >= 0);
     default:
-      return Arithmetic(op, left, right);
+      return Arithmetic(op, left, right, marks);
   }
 }
 
@@ -72,22 +72,23 @@ Value ApplyToCells(FormulaOperator op, const CellView& left, const CellView& rig
 
 Value NumberResult(double number) {
   if (!std::isfinite(number)) return Value::Error(xlerrNum);
-  return Value::Number(number == 0 || std::fpclassify(number) == FP_SUBNORMAL ? 0 : number);
+  return Value::Number(number == 0 ? 0 : number);
 }
 
-Value ApplyUnary(FormulaOperator op, const Value& operand) {
-  return Broadcast(std::span(&operand, 1), [op](std::span<const CellView> cells) {
+Value ApplyUnary(FormulaOperator op, const Value& operand, NumberMarks marks) {
+  return Broadcast(std::span(&operand, 1), [op, marks](std::span<const CellView> cells) {
     // A plus sign leaves even a text as it is.
     if (op == FormulaOperator::kPlus) return Value::OfCell(cells[0]);
-    const Value number = ToNumber(cells[0]);
+    const Value number = ToNumber(cells[0], marks);
     if (number.IsError()) return number;
     return NumberResult(op == FormulaOperator::kPercent ? number.AsNumber() / 100 : -number.AsNumber());
   });
 }
 
-Value ApplyBinary(FormulaOperator op, const Value& left, const Value& right) {
+Value ApplyBinary(FormulaOperator op, const Value& left, const Value& right, NumberMarks marks) {
   const Value operands[] = {left, right};
-  return Broadcast(operands, [op](std::span<const CellView> cells) { return ApplyToCells(op, cells[0], cells[1]); });
+  return Broadcast(
+      operands, [op, marks](std::span<const CellView> cells) { return ApplyToCells(op, cells[0], cells[1], marks); });
 }
 
 }  // namespace qcalc

@@ -11,8 +11,7 @@ constexpr std::uint32_t kKinds =
 
 /// What has been read, as the first type of the mask that it converts to.
 CallbackAnswer Coerce(const CallbackRequest& request, const ApiValue& value, std::uint32_t mask) {
-  const XCHAR separator = request.isInternational ? XCHAR{'.'} : request.Host().settings.decimalSeparator;
-  if (auto coerced = CoerceValue(value, mask, separator)) return std::move(*coerced);
+  if (auto coerced = CoerceValue(value, mask, request.Marks())) return std::move(*coerced);
   return CallbackAnswer::Failure(xlretFailed);
 }
 

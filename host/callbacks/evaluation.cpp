@@ -51,7 +51,9 @@ CallbackAnswer HandleWorksheetFunction(CallbackRequest& request) {
   for (std::size_t i = 0; i < request.arguments.size(); ++i) operands.push_back(request.ValueAt(i));
   for (const Value& operand : operands)
     if (operand.IsReference()) request.CheckCalculated(operand.AsReference());
-  if (auto result = CallBuiltin(name, operands, request.Evaluation())) return std::move(*result);
+  EvaluationContext evaluation = request.Evaluation();
+  evaluation.marks = request.Marks();
+  if (auto result = CallBuiltin(name, operands, evaluation)) return std::move(*result);
   return FindBuiltin(name) ? request.WrongCount(operands.size()) : request.NotOffered("this function");
 }
 

@@ -20,7 +20,7 @@ Value ReadCell(const CallbackRequest& request, const Sheet& sheet, const Area& c
 Value FormulaText(const CallbackRequest& request, const Sheet& sheet, const Area& cell) {
   if (const FormulaCell* formula = sheet.FindFormula({cell.firstRow, cell.firstColumn}))
     return TextValue(formula->formula.Text());
-  const auto text = CoerceValue(ReadCell(request, sheet, cell), xltypeStr, '.');
+  const auto text = CoerceValue(ReadCell(request, sheet, cell), xltypeStr, {});
   return text ? std::get<Value>(*text) : ReadCell(request, sheet, cell);
 }
 

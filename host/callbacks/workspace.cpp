@@ -7,10 +7,10 @@ namespace qcalc {
 namespace {
 
 /// The row array of international settings: Excel's 45 items, in US English but for the separators.
-Value InternationalSettings(XCHAR decimal) {
-  const bool isComma = decimal == ',';
-  const XString decimals(1, decimal);
-  const XString thousands = isComma ? XTEXT(".") : XTEXT(",");
+Value InternationalSettings(NumberMarks marks) {
+  const bool isComma = marks.decimal == ',';
+  const XString decimals(1, marks.decimal);
+  const XString thousands(1, marks.Thousands());
   const XString list = isComma ? XTEXT(";") : XTEXT(",");
   const XString arrayColumn = isComma ? XTEXT("\\") : XTEXT(",");
   const auto text = [](XStringView view) { return CellView::Text(view); };
@@ -70,7 +70,7 @@ CallbackAnswer HandleGetWorkspace(CallbackRequest& request) {
     case 4:
       return Value::Boolean(false);
     case 37:
-      return InternationalSettings(host.settings.decimalSeparator);
+      return InternationalSettings(host.settings.marks);
     case 40:
       return Value::Boolean(true);
     case 44:

@@ -1,8 +1,6 @@
 #include "host/files/csv.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <optional>
 
 #include "host/files/file_text.h"
@@ -10,21 +8,20 @@
 #include "host/text/digits.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
+#include "host/values/decimal_number.h"
 
 namespace qcalc {
 
 namespace {
 
 // A sign, digits with an optional point and exponent, and nothing else.
-std::optional<double> ReadPlainNumber(std::string_view field) {
+bool ReadPlainNumber(std::string_view field, double& number) {
   const std::size_t sign = field[0] == '-' || field[0] == '+' ? 1 : 0;
   const char first = sign < field.size() ? field[sign] : '\0';
-  if (!IsDigit(first) && first != '.') return std::nullopt;
-  double number = 0;
-  const auto [end, fault] = std::from_chars(field.data() + sign, field.data() + field.size(), number);
-  if (fault != std::errc() || end != field.data() + field.size()) return std::nullopt;
-  if (std::fpclassify(number) == FP_SUBNORMAL) number = 0;
-  return field[0] == '-' ? -number : number;
+  if (!IsDigit(first) && first != '.') return false;
+  if (!ReadDecimal(field.substr(sign), number)) return false;
+  if (field[0] == '-') number = -number;
+  return true;
 }
 
 // Reads records and hands their fields on: field(record, index, text), then endOfRecord(record, fields).
@@ -120,7 +117,7 @@ class CsvReader {
 
 CellView CellOf(std::string_view field, CellStore& cells, const CsvReader& reader) {
   if (field.empty()) return {};
-  if (const auto number = ReadPlainNumber(field)) return CellView::Number(*number);
+  if (double number = 0; ReadPlainNumber(field, number)) return CellView::Number(number);
   if (EqualsIgnoringCase(field, "true")) return CellView::Boolean(true);
   if (EqualsIgnoringCase(field, "false")) return CellView::Boolean(false);
   XCHAR* start = cells.Pool().Reserve(field.size());

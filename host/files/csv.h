@@ -27,9 +27,9 @@ struct CsvError {
 
 /// Fills cells from (row, column) on with the records in `text`: fields in quotes may hold commas, doubled quotes and
 /// line breaks; records end in CR LF, LF or CR; a UTF-8 byte-order mark is passed over. A field that is a plain number
-/// as a whole becomes a number, TRUE or FALSE in any case a boolean, an empty one an empty cell; quotes make no
-/// difference to that, as in Excel. Cells there, their formulas too, are replaced within the extent. On an error the
-/// rows before it are loaded.
+/// as a whole becomes a number (always with a point; digits beyond the 15th count as zeros), TRUE or FALSE in any case
+/// a boolean, an empty one an empty cell; quotes make no difference to that, as in Excel. Cells there, their formulas
+/// too, are replaced within the extent. On an error the rows before it are loaded.
 std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, std::int32_t row, std::int32_t column);
 
 /// The same from a file.

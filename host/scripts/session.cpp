@@ -23,7 +23,9 @@ Session::Session(std::filesystem::path addinPath)
 
 Session::~Session() { Finish(); }
 
-EvaluationContext Session::Context() { return {&host_.workbooks, sheet_, &names_, &addin_, caller_}; }
+EvaluationContext Session::Context() {
+  return {&host_.workbooks, sheet_, &names_, &addin_, caller_, host_.settings.marks};
+}
 
 int Session::LoadAndOpen() {
   std::string error;

@@ -109,8 +109,7 @@ ScriptAction ParseDecimal(ScriptLine& line) {
   const std::string_view part = line.Rest("a decimal separator");
   const XString separator = Units(part);
   if (separator.size() != 1) line.FailIn(part, "expected one character");
-  return
-      [unit = separator[0]](ScriptRunner& runner) { SettingsBeforeOpening(runner, "decimal").decimalSeparator = unit; };
+  return [unit = separator[0]](ScriptRunner& runner) { SettingsBeforeOpening(runner, "decimal").marks.decimal = unit; };
 }
 
 ScriptAction ParseUdf(ScriptLine& line) {

@@ -47,7 +47,7 @@ ShownCell Show(const CellView& cell) {
     case CellKind::kEmpty:
       break;
     case CellKind::kNumber:
-      shown.text = ToUtf8(NumberToText(cell.AsNumber()));
+      shown.text = ToUtf8(NumberToText(cell.AsNumber(), {}));
       shown.isRight = true;
       break;
     case CellKind::kText:

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
 #include "xlcall/xlcall.h"
 
@@ -10,6 +11,12 @@ namespace qcalc {
 /// #SPILL! and #CALC!: Excel numbers them behind the published error codes.
 constexpr std::int32_t kErrorSpill = 45;
 constexpr std::int32_t kErrorCalc = 50;
+
+/// The number as a value of Excel's, which knows no subnormal ones: they are 0. What is not finite stays as it is.
+constexpr double WithoutSubnormal(double number) {
+  constexpr double kLeast = std::numeric_limits<double>::min();
+  return number > -kLeast && number < kLeast && number != 0 ? 0 : number;
+}
 
 enum class CellKind : std::uint8_t { kEmpty, kNumber, kText, kBoolean, kError };
 
@@ -20,7 +27,7 @@ class CellView {
   constexpr CellView() : number_(0), length_(0), kind_(CellKind::kEmpty) {}
   static constexpr CellView Number(double number) {
     CellView cell;
-    cell.number_ = number;
+    cell.number_ = WithoutSubnormal(number);
     cell.kind_ = CellKind::kNumber;
     return cell;
   }

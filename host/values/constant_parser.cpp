@@ -7,6 +7,7 @@
 #include "host/text/digits.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
+#include "host/values/decimal_number.h"
 #include "host/values/literal.h"
 
 namespace qcalc {
@@ -48,6 +49,7 @@ double ReadNumber(TextCursor& cursor) {
   const std::string_view digits = cursor.Slice(start);
   double number = 0;
   const auto [end, fault] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (fault == std::errc::result_out_of_range && ReadDecimal(digits, number)) return number;
   if (fault != std::errc() || end != digits.data() + digits.size())
     cursor.FailAt(start, "expected a number within the range of doubles, found " + std::string(digits));
   return number;
@@ -70,6 +72,9 @@ XString ReadText(TextCursor& cursor) {
   auto text = FromUtf8(bytes, &badByte);
   if (!text)
     cursor.FailAt(start, "expected UTF-8, found another byte " + std::to_string(badByte + 1) + " into this text");
+  if (text->size() > static_cast<std::size_t>(kXlMaxText))
+    cursor.FailAt(start, "expected a text of at most " + std::to_string(kXlMaxText) + " characters, found " +
+                             std::to_string(text->size()));
   return *std::move(text);
 }
 

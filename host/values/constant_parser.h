@@ -9,9 +9,9 @@ namespace qcalc {
 /// Each reads one constant at the cursor and leaves it behind it; throws SyntaxError when what stands there does not
 /// read on.
 
-/// Digits with an optional point and exponent, no sign.
+/// Digits with an optional point and exponent, no sign: the nearest double, all digits taken in, but 0 below the range.
 double ReadNumber(TextCursor& cursor);
-/// A text in quotes, quotes doubled.
+/// A text in quotes, quotes doubled, of no more units than a cell holds.
 XString ReadText(TextCursor& cursor);
 /// `#N/A` and its like.
 std::int32_t ReadError(TextCursor& cursor);

@@ -6,7 +6,7 @@
 
 namespace qcalc {
 
-Value ToNumber(const CellView& cell) {
+Value ToNumber(const CellView& cell, NumberMarks marks) {
   switch (cell.Kind()) {
     case CellKind::kEmpty:
       return Value::Number(0);
@@ -15,19 +15,19 @@ Value ToNumber(const CellView& cell) {
     case CellKind::kBoolean:
       return Value::Number(cell.AsBoolean() ? 1 : 0);
     case CellKind::kText:
-      return TextToNumber(cell.AsText());
+      return TextToNumber(cell.AsText(), marks);
     case CellKind::kError:
       break;
   }
   return Value::Error(cell.AsError());
 }
 
-Value ToText(const CellView& cell, XCHAR decimalSeparator) {
+Value ToText(const CellView& cell, NumberMarks marks) {
   switch (cell.Kind()) {
     case CellKind::kEmpty:
       return Value::Text({});
     case CellKind::kNumber:
-      return Value::Text(NumberToText(cell.AsNumber(), decimalSeparator));
+      return Value::Text(NumberToText(cell.AsNumber(), marks));
     case CellKind::kBoolean:
       return Value::Text(cell.AsBoolean() ? XTEXT("TRUE") : XTEXT("FALSE"));
     case CellKind::kText:

@@ -1,48 +1,45 @@
 #include "host/values/date_reading.h"
 
-#include <array>
+#include <chrono>
 #include <string>
 #include <vector>
 
 #include "host/text/digits.h"
 #include "host/text/letter_case.h"
+#include "host/values/calendar.h"
 
 namespace qcalc {
 
 namespace {
 
-constexpr int kFirstYear = 1900;
-constexpr int kLastYear = 9999;
-constexpr std::array<std::string_view, 12> kMonths = {"january",   "february", "march",    "april",
-                                                      "may",       "june",     "july",     "august",
-                                                      "september", "october",  "november", "december"};
-
-// A run of digits, a word in small letters, or one other byte; blanks count as one.
+// A run of digits, a word in small letters, or one other unit; blanks count as one.
 struct Token {
   enum Kind { kNumber, kWord, kMark } kind;
   int number = 0;
   std::size_t digits = 0;
   std::string word;
-  char mark = 0;
+  XCHAR mark = 0;
 
-  bool Is(char byte) const { return kind == kMark && mark == byte; }
+  bool Is(XCHAR unit) const { return kind == kMark && mark == unit; }
 };
+using Tokens = std::vector<Token>;
+
+bool IsAsciiLetter(XCHAR unit) { return SmallLetter(unit) >= 'a' && SmallLetter(unit) <= 'z'; }
 
 // Nothing when a number is too long to be part of a date or time.
-std::optional<std::vector<Token>> Split(std::string_view text) {
+std::optional<Tokens> Split(XStringView text) {
   constexpr std::size_t kMostDigits = 9;
-  std::vector<Token> tokens;
+  Tokens tokens;
   for (std::size_t at = 0; at < text.size();) {
-    const std::size_t start = at;
     Token token{Token::kMark, 0, 0, {}, text[at]};
     if (IsDigit(text[at])) {
-      while (at < text.size() && IsDigit(text[at])) ++at;
-      if (at - start > kMostDigits) return std::nullopt;
+      for (; at < text.size() && IsDigit(text[at]); ++at) {
+        if (++token.digits > kMostDigits) return std::nullopt;
+        token.number = token.number * 10 + (text[at] - '0');
+      }
       token.kind = Token::kNumber;
-      token.digits = at - start;
-      token.number = *ReadWhole<int>(text.substr(start, at - start));
-    } else if (IsLetter(text[at])) {
-      for (; at < text.size() && IsLetter(text[at]); ++at) token.word += SmallLetter(text[at]);
+    } else if (IsAsciiLetter(text[at])) {
+      for (; at < text.size() && IsAsciiLetter(text[at]); ++at) token.word += static_cast<char>(SmallLetter(text[at]));
       token.kind = Token::kWord;
     } else if (text[at] == ' ') {
       while (at < text.size() && text[at] == ' ') ++at;
@@ -54,70 +51,75 @@ std::optional<std::vector<Token>> Split(std::string_view text) {
   return tokens;
 }
 
-using Tokens = std::vector<Token>;
-
+// 0 for none.
 int MonthOf(const Token& token) {
   if (token.kind != Token::kWord || token.word.size() < 3) return 0;
-  for (std::size_t i = 0; i < kMonths.size(); ++i)
-    if (token.word == kMonths[i] || token.word == kMonths[i].substr(0, 3)) return static_cast<int>(i) + 1;
+  for (std::size_t i = 0; i < kMonthNames.size(); ++i)
+    if (EqualsIgnoringCase(token.word, kMonthNames[i]) || EqualsIgnoringCase(token.word, kMonthNames[i].substr(0, 3)))
+      return static_cast<int>(i) + 1;
   return 0;
 }
 
-std::optional<int> YearOf(const Token& token) {
-  if (token.kind != Token::kNumber) return std::nullopt;
+// 0, which no calendar has, for none.
+int YearOf(const Token& token) {
+  if (token.kind != Token::kNumber) return 0;
   if (token.digits <= 2) return token.number + (token.number < 30 ? 2000 : 1900);
-  if (token.digits != 4 || token.number < kFirstYear || token.number > kLastYear) return std::nullopt;
-  return token.number;
+  return token.digits == 4 ? token.number : 0;
 }
 
-bool IsLeap(int year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+int CurrentYear() {
+  const auto today = std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now());
+  return static_cast<int>(std::chrono::year_month_day(today).year());
+}
 
-// The serial of a date, or nothing when no such day exists.
-std::optional<double> SerialOf(int year, int month, int day) {
-  static constexpr int kDaysBefore[] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
-  if (month < 1 || month > 12 || day < 1) return std::nullopt;
-  const bool leapDay = month == 2 && (IsLeap(year) || year == 1900);  // the 1900 system has a 29 February 1900
-  if (day > kDaysBefore[month] - kDaysBefore[month - 1] + (leapDay ? 1 : 0)) return std::nullopt;
-  const int past = year - kFirstYear;
-  const int last = year - 1;
-  const int leapDays = last / 4 - last / 100 + last / 400 - (1899 / 4 - 1899 / 100 + 1899 / 400);
-  int serial = past * 365 + leapDays + kDaysBefore[month - 1] + day;
-  if (IsLeap(year) && month > 2) ++serial;
-  if (year > 1900 || month > 2) ++serial;
-  return serial;
+bool IsNumber(const Token& token) { return token.kind == Token::kNumber; }
+bool IsDateMark(const Token& token) { return token.Is('-') || token.Is('/'); }
+
+// Day, month and year in any of the orders that tell themselves apart.
+std::optional<int> ReadThreeParts(const Token& first, const Token& second, const Token& third, bool isSpaced) {
+  if (IsNumber(first) && MonthOf(second) > 0) return SerialOf({YearOf(third), MonthOf(second), first.number});
+  if (isSpaced || !IsNumber(first) || !IsNumber(second) || !IsNumber(third)) return std::nullopt;
+  if (first.digits == 4) return SerialOf({first.number, second.number, third.number});
+  return SerialOf({YearOf(third), first.number, second.number});
+}
+
+// A day of the current year, or where there is no such day the first of a month.
+std::optional<int> ReadDayOrYear(int month, const Token& token) {
+  if (!IsNumber(token)) return std::nullopt;
+  if (token.digits <= 2)
+    if (const auto serial = SerialOf({CurrentYear(), month, token.number})) return serial;
+  return SerialOf({YearOf(token), month, 1});
+}
+
+std::optional<int> ReadTwoParts(const Token& first, const Token& second, bool isSpaced) {
+  if (MonthOf(first) > 0) return ReadDayOrYear(MonthOf(first), second);
+  if (!IsNumber(first)) return std::nullopt;
+  if (MonthOf(second) > 0) return SerialOf({CurrentYear(), MonthOf(second), first.number});
+  if (isSpaced || !IsNumber(second)) return std::nullopt;
+  return first.digits == 4 ? SerialOf({first.number, second.number, 1}) : ReadDayOrYear(first.number, second);
 }
 
 // Takes a date off the front of the tokens: the number of tokens it takes, 0 for none.
-std::size_t TakeDate(const Tokens& tokens, std::optional<double>& serial) {
-  const auto isSeparator = [&](std::size_t i) {
-    return i < tokens.size() && (tokens[i].Is('-') || tokens[i].Is('/') || tokens[i].Is(' '));
-  };
-  if (tokens.size() >= 5 && isSeparator(1) && isSeparator(3)) {
-    const Token &first = tokens[0], &second = tokens[2], &third = tokens[4];
-    const bool numbers = first.kind == Token::kNumber && second.kind == Token::kNumber && third.kind == Token::kNumber;
-    const bool sameMark = tokens[1].mark == tokens[3].mark && !tokens[1].Is(' ');
-    if (numbers && sameMark && first.digits == 4) {
-      if (const auto year = YearOf(first)) serial = SerialOf(*year, second.number, third.number);
-    } else if (numbers && sameMark) {
-      if (const auto year = YearOf(third)) serial = SerialOf(*year, first.number, second.number);
-    } else if (first.kind == Token::kNumber && MonthOf(second) > 0) {
-      if (const auto year = YearOf(third)) serial = SerialOf(*year, MonthOf(second), first.number);
-    }
+std::size_t TakeDate(const Tokens& tokens, std::optional<int>& serial) {
+  const auto isMark = [&](std::size_t i) { return IsDateMark(tokens[i]) || tokens[i].Is(' '); };
+  if (tokens.size() < 3 || !isMark(1)) return 0;
+  // Mar 23, 2002 with or without the blank behind the comma.
+  if (tokens.size() >= 5 && MonthOf(tokens[0]) > 0 && tokens[1].Is(' ') && IsNumber(tokens[2]) && tokens[3].Is(',')) {
+    const std::size_t yearAt = tokens[4].Is(' ') ? 5 : 4;
+    if (yearAt < tokens.size()) serial = SerialOf({YearOf(tokens[yearAt]), MonthOf(tokens[0]), tokens[2].number});
+    return serial ? yearAt + 1 : 0;
+  }
+  const bool hasMonthName = MonthOf(tokens[2]) > 0;
+  if (tokens.size() >= 5 && isMark(3) && (hasMonthName || tokens[1].mark == tokens[3].mark)) {
+    serial = ReadThreeParts(tokens[0], tokens[2], tokens[4], tokens[1].Is(' '));
     if (serial) return 5;
   }
-  // Mar 23, 2002 with or without the blank behind the comma.
-  if (tokens.size() >= 5 && MonthOf(tokens[0]) > 0 && tokens[1].Is(' ') && tokens[2].kind == Token::kNumber &&
-      tokens[3].Is(',')) {
-    const std::size_t yearAt = tokens[4].Is(' ') ? 5 : 4;
-    if (yearAt < tokens.size())
-      if (const auto year = YearOf(tokens[yearAt])) serial = SerialOf(*year, MonthOf(tokens[0]), tokens[2].number);
-    if (serial) return yearAt + 1;
-  }
-  return 0;
+  serial = ReadTwoParts(tokens[0], tokens[2], tokens[1].Is(' '));
+  return serial ? 3 : 0;
 }
 
 // Hours, minutes and seconds of a time, as a fraction of a day. Only the first part may pass its limit.
-std::optional<double> ReadTime(const Tokens& tokens, std::size_t at) {
+std::optional<double> ReadTime(const Tokens& tokens, std::size_t at, XCHAR decimalMark) {
   std::vector<int> parts;
   double fraction = 0;
   bool colons = false;
@@ -128,15 +130,15 @@ std::optional<double> ReadTime(const Tokens& tokens, std::size_t at) {
     ++at;
     if (at >= tokens.size() || tokens[at].kind != Token::kNumber) return std::nullopt;
   }
-  if (parts.size() == 3 && at + 1 < tokens.size() && tokens[at].Is('.') && tokens[at + 1].kind == Token::kNumber) {
+  if (parts.size() >= 2 && at + 1 < tokens.size() && tokens[at].Is(decimalMark) && IsNumber(tokens[at + 1])) {
+    if (parts.size() == 2) parts.insert(parts.begin(), 0);
     fraction = tokens[at + 1].number;
     for (std::size_t i = 0; i < tokens[at + 1].digits; ++i) fraction /= 10;
     at += 2;
   }
   bool halfDay = false;
   if (at < tokens.size()) {
-    if (tokens[at].Is(' ')) ++at;
-    if (at >= tokens.size() || tokens[at].kind != Token::kWord) return std::nullopt;
+    if (!tokens[at].Is(' ') || ++at == tokens.size() || tokens[at].kind != Token::kWord) return std::nullopt;
     const std::string& word = tokens[at].word;
     if ((word != "am" && word != "pm" && word != "a" && word != "p") || parts.empty() || parts[0] > 12)
       return std::nullopt;
@@ -152,14 +154,14 @@ std::optional<double> ReadTime(const Tokens& tokens, std::size_t at) {
 
 }  // namespace
 
-std::optional<double> ReadDateTime(std::string_view text) {
+std::optional<double> ReadDateTime(XStringView text, NumberMarks marks) {
   const auto tokens = Split(text);
   if (!tokens || tokens->empty()) return std::nullopt;
-  std::optional<double> date;
+  std::optional<int> date;
   const std::size_t taken = TakeDate(*tokens, date);
-  if (taken == tokens->size()) return date;
+  if (taken == tokens->size()) return *date;
   if (taken > 0 && !(*tokens)[taken].Is(' ')) return std::nullopt;
-  const auto time = ReadTime(*tokens, taken > 0 ? taken + 1 : 0);
+  const auto time = ReadTime(*tokens, taken > 0 ? taken + 1 : 0, marks.decimal);
   return time ? std::optional(date.value_or(0) + *time) : std::nullopt;
 }
 

@@ -69,9 +69,9 @@ std::string Positional(const Decimal& decimal) {
 
 }  // namespace
 
-XString NumberToText(double number, XCHAR decimalSeparator) {
+XString NumberToText(double number, NumberMarks marks) {
   const double magnitude = std::fabs(number);
-  if (magnitude == 0 || std::fpclassify(number) == FP_SUBNORMAL) return XTEXT("0");
+  if (magnitude == 0) return XTEXT("0");
   const Decimal decimal = RoundToDigits(magnitude);
   // "0.", the zeros behind the point and the digits.
   const int smallLength = 1 - decimal.exponent + static_cast<int>(decimal.digits.size());
@@ -79,7 +79,7 @@ XString NumberToText(double number, XCHAR decimalSeparator) {
       decimal.exponent >= kFirstScientific || (decimal.exponent < 0 && smallLength > kMostPositionalLength);
   const std::string text = scientific ? Scientific(decimal) : Positional(decimal);
   XString result(number < 0 ? 1 : 0, XTEXT('-'));
-  for (const char byte : text) result += byte == '.' ? decimalSeparator : static_cast<XCHAR>(byte);
+  for (const char byte : text) result += byte == '.' ? marks.decimal : static_cast<XCHAR>(byte);
   return result;
 }
 

@@ -21,7 +21,7 @@ class Value {
   Value() = default;  ///< an empty cell
   static Value Empty() { return {}; }
   static Value Missing() { return Value(Content(MissingTag{})); }
-  static Value Number(double number) { return Value(Content(number)); }
+  static Value Number(double number) { return Value(Content(WithoutSubnormal(number))); }
   static Value Text(XString text) { return Value(Content(std::move(text))); }
   static Value Boolean(bool truth) { return Value(Content(truth)); }
   static Value Error(std::int32_t code) { return Value(Content(ErrorTag{code})); }

@@ -26,7 +26,8 @@ class CsvTest : public ModelTest {
 };
 
 TEST_F(CsvTest, TellsTypesApart) {
-  EXPECT_EQ(Loaded("1,-2.5,+3,1e3,.5,5.,007\n"), "{1,-2.5,3,1000,0.5,5,7}");
+  EXPECT_EQ(Loaded("1,-2.5,+3,1e3,.5,5.,007,1e-320,-123456789.87654321,1234567890123456789e-2\n"),
+            "{1,-2.5,3,1000,0.5,5,7,0,-123456789.876543,12345678901234500}");
   EXPECT_EQ(Loaded("1x, 1,1 ,0x1F,inf,nan,-,.,1e,1e999,--1,$5"),
             R"({"1x"," 1","1 ","0x1F","inf","nan","-",".","1e","1e999","--1","$5"})");
   EXPECT_EQ(Loaded("TRUE,false,True ,#N/A"), R"({TRUE,FALSE,"True ","#N/A"})");

@@ -19,7 +19,8 @@ std::string Printed(std::string_view text) {
 
 TEST(Literal, ReadsAndPrints) {
   for (const auto& [literal, printed] : CasesOf(R"(
-      1 -> 1 | -2.5 -> -2.5 | 1e-07 -> 1e-07 | 1.7976931348623157e+308 -> 1.7976931348623157e+308 | 5e-324 -> 5e-324
+      1 -> 1 | -2.5 -> -2.5 | 1e-07 -> 1e-07 | 1.7976931348623157e+308 -> 1.7976931348623157e+308 | 5e-324 -> 0
+      -4e-310 -> 0 | {1e-400} -> {0} | 0.30000000000000004 -> 0.30000000000000004
       0.1 -> 0.1 | -0 -> -0 | .5E1 -> 5 | "" -> "" | "a ""quoted"" word" -> "a ""quoted"" word" | true -> TRUE
       FALSE -> FALSE | #NULL! -> #NULL! | #DIV/0! -> #DIV/0! | #VALUE! -> #VALUE! | #REF! -> #REF! | #NUM! -> #NUM!
       #NAME? -> #NAME? | #n/a -> #N/A | #GETTING_DATA -> #GETTING_DATA | #SPILL! -> #SPILL! | #ERR77 -> #ERR77
@@ -31,6 +32,8 @@ TEST(Literal, ReadsAndPrints) {
     EXPECT_EQ(Printed(literal), printed) << literal;
   const std::string text = "\"\u00E4\u20AC\U0001F600 in two\nlines\"";
   EXPECT_EQ(Printed(text), text);
+  EXPECT_EQ(Printed("{\"" + std::string(32'768, 'x') + "\"}"),
+            "!line 1, column 2: expected a text of at most 32767 characters, found 32768");
   for (const std::string bad : {"", "abc", "1e999", "#FOO", "-", "{", "{}", "{1", "{1,}", "--1", "\"\xFF\"", "TRUE1"})
     EXPECT_EQ(Printed(bad)[0], '!') << bad;
 }

@@ -16,7 +16,7 @@ TEST(Marshalling, JunkStandsBehindTextsAndShortIntegers) {
   const Value operands[] = {Value::Boolean(true), Value::Number(-1),    Value::Number(65'535),
                             Value::Number(-1),    Value::Boolean(true), Value::Text(XTEXT("ab"))};
   ArgumentCache cache;
-  Arguments arguments(cache, {});
+  Arguments arguments(cache, {}, {});
   ASSERT_FALSE(arguments.Build(function, operands));
   const std::span<const std::uintptr_t> words = arguments.Words();
   EXPECT_THAT(words.first(4), ::testing::ElementsAre(0xA7A7A7A7A7A70001u, 0xA7A7A7A7A7A7FFFFu, 0xA7A7A7A7A7A7FFFFu,
@@ -25,6 +25,16 @@ TEST(Marshalling, JunkStandsBehindTextsAndShortIntegers) {
   const XCHAR* const text = reinterpret_cast<const XLOPER12*>(words[5])->val.str;
   EXPECT_EQ(text[0], 2);
   EXPECT_EQ(static_cast<std::uint16_t>(text[3]), 0xA7A7);
+}
+
+TEST(Marshalling, SubnormalNumbersComeInAsZero) {
+  XLOPER12 number{}, array{};
+  number.xltype = xltypeNum;
+  number.val.num = -4e-310;
+  array.xltype = xltypeMulti;
+  array.val.array = {&number, 1, 1};
+  EXPECT_EQ(PrintLiteral(std::get<Value>(Marshal<Wide>::Read(number, 0).value)), "0");
+  EXPECT_EQ(PrintLiteral(std::get<Value>(Marshal<Wide>::Read(array, 0).value)), "{0}");
 }
 
 TEST(TypeTexts, WhatExcelTakesAndRefuses) {

@@ -68,8 +68,8 @@ TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
       =COERCED(A1,4097) -> -8, 2 that is not a set of types
       =CALLED(64,1) -> -4, CALLED: xlfMatch was given 1 arguments
       =CALLED(255,"plus.one",1,2) -> -4, CALLED: xlUDF was given 2 arguments)");
-  session.Host().settings.decimalSeparator = ',';
-  Check(R"(=COERCED("16.0",1) -> -32 | =COERCED("16,5",1) -> 16.5 | =COERCED(1.5,2) -> "1,5")");
+  session.Host().settings.marks.decimal = ',';
+  Check(R"(=COERCED("16.0",1) -> -32 | =COERCED("1.016,5",1) -> 1016.5 | =COERCED(1.5,2) -> "1,5")");
 }
 
 // The range goes over a cell that the formula does not name; the other formula comes first.

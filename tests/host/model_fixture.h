@@ -56,7 +56,7 @@ class FakeAddin : public IAddinFunctions {
 class ModelTest : public testing::Test {
  protected:
   ModelTest() : sheet(workbooks.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
-    context = {&workbooks, &sheet, &names, &addin, {}};
+    context = {&workbooks, &sheet, &names, &addin, {}, {}};
   }
 
   Sheet& SheetAt(std::string_view reference) {

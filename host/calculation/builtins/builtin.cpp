@@ -38,8 +38,8 @@ std::vector<Value> ScalarOperands(const BuiltinCall& call) {
   return values;
 }
 
-Value ToWholeNumber(const CellView& cell, std::int32_t& whole) {
-  const Value number = ToNumber(cell);
+Value ToWholeNumber(const CellView& cell, NumberMarks marks, std::int32_t& whole) {
+  const Value number = ToNumber(cell, marks);
   if (number.IsError()) return number;
   const double cut = std::trunc(number.AsNumber());
   constexpr double kLimit = 2147483647;

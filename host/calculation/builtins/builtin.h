@@ -40,6 +40,6 @@ Value ScalarOperand(const BuiltinCall& call, std::size_t index);
 std::vector<Value> ScalarOperands(const BuiltinCall& call);
 /// A number cut off towards zero, from a cell by Excel's conversions; `whole` receives it, the result is an error or
 /// empty. Numbers beyond 2^31 give #VALUE!.
-Value ToWholeNumber(const CellView& cell, std::int32_t& whole);
+Value ToWholeNumber(const CellView& cell, NumberMarks marks, std::int32_t& whole);
 
 }  // namespace qcalc

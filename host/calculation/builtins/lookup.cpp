@@ -62,8 +62,8 @@ Value FaultOfKey(const CellView& key) {
 
 // Left empty behind its comma it is 0, a boolean 1 or 0; what is no number gives #REF!, of which neither that nor the
 // former is sure for every version of Excel.
-Value ReadMatchType(const CellView& cell, LookupOrder& order) {
-  const Value number = ToNumber(cell);
+Value ReadMatchType(const CellView& cell, NumberMarks marks, LookupOrder& order) {
+  const Value number = ToNumber(cell, marks);
   if (number.IsError()) return Value::Error(xlerrRef);
   order = number.AsNumber() > 0   ? LookupOrder::kAscending
           : number.AsNumber() < 0 ? LookupOrder::kDescending
@@ -81,7 +81,7 @@ Value CallMatch(const BuiltinCall& call) {
     if (Value fault = FaultOfKey(cells[0]); fault.IsError()) return fault;
     if (table.Fault().IsError()) return table.Fault();
     LookupOrder order{};
-    if (Value fault = ReadMatchType(cells[1], order); fault.IsError()) return fault;
+    if (Value fault = ReadMatchType(cells[1], call.context.marks, order); fault.IsError()) return fault;
     const auto place = isLine ? FindInLine(EmptyAsZero(cells[0]), line, order) : std::nullopt;
     return place ? Value::Number(*place + 1) : Value::Error(xlerrNA);
   });
@@ -98,8 +98,8 @@ Value ReadRangeLookup(const CellView& cell, LookupOrder& order) {
 // The answer in that row of the table; the column, counted from 1, is cut off. A text that is no number gives #VALUE!,
 // where Excel once gave #REF!. An empty cell is answered as an empty value, which a cell shows as 0 and a text takes
 // for "".
-Value Answer(const Table& table, std::int32_t row, const CellView& columnCell) {
-  const Value column = ToNumber(columnCell);
+Value Answer(const Table& table, std::int32_t row, const CellView& columnCell, NumberMarks marks) {
+  const Value column = ToNumber(columnCell, marks);
   if (column.IsError()) return column;
   if (column.AsNumber() < 1) return Value::Error(xlerrValue);
   if (column.AsNumber() >= table.Columns() + 1.0) return Value::Error(xlerrRef);
@@ -118,7 +118,7 @@ Value CallVlookup(const BuiltinCall& call) {
     LookupOrder order{};
     if (Value fault = ReadRangeLookup(cells[2], order); fault.IsError()) return fault;
     const auto row = FindInLine(EmptyAsZero(cells[0]), keys, order);
-    return row ? Answer(table, *row, cells[1]) : Value::Error(xlerrNA);
+    return row ? Answer(table, *row, cells[1], call.context.marks) : Value::Error(xlerrNA);
   });
 }
 

@@ -17,7 +17,7 @@ Value ReadCount(const BuiltinCall& call, std::size_t index, std::int32_t limit, 
   count = 1;
   if (operand.IsMissing()) return {};
   if (operand.IsArray()) return Value::Error(xlerrValue);
-  if (Value fault = ToWholeNumber(operand.AsCell(), count); fault.IsError()) return fault;
+  if (Value fault = ToWholeNumber(operand.AsCell(), call.context.marks, count); fault.IsError()) return fault;
   if (count == 0) return Value::Error(kErrorCalc);
   return count < 0 || count > limit ? Value::Error(xlerrValue) : Value();
 }
@@ -25,7 +25,7 @@ Value ReadCount(const BuiltinCall& call, std::size_t index, std::int32_t limit, 
 Value ReadNumberOr1(const BuiltinCall& call, std::size_t index) {
   const Value operand = ScalarOperand(call, index);
   if (operand.IsMissing()) return Value::Number(1);
-  return operand.IsArray() ? Value::Error(xlerrValue) : ToNumber(operand.AsCell());
+  return operand.IsArray() ? Value::Error(xlerrValue) : ToNumber(operand.AsCell(), call.context.marks);
 }
 
 Value CallSequence(const BuiltinCall& call) {
@@ -38,18 +38,20 @@ Value CallSequence(const BuiltinCall& call) {
   if (std::int64_t{rows} * columns > kMaxArrayCells) return Value::Error(xlerrNum);
   ArrayBuilder builder(rows, columns);
   double index = 0;
-  for (CellView& cell : builder.Cells()) cell = CellView::Number(start.AsNumber() + step.AsNumber() * index++);
+  for (CellView& cell : builder.Cells()) cell = NumberResult(start.AsNumber() + step.AsNumber() * index++).AsCell();
   return Value::OfArray(builder.Finish());
 }
 
 // Adds what SUM counts; remembers the first error.
 class Sum {
  public:
+  explicit Sum(NumberMarks marks) : marks_(marks) {}
+
   bool Failed() const { return error_.has_value(); }
   Value Result() const { return error_ ? *error_ : NumberResult(total_); }
 
   void AddDirect(const Value& value) {
-    const Value number = ToNumber(value.AsCell());
+    const Value number = ToNumber(value.AsCell(), marks_);
     if (number.IsError())
       error_ = number;
     else
@@ -75,12 +77,13 @@ class Sum {
   }
 
  private:
+  NumberMarks marks_;
   double total_ = 0;
   std::optional<Value> error_;
 };
 
 Value CallSum(const BuiltinCall& call) {
-  Sum sum;
+  Sum sum(call.context.marks);
   for (const Value& operand : call.operands) {
     if (operand.IsArray()) {
       sum.AddArray(*operand.AsArray());

@@ -62,10 +62,11 @@ Value TakePart(const Value& source, const Area& part) {
   return Value::OfArray(builder.Finish());
 }
 
-Value IndexAt(const Value& source, bool columnGiven, const CellView& rowCell, const CellView& columnCell) {
+Value IndexAt(const Value& source, bool columnGiven, const CellView& rowCell, const CellView& columnCell,
+              NumberMarks marks) {
   std::int32_t row = 0, column = 0;
-  if (Value fault = ToWholeNumber(rowCell, row); fault.IsError()) return fault;
-  if (Value fault = ToWholeNumber(columnCell, column); fault.IsError()) return fault;
+  if (Value fault = ToWholeNumber(rowCell, marks, row); fault.IsError()) return fault;
+  if (Value fault = ToWholeNumber(columnCell, marks, column); fault.IsError()) return fault;
   if (row < 0 || column < 0) return Value::Error(xlerrValue);
   const Size size = SizeOf(source);
   if (!columnGiven && size.rows == 1) {
@@ -85,7 +86,7 @@ Value ChooseArea(const BuiltinCall& call) {
   const Value chosen = ScalarOperand(call, 3);
   if (!chosen.IsMissing()) {
     if (chosen.IsArray()) return Value::Error(xlerrValue);
-    if (Value fault = ToWholeNumber(chosen.AsCell(), number); fault.IsError()) return fault;
+    if (Value fault = ToWholeNumber(chosen.AsCell(), call.context.marks, number); fault.IsError()) return fault;
   }
   if (number < 1) return Value::Error(xlerrValue);
   const auto index = static_cast<std::size_t>(number - 1);
@@ -101,9 +102,10 @@ Value CallIndex(const BuiltinCall& call) {
   const bool columnGiven = call.operands.size() > 2;
   const Value indices[] = {ScalarOperand(call, 1), ScalarOperand(call, 2)};
   if (!indices[0].IsArray() && !indices[1].IsArray())
-    return IndexAt(source, columnGiven, indices[0].AsCell(), indices[1].AsCell());
+    return IndexAt(source, columnGiven, indices[0].AsCell(), indices[1].AsCell(), call.context.marks);
   return Broadcast(indices, [&](std::span<const CellView> cells) {
-    const Value part = Dereference(IndexAt(source, columnGiven, cells[0], cells[1]), *call.context.workbooks);
+    const Value part =
+        Dereference(IndexAt(source, columnGiven, cells[0], cells[1], call.context.marks), *call.context.workbooks);
     return part.IsArray() ? Value::OfCell(part.AsArray()->At(0, 0)) : part;
   });
 }

@@ -12,27 +12,27 @@ namespace qcalc {
 namespace {
 
 Value CallChar(const BuiltinCall& call) {
-  return Broadcast(ScalarOperands(call), [](std::span<const CellView> cells) {
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
     std::int32_t code = 0;
-    if (Value fault = ToWholeNumber(cells[0], code); fault.IsError()) return fault;
+    if (Value fault = ToWholeNumber(cells[0], call.context.marks, code); fault.IsError()) return fault;
     if (code < 1 || code > 255) return Value::Error(xlerrValue);
     return Value::Text(FromAnsi(std::string(1, static_cast<char>(code))));
   });
 }
 
 Value CallLen(const BuiltinCall& call) {
-  return Broadcast(ScalarOperands(call), [](std::span<const CellView> cells) {
-    const Value text = ToText(cells[0]);
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
+    const Value text = ToText(cells[0], call.context.marks);
     return text.IsError() ? text : Value::Number(static_cast<double>(text.AsText().size()));
   });
 }
 
 Value CallRept(const BuiltinCall& call) {
-  return Broadcast(ScalarOperands(call), [](std::span<const CellView> cells) {
-    const Value text = ToText(cells[0]);
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
+    const Value text = ToText(cells[0], call.context.marks);
     if (text.IsError()) return text;
     std::int32_t times = 0;
-    if (Value fault = ToWholeNumber(cells[1], times); fault.IsError()) return fault;
+    if (Value fault = ToWholeNumber(cells[1], call.context.marks, times); fault.IsError()) return fault;
     const auto length = static_cast<std::int64_t>(text.AsText().size()) * times;
     if (times < 0 || length > kXlMaxText) return Value::Error(xlerrValue);
     XString result;
@@ -60,9 +60,9 @@ Value CallT(const BuiltinCall& call) {
 }
 
 Value CallUnichar(const BuiltinCall& call) {
-  return Broadcast(ScalarOperands(call), [](std::span<const CellView> cells) {
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
     std::int32_t point = 0;
-    if (Value fault = ToWholeNumber(cells[0], point); fault.IsError()) return fault;
+    if (Value fault = ToWholeNumber(cells[0], call.context.marks, point); fault.IsError()) return fault;
     if (point < 1 || point > 0x10FFFF) return Value::Error(xlerrValue);
     if (const auto unit = static_cast<char32_t>(point); IsHighSurrogate(unit) || IsLowSurrogate(unit))
       return Value::Error(xlerrNA);
