@@ -4,18 +4,13 @@
 #include <span>
 
 #include "host/calculation/broadcast.h"
+#include "host/calculation/power.h"
 #include "host/values/conversion.h"
 #include "host/values/value_order.h"
 
 namespace qcalc {
 
 namespace {
-
-Value Power(double base, double exponent) {
-  if (base == 0 && exponent == 0) return Value::Error(xlerrNum);
-  if (base == 0 && exponent < 0) return Value::Error(xlerrDiv0);
-  return NumberResult(std::pow(base, exponent));
-}
 
 Value Calculate(FormulaOperator op, double left, double right) {
   switch (op) {
