@@ -103,6 +103,8 @@ class Pass {
       return first;
     } catch (const FormulaError& error) {
       throw FormulaError(NameOf(number) + ": " + error.what());
+    } catch (const std::length_error& error) {
+      throw FormulaError(NameOf(number) + ": " + error.what());
     }
     return std::nullopt;
   }

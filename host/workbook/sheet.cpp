@@ -1,6 +1,7 @@
 #include "host/workbook/sheet.h"
 
 #include <stdexcept>
+#include <string>
 
 #include "host/formulas/reference_text.h"
 #include "host/workbook/workbooks.h"
@@ -9,9 +10,13 @@ namespace qcalc {
 
 namespace {
 
-void CheckFillable(const Area& area) {
-  if (std::int64_t{area.Rows()} * area.Columns() > kMaxArrayCells)
-    throw std::length_error(AreaToText(area) + " is more than can be filled");
+// A formula takes many times the memory of a value: these take a gigabyte too.
+constexpr std::int64_t kMostFormulas = std::int64_t{1} << 22;
+
+void CheckFillable(const Area& area, std::int64_t mostCells) {
+  if (const std::int64_t cells = std::int64_t{area.Rows()} * area.Columns(); cells > mostCells)
+    throw std::length_error(AreaToText(area) + " is more than can be filled: " + std::to_string(cells) +
+                            " cells, of at most " + std::to_string(mostCells));
 }
 
 }  // namespace
@@ -53,13 +58,14 @@ void Sheet::Set(const Area& area, const Value& value) {
                                       : area;
   if (!target.IsOnSheet())
     throw std::length_error("the array does not fit on the sheet from " + AreaToText(area) + " on");
-  if (!value.IsEmpty() && !value.IsMissing()) CheckFillable(target);
+  if (!value.IsEmpty() && !value.IsMissing()) CheckFillable(target, kMaxArrayCells);
   RemoveFormulas(target);
   Write(target, value);
   NoteChange(target);
 }
 
 void Sheet::WriteResult(const Area& callingCells, const Value& value) {
+  CheckFillable(callingCells, kMaxArrayCells);
   TakeBackSpills(callingCells);
   if (value.IsArray()) {
     const Array& array = *value.AsArray();
@@ -77,7 +83,7 @@ void Sheet::WriteResult(const Area& callingCells, const Value& value) {
 }
 
 void Sheet::SetFormula(const Area& area, const Formula& formula) {
-  CheckFillable(area);
+  CheckFillable(area, kMostFormulas);
   RemoveFormulas(area);
   Write(area, Value::Number(0));
   for (std::int32_t row = area.firstRow; row <= area.lastRow; ++row)

@@ -65,9 +65,10 @@ class Sheet {
   void Set(const Area& area, const Value& value);
   /// Writes one result of a formula into the calling cells, as an array formula fills them: an array element by
   /// element, a single row or column repeated, #N/A where it does not reach; empty cells become 0. Formulas there stay.
+  /// std::length_error beyond kMaxArrayCells, before anything is written.
   void WriteResult(const Area& callingCells, const Value& value);
   /// Puts a formula into every cell of the area, to be calculated by the next recalculation. References are not moved.
-  /// std::length_error beyond kMaxArrayCells.
+  /// std::length_error beyond 4,194,304 cells, before anything is written.
   void SetFormula(const Area& area, const Formula& formula);
   /// Removes values and formulas.
   void Clear(const Area& area);

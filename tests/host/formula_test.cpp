@@ -29,7 +29,8 @@ TEST_F(FormulaTest, OperatorsCalculateAsInExcel) {
       ={1,2;3,4}*10 -> {10,20;30,40} | ={1,2}+{10;20} -> {11,12;21,22} | ={1,2,3}+{1,2} -> {2,4,#N/A}
       ={1,2;3,4}+{1,2,3} -> {2,4,#N/A;4,6,#N/A} | ={5}&"" -> {"5"} | =-{1,"x",empty} -> {-1,#VALUE!,0}
       =A1:B2*2 -> {2,4;6,8} | =C1+1 -> 1 | =A:XFD+1 -> !an array of 1048576 x 16384 cells is none that can be held
-      =A:A+1:1 -> !an array of 1048576 x 16384 cells is none that can be held)");
+      =A:A+1:1 -> !an array of 1048576 x 16384 cells is none that can be held
+      =SEQUENCE(1048576,16384) -> !an array of 1048576 x 16384 cells is none that can be held)");
 }
 
 TEST_F(FormulaTest, ReadsReferences) {

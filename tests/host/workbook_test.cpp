@@ -42,6 +42,9 @@ TEST_F(WorkbookTest, SetFillsAndClears) {
   Follow("A2:B2 -> empty", "A1:C3 -> {\"y\",empty,empty;empty,empty,\"x\";\"y\",empty,TRUE}");
   Follow("A1 -> \"\" | Z2 -> {5}", "A1 -> \"\" | Z2 -> 5");
   EXPECT_THROW(sheet.Set(AreaOf("XFD1048576"), *ParseLiteral("{1,2}")), std::length_error);
+  for (const std::string tooLarge : {"A:XFD", "A1:BM1048576"})
+    EXPECT_THROW(sheet.WriteResult(AreaOf(tooLarge), Value::Number(1)), std::length_error) << tooLarge;
+  EXPECT_THROW(SetFormula("A:E", "=1"), std::length_error);
   EXPECT_THROW(ArrayBuilder(0, 1), std::length_error);
 }
 

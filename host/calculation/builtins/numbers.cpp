@@ -35,7 +35,6 @@ Value CallSequence(const BuiltinCall& call) {
   const Value start = ReadNumberOr1(call, 2), step = ReadNumberOr1(call, 3);
   if (start.IsError()) return start;
   if (step.IsError()) return step;
-  if (std::int64_t{rows} * columns > kMaxArrayCells) return Value::Error(xlerrNum);
   ArrayBuilder builder(rows, columns);
   double index = 0;
   for (CellView& cell : builder.Cells()) cell = NumberResult(start.AsNumber() + step.AsNumber() * index++).AsCell();
