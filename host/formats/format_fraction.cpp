@@ -1,0 +1,139 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <string>
+
+#include "host/formats/digit_run.h"
+#include "host/formats/format_number.h"
+
+namespace qcalc {
+
+namespace {
+
+using Kind = FormatToken::Kind;
+using Tokens = std::span<const FormatToken>;
+
+struct Fraction {
+  std::int64_t numerator = 0;
+  std::int64_t denominator = 1;
+};
+
+// The tokens of a fraction: what stands before the numerator, its places, the denominator, and what follows.
+struct FractionParts {
+  Tokens whole, numerator, denominator, rest;
+
+  explicit FractionParts(Tokens tokens) {
+    std::size_t slash = 0;
+    while (!tokens[slash].Is(Kind::kSlash)) ++slash;
+    std::size_t first = slash, last = slash + 1;
+    while (first > 0 && tokens[first - 1].Is(Kind::kDigit)) --first;
+    while (last < tokens.size() && (tokens[last].Is(Kind::kDigit) || tokens[last].Is(Kind::kFixedDigit))) ++last;
+    whole = tokens.first(first);
+    numerator = tokens.subspan(first, slash - first);
+    denominator = tokens.subspan(slash + 1, last - slash - 1);
+    rest = tokens.subspan(last);
+  }
+  // The denominator that the format names, 0 for none.
+  std::int64_t FixedDenominator() const {
+    std::int64_t fixed = 0;
+    if (!denominator.front().Is(Kind::kFixedDigit)) return 0;
+    for (const FormatToken& digit : denominator.first(std::min<std::size_t>(denominator.size(), kMostDigits)))
+      fixed = fixed * 10 + (digit.mark >= '0' && digit.mark <= '9' ? digit.mark - '0' : 0);
+    return fixed;
+  }
+  std::int64_t MostDenominator() const {
+    std::int64_t most = 1;
+    for (std::size_t i = 0; i < std::min<std::size_t>(denominator.size(), kMostDigits); ++i) most *= 10;
+    return most - 1;
+  }
+  static constexpr std::size_t kMostDigits = 9;
+};
+
+// The fraction nearest to a number from 0 on, by its continued fraction; of the last step as much as still has room.
+Fraction NearestFraction(double number, std::int64_t mostDenominator) {
+  constexpr double kNothingLeft = 1e-10;
+  Fraction before{1, 0}, last{static_cast<std::int64_t>(std::floor(number)), 1};
+  double rest = number - std::floor(number);
+  while (rest > kNothingLeft) {
+    const double inverse = 1 / rest;
+    const double step = std::floor(inverse);
+    const auto room = (mostDenominator - before.denominator) / last.denominator;
+    const auto taken = static_cast<std::int64_t>(std::min(step, static_cast<double>(room)));
+    const Fraction next{taken * last.numerator + before.numerator, taken * last.denominator + before.denominator};
+    const auto distance = [number](const Fraction& fraction) {
+      return std::fabs(number - static_cast<double>(fraction.numerator) / static_cast<double>(fraction.denominator));
+    };
+    if (static_cast<double>(taken) < step) return taken > 0 && distance(next) < distance(last) ? next : last;
+    before = last;
+    last = next;
+    rest = inverse - step;
+  }
+  return last;
+}
+
+DecimalDigits DigitsOfWhole(std::int64_t whole) { return DigitsOf(static_cast<double>(whole)); }
+
+bool HasZeroPlace(Tokens tokens) {
+  return std::any_of(tokens.begin(), tokens.end(), [](const FormatToken& token) { return token.mark == '0'; });
+}
+
+// 0 shows where there is no fraction either.
+void WriteWholePart(const DecimalDigits& number, Tokens tokens, bool isAll, XCHAR separator, XString& out) {
+  WholeDigits digits(number, CountPlaces(tokens), separator);
+  int places = CountPlaces(tokens);
+  for (const FormatToken& token : tokens) {
+    if (token.Is(Kind::kLiteral)) out += token.text;
+    if (!token.Is(Kind::kDigit)) continue;
+    const bool isForced = --places == 0 && isAll && number.IsZero();
+    digits.WritePlace(isForced ? XTEXT('0') : token.mark, out);
+  }
+}
+
+// Behind a denominator that is shorter than its places stand blanks.
+void WriteDenominator(const FractionParts& parts, std::int64_t denominator, XString& out) {
+  if (parts.FixedDenominator() == 0 && HasZeroPlace(parts.denominator)) {
+    WriteWhole(DigitsOfWhole(denominator), parts.denominator, 0, out);
+    return;
+  }
+  const std::string digits = std::to_string(denominator);
+  out.append(digits.begin(), digits.end());
+  for (std::size_t i = digits.size(); i < parts.denominator.size(); ++i)
+    if (parts.denominator[i].mark == '?') out += XTEXT(' ');
+}
+
+}  // namespace
+
+XString FormatFraction(double magnitude, const FormatSection& section, NumberMarks marks) {
+  constexpr double kBeyondFractions = 1e15;  // no decimals are left there
+  const FractionParts parts(section.tokens);
+  const bool hasWhole = CountPlaces(parts.whole) > 0;
+  double number = magnitude;
+  for (int i = 0; i < section.scale; ++i) number *= 10;
+  for (int i = 0; i > section.scale; --i) number /= 10;
+  const double whole = hasWhole || number >= kBeyondFractions ? std::floor(number) : 0;
+  const std::int64_t fixed = parts.FixedDenominator();
+  Fraction fraction = fixed > 0 ? Fraction{std::llround((number - whole) * static_cast<double>(fixed)), fixed}
+                                : NearestFraction(number - whole, parts.MostDenominator());
+  const bool isNextWhole = hasWhole && fraction.numerator == fraction.denominator;
+  if (isNextWhole) fraction.numerator = 0;
+  DecimalDigits wholeDigits = DigitsOf(whole + (isNextWhole ? 1 : 0));
+  wholeDigits.Round(0);
+  XString out;
+  WriteWholePart(wholeDigits, parts.whole, fraction.numerator == 0, section.isGrouped ? marks.Thousands() : XCHAR{0},
+                 out);
+  if (hasWhole && fraction.numerator == 0 && !HasZeroPlace(parts.numerator)) {
+    // A whole number has blanks in place of its fraction.
+    for (const Tokens part : {parts.numerator, parts.denominator})
+      for (const FormatToken& token : part)
+        if (token.mark != '#') out += XTEXT(' ');
+    out += XTEXT(' ');
+  } else {
+    WriteWhole(DigitsOfWhole(fraction.numerator), parts.numerator, 0, out);
+    out += XTEXT('/');
+    WriteDenominator(parts, fraction.denominator, out);
+  }
+  WriteWhole({}, parts.rest, 0, out);
+  return out;
+}
+
+}  // namespace qcalc
