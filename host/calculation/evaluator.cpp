@@ -127,7 +127,6 @@ class Evaluator {
   Value EvaluateCall(const FormulaNode& node) {
     if (IsIf(node.name)) return EvaluateIf(node);
     if (const Builtin* builtin = FindBuiltin(node.name)) return CallBuiltinNode(node, *builtin);
-    if (IsBuiltinNotOffered(node.name)) Refuse(node, "is not offered yet");
     const AddinFunction* function = FindAddinFunction(node);
     if (!function) return Value::Error(xlerrName);
     const PreparedCall call = Prepare(node, *function);

@@ -59,13 +59,79 @@ TEST_F(BuiltinTest, SizesSequencesTexts) {
   EXPECT_EQ(Eval("=UNICHAR(128512)&CHAR(128)&CHAR(10)"), "\"\U0001F600\u20AC\n\"");
 }
 
-TEST_F(BuiltinTest, RefusesWhatIsNotOffered) {
+TEST_F(BuiltinTest, Counta) {
+  Set("A1", "{1,\"\",TRUE;empty,#N/A,\"x\"}");
   Check(R"(
-      =value(1,2) -> !value at column 2 is not offered yet | =COUNTA(1,2) -> !COUNTA at column 2 is not offered yet
-      =TEXT(1,2) -> !TEXT at column 2 is not offered yet)");
+      =COUNTA(A1:C2) -> 5 | =COUNTA(A:C,(A1,A2)) -> 6 | =COUNTA({1,"",empty;#N/A,FALSE,empty}) -> 4 | =COUNTA(Z1) -> 0
+      =COUNTA(1,"",#REF!,TRUE,) -> 5 | =COUNTA(empty) -> 0)");
+}
+
+TEST_F(BuiltinTest, Value) {
+  Check(R"(
+      =VALUE("$1,000") -> 1000 | =VALUE(5) -> 5 | =VALUE(Z9) -> 0 | =VALUE(TRUE) -> #VALUE! | =VALUE("TRUE") -> #VALUE!
+      =VALUE(#N/A) -> #N/A | =VALUE({"1/2/2020","x"}) -> {43832,#VALUE!})");
+}
+
+// Numbers as recorded from Excel, and the rules around them.
+TEST_F(BuiltinTest, TextOfNumbers) {
+  Check(R"cases(
+      =TEXT(314159,"#,##0.00") -> "314,159.00" | =TEXT(1234567,"#,###") -> "1,234,567" | =TEXT(0,"#,###") -> ""
+      =TEXT(1234567,"#,##.#") -> "1,234,567." | =TEXT(0.0123,"0.00%") -> "1.23%" | =TEXT(12.344,"0.00") -> "12.34"
+      =TEXT(-12.3,"$###.00") -> "-$12.30" | =TEXT(12.3,"000.00") -> "012.30" | =TEXT(12.3,"#.##") -> "12.3"
+      =TEXT(12345678,"0.0E+0") -> "1.2E+7" | =TEXT(12345678,"#,##0,") -> "12,346" | =TEXT(0.00035,"#,##0.00%") -> "0.04%"
+      =TEXT(1.005,"0.00") -> "1.01" | =TEXT(2.5,"0") -> "3" | =TEXT(-2.5,"0") -> "-3" | =TEXT(9.995,"0.00") -> "10.00"
+      =TEXT(0.5,"#.0#") -> ".5" | =TEXT(1234.5,".00") -> "1234.50" | =TEXT(5,"?,???.?0?") -> "    5.00 "
+      =TEXT(1234567890,"000-00-0000") -> "1234-56-7890" | =TEXT(5,"0000,000") -> "0,000,005" | =TEXT(12,"0#") -> "12"
+      =TEXT(5,"0#") -> "05" | =TEXT(1.5E10,"0.0,,""M""") -> "15000.0M" | =TEXT(1E20,"0") -> "100000000000000000000"
+      =TEXT(5,"0\%\x_)*-") -> "5%x " | =TEXT(5,"(0) ""a;b""") -> "(5) a;b" | =TEXT(0.25,"0%%") -> "2500%%"
+      =TEXT(12345678,"##0.0E+0") -> "12.3E+6" | =TEXT(999960,"##0.0E+0") -> "1.0E+6" | =TEXT(0.00012,"0.0e-00") -> "1.2e-04"
+      =TEXT(0,"0.00E+00") -> "0.00E+00" | =TEXT(1200,".00E+0") -> ".12E+4" | =TEXT(5,"[Red]0[$€-407]") -> "5€"
+      =TEXT(5,"[$-409]0;[Color 3]-0") -> "5" | =TEXT(-0.001,"0.00") -> "-0.00")cases");
+}
+
+TEST_F(BuiltinTest, TextChoosesSections) {
+  Check(R"cases(
+      =TEXT(1,"[<10]#"" Wow""") -> "1 Wow" | =TEXT(10,"[<10]#"" Wow""") -> "10" | =TEXT(-5,"0;(0)") -> "(5)"
+      =TEXT(0,"0;(0);""none""") -> "none" | =TEXT(0,"0.0;(0)") -> "0.0" | =TEXT(-5,"0;") -> "" | =TEXT(5,";;;") -> ""
+      =TEXT("x","0;0;0;<@>@") -> "<x>x" | =TEXT("x","0;;""t: ""@") -> "t: x" | =TEXT("x","0.00") -> "x"
+      =TEXT("x",";;;") -> "" | =TEXT(TRUE,"@") -> "TRUE" | =TEXT(TRUE,"0") -> "TRUE" | =TEXT("12","0.00") -> "12.00"
+      =TEXT(-5,"0;@") -> "-5" | =TEXT(5,"@") -> "5" | =TEXT(-5,"[<0]0.0;0") -> "5.0" | =TEXT(-5,"[<10]0.0;0") -> "-5.0"
+      =TEXT(50,"[<10]0;[>=100]0.0;""mid""") -> "mid" | =TEXT(100,"[<10]0;[>=100]0.0;""mid""") -> "100.0"
+      =TEXT(-5,"[>100]0;0.0") -> "-5.0" | =TEXT(Z9,"0.0") -> "0.0" | =TEXT(#N/A,"0") -> #N/A | =TEXT(5,"") -> ""
+      =TEXT(1.2345678912,"General") -> "1.234567891" | =TEXT(1E10,"general") -> "10000000000"
+      =TEXT(1E11,"General") -> "1E+11" | =TEXT(112345900000,"General") -> "1.12346E+11" | =TEXT(1E-9,"General") -> "0.000000001"
+      =TEXT(1E-10,"General") -> "1E-10" | =TEXT(0.00001234567,"General") -> "1.23457E-05" | =TEXT(99999999999.9,"General") -> "1E+11"
+      =TEXT(0.0001234567,"General") -> "0.000123457" | =TEXT(-1.5,"General"" m"";-General") -> "-1.5")cases");
+}
+
+TEST_F(BuiltinTest, TextOfDatesAndFractions) {
+  Check(R"cases(
+      =TEXT(19278.6079514,"ddd-mmm-yyy") -> "Sat-Oct-1952" | =TEXT(19278.6079514,"hh:mm:ss am/pm") -> "02:35:27 PM"
+      =TEXT(3.14159,"[h]:m:s") -> "75:23:53" | =TEXT(3.14159,"[mm]:ss.00") -> "4523:53.38" | =TEXT(1.5,"[ss]") -> "129600"
+      =TEXT(37338.75,"dddd, mmmm d, yyyy h:mm A/P") -> "Saturday, March 23, 2002 6:00 P" | =TEXT(0.5,"h AM/PM") -> "12 PM"
+      =TEXT(37338,"m/d/yy mmmmm") -> "3/23/02 M" | =TEXT(0,"yyyy-mm-dd ddd") -> "1900-01-00 Sat" | =TEXT(60,"d mmm") -> "29 Feb"
+      =TEXT(61,"d mmm ddd") -> "1 Mar Thu" | =TEXT(2958465,"yyyy-mm-dd") -> "9999-12-31" | =TEXT(2958466,"yyyy") -> #VALUE!
+      =TEXT(-1,"yyyy") -> #VALUE! | =TEXT(1.999999,"d h:mm:ss") -> "2 0:00:00" | =TEXT(1.999999,"d") -> "1"
+      =TEXT("July 2021","mm.yyyy") -> "07.2021" | =TEXT(0.52,"mm:ss") -> "28:48" | =TEXT(0.5,"s.000""s""") -> "0.000s"
+      =TEXT(5.25,"# ?/?") -> "5 1/4" | =TEXT(0.5,"# ?/?") -> " 1/2" | =TEXT(5,"# ?/?") -> "5    " | =TEXT(0,"# ?/?") -> "0    "
+      =TEXT(1.5,"?/?") -> "3/2" | =TEXT(0.3,"# ?/?") -> " 2/7" | =TEXT(0.5,"# ??/??") -> "  1/2 " | =TEXT(2.99,"# ?/?") -> "3    "
+      =TEXT(-1.75,"# ?/8") -> "-1 6/8" | =TEXT(0.3333333333,"# ?/10") -> " 3/10" | =TEXT(3.14159265358979,"?/???") -> "355/113"
+      =TEXT(5,"0.0 0/0") -> #VALUE! | =TEXT(5,"[abc]0") -> #VALUE! | =TEXT(5,"0;0;0;@;0") -> #VALUE! | =TEXT(5,"0\") -> #VALUE!
+      =TEXT(5,"0E0") -> #VALUE! | =TEXT(5,"yyyy0") -> #VALUE! | =TEXT(5,"[h") -> #VALUE! | =TEXT(5,"ss.0000") -> #VALUE! | =TEXT(5,"0g") -> #VALUE!
+      =LEN(TEXT(REPT("x",20000),"@@")) -> #VALUE!)cases");
+}
+
+TEST_F(BuiltinTest, TextHasTheLocalMarks) {
+  context.marks = {XTEXT(',')};
+  Check(R"(
+      =TEXT(1234.5,"#.##0,00") -> "1.234,50" | =TEXT("1,5","0,0") -> "1,5" | =TEXT(1.5,"General") -> "1,5"
+      =TEXT(37338,"dd.mm.yyyy") -> "23.03.2002" | =TEXT(1.23,"[>1,5]0;0,0") -> "1,2")");
+}
+
+TEST_F(BuiltinTest, AreCalledByName) {
   const Value operands[] = {Value::Number(2), Value::Text(XTEXT("3"))};
   EXPECT_EQ(PrintLiteral(*CallBuiltin(XTEXT("Sum"), operands, context)), "5");
-  for (const XStringView name : {XTEXT("COUNTA"), XTEXT("NA")}) EXPECT_FALSE(CallBuiltin(name, operands, context));
+  for (const XStringView name : {XTEXT("COUNTB"), XTEXT("NA")}) EXPECT_FALSE(CallBuiltin(name, operands, context));
 }
 
 }  // namespace

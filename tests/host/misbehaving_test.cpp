@@ -57,6 +57,7 @@ TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
       =CALLED(64,10,{30,20,10},0) -> 3 | =CALLED(64,A4,(A3:A5,B3),0) -> #VALUE!
       =CALLED(64,{20;5},A3:A5,0) -> {2;#N/A} | =CALLED(102,10,A3:B5,2,FALSE) -> "ten"
       =CALLED(102,20,A3:B5,2,FALSE) -> empty | =CALLED(102,25,A3:B5,1) -> 20
+      =CALLED(33,"$1,000") -> 1000 | =CALLED(48,1234.5,"#,##0.0") -> "1,234.5" | =CALLED(169,A1:B5,"") -> 9
       =CALLED(102,"KEY",A3:B5,2,FALSE) -> #REF! | =CALLED(255,"plus.one",A1) -> 2.5
       =CALLED(255,CALLED(257,"plus.one"),A1) -> 2.5 | =CALLED(255,"plus.one",(A1,A2)) -> #VALUE!
       =REGISTER.AS("A.COMMAND",,2) -> 1 | =CALLED(255,"a.command") -> #NAME? | =DESCRIBE(CALLED(257,"!A1:B2")) -> {1024,0,0,0}
@@ -69,7 +70,8 @@ TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
       =CALLED(64,1) -> -4, CALLED: xlfMatch was given 1 arguments
       =CALLED(255,"plus.one",1,2) -> -4, CALLED: xlUDF was given 2 arguments)");
   session.Host().settings.marks.decimal = ',';
-  Check(R"(=COERCED("16.0",1) -> -32 | =COERCED("1.016,5",1) -> 1016.5 | =COERCED(1.5,2) -> "1,5")");
+  Check(R"(=COERCED("16.0",1) -> -32 | =COERCED("1.016,5",1) -> 1016.5 | =COERCED(1.5,2) -> "1,5"
+      =CALLED(33,"1.016,5") -> 1016.5 | =CALLED(48,1.5,"0,00") -> "1,50" | =CALLED(8240,"1.5","0.00") -> "1.50")");
 }
 
 // The range goes over a cell that the formula does not name; the other formula comes first.

@@ -49,7 +49,7 @@ TEST_F(RecalculationTest, ReportsCircles) {
   Follow("", circle);
   Follow("A1 -> 1", "B1 -> 1");
   Follow("C3 -> =SUM(C:C)", "!circular reference: [Book1]Sheet1!C3 -> [Book1]Sheet1!C3");
-  Follow("C3 -> empty | D1 -> =COUNTA(1,A1:A2)", "![Book1]Sheet1!D1: COUNTA at column 2 is not offered yet");
+  Follow("C3 -> empty | D1 -> =NA(1,A1:A2)", "![Book1]Sheet1!D1: NA at column 2 takes 0 arguments, found 2");
   // Cells that it would fill itself.
   Follow("D1 -> =SEQUENCE(3)+D2", "!circular reference: [Book1]Sheet1!D1 -> [Book1]Sheet1!D1");
 }

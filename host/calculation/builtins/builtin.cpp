@@ -1,31 +1,17 @@
 #include "host/calculation/builtins/builtin.h"
 
-#include <algorithm>
 #include <cmath>
-#include <iterator>
 
 #include "host/text/letter_case.h"
 #include "host/values/conversion.h"
 
 namespace qcalc {
 
-namespace {
-
-// Their rules are many and exact: nothing stands in for them until they are there.
-constexpr XStringView kNotOffered[] = {XTEXT("COUNTA"), XTEXT("TEXT"), XTEXT("VALUE")};
-
-}  // namespace
-
 const Builtin* FindBuiltin(XStringView name) {
   for (const auto family : {ReferenceBuiltins(), NumberBuiltins(), TextBuiltins(), LookupBuiltins()})
     for (const Builtin& builtin : family)
       if (EqualsIgnoringCase(name, builtin.name)) return &builtin;
   return nullptr;
-}
-
-bool IsBuiltinNotOffered(XStringView name) {
-  return std::any_of(std::begin(kNotOffered), std::end(kNotOffered),
-                     [name](XStringView entry) { return EqualsIgnoringCase(name, entry); });
 }
 
 Value ScalarOperand(const BuiltinCall& call, std::size_t index) {

@@ -25,8 +25,6 @@ struct Builtin {
 /// The entry of that name, in any case; null when there is none. IF is not among them: the evaluator calculates but the
 /// branch that is taken.
 const Builtin* FindBuiltin(XStringView name);
-/// Whether it is a function of Excel's that formulas for this host may name but that it does not offer.
-bool IsBuiltinNotOffered(XStringView name);
 
 /// The entries by family.
 std::span<const Builtin> LookupBuiltins();

@@ -1,4 +1,5 @@
-// NA, SEQUENCE, SUM.
+// COUNTA, NA, SEQUENCE, SUM.
+#include <algorithm>
 #include <optional>
 
 #include "host/calculation/builtins/builtin.h"
@@ -8,6 +9,25 @@
 namespace qcalc {
 
 namespace {
+
+// What is not empty counts, "" and errors too; so does an operand left empty behind its comma.
+Value CallCounta(const BuiltinCall& call) {
+  std::int64_t count = 0;
+  for (const Value& operand : call.operands) {
+    const Sheet* sheet =
+        operand.IsReference() ? call.context.workbooks->FindSheet(operand.AsReference().sheet) : nullptr;
+    if (operand.IsArray()) {
+      const auto cells = operand.AsArray()->Cells();
+      count += std::count_if(cells.begin(), cells.end(), [](const CellView& cell) { return !cell.IsEmpty(); });
+    } else if (sheet) {
+      for (const Area& area : operand.AsReference().areas)
+        sheet->VisitUsed(area, [&](std::int32_t, std::int32_t, const CellView&) { ++count; });
+    } else if (!operand.IsEmpty()) {
+      ++count;
+    }
+  }
+  return Value::Number(static_cast<double>(count));
+}
 
 Value CallNa(const BuiltinCall&) { return Value::Error(xlerrNA); }
 
@@ -98,8 +118,10 @@ Value CallSum(const BuiltinCall& call) {
   return sum.Result();
 }
 
-constexpr Builtin kBuiltins[] = {
-    {XTEXT("NA"), 0, 0, CallNa}, {XTEXT("SEQUENCE"), 1, 4, CallSequence}, {XTEXT("SUM"), 1, kXlMaxArguments, CallSum}};
+constexpr Builtin kBuiltins[] = {{XTEXT("COUNTA"), 1, kXlMaxArguments, CallCounta},
+                                 {XTEXT("NA"), 0, 0, CallNa},
+                                 {XTEXT("SEQUENCE"), 1, 4, CallSequence},
+                                 {XTEXT("SUM"), 1, kXlMaxArguments, CallSum}};
 
 }  // namespace
 

@@ -1,8 +1,9 @@
-// CHAR, LEN, REPT, T, UNICHAR.
+// CHAR, LEN, REPT, T, TEXT, UNICHAR, VALUE.
 #include <string>
 
 #include "host/calculation/broadcast.h"
 #include "host/calculation/builtins/builtin.h"
+#include "host/formats/number_format.h"
 #include "host/text/ansi_text.h"
 #include "host/text/utf8.h"
 #include "host/values/conversion.h"
@@ -59,6 +60,14 @@ Value CallT(const BuiltinCall& call) {
   return Broadcast(call.operands, [](std::span<const CellView> cells) { return TextOrNothing(cells[0]); });
 }
 
+Value CallText(const BuiltinCall& call) {
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
+    if (cells[0].IsError()) return Value::OfCell(cells[0]);
+    const Value format = ToText(cells[1], call.context.marks);
+    return format.IsError() ? format : FormatCell(cells[0], format.AsText(), call.context.marks);
+  });
+}
+
 Value CallUnichar(const BuiltinCall& call) {
   return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
     std::int32_t point = 0;
@@ -71,11 +80,17 @@ Value CallUnichar(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("CHAR"), 1, 1, CallChar},
-                                 {XTEXT("LEN"), 1, 1, CallLen},
-                                 {XTEXT("REPT"), 2, 2, CallRept},
-                                 {XTEXT("T"), 1, 1, CallT},
-                                 {XTEXT("UNICHAR"), 1, 1, CallUnichar}};
+// A boolean is no number here.
+Value CallValue(const BuiltinCall& call) {
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
+    return cells[0].IsBoolean() ? Value::Error(xlerrValue) : ToNumber(cells[0], call.context.marks);
+  });
+}
+
+constexpr Builtin kBuiltins[] = {{XTEXT("CHAR"), 1, 1, CallChar},  {XTEXT("LEN"), 1, 1, CallLen},
+                                 {XTEXT("REPT"), 2, 2, CallRept},  {XTEXT("T"), 1, 1, CallT},
+                                 {XTEXT("TEXT"), 2, 2, CallText},  {XTEXT("UNICHAR"), 1, 1, CallUnichar},
+                                 {XTEXT("VALUE"), 1, 1, CallValue}};
 
 }  // namespace
 
