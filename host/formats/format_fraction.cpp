@@ -77,7 +77,7 @@ bool HasZeroPlace(Tokens tokens) {
   return std::any_of(tokens.begin(), tokens.end(), [](const FormatToken& token) { return token.mark == '0'; });
 }
 
-// 0 shows where there is no fraction either.
+// Where it is all that there is, 0 shows whatever its place is marked.
 void WriteWholePart(const DecimalDigits& number, Tokens tokens, bool isAll, XCHAR separator, XString& out) {
   WholeDigits digits(number, CountPlaces(tokens), separator);
   int places = CountPlaces(tokens);
@@ -128,7 +128,7 @@ XString FormatFraction(double magnitude, const FormatSection& section, NumberMar
         if (token.mark != '#') out += XTEXT(' ');
     out += XTEXT(' ');
   } else {
-    WriteWhole(DigitsOfWhole(fraction.numerator), parts.numerator, 0, out);
+    WriteWholePart(DigitsOfWhole(fraction.numerator), parts.numerator, true, 0, out);
     out += XTEXT('/');
     WriteDenominator(parts, fraction.denominator, out);
   }

@@ -71,7 +71,7 @@ TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
       =CALLED(255,"plus.one",1,2) -> -4, CALLED: xlUDF was given 2 arguments)");
   session.Host().settings.marks.decimal = ',';
   Check(R"(=COERCED("16.0",1) -> -32 | =COERCED("1.016,5",1) -> 1016.5 | =COERCED(1.5,2) -> "1,5"
-      =CALLED(33,"1.016,5") -> 1016.5 | =CALLED(48,1.5,"0,00") -> "1,50" | =CALLED(8240,"1.5","0.00") -> "1.50")");
+      =CALLED(33,"1.016,5") -> 1016.5 | =BY.VALUE("3,9",TRUE,0,"",0,0,0) -> 110013 | =CALLED(48,1.5,"0,00") -> "1,50" | =CALLED(8240,"1.5","0.00") -> "1.50")");
 }
 
 // The range goes over a cell that the formula does not name; the other formula comes first.
