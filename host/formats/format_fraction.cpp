@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <string>
 
 #include "host/formats/digit_run.h"
@@ -13,9 +14,10 @@ namespace {
 using Kind = FormatToken::Kind;
 using Tokens = std::span<const FormatToken>;
 
+// Of whole numbers; a numerator may be beyond integers.
 struct Fraction {
-  std::int64_t numerator = 0;
-  std::int64_t denominator = 1;
+  double numerator = 0;
+  double denominator = 1;
 };
 
 // The tokens of a fraction: what stands before the numerator, its places, the denominator, and what follows.
@@ -34,15 +36,15 @@ struct FractionParts {
     rest = tokens.subspan(last);
   }
   // The denominator that the format names, 0 for none.
-  std::int64_t FixedDenominator() const {
-    std::int64_t fixed = 0;
+  double FixedDenominator() const {
+    double fixed = 0;
     if (!denominator.front().Is(Kind::kFixedDigit)) return 0;
     for (const FormatToken& digit : denominator.first(std::min<std::size_t>(denominator.size(), kMostDigits)))
       fixed = fixed * 10 + (digit.mark >= '0' && digit.mark <= '9' ? digit.mark - '0' : 0);
     return fixed;
   }
-  std::int64_t MostDenominator() const {
-    std::int64_t most = 1;
+  double MostDenominator() const {
+    double most = 1;
     for (std::size_t i = 0; i < std::min<std::size_t>(denominator.size(), kMostDigits); ++i) most *= 10;
     return most - 1;
   }
@@ -50,28 +52,25 @@ struct FractionParts {
 };
 
 // The fraction nearest to a number from 0 on, by its continued fraction; of the last step as much as still has room.
-Fraction NearestFraction(double number, std::int64_t mostDenominator) {
+Fraction NearestFraction(double number, double mostDenominator) {
   constexpr double kNothingLeft = 1e-10;
-  Fraction before{1, 0}, last{static_cast<std::int64_t>(std::floor(number)), 1};
-  double rest = number - std::floor(number);
+  Fraction before{1, 0}, last{std::floor(number), 1};
+  double rest = number - last.numerator;
   while (rest > kNothingLeft) {
     const double inverse = 1 / rest;
     const double step = std::floor(inverse);
-    const auto room = (mostDenominator - before.denominator) / last.denominator;
-    const auto taken = static_cast<std::int64_t>(std::min(step, static_cast<double>(room)));
+    const double taken = std::min(step, std::floor((mostDenominator - before.denominator) / last.denominator));
     const Fraction next{taken * last.numerator + before.numerator, taken * last.denominator + before.denominator};
     const auto distance = [number](const Fraction& fraction) {
-      return std::fabs(number - static_cast<double>(fraction.numerator) / static_cast<double>(fraction.denominator));
+      return std::fabs(number - fraction.numerator / fraction.denominator);
     };
-    if (static_cast<double>(taken) < step) return taken > 0 && distance(next) < distance(last) ? next : last;
+    if (taken < step) return taken > 0 && distance(next) < distance(last) ? next : last;
     before = last;
     last = next;
     rest = inverse - step;
   }
   return last;
 }
-
-DecimalDigits DigitsOfWhole(std::int64_t whole) { return DigitsOf(static_cast<double>(whole)); }
 
 bool HasZeroPlace(Tokens tokens) {
   return std::any_of(tokens.begin(), tokens.end(), [](const FormatToken& token) { return token.mark == '0'; });
@@ -90,12 +89,12 @@ void WriteWholePart(const DecimalDigits& number, Tokens tokens, bool isAll, XCHA
 }
 
 // Behind a denominator that is shorter than its places stand blanks.
-void WriteDenominator(const FractionParts& parts, std::int64_t denominator, XString& out) {
+void WriteDenominator(const FractionParts& parts, double denominator, XString& out) {
   if (parts.FixedDenominator() == 0 && HasZeroPlace(parts.denominator)) {
-    WriteWhole(DigitsOfWhole(denominator), parts.denominator, 0, out);
+    WriteWhole(DigitsOf(denominator), parts.denominator, 0, out);
     return;
   }
-  const std::string digits = std::to_string(denominator);
+  const std::string digits = std::to_string(static_cast<std::int64_t>(denominator));
   out.append(digits.begin(), digits.end());
   for (std::size_t i = digits.size(); i < parts.denominator.size(); ++i)
     if (parts.denominator[i].mark == '?') out += XTEXT(' ');
@@ -104,15 +103,15 @@ void WriteDenominator(const FractionParts& parts, std::int64_t denominator, XStr
 }  // namespace
 
 XString FormatFraction(double magnitude, const FormatSection& section, NumberMarks marks) {
-  constexpr double kBeyondFractions = 1e15;  // no decimals are left there
   const FractionParts parts(section.tokens);
   const bool hasWhole = CountPlaces(parts.whole) > 0;
   double number = magnitude;
   for (int i = 0; i < section.scale; ++i) number *= 10;
   for (int i = 0; i > section.scale; --i) number /= 10;
-  const double whole = hasWhole || number >= kBeyondFractions ? std::floor(number) : 0;
-  const std::int64_t fixed = parts.FixedDenominator();
-  Fraction fraction = fixed > 0 ? Fraction{std::llround((number - whole) * static_cast<double>(fixed)), fixed}
+  number = std::min(number, std::numeric_limits<double>::max());
+  const double whole = hasWhole ? std::floor(number) : 0;
+  const double fixed = parts.FixedDenominator();
+  Fraction fraction = fixed > 0 ? Fraction{std::floor((number - whole) * fixed + 0.5), fixed}
                                 : NearestFraction(number - whole, parts.MostDenominator());
   const bool isNextWhole = hasWhole && fraction.numerator == fraction.denominator;
   if (isNextWhole) fraction.numerator = 0;
@@ -128,7 +127,7 @@ XString FormatFraction(double magnitude, const FormatSection& section, NumberMar
         if (token.mark != '#') out += XTEXT(' ');
     out += XTEXT(' ');
   } else {
-    WriteWholePart(DigitsOfWhole(fraction.numerator), parts.numerator, true, 0, out);
+    WriteWholePart(DigitsOf(fraction.numerator), parts.numerator, true, 0, out);
     out += XTEXT('/');
     WriteDenominator(parts, fraction.denominator, out);
   }
