@@ -34,6 +34,13 @@ std::optional<FormatToken> ElapsedPart(XStringView inside) {
   return FormatToken{kind, {}, 0, static_cast<int>(inside.size())};
 }
 
+// Whether a point stands behind seconds.
+bool IsBehindSeconds(const std::vector<FormatToken>& tokens) {
+  if (tokens.size() < 2 || !tokens.back().Is(Kind::kDecimalMark)) return false;
+  const FormatToken& before = tokens[tokens.size() - 2];
+  return before.Is(Kind::kSecond) || before.Is(Kind::kElapsedSeconds);
+}
+
 }  // namespace
 
 XCHAR FormatScanner::Take() {
@@ -69,36 +76,17 @@ bool FormatScanner::TakeToken(FormatSection& section) {
     return true;
   }
   switch (unit) {
-    case '"': {
-      Take();
-      const std::size_t end = std::min(rest_.find(XTEXT('"')), rest_.size());
-      AddLiteral(section, rest_.substr(0, end));
-      rest_.remove_prefix(std::min(end + 1, rest_.size()));
+    case '"':
+      TakeQuoted(section);
       return true;
-    }
-    case '\\':  // the next character as it is,
-    case '_':   // as a blank of its width,
-    case '*':   // repeated as often as the cell is wide, which a text is not
-      Take();
-      if (rest_.empty()) return false;
-      if (const XCHAR next = Take(); unit == '\\')
-        AddLiteral(section, {&next, 1});
-      else if (unit == '_')
-        AddLiteral(section, XTEXT(" "));
-      return true;
+    case '\\':
+    case '_':
+    case '*':
+      return TakeEscape(section);
     case '[':
       return TakeBracket(section);
     case '0':
-      if (!tokens.empty() && tokens.back().Is(Kind::kSecondFraction)) {
-        Take();
-        return ++tokens.back().count <= 3;
-      }
-      if (tokens.size() >= 2 && tokens.back().Is(Kind::kDecimalMark) &&
-          (tokens[tokens.size() - 2].Is(Kind::kSecond) || tokens[tokens.size() - 2].Is(Kind::kElapsedSeconds))) {
-        Take();
-        tokens.back() = {Kind::kSecondFraction, {}, 0, 1};
-        return true;
-      }
+      if (IsBehindSeconds(tokens)) return TakeSecondFraction(section);
       [[fallthrough]];
     case '#':
     case '?':
@@ -124,6 +112,32 @@ bool FormatScanner::TakeToken(FormatSection& section) {
         AddLiteral(section, XString(1, Take()));
       return true;
   }
+}
+
+void FormatScanner::TakeQuoted(FormatSection& section) {
+  Take();
+  const std::size_t end = std::min(rest_.find(XTEXT('"')), rest_.size());
+  AddLiteral(section, rest_.substr(0, end));
+  rest_.remove_prefix(std::min(end + 1, rest_.size()));
+}
+
+// The next character as it is (\x), as a blank of its width (_x), or repeated as often as the cell is wide (*x), which
+// a text is not.
+bool FormatScanner::TakeEscape(FormatSection& section) {
+  const XCHAR escape = Take();
+  if (rest_.empty()) return false;
+  const XCHAR next = Take();
+  if (escape != '*') AddLiteral(section, XString(1, escape == '_' ? XTEXT(' ') : next));
+  return true;
+}
+
+// A point with zeros behind seconds; Excel shows three digits at most.
+bool FormatScanner::TakeSecondFraction(FormatSection& section) {
+  constexpr int kMostDigits = 3;
+  FormatToken fraction{Kind::kSecondFraction};
+  for (; !rest_.empty() && rest_.front() == '0'; Take()) ++fraction.count;
+  section.tokens.back() = fraction;
+  return fraction.count <= kMostDigits;
 }
 
 // Letters without a meaning stand for themselves; those that belong to other calendars have none here.

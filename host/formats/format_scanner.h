@@ -18,6 +18,9 @@ class FormatScanner {
 
  private:
   bool TakeToken(FormatSection& section);
+  void TakeQuoted(FormatSection& section);
+  bool TakeEscape(FormatSection& section);
+  bool TakeSecondFraction(FormatSection& section);
   bool TakeLetters(FormatSection& section);
   bool TakeDatePart(FormatSection& section);
   bool TakeExponent(FormatSection& section);
