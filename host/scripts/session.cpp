@@ -19,6 +19,7 @@ Session::Session(std::filesystem::path addinPath)
       sheet_(&host_.workbooks.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
   ProcessAnswers().Reset();
   AddinAllocations().Stop();
+  AddinAllocations().TakeUnmet();  // what an earlier session had armed is nothing of this one's
 }
 
 Session::~Session() { Finish(); }
