@@ -16,7 +16,7 @@ CallContext::CallContext(HostState& itsHost, Place itsPlace, std::string itsFunc
       function(std::move(itsFunction)),
       evaluation(itsEvaluation),
       outer_(std::exchange(innermost, this)),
-      note_(place == Place::kFreeing ? "the freeing of a result of " + function : function) {}
+      note_(function, place == Place::kFreeing ? "the freeing of a result of " : "") {}
 
 CallContext::~CallContext() { innermost = outer_; }
 

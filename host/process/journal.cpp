@@ -41,7 +41,7 @@ void Journal::BeginProcess() {
   isFinished = false;
 }
 
-CallNote::CallNote(std::string_view name) : call_(nullptr) {
+CallNote::CallNote(std::string_view name, std::string_view about) : call_(nullptr) {
   Journal& journal = ProcessJournal();
   const std::uint64_t thread = std::hash<std::thread::id>()(std::this_thread::get_id());
   for (std::size_t i = 0; i < journal.calls.size() && !call_; ++i) {
@@ -51,7 +51,8 @@ CallNote::CallNote(std::string_view name) : call_(nullptr) {
   }
   if (!call_) return;
   call_->thread = thread;
-  call_->name.Set(name);
+  call_->name.Set(about);
+  call_->name.Append(name);
   call_->order = ++journal.callsMade;
 }
 

@@ -14,6 +14,7 @@ template <std::size_t capacity>
 class JournalText {
  public:
   void Set(std::string_view text) { length_ = text.copy(bytes_, capacity); }
+  void Append(std::string_view text) { length_ += text.copy(bytes_ + length_, capacity - length_); }
   std::string Get() const { return {bytes_, length_}; }
 
  private:
@@ -72,7 +73,8 @@ void SetProcessJournal(Journal& journal);
 /// Notes in the journal that this thread is in a call, for as long as the object lives.
 class CallNote {
  public:
-  explicit CallNote(std::string_view name);
+  /// `about` is said before the name.
+  explicit CallNote(std::string_view name, std::string_view about = {});
   ~CallNote();
   CallNote(const CallNote&) = delete;
   CallNote& operator=(const CallNote&) = delete;
