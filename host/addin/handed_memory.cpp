@@ -41,7 +41,7 @@ std::string DefectOfText(const Unit* text, std::span<const std::byte> elements, 
   const auto* const start = reinterpret_cast<const std::byte*>(text);
   if (start >= elements.data() && start < elements.data() + elements.size())
     return DefectOfText(text, static_cast<std::size_t>(elements.data() + elements.size() - start));
-  const std::optional<std::size_t> bytes = HeapBlockBytes(text);
+  const std::optional<std::size_t> bytes = RecentBlockBytes(text);
   return bytes ? DefectOfText(text, *bytes) : std::string();
 }
 
@@ -50,7 +50,7 @@ std::string DefectOfArray(const typename Width::Oper& oper, const Loans& loans) 
   const auto& array = oper.val.array;
   if (!array.lparray || array.rows < 1 || array.columns < 1) return {};
   if (loans.CameBack(array.lparray)) return "an array that it had given back through xlFree";
-  const std::optional<std::size_t> bytes = HeapBlockBytes(array.lparray);
+  const std::optional<std::size_t> bytes = RecentBlockBytes(array.lparray);
   const std::size_t needed = static_cast<std::size_t>(array.rows) * static_cast<std::size_t>(array.columns);
   if (bytes && *bytes / sizeof(typename Width::Oper) < needed)
     return TooShort("an array of " + std::to_string(array.rows) + " x " + std::to_string(array.columns), *bytes);
@@ -75,7 +75,7 @@ std::string DefectOfMemory(const typename Width::Oper& oper, const Loans& loans)
       const auto* const areas = oper.val.mref.lpmref;
       if (!areas) return {};
       if (loans.CameBack(areas)) return "a reference that it had given back through xlFree";
-      const std::optional<std::size_t> bytes = HeapBlockBytes(areas);
+      const std::optional<std::size_t> bytes = RecentBlockBytes(areas);
       const std::size_t start = offsetof(typename Width::ReferenceList, reftbl);
       if (bytes && (*bytes < start || (*bytes - start) / sizeof(typename Width::Rectangle) < areas->count))
         return TooShort("a reference to " + std::to_string(areas->count) + " areas", *bytes);

@@ -51,7 +51,7 @@ void ReturnedValues::LeaveHand(const void* oper) {
 void ReturnedValues::CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function) {
   // What the host lent and nobody marked shows among the loans; an argument handed back stays the host's.
   if (host_.loans.IsLent(memory) || arguments.Contains(memory)) return;
-  if (HeapBlockBytes(memory))
+  if (RecentBlockBytes(memory))
     host_.complaints.Add(function + " returned memory of the heap without xlbitDLLFree: it is lost");
 }
 
@@ -119,8 +119,8 @@ void ReturnedValues::Close() {
   for (const auto& [memory, function] : owed_)
     if (AddinAllocations().IsOwed(memory)) ++counts[function];
   for (const auto& [function, count] : counts)
-    host_.complaints.Add(function + " returned " + std::to_string(count) + " value" + (count == 1 ? "" : "s") +
-                         " with xlbitDLLFree that the add-in never freed");
+    host_.complaints.Add(function + " returned values with xlbitDLLFree, and the add-in never freed " +
+                         std::to_string(count) + " block" + (count == 1 ? "" : "s") + " of their memory");
   owed_.clear();
   AddinAllocations().ForgiveOwed();
 }
@@ -151,9 +151,12 @@ void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
     if (memory && host_.loans.TakeBack(memory) == Loans::Receipt::kUnknown)
       host_.complaints.Add(frame.function + " returned a value with xlbitXLFree that the host had not lent");
   } else if (bits == xlbitDLLFree) {
-    const bool isHeap = HeapBlockBytes(memory).has_value();
+    // In a larger block the value is a thread's slot, which stays.
+    const bool hasOwnBlock = RecentBlockBytes(oper).value_or(2 * sizeof *oper) < 2 * sizeof *oper;
+    const bool hasOwnMemory = RecentBlockBytes(memory).has_value();
     if (!HandOver<Width>(oper, frame)) return host_.loans.NoteNeverFreed(frame.function);
-    if (isHeap && HeapBlockBytes(memory)) NoteOwed(memory, frame.function);
+    if (hasOwnMemory && RecentBlockBytes(memory)) NoteOwed(memory, frame.function);
+    if (hasOwnBlock && RecentBlockBytes(oper)) NoteOwed(oper, frame.function);
   }
   if (host_.faults.TakeSecondFreeing()) {
     if (bits != xlbitDLLFree) HandOver<Width>(oper, frame);

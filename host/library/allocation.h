@@ -94,10 +94,9 @@ extern AllocationMeter addinAllocationMeter;
 /// The meter of this process: there is one add-in in it.
 inline AllocationMeter& AddinAllocations() noexcept { return addinAllocationMeter; }
 
-/// The bytes of the block that begins at that address, when it is one of the heap that the add-in allocates from;
-/// nothing when it is none, or where the build cannot tell: without the sanitizers' allocators, natively, it knows only
-/// the latest blocks that the add-in took on this thread.
-std::optional<std::size_t> HeapBlockBytes(const void* address) noexcept;
+/// The bytes of the block that begins at that address, when it is one of the latest that the add-in took on this thread
+/// and has not freed since; else nothing.
+std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept;
 
 /// Brings the library's allocations before the meter. To be called when it has been loaded.
 void MeterAllocations(const Library& library);

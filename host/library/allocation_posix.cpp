@@ -3,9 +3,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <new>
-#include <utility>
 
 #include "host/library/allocation.h"
+#include "host/library/recent_blocks.h"
 
 // The sanitizers' allocator where the program is built with one, and the C library's.
 extern "C" {
@@ -17,11 +17,6 @@ void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
 void* __libc_realloc(void*, std::size_t);
 void __libc_free(void*);
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-// The sanitizers' own functions; this compiler comes without the header that declares them.
-int __sanitizer_get_ownership(const volatile void* address);
-std::size_t __sanitizer_get_allocated_size(const volatile void* address);
-#endif
 }
 
 namespace qcalc {
@@ -32,19 +27,7 @@ thread_local RunningCode::Owner running = RunningCode::Owner::kHost;
 // Whether this thread is in a stand-in already: what that allocates in turn goes straight to the system.
 thread_local bool isPassing = false;
 
-// The latest blocks that the add-in took on this thread, each at the place of its address: a later one may drive it
-// out.
-struct RecentBlock {
-  const void* address;
-  std::size_t bytes;
-};
-constexpr int kRecentBits = 8;
-thread_local RecentBlock recentBlocks[1u << kRecentBits];
-
-RecentBlock& PlaceOf(const void* address) noexcept {
-  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15;
-  return recentBlocks[(reinterpret_cast<std::uintptr_t>(address) >> 4) * kMultiplier >> (64 - kRecentBits)];
-}
+thread_local RecentBlocks recentBlocks;
 
 class Passing {
  public:
@@ -59,7 +42,7 @@ bool IsAddins() noexcept { return running == RunningCode::Owner::kAddin && !isPa
 
 void Remember(const void* block, std::size_t bytes) noexcept {
   AddinAllocations().NoteTaken(block, bytes);
-  if (block) PlaceOf(block) = {block, bytes};
+  recentBlocks.Add(block, bytes);
 }
 
 /// Takes a block from `allocate`, as the add-in's; null when it has to fail.
@@ -77,7 +60,7 @@ void* TakeForAddin(std::size_t bytes, const Allocate& allocate) {
 
 /// Whoever runs: a block of the add-in's may be freed by a thread's end.
 void NoteFreed(void* block) noexcept {
-  if (RecentBlock& place = PlaceOf(block); place.address == block) place.address = nullptr;
+  recentBlocks.Forget(block);
   if (isPassing || !AddinAllocations().WantsFreed()) return;
   const Passing passing;
   AddinAllocations().NoteFreed(block);
@@ -113,14 +96,7 @@ RunningCode::Owner RunningCode::Exchange(Owner owner) noexcept {
   return before;
 }
 
-std::optional<std::size_t> HeapBlockBytes(const void* address) noexcept {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  if (__sanitizer_get_ownership(address)) return __sanitizer_get_allocated_size(address);
-#else
-  if (const RecentBlock& place = PlaceOf(address); address && place.address == address) return place.bytes;
-#endif
-  return std::nullopt;
-}
+std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept { return recentBlocks.BytesOf(address); }
 
 // The library finds the functions below among the program's symbols, before the system's.
 void MeterAllocations(const Library&) {}
@@ -157,10 +133,10 @@ void* realloc(void* block, std::size_t bytes) noexcept {
     return nullptr;
   }
   const bool wasKnown = meter.NoteFreed(block);
-  const bool wasRecent = std::exchange(qcalc::PlaceOf(block), {}).address == block;
+  const bool wasRecent = qcalc::recentBlocks.Forget(block);
   void* const moved = qcalc::SystemRealloc(block, bytes);
   if (wasKnown) meter.NoteTaken(moved, bytes);
-  if (wasRecent && moved) qcalc::PlaceOf(moved) = {moved, bytes};
+  if (wasRecent) qcalc::recentBlocks.Add(moved, bytes);
   return moved;
 }
 

@@ -1,34 +1,53 @@
-#include <malloc.h>
 #include <windows.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <new>
 
 #include "host/library/allocation.h"
 #include "host/library/import_table_windows.h"
+#include "host/library/recent_blocks.h"
 
 namespace qcalc {
 namespace {
+
+// Where each thread keeps its own; the system calls back when a thread ends, the add-in's frees at that time included.
+const DWORD recentBlocksSlot = FlsAlloc([](void* blocks) { delete static_cast<RecentBlocks*>(blocks); });
+
+/// Null while the add-in has taken no block on this thread.
+RecentBlocks* OwnRecentBlocks() { return static_cast<RecentBlocks*>(FlsGetValue(recentBlocksSlot)); }
+
+void NoteTaken(const void* block, std::size_t bytes) {
+  AddinAllocations().NoteTaken(block, bytes);
+  RecentBlocks* recent = OwnRecentBlocks();
+  if (!recent) FlsSetValue(recentBlocksSlot, recent = new (std::nothrow) RecentBlocks());
+  if (recent) recent->Add(block, bytes);
+}
+
+/// Whether the host keeps account of the block.
+bool NoteFreed(const void* block) {
+  if (RecentBlocks* const recent = OwnRecentBlocks()) recent->Forget(block);
+  return AddinAllocations().NoteFreed(block);
+}
 
 /// Takes a block from `allocate`, as the add-in's; null when it has to fail.
 template <typename Allocate>
 void* Take(std::size_t bytes, const Allocate& allocate) {
   if (AddinAllocations().MustFail()) return nullptr;
   void* const block = allocate();
-  AddinAllocations().NoteTaken(block, bytes);
+  NoteTaken(block, bytes);
   return block;
 }
 
 /// Moves a block by `reallocate`; null, with the block as it was, when that has to fail.
 template <typename Reallocate>
 void* Move(void* block, std::size_t bytes, const Reallocate& reallocate) {
-  AllocationMeter& meter = AddinAllocations();
-  if (meter.MustFail()) return nullptr;
-  const bool wasKnown = meter.NoteFreed(block);
+  if (AddinAllocations().MustFail()) return nullptr;
+  const bool wasKnown = NoteFreed(block);
   void* const moved = reallocate();
-  if (wasKnown || !block) meter.NoteTaken(moved, bytes);
+  if (wasKnown || !block) NoteTaken(moved, bytes);
   return moved;
 }
 
@@ -50,7 +69,7 @@ void* MeteredRealloc(void* block, std::size_t bytes) {
 }
 
 void MeteredFree(void* block) {
-  AddinAllocations().NoteFreed(block);
+  NoteFreed(block);
   std::free(block);
 }
 
@@ -75,7 +94,7 @@ void* WINAPI MeteredHeapReAlloc(HANDLE heap, DWORD flags, void* block, SIZE_T by
 }
 
 BOOL WINAPI MeteredHeapFree(HANDLE heap, DWORD flags, void* block) {
-  AddinAllocations().NoteFreed(block);
+  NoteFreed(block);
   return HeapFree(heap, flags, block);
 }
 
@@ -83,10 +102,9 @@ BOOL WINAPI MeteredHeapFree(HANDLE heap, DWORD flags, void* block) {
 
 RunningCode::Owner RunningCode::Exchange(Owner) noexcept { return Owner::kHost; }
 
-std::optional<std::size_t> HeapBlockBytes(const void* address) noexcept {
-  for (const HANDLE heap : {reinterpret_cast<HANDLE>(_get_heap_handle()), GetProcessHeap()})
-    if (address && HeapValidate(heap, 0, address)) return HeapSize(heap, 0, address);
-  return std::nullopt;
+std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept {
+  RecentBlocks* const recent = OwnRecentBlocks();
+  return recent ? recent->BytesOf(address) : std::nullopt;
 }
 
 void MeterAllocations(const Library& library) {

@@ -13,7 +13,7 @@ std::vector<void*> keptBlocks;
 XCHAR* forgotten = nullptr;
 XLMREF12 firstCell{1, {{0, 0, 0, 0}}};
 XLOPER12 lentElement;
-XLOPER12 unfreed;
+XLOPER12* unfreed = nullptr;
 
 int CallExcel(int number, XLOPER12* result, std::initializer_list<XLOPER12*> arguments) {
   std::vector<XLOPER12*> all(arguments);
@@ -102,7 +102,7 @@ QCALC_EXPORT void xlAutoFree12(XLOPER12* oper) {
     XLOPER12 caller = OfType(xltypeNil);
     CallExcel(xlfCaller, &caller, {});
   }
-  if (oper == &unfreed) return;
+  if (oper == unfreed) return;
   if ((oper->xltype & 0x0FFF) == xltypeMulti && oper->val.array.lparray == &lentElement) {
     CallExcel(xlFree, nullptr, {&lentElement});
     oper->val.array.lparray = nullptr;
@@ -143,7 +143,7 @@ QCALC_EXPORT int xlAutoOpen() {
   Register(XTEXT("WriteAfterFree"), XTEXT("U$"), XTEXT("WRITE.AFTER.FREE"));
   Register(XTEXT("WritePast"), XTEXT("UQ$"), XTEXT("WRITE.PAST"));
   Register(XTEXT("BadMemory"), XTEXT("UJ"), XTEXT("BAD.MEMORY"));
-  Register(XTEXT("KeepOwn"), XTEXT("UJ"), XTEXT("KEEP.OWN"));
+  Register(XTEXT("KeepOwn"), XTEXT("UA"), XTEXT("KEEP.OWN"));
   Register(XTEXT("ChangeThread"), XTEXT("UJ$"), XTEXT("CHANGE.THREAD"));
   Register(XTEXT("LeaveThread"), XTEXT("U"), XTEXT("LEAVE.THREAD"));
   Register(XTEXT("ChangeArgument"), XTEXT("UQQ$"), XTEXT("CHANGE.ARGUMENT"));

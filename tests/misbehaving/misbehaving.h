@@ -18,7 +18,7 @@ extern std::vector<void*> keptBlocks;
 extern XCHAR* forgotten;  ///< freed at the end, so that the leak checker stays out of it
 extern XLMREF12 firstCell;
 extern XLOPER12 lentElement;  ///< a text of the host's in an array; xlAutoFree12 gives it back
-extern XLOPER12 unfreed;      ///< which xlAutoFree12 passes over
+extern XLOPER12* unfreed;     ///< which xlAutoFree12 passes over
 
 int CallExcel(int number, XLOPER12* result, std::initializer_list<XLOPER12*> arguments);
 

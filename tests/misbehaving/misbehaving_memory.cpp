@@ -88,13 +88,13 @@ QCALC_EXPORT XLOPER12* BadMemory(std::int32_t which) {
   }
 }
 
-/// A text that xlAutoFree12 does not free, of that many units; its address, for the test to free it, when told 0.
-QCALC_EXPORT XLOPER12* KeepOwn(std::int32_t units) {
-  if (units == 0) return Owned(Number(static_cast<double>(reinterpret_cast<std::uintptr_t>(unfreed.val.str))));
-  unfreed = OfType(xltypeStr | xlbitDLLFree);
-  unfreed.val.str = static_cast<XCHAR*>(std::calloc(static_cast<std::size_t>(units) + 1, sizeof(XCHAR)));
-  unfreed.val.str[0] = static_cast<XCHAR>(units);
-  return &unfreed;
+/// A text that xlAutoFree12 does not free; with `tells` its address, for the test to free it.
+QCALC_EXPORT XLOPER12* KeepOwn(std::uint16_t tells) {
+  if (tells) return Owned(Number(static_cast<double>(reinterpret_cast<std::uintptr_t>(unfreed))));
+  unfreed = static_cast<XLOPER12*>(std::calloc(1, sizeof(XLOPER12)));
+  unfreed->val.str = static_cast<XCHAR*>(std::calloc(1, sizeof(XCHAR)));
+  unfreed->xltype = xltypeStr | xlbitDLLFree;
+  return unfreed;
 }
 
 QCALC_EXPORT XLOPER12* ChangeArgument(XLOPER12*, XLOPER12* argument) {
