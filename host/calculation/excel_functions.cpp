@@ -78,9 +78,13 @@ std::span<const ExcelFunction> ExcelFunctions() {
 }
 
 const ExcelFunction* FindExcelFunction(XStringView name) {
-  for (const ExcelFunction& function : ExcelFunctions())
-    if (EqualsIgnoringCase(name, function.name)) return &function;
-  return nullptr;
+  const std::span<const ExcelFunction> functions = ExcelFunctions();
+  const XString folded = FoldCase(name);
+  // The case of all letters changed alike, their order stays.
+  const auto found =
+      std::lower_bound(functions.begin(), functions.end(), folded,
+                       [](const ExcelFunction& function, XStringView key) { return FoldCase(function.name) < key; });
+  return found != functions.end() && FoldCase(found->name) == folded ? &*found : nullptr;
 }
 
 }  // namespace qcalc

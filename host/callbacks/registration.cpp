@@ -65,8 +65,8 @@ std::string FindDefect(const CallbackRequest& request) {
 void ComplainOfTexts(const CallbackRequest& request, const TypeText& type) {
   if (const XString* names = request.TextAt(kArgumentText); names && !names->empty())
     if (const auto count = std::count(names->begin(), names->end(), XTEXT(',')) + 1; count > std::ssize(type.arguments))
-      request.Complain("was given " + std::to_string(count) + " argument names for " +
-                       std::to_string(type.arguments.size()) + " arguments");
+      request.Complain("was given more argument names (" + std::to_string(count) + ") than arguments (" +
+                       std::to_string(type.arguments.size()) + ")");
   if (const XString* shortcut = request.TextAt(kShortcut); shortcut && !shortcut->empty()) {
     if (shortcut->size() != 1) request.Complain("was given a shortcut that is not one character");
     if (request.NumberAt(kMacroType).value_or(kFunction) != kCommand)

@@ -71,7 +71,7 @@ CallbackAnswer CallbackRequest::WrongArgument(std::size_t number, std::string_vi
 }
 
 CallbackAnswer CallbackRequest::WrongCount(std::size_t count) const {
-  Complain("was given " + std::to_string(count) + " arguments");
+  Complain("was given " + std::to_string(count) + (count == 1 ? " argument" : " arguments"));
   return CallbackAnswer::Failure(xlretInvCount);
 }
 

@@ -67,7 +67,7 @@ TEST_F(Misbehaving, CallbacksAnswerByTheirTables) {
   CheckTold(R"(
       =COERCED(A1,32) -> -8, 2 that is not a set of types | =COERCED(A1,514) -> -8, 2 that is not a set of types
       =COERCED(A1,4097) -> -8, 2 that is not a set of types
-      =CALLED(64,1) -> -4, CALLED: xlfMatch was given 1 arguments
+      =CALLED(64,1) -> -4, CALLED: xlfMatch was given 1 argument
       =CALLED(255,"plus.one",1,2) -> -4, CALLED: xlUDF was given 2 arguments)");
   session.Host().settings.marks.decimal = ',';
   Check(R"(=COERCED("16.0",1) -> -32 | =COERCED("1.016,5",1) -> 1016.5 | =COERCED(1.5,2) -> "1,5"
@@ -239,7 +239,7 @@ TEST_F(Misbehaving, RegistrationsThatAreRefused) {
       =REGISTER.AS("MY SUM") -> #VALUE!, a character that no name holds | =REGISTER.AS("") -> #VALUE!, an empty name
       =REGISTER.AS("2ND") -> #VALUE!, does not begin with a letter
       =REGISTER.AS("A-B") -> #VALUE!, a character that no name holds | =REGISTER.AS(,,2) -> #VALUE!, no name for a command
-      =REGISTER.AS("F.2","a,b") -> 1, 2 argument names for 1 arguments
+      =REGISTER.AS("F.2","a,b") -> 1, more argument names (2) than arguments (1)
       =REGISTER.AS("F.3","a",2,"xy") -> 1, a shortcut that is not one character
       =REGISTER.AS("F.4","a",1,"x") -> 1, a shortcut for what is no command
       =REGISTER.AS("F.5",,,,"help.chm") -> 1, neither file!number nor | =REGISTER.AS("F.6",,,,"!5") -> 1, neither file
