@@ -186,53 +186,51 @@ TEST_F(Misbehaving, ValuesThatNoFunctionMayReturn) {
 TEST_F(Misbehaving, CallbacksThatAreRefused) {
   session.Host().macroFunctions.results[FoldCase(XTEXT("text"))] = Value::Number(1);
   CheckTold(R"(
-      =BAD.CALLBACK(1) -> 128, xlfGetWorkspace may not be made from a thread-safe function
-      =BAD.CALLBACK.MAIN(1) -> 2, xlfGetWorkspace may not be made from a worksheet function
-      =BAD.CALLBACK(2) -> 2, callback number 9999 is unknown
-      =BAD.CALLBACK(3) -> 2, outside any call of the host's: xlfCaller may not be made
-      =BAD.CALLBACK(4) -> 4, xlCoerce was given 3 arguments | =BAD.CALLBACK(5) -> 8, a null pointer as argument 1
-      =BAD.CALLBACK(6) -> 8, an array of 0 x 0 as argument 1 | =BAD.CALLBACK(7) -> 2, xlPrompt
-      =BAD.CALLBACK.MAIN(8) -> 2, xlcAlert may not be made from a worksheet function
-      =BAD.CALLBACK.MACRO(8) -> 2, xlcAlert may not be made from a macro-sheet equivalent
-      =BAD.CALLBACK(9) -> 128, xlSet may not be made from a thread-safe function
-      =BAD.CALLBACK.MACRO(9) -> 2, xlSet may not be made from a macro-sheet equivalent
-      =BAD.CALLBACK(10) -> 128, xlfIndirect may not be made from a thread-safe function
-      =BAD.CALLBACK.MAIN(10) -> 32, not offered by this host
-      =BAD.CALLBACK(11) -> 128, xlGetName may not be made from a thread-safe function
-      =BAD.CALLBACK(14) -> 32, xlAsyncReturn is not offered by this host
-      =BAD.CALLBACK(15) -> 128, xlUDF reached a function that is not thread-safe from one that is
-      =BAD.CALLBACK(17) -> 8, xlCoerce was given a text of 9 units in a block of 10 bytes as argument 1
-      =BAD.CALLBACK(16) -> 32, xlCoerce was given a sheet that does not exist as argument 1
-      =BAD.CALLBACK(13) -> 0, xlfCaller may not be made from xlAutoFree)");
-  Check("=BAD.CALLBACK.MACRO(1) -> 0");
-  session.Finish();
-  EXPECT_THAT(Complaints(), ElementsAre(HasSubstr("never given back")));
+      =CALLED.SAFE(186,2) -> -128, xlfGetWorkspace may not be made from a thread-safe function
+      =CALLED(186,2) -> -2, xlfGetWorkspace may not be made from a worksheet function
+      =CALLED.SAFE(9999) -> -2, callback number 9999 is unknown
+      =CALLED(16386,1,2,2) -> -4, xlCoerce was given 3 arguments | =CALLED(4100,1) -> -2, xlPrompt
+      =CALLED(32886,"text") -> -2, xlcAlert may not be made from a worksheet function
+      =CALLED.MACRO(32886,"text") -> -2, xlcAlert may not be made from a macro-sheet equivalent
+      =CALLED.SAFE(16387,A1,2) -> -128, xlSet may not be made from a thread-safe function
+      =CALLED.MACRO(16387,A1,2) -> -2, xlSet may not be made from a macro-sheet equivalent
+      =CALLED.SAFE(148,"A1") -> -128, xlfIndirect may not be made from a thread-safe function
+      =CALLED(148,"A1") -> -32, not offered by this host
+      =CALLED.SAFE(16393) -> -128, xlGetName may not be made from a thread-safe function
+      =CALLED.SAFE(16400,1,2) -> -32, xlAsyncReturn is not offered by this host
+      =CALLED.SAFE(255,"text") -> -128, xlUDF reached a function that is not thread-safe from one that is
+      =BAD.CALLBACK(0) -> 8, a null pointer as argument 1 | =BAD.CALLBACK(1) -> 8, an array of 0 x 0 as argument 1
+      =BAD.CALLBACK(2) -> 32, xlCoerce was given a sheet that does not exist as argument 1
+      =BAD.CALLBACK(3) -> 8, xlCoerce was given a text of 9 units in a block of 10 bytes as argument 1
+      =BAD.CALLBACK(4) -> 2, outside any call of the host's: xlfCaller may not be made
+      =BAD.CALLBACK(6) -> 0, xlfCaller may not be made from xlAutoFree)");
+  Check("=CALLED.MACRO(186,2) -> \"16.0\"");
 }
 
 TEST_F(Misbehaving, OnlyFreeingIsAllowedAfterAnAbort) {
   for (const int code : {xlretUncalced, xlretAbort}) {
     session.Host().meter.Fail(*FindXlCallback("xlfCaller"), code, 1);
-    CheckTold("=BAD.CALLBACK(12) -> " + std::to_string(code) + ", made after a code that leaves only xlFree allowed");
+    CheckTold("=BAD.CALLBACK(5) -> " + std::to_string(code) + ", made after a code that leaves only xlFree allowed");
   }
-  EXPECT_EQ(Evaluate("=BAD.CALLBACK(12)"), "0") << "failures last for one evaluation";
+  EXPECT_EQ(Evaluate("=BAD.CALLBACK(5)"), "0") << "failures last for one evaluation";
   session.Finish();
   EXPECT_THAT(Complaints(), ElementsAre(HasSubstr("never given back")));
 }
 
 TEST_F(Misbehaving, AnInjectedFailureIsNotTheAddinsFault) {
   session.Host().meter.Fail(*FindXlCallback("xlfGetWorkspace"), xlretFailed, 0);
-  EXPECT_EQ(Evaluate("=BAD.CALLBACK(1)"), "32");
+  EXPECT_EQ(Evaluate("=CALLED.SAFE(186,2)"), "-32");
   session.Host().meter.Fail(*FindXlCallback("xlFree"), xlretFailed, 0);
   Evaluate("=SHEET.NAME()");
 }
 
 TEST_F(Misbehaving, RegistrationsThatAreRefused) {
   CheckTold(R"(
-      =BAD.REGISTRATION(1) -> 1, a text of 256 units | =BAD.REGISTRATION(2) -> 1, exclude each other
-      =BAD.REGISTRATION(3) -> 1, 'W' is none | =BAD.REGISTRATION(4) -> 1, exports no such procedure
-      =BAD.REGISTRATION(5) -> 1, names another module than xlGetName gives: other.xll)");
-  EXPECT_EQ(Evaluate("=MARKS(1)"), "#NAME?");
-  CheckTold(R"(
+      =REGISTER.AS(REPT("N",256)) -> #VALUE!, a text of 256 units
+      =REGISTER.AS("MARKS",,,,,"UQ#$") -> #VALUE!, exclude each other
+      =REGISTER.AS("LETTER",,,,,"UW") -> #VALUE!, 'W' is none
+      =REGISTER.AS("EXPORT",,,,,,"NotExported") -> #VALUE!, exports no such procedure
+      =REGISTER.AS("MODULE",,,,,,,"other.xll") -> #VALUE!, names another module than xlGetName gives: other.xll
       =REGISTER.AS("A1") -> #VALUE!, which is a cell | =REGISTER.AS("xfd1") -> #VALUE!, which is a cell
       =REGISTER.AS("r1c1") -> #VALUE!, which is a cell | =REGISTER.AS("C") -> #VALUE!, which is a cell
       =REGISTER.AS("TRUE") -> #VALUE!, which is Excel's own | =REGISTER.AS("Match") -> #VALUE!, which is Excel's own

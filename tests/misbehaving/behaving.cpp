@@ -10,7 +10,7 @@ using namespace misbehaving;
 
 /// What a callback answered, as a result that the host frees; after a failure its code, made negative.
 XLOPER12* Lent(int code, const XLOPER12& answer) {
-  if (code != xlretSuccess) return Owned(Number(-code));
+  if (code != xlretSuccess) return Owned(Number(-CodeOf(code, answer)));
   static XLOPER12 slot;
   slot = answer;
   slot.xltype |= xlbitXLFree;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <sstream>
 #include <stdexcept>
+#include <string>
 
 namespace misbehaving {
 
@@ -60,13 +62,9 @@ XLOPER12 LentText() {
   return name;
 }
 
-void Register(XStringView procedure, XStringView type, XStringView name, XStringView otherModule) {
-  XLOPER12 module = OfType(xltypeNil), result = OfType(xltypeNil);
-  CallExcel(xlGetName, &module, {});
-  XLOPER12 texts[] = {Text(procedure), Text(type), Text(name), Text(otherModule)};
-  CallExcel(xlfRegister, &result, {otherModule.empty() ? &module : &texts[3], &texts[0], &texts[1], &texts[2]});
-  CallExcel(xlFree, nullptr, {&module});
-  for (const XLOPER12& text : texts) delete[] text.val.str;
+int CodeOf(int code, const XLOPER12& result) {
+  const bool isValueError = result.xltype == xltypeErr && result.val.err == xlerrValue;
+  return code == xlretSuccess || isValueError ? code : -1;
 }
 
 }  // namespace misbehaving
@@ -74,6 +72,22 @@ void Register(XStringView procedure, XStringView type, XStringView name, XString
 namespace {
 
 int closingAnswer = 1;
+
+XString Wide(const std::string& text) { return XString(text.begin(), text.end()); }
+
+/// Exports with their types and names.
+constexpr const char* kFunctions =
+    "Die UJ$ DIE  PlusOne UQ$ PLUS.ONE  PlusOne UQ PLUS.ONE.MAIN  SheetName U SHEET.NAME  ByValue UJAIC%CD%K%$ "
+    "BY.VALUE "
+    "Echo4 RP ECHO.VALUE4  Echo4 RR ECHO.REFERENCE4  Coerced UUQ COERCED  Called UQUUUU$ CALLED.SAFE "
+    "Called UQUUUU CALLED  Called UQUUUU# CALLED.MACRO  Allocate JJJ$ ALLOCATE  Enlarge J$ ENLARGE "
+    "FreeCount U FREE.COUNT  FreeCountUnmarked U FREE.COUNT.UNMARKED  Describe UU DESCRIBE  KeepLent U$ KEEP.LENT "
+    "FreeTwice U$ FREE.TWICE  FreeEmptied U$ FREE.EMPTIED  FreeForeign U$ FREE.FOREIGN "
+    "WriteAfterFree U$ WRITE.AFTER.FREE  WritePast UQ$ WRITE.PAST  BadMemory UJ BAD.MEMORY  KeepOwn UA KEEP.OWN "
+    "ChangeThread UJ$ CHANGE.THREAD  LeaveThread U LEAVE.THREAD  ChangeArgument UQQ$ CHANGE.ARGUMENT "
+    "BothBits U BOTH.BITS  FreeNotLent U FREE.NOT.LENT  Owned4 P OWNED.VALUE4  ForgetBit U FORGET.BIT "
+    "StaticResult U$ STATIC.RESULT  BadValue UJ BAD.VALUE  BadValue QJ BAD.PLAIN.VALUE "
+    "BadCallback UJ$ BAD.CALLBACK  RefuseToClose U REFUSE.TO.CLOSE  RegisterAs UQQQQQQQQ# REGISTER.AS ";
 
 }  // namespace
 
@@ -121,44 +135,14 @@ QCALC_EXPORT XLOPER12* RefuseToClose() {
 QCALC_EXPORT int xlAutoOpen() {
   if (std::getenv("DIE_AT_OPENING")) throw std::runtime_error("thrown out of xlAutoOpen");
   keptBlocks.resize(10);
-  Register(XTEXT("Die"), XTEXT("UJ$"), XTEXT("DIE"));
-  Register(XTEXT("PlusOne"), XTEXT("UQ$"), XTEXT("PLUS.ONE"));
-  Register(XTEXT("PlusOne"), XTEXT("UQ"), XTEXT("PLUS.ONE.MAIN"));
-  Register(XTEXT("SheetName"), XTEXT("U"), XTEXT("SHEET.NAME"));
-  Register(XTEXT("ByValue"), XTEXT("UJAIC%CD%K%$"), XTEXT("BY.VALUE"));
-  Register(XTEXT("Echo4"), XTEXT("RP"), XTEXT("ECHO.VALUE4"));
-  Register(XTEXT("Echo4"), XTEXT("RR"), XTEXT("ECHO.REFERENCE4"));
-  Register(XTEXT("Coerced"), XTEXT("UUQ"), XTEXT("COERCED"));
-  Register(XTEXT("Called"), XTEXT("UQUUUU"), XTEXT("CALLED"));
-  Register(XTEXT("Called"), XTEXT("UQUUUU#"), XTEXT("CALLED.MACRO"));
-  Register(XTEXT("Allocate"), XTEXT("JJJ$"), XTEXT("ALLOCATE"));
-  Register(XTEXT("Enlarge"), XTEXT("J$"), XTEXT("ENLARGE"));
-  Register(XTEXT("FreeCount"), XTEXT("U"), XTEXT("FREE.COUNT"));
-  Register(XTEXT("FreeCountUnmarked"), XTEXT("U"), XTEXT("FREE.COUNT.UNMARKED"));
-  Register(XTEXT("Describe"), XTEXT("UU"), XTEXT("DESCRIBE"));
-  Register(XTEXT("KeepLent"), XTEXT("U$"), XTEXT("KEEP.LENT"));
-  Register(XTEXT("FreeTwice"), XTEXT("U$"), XTEXT("FREE.TWICE"));
-  Register(XTEXT("FreeEmptied"), XTEXT("U$"), XTEXT("FREE.EMPTIED"));
-  Register(XTEXT("FreeForeign"), XTEXT("U$"), XTEXT("FREE.FOREIGN"));
-  Register(XTEXT("WriteAfterFree"), XTEXT("U$"), XTEXT("WRITE.AFTER.FREE"));
-  Register(XTEXT("WritePast"), XTEXT("UQ$"), XTEXT("WRITE.PAST"));
-  Register(XTEXT("BadMemory"), XTEXT("UJ"), XTEXT("BAD.MEMORY"));
-  Register(XTEXT("KeepOwn"), XTEXT("UA"), XTEXT("KEEP.OWN"));
-  Register(XTEXT("ChangeThread"), XTEXT("UJ$"), XTEXT("CHANGE.THREAD"));
-  Register(XTEXT("LeaveThread"), XTEXT("U"), XTEXT("LEAVE.THREAD"));
-  Register(XTEXT("ChangeArgument"), XTEXT("UQQ$"), XTEXT("CHANGE.ARGUMENT"));
-  Register(XTEXT("BothBits"), XTEXT("U"), XTEXT("BOTH.BITS"));
-  Register(XTEXT("FreeNotLent"), XTEXT("U"), XTEXT("FREE.NOT.LENT"));
-  Register(XTEXT("Owned4"), XTEXT("P"), XTEXT("OWNED.VALUE4"));
-  Register(XTEXT("ForgetBit"), XTEXT("U"), XTEXT("FORGET.BIT"));
-  Register(XTEXT("StaticResult"), XTEXT("U$"), XTEXT("STATIC.RESULT"));
-  Register(XTEXT("BadValue"), XTEXT("UJ"), XTEXT("BAD.VALUE"));
-  Register(XTEXT("BadValue"), XTEXT("QJ"), XTEXT("BAD.PLAIN.VALUE"));
-  Register(XTEXT("BadCallback"), XTEXT("UJ$"), XTEXT("BAD.CALLBACK"));
-  Register(XTEXT("BadCallback"), XTEXT("UJ"), XTEXT("BAD.CALLBACK.MAIN"));
-  Register(XTEXT("BadCallback"), XTEXT("UJ#"), XTEXT("BAD.CALLBACK.MACRO"));
-  Register(XTEXT("RefuseToClose"), XTEXT("U"), XTEXT("REFUSE.TO.CLOSE"));
-  Register(XTEXT("BadRegistration"), XTEXT("UJ#"), XTEXT("BAD.REGISTRATION"));
-  Register(XTEXT("RegisterAs"), XTEXT("UQQQQQ#"), XTEXT("REGISTER.AS"));
+  XLOPER12 module = OfType(xltypeNil), result = OfType(xltypeNil);
+  CallExcel(xlGetName, &module, {});
+  std::istringstream functions(kFunctions);
+  for (std::string procedure, type, name; functions >> procedure >> type >> name;) {
+    XLOPER12 texts[3] = {Text(Wide(procedure)), Text(Wide(type)), Text(Wide(name))};
+    CallExcel(xlfRegister, &result, {&module, &texts[0], &texts[1], &texts[2]});
+    for (const XLOPER12& text : texts) delete[] text.val.str;
+  }
+  CallExcel(xlFree, nullptr, {&module});
   return 1;
 }

@@ -34,7 +34,7 @@ XLOPER12* Owned(const XLOPER12& oper);
 /// The name of the calling sheet, lent by the host.
 XLOPER12 LentText();
 
-/// Registers under the name of a module, by default the library's own.
-void Register(XStringView procedure, XStringView type, XStringView name, XStringView otherModule = {});
+/// What a callback returned, or -1 when it failed and did not set its result to #VALUE!.
+int CodeOf(int code, const XLOPER12& result);
 
 }  // namespace misbehaving

@@ -8,107 +8,35 @@ using namespace misbehaving;
 // Called by name from outside.
 #pragma GCC diagnostic ignored "-Wmissing-declarations"
 
-/// `which` chooses one of many callbacks that the place or the arguments forbid; the result is the code.
+/// `which` chooses one of several callbacks that Excel refuses: up to 3 by their argument. The result is the code.
 QCALC_EXPORT XLOPER12* BadCallback(std::int32_t which) {
-  XLOPER12 result = OfType(xltypeNil);
-  XLOPER12 one = Number(1), two = Integer(2), text = Text(XTEXT("text"));
-  XLOPER12 nothing = OfType(xltypeMulti), caller = OfType(xltypeNil), elsewhere = OfType(xltypeRef);
+  XLOPER12 result = OfType(xltypeNil), caller = OfType(xltypeNil), nothing = OfType(xltypeMulti);
+  XLOPER12 elsewhere = OfType(xltypeRef), text = Text(XTEXT("text"));
   elsewhere.val.mref = {&firstCell, 0xBAD};
+  text.val.str[0] = 9;
+  XLOPER12* const arguments[] = {nullptr, &nothing, &elsewhere, &text};
   int code = 0;
-  switch (which) {
-    case 1:
-      code = CallExcel(xlfGetWorkspace, &result, {&two});
-      break;
-    case 2:
-      code = CallExcel(9999, &result, {});
-      break;
-    case 3:
-      std::thread([&] { code = CallExcel(xlfCaller, &result, {}); }).join();
-      break;
-    case 4:
-      code = CallExcel(xlCoerce, &result, {&one, &two, &two});
-      break;
-    case 5:
-      code = CallExcel(xlCoerce, &result, {nullptr});
-      break;
-    case 6:
-      code = CallExcel(xlCoerce, &result, {&nothing});
-      break;
-    case 7:
-      code = CallExcel(int{xlfSum} | xlPrompt, &result, {&one});
-      break;
-    case 8:
-      code = CallExcel(xlcAlert, &result, {&text});
-      break;
-    case 9:
-      code = CallExcel(xlSet, &result, {&one, &two});
-      break;
-    case 10:
-      code = CallExcel(xlfIndirect, &result, {&text});
-      break;
-    case 11:
-      code = CallExcel(xlGetName, &result, {});
-      break;
-    case 12:
-      code = CallExcel(xlfCaller, &caller, {});
-      code = CallExcel(xlfCaller, &result, {});
-      break;
-    case 13:
-      callsBackWhenFreeing = true;
-      break;
-    case 14:
-      code = CallExcel(xlAsyncReturn, &result, {&one, &two});
-      break;
-    case 15:
-      code = CallExcel(xlUDF, &result, {&text});
-      break;
-    case 17:
-      text.val.str[0] = 9;
-      code = CallExcel(xlCoerce, &result, {&text});
-      break;
-    case 16:
-      code = CallExcel(xlCoerce, &result, {&elsewhere});
-      break;
-    default:
-      break;
-  }
+  if (which <= 3) code = CallExcel(xlCoerce, &result, {arguments[which]});
+  if (which == 4) std::thread([&] { code = CallExcel(xlfCaller, &result, {}); }).join();
+  if (which == 5 && CallExcel(xlfCaller, &caller, {}) >= 0) code = CallExcel(xlfCaller, &result, {});
+  callsBackWhenFreeing = which == 6;
   delete[] text.val.str;
-  const bool isValueError = result.xltype == xltypeErr && result.val.err == xlerrValue;
-  if (code != xlretSuccess && !isValueError) code = -1;  // every failing callback sets its result
-  return Owned(Number(code));
+  return Owned(Number(CodeOf(code, result)));
 }
 
-/// `which` chooses a registration that Excel refuses.
-QCALC_EXPORT XLOPER12* BadRegistration(std::int32_t which) {
-  switch (which) {
-    case 1:
-      Register(XTEXT("PlusOne"), XTEXT("UQ"), XString(256, 'N'));
-      break;
-    case 2:
-      Register(XTEXT("PlusOne"), XTEXT("UQ#$"), XTEXT("MARKS"));
-      break;
-    case 3:
-      Register(XTEXT("PlusOne"), XTEXT("UW"), XTEXT("LETTER"));
-      break;
-    case 4:
-      Register(XTEXT("NotExported"), XTEXT("UQ"), XTEXT("EXPORT"));
-      break;
-    default:
-      Register(XTEXT("PlusOne"), XTEXT("UQ"), XTEXT("MODULE"), XTEXT("other.xll"));
-  }
-  return Owned(Number(1));
-}
-
-/// Registers PlusOne by those texts and that type of macro. 1 when Excel takes it, else its error.
+/// Registers by those texts and that type of macro; PlusOne of this library as a function of one value, where nothing
+/// else is said. 1 when Excel takes it, else its error.
 QCALC_EXPORT XLOPER12* RegisterAs(XLOPER12* name, XLOPER12* argumentNames, XLOPER12* macroType, XLOPER12* shortcut,
-                                  XLOPER12* helpTopic) {
-  XLOPER12 module = OfType(xltypeNil), result = OfType(xltypeNil), category = OfType(xltypeMissing);
-  XLOPER12 procedure = Text(XTEXT("PlusOne")), type = Text(XTEXT("UQ"));
-  CallExcel(xlGetName, &module, {});
+                                  XLOPER12* helpTopic, XLOPER12* type, XLOPER12* procedure, XLOPER12* module) {
+  const auto either = [](XLOPER12* told, XLOPER12& own) { return told->xltype == xltypeMissing ? &own : told; };
+  XLOPER12 ownModule = OfType(xltypeNil), result = OfType(xltypeNil), category = OfType(xltypeMissing);
+  XLOPER12 ownProcedure = Text(XTEXT("PlusOne")), ownType = Text(XTEXT("UQ"));
+  CallExcel(xlGetName, &ownModule, {});
   CallExcel(xlfRegister, &result,
-            {&module, &procedure, &type, name, argumentNames, macroType, &category, shortcut, helpTopic});
-  CallExcel(xlFree, nullptr, {&module});
-  delete[] procedure.val.str;
-  delete[] type.val.str;
+            {either(module, ownModule), either(procedure, ownProcedure), either(type, ownType), name, argumentNames,
+             macroType, &category, shortcut, helpTopic});
+  CallExcel(xlFree, nullptr, {&ownModule});
+  delete[] ownProcedure.val.str;
+  delete[] ownType.val.str;
   return Owned(result.xltype == xltypeNum ? Number(1) : result);
 }

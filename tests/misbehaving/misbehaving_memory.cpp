@@ -58,34 +58,16 @@ QCALC_EXPORT XLOPER12* WritePast(XLOPER12* argument) {
 /// `which` chooses one of several values whose memory is not what they say.
 QCALC_EXPORT XLOPER12* BadMemory(std::int32_t which) {
   static XLOPER12 result;
-  XLOPER12 text = Text(XTEXT("ab")), array = OfType(xltypeMulti), copy = LentText();
-  array.val.array = {&lentElement, 1, 1};
-  switch (which) {
-    case 1:
-      text.val.str[0] = 9;
-      CallExcel(xlFree, nullptr, {&copy});
-      return Owned(text);
-    case 2:
-      delete[] text.val.str;
-      CallExcel(xlFree, nullptr, {&copy});
-      array.val.array = {new XLOPER12[1]{Number(1)}, 1'000'000, 1};
-      return Owned(array);
-    case 3:
-      CallExcel(xlFree, nullptr, {&copy});
-      text.val.str[0] = 9;
-      array.val.array.lparray = new XLOPER12[1]{text};
-      delete[] std::exchange(forgotten, text.val.str);
-      return Owned(array);
-    case 4:
-      delete[] text.val.str;
-      lentElement = copy;
-      return Owned(array);
-    default:
-      delete[] text.val.str;
-      result = copy;
-      CallExcel(xlFree, nullptr, {&copy});
-      return &result;
-  }
+  XLOPER12 text = Text(XTEXT("ab"));
+  text.val.str[0] = 9;
+  if (which == 1) return Owned(text);
+  delete[] std::exchange(forgotten, text.val.str);
+  if (which == 2) return Owned({{.array = {new XLOPER12[1]{Number(1)}, 1'000'000, 1}}, xltypeMulti});
+  if (which == 3) return Owned({{.array = {new XLOPER12[1]{text}, 1, 1}}, xltypeMulti});
+  lentElement = result = LentText();
+  if (which == 4) return Owned({{.array = {&lentElement, 1, 1}}, xltypeMulti});
+  CallExcel(xlFree, nullptr, {&lentElement});
+  return &result;
 }
 
 /// A text that xlAutoFree12 does not free; with `tells` its address, for the test to free it.
