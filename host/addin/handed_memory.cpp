@@ -25,12 +25,18 @@ std::string DefectOfText(const Unit* text, std::size_t bytes) {
   return {};
 }
 
+/// How many elements an array has; 0 when it has none, or a size that no array has.
+template <typename Width>
+std::size_t ElementsOf(const typename Width::Oper& oper) {
+  const std::int64_t rows = oper.val.array.rows, columns = oper.val.array.columns;
+  const bool hasSize = rows >= 1 && columns >= 1 && rows <= Width::kMaxArrayRows && columns <= Width::kMaxColumns;
+  return hasSize && oper.val.array.lparray ? static_cast<std::size_t>(rows * columns) : 0;
+}
+
 /// The elements that are looked at: of a long array the first ones.
 template <typename Width>
 std::span<const typename Width::Oper> FirstElements(const typename Width::Oper& oper) {
-  const std::int64_t size = std::int64_t{oper.val.array.rows} * oper.val.array.columns;
-  if (!oper.val.array.lparray || oper.val.array.rows < 1 || oper.val.array.columns < 1) return {};
-  return {oper.val.array.lparray, std::min(static_cast<std::size_t>(size), kMostElements)};
+  return {oper.val.array.lparray, std::min(ElementsOf<Width>(oper), kMostElements)};
 }
 
 /// A text by itself, or one of an array's, which may lie behind the elements in their block.
@@ -48,11 +54,9 @@ std::string DefectOfText(const Unit* text, std::span<const std::byte> elements, 
 template <typename Width>
 std::string DefectOfArray(const typename Width::Oper& oper, const Loans& loans) {
   const auto& array = oper.val.array;
-  if (!array.lparray || array.rows < 1 || array.columns < 1) return {};
   if (loans.CameBack(array.lparray)) return "an array that it had given back through xlFree";
   const std::optional<std::size_t> bytes = RecentBlockBytes(array.lparray);
-  const std::size_t needed = static_cast<std::size_t>(array.rows) * static_cast<std::size_t>(array.columns);
-  if (bytes && *bytes / sizeof(typename Width::Oper) < needed)
+  if (bytes && *bytes / sizeof(typename Width::Oper) < ElementsOf<Width>(oper))
     return TooShort("an array of " + std::to_string(array.rows) + " x " + std::to_string(array.columns), *bytes);
   const std::span block(reinterpret_cast<const std::byte*>(array.lparray), bytes.value_or(0));
   for (const auto& element : FirstElements<Width>(oper))

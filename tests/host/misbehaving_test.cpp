@@ -176,6 +176,7 @@ TEST_F(Misbehaving, ValuesThatNoFunctionMayReturn) {
       =BAD.VALUE(10) -> {#NUM!}, an array element (1, 1) with a number that is not finite
       =BAD.VALUE(11) -> TRUE, a boolean of 7 | =BAD.VALUE(12) -> #VALUE!, an error of code -1
       =BAD.VALUE(13) -> #VALUE!, a reference that leaves the sheet | =BAD.VALUE(14) -> 0, unknown bits in its type
+      =BAD.VALUE(17) -> #VALUE!, an array of 2000000 x 1
       =BAD.VALUE(15) -> #REF!, a reference to a sheet that does not exist
       =BAD.PLAIN.VALUE(16) -> #VALUE!, a reference and is registered to return values)");
   EXPECT_EQ(Evaluate("=BAD.VALUE(99)"), "#NUM!") << "a null pointer";

@@ -32,5 +32,6 @@ QCALC_EXPORT XLOPER12* BadValue(std::int32_t which) {
   if (which == 14) result = OfType(xltypeNum | 0x2000);
   if (which == 15) result = {{.mref = {&firstCell, 0xBAD}}, xltypeRef};
   if (which == 16) result = {{.sref = {1, {}}}, xltypeSRef};
-  return which <= 16 ? &result : nullptr;
+  if (which == 17) result.val.array.rows = 2'000'000;
+  return which <= 17 ? &result : nullptr;
 }
