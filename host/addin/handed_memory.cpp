@@ -11,6 +11,7 @@ namespace qcalc {
 namespace {
 
 constexpr std::size_t kMostElements = 4096;
+constexpr const char* kCameBack = "that it had given back through xlFree";
 
 std::string TooShort(const std::string& what, std::size_t bytes) {
   return what + " in a block of " + std::to_string(bytes) + " bytes";
@@ -43,7 +44,7 @@ std::span<const typename Width::Oper> FirstElements(const typename Width::Oper& 
 template <typename Unit>
 std::string DefectOfText(const Unit* text, std::span<const std::byte> elements, const Loans& loans) {
   if (!text) return {};
-  if (loans.CameBack(text)) return "a text that it had given back through xlFree";
+  if (loans.CameBack(text)) return std::string("a text ") + kCameBack;
   const auto* const start = reinterpret_cast<const std::byte*>(text);
   if (start >= elements.data() && start < elements.data() + elements.size())
     return DefectOfText(text, static_cast<std::size_t>(elements.data() + elements.size() - start));
@@ -54,7 +55,7 @@ std::string DefectOfText(const Unit* text, std::span<const std::byte> elements, 
 template <typename Width>
 std::string DefectOfArray(const typename Width::Oper& oper, const Loans& loans) {
   const auto& array = oper.val.array;
-  if (loans.CameBack(array.lparray)) return "an array that it had given back through xlFree";
+  if (loans.CameBack(array.lparray)) return std::string("an array ") + kCameBack;
   const std::optional<std::size_t> bytes = RecentBlockBytes(array.lparray);
   if (bytes && *bytes / sizeof(typename Width::Oper) < ElementsOf<Width>(oper))
     return TooShort("an array of " + std::to_string(array.rows) + " x " + std::to_string(array.columns), *bytes);
@@ -78,7 +79,7 @@ std::string DefectOfMemory(const typename Width::Oper& oper, const Loans& loans)
     case xltypeRef: {
       const auto* const areas = oper.val.mref.lpmref;
       if (!areas) return {};
-      if (loans.CameBack(areas)) return "a reference that it had given back through xlFree";
+      if (loans.CameBack(areas)) return std::string("a reference ") + kCameBack;
       const std::optional<std::size_t> bytes = RecentBlockBytes(areas);
       const std::size_t start = offsetof(typename Width::ReferenceList, reftbl);
       if (bytes && (*bytes < start || (*bytes - start) / sizeof(typename Width::Rectangle) < areas->count))

@@ -55,7 +55,8 @@ QCALC_EXPORT XLOPER12* WritePast(XLOPER12* argument) {
   return Owned(Number(1));
 }
 
-/// `which` chooses one of several values whose memory is not what they say.
+/// `which` chooses one of several values whose memory is not what they say; from 8 on it is the type, 8 or 64, of an
+/// answer of Excel's that has been given back.
 QCALC_EXPORT XLOPER12* BadMemory(std::int32_t which) {
   static XLOPER12 result;
   XLOPER12 text = Text(XTEXT("ab"));
@@ -67,6 +68,13 @@ QCALC_EXPORT XLOPER12* BadMemory(std::int32_t which) {
   lentElement = result = LentText();
   if (which == 4) return Owned({{.array = {&lentElement, 1, 1}}, xltypeMulti});
   CallExcel(xlFree, nullptr, {&lentElement});
+  if (which == 6) lentElement = std::exchange(result, {{.array = {&lentElement, 1, 1}}, xltypeMulti});
+  if (which <= 6) return &result;
+  XLOPER12 caller = OfType(xltypeNil), type = Integer(which);
+  CallExcel(xlfCaller, &caller, {});
+  CallExcel(xlCoerce, &result, {&caller, &type});
+  XLOPER12 copy = result;
+  CallExcel(xlFree, nullptr, {&caller, &copy});
   return &result;
 }
 
