@@ -17,8 +17,8 @@ bool PrintResult(Session& session, const Formula& formula) {
     throw;
   } catch (const std::exception& error) {
     std::cerr << formula.Text() << ": " << error.what() << std::endl;
-  } catch (const UncalculatedCell&) {
-    std::cerr << formula.Text() << ": it reads a cell that could not be calculated" << std::endl;
+  } catch (const UncalculatedCell& cell) {
+    std::cerr << formula.Text() << ": " << session.Describe(cell) << std::endl;
   }
   return false;
 }

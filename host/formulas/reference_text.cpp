@@ -113,7 +113,9 @@ ReferenceText TakeReference(TextCursor& cursor) {
     reference.sheet = std::move(prefix->sheet);
   }
   const auto area = TakeArea(cursor);
-  if (!area) cursor.FailExpecting("a reference such as A1, B2:C9, A:A, 3:5 or Data!A1");
+  if (!area)
+    cursor.Fail("expected a reference such as A1, B2:C9, A:A, 3:5 or Data!A1, up to XFD1048576, found " +
+                cursor.Found());
   reference.area = *area;
   return reference;
 }
@@ -188,7 +190,7 @@ Parsed<Area> ParseRows(std::string_view text) {
       return Area{row, row, 0, kXlMaxColumns - 1};
     }
     cursor.MoveTo(start);
-    cursor.FailExpecting("rows such as 3:5 or 3");
+    cursor.FailExpecting("rows such as 3:5 or 3, from 1 to 1048576");
   });
 }
 

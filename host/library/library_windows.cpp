@@ -1,8 +1,26 @@
 #include <windows.h>
 
+#include <iterator>
+
 #include "host/library/library.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
+namespace {
+
+// Windows' own words; "%1" in them stands for the file.
+std::string DescribeError(DWORD code, const std::wstring& file) {
+  wchar_t text[512] = L"";
+  const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
+                                      text, static_cast<DWORD>(std::size(text)), nullptr);
+  std::wstring words(text, length);
+  while (!words.empty() && words.back() <= L' ') words.pop_back();
+  if (const std::size_t mark = words.find(L"%1"); mark != std::wstring::npos) words.replace(mark, 2, file);
+  const std::string named = words.find(file) == std::wstring::npos ? ToUtf8(file) + ": " : "";
+  return named + "Windows error " + std::to_string(code) + (words.empty() ? "" : ": " + ToUtf8(words));
+}
+
+}  // namespace
 
 std::filesystem::path ProgramFolder() {
   std::wstring program(MAX_PATH, L'\0');
@@ -24,12 +42,7 @@ std::unique_ptr<Library> Library::Load(const std::filesystem::path& path, std::s
   std::filesystem::path absolute = std::filesystem::absolute(path).lexically_normal().make_preferred();
   HMODULE module = LoadLibraryW(absolute.c_str());
   if (!module) {
-    const DWORD code = GetLastError();
-    char text[256] = "";
-    DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0, text,
-                                  sizeof text, nullptr);
-    while (length > 0 && static_cast<unsigned char>(text[length - 1]) <= ' ') text[--length] = '\0';
-    error = "Windows error " + std::to_string(code) + (length ? ": " + std::string(text) : std::string());
+    error = DescribeError(GetLastError(), absolute.wstring());
     return nullptr;
   }
   return std::unique_ptr<Library>(new Library(std::move(absolute), module));

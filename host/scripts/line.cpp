@@ -122,6 +122,12 @@ ReferenceText ScriptLine::ReferenceIn(std::string_view part) const {
   return *reference;
 }
 
+Area ScriptLine::RowsIn(std::string_view part) const {
+  const Parsed<Area> rows = ParseRows(part);
+  if (!rows) FailFrom(part, rows.Error());
+  return *rows;
+}
+
 ScriptSize ScriptLine::SizeIn(std::string_view part, std::int32_t least) const {
   const std::size_t cross = std::min(part.find_first_of("xX"), part.size());
   const auto rows = ReadWhole<std::int32_t>(part.substr(0, cross));

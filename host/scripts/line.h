@@ -58,6 +58,8 @@ class ScriptLine {
 
   /// Reads a part of the line that a function above has given, as one reference.
   ReferenceText ReferenceIn(std::string_view part) const;
+  /// The same, as rows such as `3:5` or `3`.
+  Area RowsIn(std::string_view part) const;
   /// The same, as a size such as `3x2`, of `least` rows and columns at least.
   ScriptSize SizeIn(std::string_view part, std::int32_t least) const;
 

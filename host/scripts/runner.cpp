@@ -16,8 +16,8 @@ void ScriptRunner::Run(const std::vector<ScriptCommand>& commands) {
       throw;
     } catch (const std::exception& error) {
       report_.Fail(Place(), error.what());
-    } catch (const UncalculatedCell&) {
-      report_.Fail(Place(), "a formula reads a cell that could not be calculated");
+    } catch (const UncalculatedCell& cell) {
+      report_.Fail(Place(), "the formula has no value: " + session_.Describe(cell));
     }
     ReportComplaints();
   }
@@ -43,8 +43,9 @@ void ScriptRunner::Evaluate(const std::string& formula, const std::function<Valu
     result_ = work();
   } catch (const FormulaError& error) {
     report_.Fail(Place(), "the formula could not be evaluated", {{"formula", formula_}, {"reason", error.what()}});
-  } catch (const UncalculatedCell&) {
-    report_.Fail(Place(), "the formula reads a cell that could not be calculated", {{"formula", formula_}});
+  } catch (const UncalculatedCell& cell) {
+    report_.Fail(Place(), "the formula could not be evaluated",
+                 {{"formula", formula_}, {"reason", session_.Describe(cell)}});
   } catch (const NotThreadSafe&) {
     report_.Fail(Place(), "a thread-safe function reached one that is not", {{"formula", formula_}});
   }

@@ -118,12 +118,18 @@ std::vector<Value> Session::EvaluateInParallel(int threads, int count, const For
   return results;
 }
 
+std::string Session::Describe(const UncalculatedCell& cell) const {
+  const Area area = Area::OfCell(cell.position.row, cell.position.column);
+  return "it reads " + ReferenceToText({cell.sheet, {area}}, host_.workbooks) + ", which could not be calculated";
+}
+
 Timing Session::Time(int count, const Formula& formula, std::string& functionName) {
   const EvaluationContext context = Prepare(formula);
   const EvaluationWatch watch(host_, false);
   const std::optional<PreparedCall> call = PrepareOutermostCall(formula, context);
   if (!call) throw FormulaError("the formula calls no function of the add-in");
-  if (call->refused) throw FormulaError("Excel would not make the call: an argument cannot be converted");
+  if (call->refused)
+    throw FormulaError("Excel would not make the call: several areas stand where the function takes a value");
   const auto& function = static_cast<const RegisteredFunction&>(*call->function);
   functionName = ToUtf8(function.name);
   return addin_.Time(function, call->operands, count, context);

@@ -53,6 +53,9 @@ class Session {
   /// Makes the formula's outermost add-in call `count` times. Throws FormulaError when it makes none.
   Timing Time(int count, const Formula& formula, std::string& functionName);
 
+  /// Why a formula that met such a cell has no value.
+  std::string Describe(const UncalculatedCell& cell) const;
+
   /// What the value stands for where no reference is wanted.
   Value Contents(const Value& value) const { return Dereference(value, host_.workbooks); }
 

@@ -4,9 +4,11 @@
 #include "host/files/csv.h"
 #include "host/library/answers.h"
 #include "host/scripts/runner.h"
+#include "host/text/digits.h"
 #include "host/text/letter_case.h"
 #include "host/text/path_text.h"
 #include "host/text/utf8.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 namespace {
@@ -44,22 +46,24 @@ ScriptAction ParseSheet(ScriptLine& line) {
 
 ScriptAction ParseSet(ScriptLine& line) {
   const ReferenceText target = line.ReferenceIn(line.BeforeEquals("a reference"));
-  if (line.StartsFormula()) {
-    return [target, formula = line.FormulaText()](ScriptRunner& runner) {
-      const Reference cells = runner.Resolve(target);
-      Session& session = runner.ItsSession();
-      Sheet& sheet = SheetOf(runner, cells);
-      MakeMentionedSheets(formula, session.ItsWorkbooks(), sheet);
-      sheet.SetFormula(cells.areas[0], formula);
-    };
-  }
-  return [target, value = line.Literal()](ScriptRunner& runner) {
+  const auto write = [target](ScriptRunner& runner, const auto& writeInto) {
     const Reference cells = runner.Resolve(target);
     try {
-      SheetOf(runner, cells).Set(cells.areas[0], value);
-    } catch (const std::length_error&) {
-      throw ScriptError("the array does not fit on the sheet");
+      writeInto(SheetOf(runner, cells), cells.areas[0]);
+    } catch (const std::length_error& error) {
+      throw ScriptError(error.what());
     }
+  };
+  if (line.StartsFormula()) {
+    return [write, formula = line.FormulaText()](ScriptRunner& runner) {
+      write(runner, [&](Sheet& sheet, const Area& area) {
+        MakeMentionedSheets(formula, runner.ItsSession().ItsWorkbooks(), sheet);
+        sheet.SetFormula(area, formula);
+      });
+    };
+  }
+  return [write, value = line.Literal()](ScriptRunner& runner) {
+    write(runner, [&](Sheet& sheet, const Area& area) { sheet.Set(area, value); });
   };
 }
 
@@ -77,11 +81,11 @@ ScriptAction ParseLoad(ScriptLine& line) {
 ScriptAction ParseRowsHidden(ScriptLine& line, bool isHidden) {
   const std::string_view part = line.Rest("rows");
   ReferenceText rows;
-  if (const Parsed<Area> plain = ParseRows(part))
-    rows.area = *plain;
+  if (part.find('!') == std::string_view::npos)
+    rows.area = line.RowsIn(part);
   else
     rows = line.ReferenceIn(part);
-  if (rows.area.Columns() != kXlMaxColumns) line.FailIn(part, "expected whole rows");
+  if (rows.area.Columns() != kXlMaxColumns) line.FailIn(part, "expected whole rows, found '" + std::string(part) + "'");
   return [rows, isHidden](ScriptRunner& runner) {
     const Reference cells = runner.Resolve(rows);
     SheetOf(runner, cells).HideRows(cells.areas[0].firstRow, cells.areas[0].lastRow, isHidden);
@@ -98,8 +102,10 @@ ScriptAction ParseAt(ScriptLine& line) {
 }
 
 ScriptAction ParseVersion(ScriptLine& line) {
-  std::string version(line.Rest("a version"));
-  if (version.find_first_not_of("0123456789.") != std::string::npos) line.Fail("expected a version such as 16 or 15.0");
+  const std::string_view part = line.Rest("a version");
+  std::string version(part);
+  if (version.find_first_not_of("0123456789.") != std::string::npos)
+    line.FailIn(part, "expected a version such as 16 or 15.0, found '" + version + "'");
   if (version.find('.') == std::string::npos) version += ".0";
   return
       [version = Units(version)](ScriptRunner& runner) { SettingsBeforeOpening(runner, "version").version = version; };
@@ -108,7 +114,7 @@ ScriptAction ParseVersion(ScriptLine& line) {
 ScriptAction ParseDecimal(ScriptLine& line) {
   const std::string_view part = line.Rest("a decimal separator");
   const XString separator = Units(part);
-  if (separator.size() != 1) line.FailIn(part, "expected one character");
+  if (separator.size() != 1) line.FailIn(part, "expected one character, found '" + std::string(part) + "'");
   return [unit = separator[0]](ScriptRunner& runner) { SettingsBeforeOpening(runner, "decimal").marks.decimal = unit; };
 }
 
@@ -132,8 +138,12 @@ ScriptAction ParseAnswer(ScriptLine& line) {
 ScriptAction ParseLet(ScriptLine& line) {
   const std::string_view part = line.BeforeEquals("a name");
   const XString name = FoldCase(Units(part));
-  const bool isName = part.find_first_of(" \t!'\"(),;{}[]:+-*/^&<>%#") == std::string_view::npos;
-  if (!isName || ParseReference(part)) line.FailIn(part, "expected a name that is no reference");
+  const std::size_t bad = part.find_first_of(" \t!'\"(),;{}[]:+-*/^&<>%#");
+  if (bad != std::string_view::npos)
+    line.FailIn(part.substr(bad), "expected a name, found '" + std::string(1, part[bad]) + "' in it");
+  if (IsDigit(part.front())) line.FailIn(part, "expected a name, which begins with no digit");
+  if (ParseReference(part)) line.FailIn(part, "expected a name, found '" + std::string(part) + "', a reference");
+  if (ParseLiteral(part)) line.FailIn(part, "expected a name, found '" + std::string(part) + "', a value");
   const auto bind = [name](ScriptRunner& runner, Value value) {
     runner.ItsSession().Names()[name] = std::move(value);
     NoteNameChange(runner.ItsSession().ItsWorkbooks(), name);

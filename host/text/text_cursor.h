@@ -6,8 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "host/text/digits.h"
+#include "host/text/letter_case.h"
 #include "host/text/syntax_error.h"
-#include "host/text/utf8.h"
 
 namespace qcalc {
 
@@ -46,15 +47,21 @@ class TextCursor {
   /// "expected X, found Y".
   [[noreturn]] void FailExpecting(const std::string& what) const { Fail("expected " + what + ", found " + Found()); }
 
-  /// What stands here, for messages.
+  /// What stands here, for messages: a word, or one character that is part of none.
   std::string Found() const {
     if (AtEnd()) return "the end";
-    std::size_t end = at_ + 1;
-    while (end < text_.size() && IsInsideCharacter(text_[end])) ++end;
+    std::size_t end = at_;
+    while (end < text_.size() && IsPartOfWord(text_[end])) ++end;
+    if (end == at_) ++end;
     return "'" + std::string(text_.substr(at_, end - at_)) + "'";
   }
 
  private:
+  static bool IsPartOfWord(char byte) {
+    return IsLetter(byte) || IsDigit(byte) || static_cast<unsigned char>(byte) >= 0x80 || byte == '_' || byte == '.' ||
+           byte == '$';
+  }
+
   std::string_view text_;
   std::size_t at_ = 0;
 };

@@ -11,7 +11,7 @@ ArrayBuilder::ArrayBuilder(std::int32_t rows, std::int32_t columns) : pool_(std:
   if (rows < 1 || columns < 1 || rows > kXlMaxRows || columns > kXlMaxColumns ||
       std::int64_t{rows} * columns > kMaxArrayCells)
     throw std::length_error("an array of " + std::to_string(rows) + " x " + std::to_string(columns) +
-                            " cells is none that can be held");
+                            " cells is too large: at most " + std::to_string(kMaxArrayCells) + " cells");
   array_.reset(new Array(rows, columns));
 }
 

@@ -80,7 +80,10 @@ XString ReadText(TextCursor& cursor) {
 
 std::int32_t ReadError(TextCursor& cursor) {
   const auto match = MatchErrorName(cursor.Rest());
-  if (!match) cursor.Fail("expected an error such as #N/A or #VALUE!, found another word after '#'");
+  if (!match) {
+    cursor.Advance();
+    cursor.Fail("expected an error such as #N/A or #VALUE!, found " + cursor.Found() + " after '#'");
+  }
   cursor.Advance(match->length);
   return match->code;
 }

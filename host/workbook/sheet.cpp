@@ -57,7 +57,9 @@ void Sheet::Set(const Area& area, const Value& value) {
                                                      value.AsArray()->Columns())
                                       : area;
   if (!target.IsOnSheet())
-    throw std::length_error("the array does not fit on the sheet from " + AreaToText(area) + " on");
+    throw std::length_error("the array of " + std::to_string(target.Rows()) + " x " + std::to_string(target.Columns()) +
+                            " cells does not fit on the sheet from " +
+                            AreaToText(Area::OfCell(area.firstRow, area.firstColumn)) + " on");
   if (!value.IsEmpty() && !value.IsMissing()) CheckFillable(target, kMaxArrayCells);
   RemoveFormulas(target);
   Write(target, value);

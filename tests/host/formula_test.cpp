@@ -29,9 +29,10 @@ TEST_F(FormulaTest, OperatorsCalculateAsInExcel) {
       =""+1 -> #VALUE! | =1=1+1e-16 -> TRUE | =1+14*.01=1.14 -> TRUE | =1.00000000000001=1 -> FALSE
       ={1,2;3,4}*10 -> {10,20;30,40} | ={1,2}+{10;20} -> {11,12;21,22} | ={1,2,3}+{1,2} -> {2,4,#N/A}
       ={1,2;3,4}+{1,2,3} -> {2,4,#N/A;4,6,#N/A} | ={5}&"" -> {"5"} | =-{1,"x",empty} -> {-1,#VALUE!,0}
-      =A1:B2*2 -> {2,4;6,8} | =C1+1 -> 1 | =A:XFD+1 -> !an array of 1048576 x 16384 cells is none that can be held
-      =A:A+1:1 -> !an array of 1048576 x 16384 cells is none that can be held
-      =SEQUENCE(1048576,16384) -> !an array of 1048576 x 16384 cells is none that can be held)");
+      =A1:B2*2 -> {2,4;6,8} | =C1+1 -> 1
+      =A:XFD+1 -> !an array of 1048576 x 16384 cells is too large: at most 67108864 cells
+      =A:A+1:1 -> !an array of 1048576 x 16384 cells is too large: at most 67108864 cells
+      =SEQUENCE(1048576,16384) -> !an array of 1048576 x 16384 cells is too large: at most 67108864 cells)");
 }
 
 TEST_F(FormulaTest, ReadsReferences) {
@@ -82,9 +83,9 @@ TEST_F(FormulaTest, SaysWhereAndWhatWasExpected) {
       =SUM(1,2 -> !line 1, column 9: expected ',' or ')' after an argument of SUM, found the end
       =1+ -> !line 1, column 4: expected a value, a reference, a function or '(', found the end
       =1 2 -> !line 1, column 4: expected an operator or the end of the formula, found '2'
-      ='My sheet'A1 -> !line 1, column 12: expected '!' after the name of a sheet, found 'A'
-      =Data!7x -> !line 1, column 7: expected a reference after '!', found '7'
-      =$Foo -> !line 1, column 2: expected a reference, found '$'
+      ='My sheet'A1 -> !line 1, column 12: expected '!' after the name of a sheet, found 'A1'
+      =Data!7x -> !line 1, column 7: expected a reference after '!', found '7x'
+      =$Foo -> !line 1, column 2: expected a reference, found '$Foo'
       =(1,2 -> !line 1, column 6: expected ')' or an operator, found the end)");
   EXPECT_EQ(Eval("=SUM(1,\n {1;2,3})"),
             "!line 2, column 8: expected 1 elements in row 2 of the array, as in its first row, found 2");

@@ -39,8 +39,9 @@ TEST(ScriptReading, MistakesAreToldWithTheirPlace) {
       answer-with xlCoerce word -> 22, expected a kind of value (number, text, | mutate 1 type -2 -> 15, bits of a type
       mutate 2 bits 0x50g -> 15, bits of a type | mutate 1 dims 3x -> 15, a size such as 3x2
       mutate 1 dims 3 -> 15, a size such as 3x2 | fail-alloc 1 twice -> 14, expected one of once, on
-      reload 501 -> 8, from 1 to 500 | hide A1:B2 -> 6, expected whole rows | expect-shape 3 -> 14, such as 3x2
-      let A1 = 3 -> 5, no reference | let x y = 3 -> 5, no reference | print 3 -> 7, expected the end of the line)")) {
+      set A1048577 = 1 -> 5, up to XFD1048576, found 'A1048577' | set A1 = #FOO -> 11, found 'FOO' after
+      reload 501 -> 8, from 1 to 500 | hide A1:B2 -> 6, expected rows such as | expect-shape 3 -> 14, such as 3x2
+      let A1 = 3 -> 5, a reference | let x y = 3 -> 6, found ' ' | let True = 3 -> 5, a value | print 3 -> 7, expected the end of the line)")) {
     const std::size_t comma = told.find(", ");
     EXPECT_THAT(mistake(command),
                 AllOf(HasSubstr("line 1, column " + told.substr(0, comma) + ": "), HasSubstr(told.substr(comma + 2))))
@@ -147,6 +148,7 @@ TEST(ScriptRunning, WhatWasArmedForNothingIsAFailure) {
 TEST(ScriptRunning, SettingsThatComeTooLate) {
   EXPECT_THROW(RunText("eval =1\nversion 11\n"), ScriptError);
   EXPECT_THROW(RunText("load A1 no-such-file.csv\n"), ScriptError);
+  EXPECT_THROW(RunText("set A1:XFD1048576 = =1\n"), ScriptError);
 }
 
 }  // namespace
