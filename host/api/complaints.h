@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
+
+#include "host/text/shown_text.h"
 
 namespace qcalc {
 
@@ -14,7 +17,9 @@ class Complaints {
  public:
   using Counted = std::vector<std::pair<std::string, int>>;
 
-  void Add(std::string text) {
+  /// The text, UTF-8, is kept as it can be shown (ShownMessage).
+  void Add(std::string_view written) {
+    std::string text = ShownMessage(written);
     const std::lock_guard lock(mutex_);
     const auto same = [&](const auto& other) { return other.first == text; };
     if (const auto found = std::find_if(counted_.begin(), counted_.end(), same); found != counted_.end())

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string>
 
+#include "host/text/shown_text.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -24,7 +25,7 @@ Answer Answers::Take(XStringView kind, XStringView text, XStringView caption, bo
   std::string printed = ToUtf8(kind);
   if (!caption.empty()) printed += " \"" + ToUtf8(caption) + "\"";
   const char* word = answer == Answer::kYes ? "yes" : answer == Answer::kNo ? "no" : "ok";
-  std::cerr << printed << ": " << ToUtf8(text) << "\n  answered: " << word << std::endl;
+  std::cerr << ShownMessage(printed + ": " + ToUtf8(text)) << "\n  answered: " << word << std::endl;
   return answer;
 }
 

@@ -3,6 +3,7 @@
 
 #include "host/scripts/runner.h"
 #include "host/scripts/show_table.h"
+#include "host/text/shown_text.h"
 #include "host/values/literal.h"
 
 namespace qcalc {
@@ -83,8 +84,9 @@ ScriptAction ParseShow(ScriptLine& line) {
   const std::int32_t rows = line.IsAtEnd() ? kShownRows : line.WholeNumber("a number of rows", 1, kMostCount);
   return [rows](ScriptRunner& runner) {
     if (!runner.Result()) return runner.Fail("there is no result to show");
-    if (const std::string heading = runner.TakeHeading(); !heading.empty()) std::cout << "\n" << heading << "\n";
-    std::cout << "\n" << runner.LastFormula() << "\n" << ShowTable(runner.Contents(), rows) << std::flush;
+    if (const std::string heading = runner.TakeHeading(); !heading.empty())
+      std::cout << "\n" << ShownMessage(heading) << "\n";
+    std::cout << "\n" << ShownMessage(runner.LastFormula()) << "\n" << ShowTable(runner.Contents(), rows) << std::flush;
   };
 }
 

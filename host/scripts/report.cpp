@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "host/text/shown_text.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -12,10 +13,10 @@ namespace {
 constexpr std::size_t kMaxShown = 2000;
 
 std::string Shortened(const std::string& text) {
-  if (text.size() <= kMaxShown) return text;
+  if (text.size() <= kMaxShown) return ShownMessage(text);
   std::size_t end = kMaxShown;
   while (end > 0 && IsInsideCharacter(text[end])) --end;
-  return text.substr(0, end) + " ... (" + std::to_string(text.size()) + " bytes)";
+  return ShownMessage(text.substr(0, end)) + " ... (" + std::to_string(text.size()) + " bytes)";
 }
 
 }  // namespace
@@ -24,8 +25,8 @@ void Report::Fail(const ScriptPlace& place, const std::string& sentence,
                   const std::vector<std::pair<std::string, std::string>>& details) {
   ++tally_.failed;
   output_ << place.script << ":" << place.line << ": FAILED";
-  if (!place.caseName.empty()) output_ << " [" << place.caseName << "]";
-  output_ << ": " << sentence << "\n";
+  if (!place.caseName.empty()) output_ << " [" << ShownMessage(place.caseName) << "]";
+  output_ << ": " << ShownMessage(sentence) << "\n";
   std::size_t widest = 0;
   for (const auto& [title, text] : details) widest = std::max(widest, title.size());
   for (const auto& [title, text] : details)

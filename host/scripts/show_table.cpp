@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/text/shown_text.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
 #include "host/values/number_writing.h"
@@ -15,25 +16,26 @@ constexpr std::size_t kMaxCellWidth = 32;
 constexpr std::size_t kMaxWidth = 120;
 constexpr std::string_view kGap = "\u22EE";
 
-/// One cell as it stands in the table: one line, in UTF-8, of so many characters.
+/// One cell as it stands in the table: one line, in UTF-8, of so many columns of the terminal.
 struct ShownCell {
   std::string text;
   std::size_t width = 0;
   bool isRight = false;
 };
 
-std::size_t CharactersOf(const std::string& text) {
-  return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), IsInsideCharacter));
-}
+std::size_t WidthOf(const std::string& text) { return ColumnsOf(*FromUtf8(text)); }
 
-std::string ShownText(XStringView text) {
-  XString line(text.substr(0, kMaxCellWidth));
-  const bool isCut = text.size() > kMaxCellWidth;
-  // Half a character is none.
-  if (isCut && IsHighSurrogate(line.back())) line.pop_back();
-  for (XCHAR& unit : line)
-    if (unit < 0x20 || unit == 0x7F) unit = static_cast<XCHAR>(0x00B7);
-  return ToUtf8(line) + (isCut ? "\u2026" : "");
+/// As much of the text as a cell has columns for.
+std::string TextFor(XStringView text) {
+  std::size_t end = 0, width = 0;
+  while (end < text.size()) {
+    std::size_t next = end;
+    TakeCharacter(text, next);
+    width += ColumnsOf(text.substr(end, next - end));
+    if (width > kMaxCellWidth) break;
+    end = next;
+  }
+  return ToUtf8(ShownText(text.substr(0, end))) + (end < text.size() ? "\u2026" : "");
 }
 
 /// Whether a text must stand in quotes to be told from something else: from no text, a number, TRUE, an error.
@@ -51,12 +53,12 @@ ShownCell Show(const CellView& cell) {
       shown.isRight = true;
       break;
     case CellKind::kText:
-      shown.text = NeedsQuotes(cell.AsText()) ? "\"" + ShownText(cell.AsText()) + "\"" : ShownText(cell.AsText());
+      shown.text = NeedsQuotes(cell.AsText()) ? "\"" + TextFor(cell.AsText()) + "\"" : TextFor(cell.AsText());
       break;
     default:
       shown.text = PrintLiteral(cell);
   }
-  shown.width = CharactersOf(shown.text);
+  shown.width = WidthOf(shown.text);
   return shown;
 }
 
@@ -123,7 +125,7 @@ std::string ShowTable(const Value& value, std::int32_t maxRows) {
   std::int32_t columns = 0;
   for (; columns < array.Columns(); ++columns) {
     const std::vector<std::string> column = ShownColumn(array, columns, rows);
-    const std::size_t more = CharactersOf(column[0]) + 2;
+    const std::size_t more = WidthOf(column[0]) + 2;
     if (columns > 0 && width + more > kMaxWidth) break;
     width += more;
     for (std::size_t i = 0; i < lines.size(); ++i) lines[i] += " " + column[i] + " ";

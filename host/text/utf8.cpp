@@ -67,15 +67,19 @@ XCHAR* WriteCharacter(char32_t number, XCHAR* units) {
   return units;
 }
 
+char32_t TakeCharacter(XStringView text, std::size_t& at) {
+  const char32_t first = static_cast<std::uint16_t>(text[at++]);
+  if (!IsHighSurrogate(first) || at == text.size()) return first;
+  const char32_t second = static_cast<std::uint16_t>(text[at]);
+  if (!IsLowSurrogate(second)) return first;
+  ++at;
+  return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+}
+
 std::string ToUtf8(XStringView text) {
   std::string bytes;
   bytes.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t point = static_cast<std::uint16_t>(text[i]);
-    if (IsHighSurrogate(point) && i + 1 < text.size() && IsLowSurrogate(static_cast<std::uint16_t>(text[i + 1])))
-      point = 0x10000 + ((point - 0xD800) << 10) + (static_cast<std::uint16_t>(text[++i]) - 0xDC00u);
-    AppendUtf8(bytes, point);
-  }
+  for (std::size_t at = 0; at < text.size();) AppendUtf8(bytes, TakeCharacter(text, at));
   return bytes;
 }
 

@@ -26,6 +26,9 @@ constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0
 /// Writes the character of that number, at most 0x10FFFF, as one unit or two; the end of what was written.
 XCHAR* WriteCharacter(char32_t number, XCHAR* units);
 
+/// The number of the character at `at`, which moves behind it; a lone surrogate is a character of its own.
+char32_t TakeCharacter(XStringView text, std::size_t& at);
+
 /// The text in UTF-8; a lone surrogate takes three bytes.
 std::string ToUtf8(XStringView text);
 

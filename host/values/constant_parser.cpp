@@ -24,6 +24,38 @@ std::string_view ReadWord(TextCursor& cursor) {
   return cursor.Slice(start);
 }
 
+// What stands between two quotes.
+XString ReadQuoted(TextCursor& cursor) {
+  const std::size_t start = cursor.Position();
+  cursor.Advance();
+  std::string bytes;
+  for (;;) {
+    const std::string_view rest = cursor.Rest();
+    const std::size_t quote = rest.find('"');
+    if (quote == std::string_view::npos) cursor.FailAt(start, "expected a closing quote for this text, found the end");
+    bytes += rest.substr(0, quote);
+    cursor.Advance(quote + 1);
+    if (!cursor.Accept('"')) break;
+    bytes += '"';
+  }
+  std::size_t badByte = 0;
+  auto text = FromUtf8(bytes, &badByte);
+  if (!text)
+    cursor.FailAt(start, "expected UTF-8, found another byte " + std::to_string(badByte + 1) + " into this text");
+  return *std::move(text);
+}
+
+// A unit by its number: `U+000A`.
+XCHAR ReadUnit(TextCursor& cursor) {
+  constexpr std::size_t kDigits = 4;
+  const std::string_view digits = cursor.Rest().substr(kUnitMark.size(), kDigits);
+  const auto number = ReadWhole<std::uint16_t>(digits, 16);
+  if (!number || digits.size() < kDigits)
+    cursor.Fail("expected a unit's number such as U+000A, found " + cursor.Found());
+  cursor.Advance(kUnitMark.size() + kDigits);
+  return static_cast<XCHAR>(*number);
+}
+
 }  // namespace
 
 bool IsNumberAhead(const TextCursor& cursor) {
@@ -57,25 +89,16 @@ double ReadNumber(TextCursor& cursor) {
 
 XString ReadText(TextCursor& cursor) {
   const std::size_t start = cursor.Position();
-  if (!cursor.Accept('"')) cursor.FailExpecting("a text in quotes");
-  std::string bytes;
-  for (;;) {
-    const std::string_view rest = cursor.Rest();
-    const std::size_t quote = rest.find('"');
-    if (quote == std::string_view::npos) cursor.FailAt(start, "expected a closing quote for this text, found the end");
-    bytes += rest.substr(0, quote);
-    cursor.Advance(quote + 1);
-    if (!cursor.Accept('"')) break;
-    bytes += '"';
+  if (cursor.Peek() != '"') cursor.FailExpecting("a text in quotes");
+  XString text = ReadQuoted(cursor);
+  while (cursor.Rest().starts_with(kUnitMark)) {
+    text += ReadUnit(cursor);
+    if (cursor.Peek() == '"') text += ReadQuoted(cursor);
   }
-  std::size_t badByte = 0;
-  auto text = FromUtf8(bytes, &badByte);
-  if (!text)
-    cursor.FailAt(start, "expected UTF-8, found another byte " + std::to_string(badByte + 1) + " into this text");
-  if (text->size() > static_cast<std::size_t>(kXlMaxText))
+  if (text.size() > static_cast<std::size_t>(kXlMaxText))
     cursor.FailAt(start, "expected a text of at most " + std::to_string(kXlMaxText) + " characters, found " +
-                             std::to_string(text->size()));
-  return *std::move(text);
+                             std::to_string(text.size()));
+  return text;
 }
 
 std::int32_t ReadError(TextCursor& cursor) {

@@ -11,8 +11,11 @@ namespace qcalc {
 
 /// Digits with an optional point and exponent, no sign: the nearest double, all digits taken in, but 0 below the range.
 double ReadNumber(TextCursor& cursor);
-/// A text in quotes, quotes doubled, of no more units than a cell holds.
+/// A text in quotes, quotes doubled, of no more units than a cell holds. Units that cannot be seen stand behind the
+/// quotes by their numbers in four digits, and quotes may follow again: `"two"U+000A"lines"`.
 XString ReadText(TextCursor& cursor);
+/// What stands before the number of a unit.
+constexpr std::string_view kUnitMark = "U+";
 /// `#N/A` and its like.
 std::int32_t ReadError(TextCursor& cursor);
 /// `{1,"a";TRUE,#N/A}`; elements may be signed numbers and `empty`.

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/text/letter_case.h"
+#include "host/text/shown_text.h"
 #include "host/text/utf8.h"
 #include "host/values/constant_parser.h"
 
@@ -23,8 +24,40 @@ constexpr NamedError kErrors[] = {
 
 constexpr std::string_view kUnnamedError = "#ERR";
 
+// Below this a whole number is easier to read in all its digits than with an exponent.
+constexpr double kMostWhole = 1e15;
+
 bool StartsWithName(std::string_view text, std::string_view name) {
   return EqualsIgnoringCase(text.substr(0, name.size()), name);
+}
+
+// "U+000A".
+void AppendUnit(std::string& out, char32_t unit) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  out += kUnitMark;
+  for (int shift = 12; shift >= 0; shift -= 4) out += kDigits[(unit >> shift) & 0xF];
+}
+
+void AppendText(std::string& out, XStringView text) {
+  std::size_t start = 0;
+  const auto append = [&](std::size_t end) {
+    if (start == end && start > 0) return;
+    out += '"';
+    for (const char byte : ToUtf8(text.substr(start, end - start))) {
+      if (byte == '"') out += '"';
+      out += byte;
+    }
+    out += '"';
+  };
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t here = at;
+    const char32_t character = TakeCharacter(text, at);
+    if (!IsUnseen(character)) continue;
+    append(here);
+    AppendUnit(out, character);
+    start = at;
+  }
+  append(text.size());
 }
 
 void AppendLiteral(std::string& out, const CellView& cell) {
@@ -42,12 +75,7 @@ void AppendLiteral(std::string& out, const CellView& cell) {
       out += ErrorName(cell.AsError());
       break;
     case CellKind::kText:
-      out += '"';
-      for (const char byte : ToUtf8(cell.AsText())) {
-        if (byte == '"') out += '"';
-        out += byte;
-      }
-      out += '"';
+      AppendText(out, cell.AsText());
       break;
   }
 }
@@ -70,7 +98,10 @@ Parsed<Value> ParseLiteral(std::string_view text) {
 std::string PrintNumber(double number) {
   if (std::isnan(number)) return "nan";
   char digits[32];
-  return {digits, std::to_chars(digits, digits + sizeof digits, number).ptr};
+  const bool isWhole = std::trunc(number) == number && std::fabs(number) < kMostWhole;
+  const auto end = isWhole ? std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed)
+                           : std::to_chars(digits, digits + sizeof digits, number);
+  return {digits, end.ptr};
 }
 
 std::string PrintLiteral(const CellView& cell) {

@@ -16,11 +16,14 @@ namespace qcalc {
 Parsed<Value> ParseLiteral(std::string_view text);
 
 /// The written form: numbers in the shortest form that reads back as the same double, texts in quotes with quotes
-/// doubled, arrays always in braces. A missing argument prints as `missing`. References must be dereferenced before.
+/// doubled, arrays always in braces, all on one line: a unit that is no character to be seen (IsUnseen) stands behind
+/// the quotes by its number, `"two"U+000A"lines"`. A missing argument prints as `missing`. References must be
+/// dereferenced before.
 std::string PrintLiteral(const Value& value);
 std::string PrintLiteral(const CellView& cell);
 
-/// Shortest form that reads back as the same double: `1`, `-2.5`, `1e-07`.
+/// Shortest form that reads back as the same double: `1`, `-2.5`, `1e-07`; whole numbers below 1e15 in all their
+/// digits.
 std::string PrintNumber(double number);
 
 /// "#N/A" and its like; a code without a published name prints as "#ERR" and the code ("#ERR46"), but 45 as "#SPILL!"

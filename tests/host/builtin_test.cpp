@@ -56,7 +56,7 @@ TEST_F(BuiltinTest, SizesSequencesTexts) {
       =LEN(REPT("a",32767)) -> 32767 | =REPT("ab",16384) -> #VALUE! | =REPT("",2000000000) -> ""
       =REPT("a",32767)&"b" -> #VALUE! | =LEN(0.1+0.2) -> 3 | =LEN(TRUE) -> 4 | =LEN(Z9) -> 0 | =LEN(#N/A) -> #N/A
       =LEN(A1:B1) -> {2,1} | =T(A1:B1) -> "ab" | =T(B1) -> "" | =T(#NUM!) -> #NUM! | =T(TRUE) -> "")");
-  EXPECT_EQ(Eval("=UNICHAR(128512)&CHAR(128)&CHAR(10)"), "\"\U0001F600\u20AC\n\"");
+  EXPECT_EQ(Eval("=UNICHAR(128512)&CHAR(128)&CHAR(10)"), "\"\U0001F600\u20AC\"U+000A");
 }
 
 TEST_F(BuiltinTest, Counta) {

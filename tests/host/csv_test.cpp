@@ -36,7 +36,7 @@ TEST_F(CsvTest, TellsTypesApart) {
 
 TEST_F(CsvTest, ReadsQuotesAndLineEnds) {
   EXPECT_EQ(Loaded("\"a,b\",\"say \"\"hi\"\"\",\"\"\"\"\n"), R"({"a,b","say ""hi""",""""})");
-  EXPECT_EQ(Loaded("\"two\r\nlines\",x\r\n1,2\r\n"), "{\"two\r\nlines\",\"x\";1,2}");
+  EXPECT_EQ(Loaded("\"two\r\nlines\",x\r\n1,2\r\n"), R"({"two"U+000DU+000A"lines","x";1,2})");
   EXPECT_EQ(Loaded("1\n2\r3\r\n4"), "{1;2;3;4}");
   EXPECT_EQ(Loaded("\xEF\xBB\xBF\"a\",b"), R"({"a","b"})");
   EXPECT_EQ(Loaded("1\n\n3\n\n"), "{1;empty;3;empty}");

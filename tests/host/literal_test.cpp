@@ -26,15 +26,16 @@ TEST(Literal, ReadsAndPrints) {
       #NAME? -> #NAME? | #n/a -> #N/A | #GETTING_DATA -> #GETTING_DATA | #SPILL! -> #SPILL! | #ERR77 -> #ERR77
       empty -> empty | {1,"a";TRUE,#N/A} -> {1,"a";TRUE,#N/A} | {5} -> {5} | { 1 , +2 ; 3 , EMPTY } -> {1,2;3,empty}
       {1,2;3} -> !line 1, column 7: expected 2 elements in row 2 of the array, as in its first row, found 1
+      {""U+D83DU+000A"b",""U+0022} -> {""U+D83DU+000A"b",""""} | 1e14 -> 100000000000000 | -1e6 -> -1000000 | 1e15 -> 1e+15
       "abc -> !line 1, column 1: expected a closing quote for this text, found the end
       1 2 -> !line 1, column 3: expected the end of the value, found '2'
       {1,{2}} -> !line 1, column 4: expected a number, a text in quotes, TRUE, FALSE, an error or empty, found '{')"))
     EXPECT_EQ(Printed(literal), printed) << literal;
-  const std::string text = "\"\u00E4\u20AC\U0001F600 in two\nlines\"";
-  EXPECT_EQ(Printed(text), text);
+  EXPECT_EQ(Printed("\"\u00E4\u20AC\U0001F600 in two\nlines\""), "\"\u00E4\u20AC\U0001F600 in two\"U+000A\"lines\"");
   EXPECT_EQ(Printed("{\"" + std::string(32'768, 'x') + "\"}"),
             "!line 1, column 2: expected a text of at most 32767 characters, found 32768");
-  for (const std::string bad : {"", "abc", "1e999", "#FOO", "-", "{", "{}", "{1", "{1,}", "--1", "\"\xFF\"", "TRUE1"})
+  for (const std::string bad :
+       {"", "abc", "1e999", "#FOO", "-", "{", "{}", "{1", "{1,}", "--1", "\"\xFF\"", "TRUE1", "\"\"U+00G0", "\"\"U+0A"})
     EXPECT_EQ(Printed(bad)[0], '!') << bad;
 }
 

@@ -50,7 +50,9 @@ TEST(TypeTexts, WhatExcelTakesAndRefuses) {
 }
 
 TEST(Tables, AreAlignedAndSayWhatStandsInThem) {
-  EXPECT_EQ(ShowTable(*ParseLiteral("{\"name\",\"qty\";\"\u00E4pple\",10.5;empty,\"10.5\";\"\",TRUE;\" b\",#N/A}"), 5),
+  EXPECT_EQ(ShowTable(*ParseLiteral("{\"name\",\"qty\";\"\u00E4pple\",10.5;empty,\"10.5\";\"\",TRUE;\" b\",#N/A;"
+                                    "\"\u6F22e\u0301\"U+001BU+D83D,100000}"),
+                      6),
             "   \u2502 1           2\n"
             "\u2500\u2500\u2500\u253C\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500\u2500"
             "\u2500\u2500\n"
@@ -58,7 +60,8 @@ TEST(Tables, AreAlignedAndSayWhatStandsInThem) {
             " 2 \u2502 \u00E4pple    10.5\n"
             " 3 \u2502        \"10.5\"\n"
             " 4 \u2502 \"\"     TRUE\n"
-            " 5 \u2502 \" b\"   #N/A\n");
+            " 5 \u2502 \" b\"   #N/A\n"
+            " 6 \u2502 \u6F22e\u0301\u241B\uFFFD  100000\n");
   EXPECT_EQ(ShowTable(*ParseLiteral("\"5\""), 5), " \"5\"\n");
   EXPECT_THAT(ShowTable(Value::OfArray(ArrayBuilder(1, 1).Finish()), 5), ::testing::EndsWith(" 1 \u2502\n"));
 }
@@ -68,8 +71,11 @@ TEST(Tables, AreCut) {
   builder.Set(12'344, 0, CellView::Number(7));
   const XString longText(40, 'x');
   builder.Set(0, 0, CellView::Text(longText));
+  const XString wide(40, XTEXT('\u6F22'));
+  builder.Set(1, 0, CellView::Text(wide));
   const std::string table = ShowTable(Value::OfArray(builder.Finish()), 4);
   EXPECT_THAT(table, ::testing::HasSubstr("     1 \u2502 " + std::string(32, 'x') + "\u2026\n"));
+  EXPECT_EQ(std::count(table.begin(), table.end(), '\xA2'), 16) << "characters of two columns each";
   EXPECT_THAT(table, ::testing::HasSubstr("\u22EE \u2502 12,341 rows not shown\n 12345 \u2502 "));
   EXPECT_THAT(table, ::testing::EndsWith(" columns to the right not shown\n 12,345 rows x 40 columns in all\n"));
 }

@@ -1,0 +1,105 @@
+#include "host/text/shown_text.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "host/text/utf8.h"
+
+namespace qcalc {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kPictures = 0x2400;
+constexpr char32_t kPictureOfDelete = 0x2421;
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+// Marks that stand over, under or within the character before them, and what only joins or directs. By blocks.
+constexpr Range kWithoutWidth[] = {
+    {0x300, 0x36F},   {0x483, 0x489},    {0x591, 0x5BD},   {0x5BF, 0x5BF},   {0x5C1, 0x5C2},   {0x5C4, 0x5C5},
+    {0x5C7, 0x5C7},   {0x610, 0x61A},    {0x64B, 0x65F},   {0x670, 0x670},   {0x6D6, 0x6DC},   {0x6DF, 0x6E4},
+    {0x6E7, 0x6E8},   {0x6EA, 0x6ED},    {0x711, 0x711},   {0x730, 0x74A},   {0x7A6, 0x7B0},   {0x7EB, 0x7F3},
+    {0x900, 0x902},   {0x93A, 0x93A},    {0x93C, 0x93C},   {0x941, 0x948},   {0x94D, 0x94D},   {0x951, 0x957},
+    {0xE31, 0xE31},   {0xE34, 0xE3A},    {0xE47, 0xE4E},   {0xEB1, 0xEB1},   {0xEB4, 0xEBC},   {0xEC8, 0xECE},
+    {0x1160, 0x11FF}, {0x1AB0, 0x1AFF},  {0x1DC0, 0x1DFF}, {0x200B, 0x200F}, {0x202A, 0x202E}, {0x2060, 0x2064},
+    {0x2066, 0x206F}, {0x20D0, 0x20F0},  {0x302A, 0x302D}, {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F},
+    {0xFEFF, 0xFEFF}, {0xE0100, 0xE01EF}};
+
+// East Asian wide and full-width characters, and the emoji that terminals draw as wide.
+constexpr Range kWide[] = {
+    {0x1100, 0x115F},   {0x231A, 0x231B},   {0x2329, 0x232A},   {0x23E9, 0x23EC},   {0x23F0, 0x23F0},
+    {0x23F3, 0x23F3},   {0x25FD, 0x25FE},   {0x2614, 0x2615},   {0x2648, 0x2653},   {0x267F, 0x267F},
+    {0x2693, 0x2693},   {0x26A1, 0x26A1},   {0x26AA, 0x26AB},   {0x26BD, 0x26BE},   {0x26C4, 0x26C5},
+    {0x26CE, 0x26CE},   {0x26D4, 0x26D4},   {0x26EA, 0x26EA},   {0x26F2, 0x26F3},   {0x26F5, 0x26F5},
+    {0x26FA, 0x26FA},   {0x26FD, 0x26FD},   {0x2705, 0x2705},   {0x270A, 0x270B},   {0x2728, 0x2728},
+    {0x274C, 0x274C},   {0x274E, 0x274E},   {0x2753, 0x2755},   {0x2757, 0x2757},   {0x2795, 0x2797},
+    {0x27B0, 0x27B0},   {0x27BF, 0x27BF},   {0x2B1B, 0x2B1C},   {0x2B50, 0x2B50},   {0x2B55, 0x2B55},
+    {0x2E80, 0x303E},   {0x3041, 0xA4CF},   {0xA960, 0xA97F},   {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},
+    {0xFE10, 0xFE19},   {0xFE30, 0xFE6F},   {0xFF01, 0xFF60},   {0xFFE0, 0xFFE6},   {0x16FE0, 0x18DFF},
+    {0x1AFF0, 0x1B2FF}, {0x1F004, 0x1F004}, {0x1F0CF, 0x1F0CF}, {0x1F18E, 0x1F18E}, {0x1F191, 0x1F19A},
+    {0x1F200, 0x1F320}, {0x1F32D, 0x1F335}, {0x1F337, 0x1F37C}, {0x1F37E, 0x1F393}, {0x1F3A0, 0x1F3CA},
+    {0x1F3CF, 0x1F3D3}, {0x1F3E0, 0x1F3F0}, {0x1F3F4, 0x1F3F4}, {0x1F3F8, 0x1F43E}, {0x1F440, 0x1F440},
+    {0x1F442, 0x1F4FC}, {0x1F4FF, 0x1F53D}, {0x1F54B, 0x1F54E}, {0x1F550, 0x1F567}, {0x1F57A, 0x1F57A},
+    {0x1F595, 0x1F596}, {0x1F5A4, 0x1F5A4}, {0x1F5FB, 0x1F64F}, {0x1F680, 0x1F6C5}, {0x1F6CC, 0x1F6CC},
+    {0x1F6D0, 0x1F6D2}, {0x1F6D5, 0x1F6DF}, {0x1F6EB, 0x1F6EC}, {0x1F6F4, 0x1F6FC}, {0x1F7E0, 0x1F7F0},
+    {0x1F90C, 0x1F9FF}, {0x1FA70, 0x1FAFF}, {0x20000, 0x3FFFD}};
+
+template <std::size_t count>
+bool IsIn(const Range (&ranges)[count], char32_t character) {
+  const Range* behind = std::upper_bound(std::begin(ranges), std::end(ranges), character,
+                                         [](char32_t wanted, const Range& range) { return wanted < range.first; });
+  return behind != std::begin(ranges) && character <= (behind - 1)->last;
+}
+
+char32_t Shown(char32_t character) {
+  if (character < 0x20) return kPictures + character;
+  if (character == 0x7F) return kPictureOfDelete;
+  return IsUnseen(character) ? kReplacement : character;
+}
+
+// The text with unseen characters shown, all but `kept`.
+XString ShownBut(XStringView text, char32_t kept) {
+  XString shown;
+  XCHAR units[2];
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t character = TakeCharacter(text, at);
+    shown.append(units, WriteCharacter(character == kept ? character : Shown(character), units));
+  }
+  return shown;
+}
+
+}  // namespace
+
+bool IsUnseen(char32_t character) {
+  return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x2028 || character == 0x2029 ||
+         IsHighSurrogate(character) || IsLowSurrogate(character);
+}
+
+std::size_t ColumnsOf(XStringView text) {
+  std::size_t columns = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t character = TakeCharacter(text, at);
+    if (!IsIn(kWithoutWidth, character)) columns += IsIn(kWide, character) ? 2 : 1;
+  }
+  return columns;
+}
+
+XString ShownText(XStringView text) { return ShownBut(text, kReplacement); }
+
+std::string ShownMessage(std::string_view message) {
+  // File names and the like may hold any bytes.
+  XString text;
+  while (!message.empty()) {
+    std::size_t badByte = message.size();
+    FromUtf8(message, &badByte);
+    text += *FromUtf8(message.substr(0, badByte));
+    if (badByte < message.size()) text += static_cast<XCHAR>(kReplacement);
+    message.remove_prefix(std::min(badByte + 1, message.size()));
+  }
+  return ToUtf8(ShownBut(text, '\n'));
+}
+
+}  // namespace qcalc
