@@ -4,6 +4,7 @@
 
 #include "host/calculation/broadcast.h"
 #include "host/calculation/builtins/builtin.h"
+#include "host/calculation/excel_functions.h"
 #include "host/calculation/formula_operators.h"
 #include "host/formulas/formula_node.h"
 #include "host/process/journal.h"
@@ -32,7 +33,8 @@ void CheckCount(const FormulaNode& node, std::size_t least, std::size_t most) {
 // Evaluates nodes in one context; nesting in the formula is the only recursion.
 class Evaluator {
  public:
-  explicit Evaluator(const EvaluationContext& context) : context_(context) {}
+  explicit Evaluator(const EvaluationContext& context, UnknownNames* unknown = nullptr)
+      : context_(context), unknown_(unknown) {}
 
   Value Evaluate(const FormulaNode& node) {
     switch (node.kind) {
@@ -76,13 +78,21 @@ class Evaluator {
     const Sheet* sheet = text.sheet.empty() && text.book.empty()
                              ? context_.sheet
                              : context_.workbooks->FindSheet(text.book, text.sheet, context_.sheet);
-    return sheet ? Value::OfReference({sheet->Id(), {text.area}}) : Value::Error(xlerrRef);
+    if (sheet) return Value::OfReference({sheet->Id(), {text.area}});
+    Note(UnknownNames::Kind::kSheet, text.book.empty() ? text.sheet : FullSheetName(text.book, text.sheet));
+    return Value::Error(xlerrRef);
   }
 
   Value EvaluateName(const FormulaNode& node) const {
-    if (!context_.names) return Value::Error(xlerrName);
-    const auto found = context_.names->find(FoldCase(node.name));
-    return found == context_.names->end() ? Value::Error(xlerrName) : found->second;
+    if (context_.names)
+      if (const auto found = context_.names->find(FoldCase(node.name)); found != context_.names->end())
+        return found->second;
+    Note(UnknownNames::Kind::kName, node.name);
+    return Value::Error(xlerrName);
+  }
+
+  void Note(UnknownNames::Kind kind, XStringView name) const {
+    if (unknown_) unknown_->Note(kind, name);
   }
 
   // What a reference holds, once all of it is calculated.
@@ -128,7 +138,11 @@ class Evaluator {
     if (IsIf(node.name)) return EvaluateIf(node);
     if (const Builtin* builtin = FindBuiltin(node.name)) return CallBuiltinNode(node, *builtin);
     const AddinFunction* function = FindAddinFunction(node);
-    if (!function) return Value::Error(xlerrName);
+    if (!function) {
+      if (FindExcelFunction(node.name)) Refuse(node, "is a function of Excel that this host does not offer");
+      Note(UnknownNames::Kind::kFunction, node.name);
+      return Value::Error(xlerrName);
+    }
     const PreparedCall call = Prepare(node, *function);
     return call.refused ? *call.refused : context_.addin->Call(*function, call.operands, context_);
   }
@@ -165,6 +179,7 @@ class Evaluator {
   }
 
   const EvaluationContext& context_;
+  UnknownNames* unknown_;
 };
 
 }  // namespace
@@ -179,10 +194,10 @@ void AddOperand(PreparedCall& call, Value operand, const EvaluationContext& cont
   call.operands.push_back(std::move(operand));
 }
 
-Value Evaluate(const Formula& formula, const EvaluationContext& context) {
+Value Evaluate(const Formula& formula, const EvaluationContext& context, UnknownNames* unknown) {
   ++ProcessJournal().formulasCalculated;
   try {
-    return Evaluator(context).Evaluate(formula.Root());
+    return Evaluator(context, unknown).Evaluate(formula.Root());
   } catch (const std::length_error& error) {
     throw FormulaError(error.what());
   }

@@ -7,14 +7,17 @@
 
 #include "host/calculation/addin_functions.h"
 #include "host/calculation/evaluation_context.h"
+#include "host/calculation/unknown_names.h"
 #include "host/formulas/formula.h"
 
 namespace qcalc {
 
-/// Evaluates the formula. The result may be a reference (Dereference gives what it holds) or an array; unknown
-/// functions and names give #NAME?. Reads the model only: several threads may evaluate at once while none writes.
-/// Throws FormulaError where the formula is none that the host can evaluate, with the function and the column.
-Value Evaluate(const Formula& formula, const EvaluationContext& context);
+/// Evaluates the formula. The result may be a reference (Dereference gives what it holds) or an array. A function or
+/// name that nobody knows gives #NAME?, a sheet that is not there #REF!; both are noted in `unknown` if given. Reads
+/// the model only: several threads may evaluate at once while none writes. Throws FormulaError where the formula is
+/// none that the host can evaluate, such as one with a function of Excel that the host does not offer, with the
+/// function and the column.
+Value Evaluate(const Formula& formula, const EvaluationContext& context, UnknownNames* unknown = nullptr);
 
 /// The outermost add-in call of a formula, its operands evaluated as Call wants them.
 struct PreparedCall {

@@ -29,8 +29,12 @@ struct Progress {
 // One pass: calculates what is dirty, given what spilled in earlier passes.
 class Pass {
  public:
-  Pass(Workbooks& workbooks, const EvaluationContext& context)
-      : workbooks_(workbooks), context_(context), formulas_(workbooks, context), progress_(formulas_.Size()) {}
+  Pass(Workbooks& workbooks, const EvaluationContext& context, UnknownNames* unknown)
+      : workbooks_(workbooks),
+        context_(context),
+        unknown_(unknown),
+        formulas_(workbooks, context),
+        progress_(formulas_.Size()) {}
 
   // False when nothing was left to do.
   bool Run(bool withVolatile) {
@@ -93,7 +97,7 @@ class Pass {
     context.sheet = place.sheet;
     context.caller = {place.sheet->Id(), {place.OwnCell()}};
     try {
-      Store(number, Dereference(qcalc::Evaluate(place.cell->formula, context), workbooks_));
+      Store(number, Dereference(qcalc::Evaluate(place.cell->formula, context, unknown_), workbooks_));
     } catch (const UncalculatedCell& met) {
       std::optional<std::size_t> first;
       formulas_.VisitFormulasIn({met.sheet, Area::OfCell(met.position.row, met.position.column)}, [&](std::size_t i) {
@@ -155,15 +159,16 @@ class Pass {
 
   Workbooks& workbooks_;
   const EvaluationContext& context_;
+  UnknownNames* unknown_;
   Dependencies formulas_;
   std::vector<Progress> progress_;
 };
 
 }  // namespace
 
-void Recalculate(Workbooks& workbooks, const EvaluationContext& context) {
+void Recalculate(Workbooks& workbooks, const EvaluationContext& context, UnknownNames* unknown) {
   for (int pass = 0; pass < kMostPasses; ++pass)
-    if (!Pass(workbooks, context).Run(pass == 0)) return;
+    if (!Pass(workbooks, context, unknown).Run(pass == 0)) return;
   FailUnsettled();
 }
 

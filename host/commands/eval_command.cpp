@@ -12,6 +12,7 @@ bool PrintResult(Session& session, const Formula& formula) {
   try {
     const Value result = session.Contents(session.Evaluate(formula));
     std::cout << PrintLiteral(result) << std::endl;
+    for (const std::string& hint : session.TakeHints()) std::cerr << formula.Text() << ": " << hint << std::endl;
     return !PrintComplaints(session);
   } catch (const AddinFailure&) {
     throw;

@@ -46,10 +46,12 @@ class ScriptRunner {
   Value Contents() { return session_.Contents(*result_); }
   const std::string& LastFormula() const { return formula_; }
 
-  /// Counts an expectation on the last result, and prints it when it failed. Without a result it has failed.
+  /// Counts an expectation on the last result, and prints it when it failed. Without a result it has failed; but when
+  /// the formula could not be evaluated, which is a failure already, what is expected of it is passed over.
   void Expect(bool isMet, const std::string& expected, const std::string& got);
   /// The same, with what it was about in place of the formula.
   void ExpectAbout(const std::string& subject, bool isMet, const std::string& expected, const std::string& got);
+  /// A failure of a command that needs a result; passed over likewise.
   void Fail(const std::string& sentence);
 
   /// A written reference as cells, its sheet made if need be.
@@ -70,6 +72,7 @@ class ScriptRunner {
   std::string formula_;
   std::optional<Value> result_;
   std::map<std::string, int> told_;  // complaints, and how often each came
+  bool isPassedOver_ = false;
 };
 
 }  // namespace qcalc

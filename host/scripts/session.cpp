@@ -3,11 +3,14 @@
 #include <mutex>
 
 #include "host/addin/evaluation_watch.h"
+#include "host/calculation/builtins/builtin.h"
 #include "host/calculation/evaluator.h"
 #include "host/calculation/recalculation.h"
 #include "host/callbacks/callbacks.h"
 #include "host/library/allocation.h"
 #include "host/library/answers.h"
+#include "host/text/near_names.h"
+#include "host/text/shown_text.h"
 #include "host/text/utf8.h"
 #include "host/values/value_order.h"
 
@@ -69,32 +72,31 @@ void Session::Finish() {
   isOpen_ = false;
 }
 
-EvaluationContext Session::Prepare(const Formula& formula) {
+EvaluationContext Session::Prepare() {
   Open();
   if (caller_.areas.empty()) {
     Sheet& sheet = host_.workbooks.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Calc"));
     caller_ = {sheet.Id(), {Area{}}};
   }
-  MakeMentionedSheets(formula, host_.workbooks, *sheet_);
   const EvaluationContext context = Context();
-  qcalc::Recalculate(host_.workbooks, context);
+  qcalc::Recalculate(host_.workbooks, context, &unknown_);
   return context;
 }
 
 Value Session::Evaluate(const Formula& formula) {
-  const EvaluationContext context = Prepare(formula);
+  const EvaluationContext context = Prepare();
   const EvaluationWatch watch(host_);
-  return qcalc::Evaluate(formula, context);
+  return qcalc::Evaluate(formula, context, &unknown_);
 }
 
-Value Session::EvaluateQuietly(const Formula& formula) { return qcalc::Evaluate(formula, Prepare(formula)); }
+Value Session::EvaluateQuietly(const Formula& formula) { return qcalc::Evaluate(formula, Prepare(), &unknown_); }
 
 Value Session::Recalculate(int count, const Formula& formula) {
   Value result;
   for (int i = 0; i < count; ++i) {
-    const EvaluationContext context = Prepare(formula);
+    const EvaluationContext context = Prepare();
     const EvaluationWatch watch(host_);
-    result = qcalc::Evaluate(formula, context);
+    result = qcalc::Evaluate(formula, context, &unknown_);
     if (Sheet* sheet = host_.workbooks.FindSheet(caller_.sheet))
       sheet->WriteResult(caller_.areas[0], Dereference(result, host_.workbooks));
   }
@@ -102,13 +104,13 @@ Value Session::Recalculate(int count, const Formula& formula) {
 }
 
 std::vector<Value> Session::EvaluateInParallel(int threads, int count, const Formula& formula) {
-  const EvaluationContext context = Prepare(formula);
+  const EvaluationContext context = Prepare();
   const EvaluationWatch watch(host_);
   std::mutex mutex;
   std::vector<Value> results;
   host_.mainThread.RunOnThreads(threads, [&](int) {
     for (int i = 0; i < count; ++i) {
-      Value result = qcalc::Evaluate(formula, context);
+      Value result = qcalc::Evaluate(formula, context, &unknown_);
       const Value contents = Dereference(result, host_.workbooks);
       const std::lock_guard lock(mutex);
       if (results.empty() || !SameValue(Dereference(results[0], host_.workbooks), contents))
@@ -118,13 +120,43 @@ std::vector<Value> Session::EvaluateInParallel(int threads, int count, const For
   return results;
 }
 
+std::vector<std::string> Session::KnownNames(UnknownNames::Kind kind) const {
+  std::vector<std::string> known;
+  if (kind == UnknownNames::Kind::kSheet) {
+    for (const auto& book : host_.workbooks.Books())
+      for (const auto& sheet : book->Sheets()) {
+        known.push_back(ToUtf8(sheet->Name()));
+        known.push_back(ToUtf8(sheet->FullName()));
+      }
+    return known;
+  }
+  if (kind == UnknownNames::Kind::kName)
+    for (const auto& [name, value] : names_) known.push_back(ToUtf8(name));
+  for (const XStringView name : BuiltinNames()) known.push_back(ToUtf8(name));
+  for (const RegisteredFunction* function : host_.registry.All())
+    if (!function->IsCommand()) known.push_back(ToUtf8(function->name));
+  return known;
+}
+
+std::vector<std::string> Session::TakeHints() {
+  std::vector<std::string> hints;
+  for (const auto& [kind, name] : unknown_.Take()) {
+    const std::string written = ToUtf8(name);
+    const char* what = kind == UnknownNames::Kind::kFunction ? "no function is named "
+                       : kind == UnknownNames::Kind::kSheet  ? "no sheet is named "
+                                                             : "no value, and no cell, is named ";
+    hints.push_back(ShownMessage(what + written + NearNamesHint(written, KnownNames(kind))));
+  }
+  return hints;
+}
+
 std::string Session::Describe(const UncalculatedCell& cell) const {
   const Area area = Area::OfCell(cell.position.row, cell.position.column);
   return "it reads " + ReferenceToText({cell.sheet, {area}}, host_.workbooks) + ", which could not be calculated";
 }
 
 Timing Session::Time(int count, const Formula& formula, std::string& functionName) {
-  const EvaluationContext context = Prepare(formula);
+  const EvaluationContext context = Prepare();
   const EvaluationWatch watch(host_, false);
   const std::optional<PreparedCall> call = PrepareOutermostCall(formula, context);
   if (!call) throw FormulaError("the formula calls no function of the add-in");

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/addin/addin.h"
+#include "host/calculation/unknown_names.h"
 
 namespace qcalc {
 
@@ -40,9 +41,9 @@ class Session {
   /// Calculates what is due, then evaluates on the main thread with callbacks counted and failing as told. The result
   /// may be a reference. Throws FormulaError and AddinFailure.
   Value Evaluate(const Formula& formula);
-  /// Makes everything ready for evaluations of that formula, on several threads at once too: the add-in, the sheets it
-  /// names, the cells it may read.
-  EvaluationContext Prepare(const Formula& formula);
+  /// Makes everything ready for evaluations, on several threads at once too: the add-in, the cells that are due, the
+  /// caller's sheet.
+  EvaluationContext Prepare();
   /// The same, beside the counts and failures of callbacks.
   Value EvaluateQuietly(const Formula& formula);
   /// Evaluates `count` times in a row and writes each result into the calling cells before the next.
@@ -52,6 +53,9 @@ class Session {
   std::vector<Value> EvaluateInParallel(int threads, int count, const Formula& formula);
   /// Makes the formula's outermost add-in call `count` times. Throws FormulaError when it makes none.
   Timing Time(int count, const Formula& formula, std::string& functionName);
+
+  /// Sentences about names in the formulas evaluated so far that nobody knows, with near ones. Each name once.
+  std::vector<std::string> TakeHints();
 
   /// Why a formula that met such a cell has no value.
   std::string Describe(const UncalculatedCell& cell) const;
@@ -73,11 +77,13 @@ class Session {
  private:
   EvaluationContext Context();
   int LoadAndOpen();
+  std::vector<std::string> KnownNames(UnknownNames::Kind kind) const;
 
   std::filesystem::path addinPath_;
   HostState host_;
   Addin addin_;
   NamedValues names_;
+  UnknownNames unknown_;
   Sheet* sheet_;
   Reference caller_;
   bool isOpen_ = false;

@@ -56,10 +56,7 @@ ScriptAction ParseSet(ScriptLine& line) {
   };
   if (line.StartsFormula()) {
     return [write, formula = line.FormulaText()](ScriptRunner& runner) {
-      write(runner, [&](Sheet& sheet, const Area& area) {
-        MakeMentionedSheets(formula, runner.ItsSession().ItsWorkbooks(), sheet);
-        sheet.SetFormula(area, formula);
-      });
+      write(runner, [&](Sheet& sheet, const Area& area) { sheet.SetFormula(area, formula); });
     };
   }
   return [write, value = line.Literal()](ScriptRunner& runner) {

@@ -14,6 +14,8 @@ namespace {
 constexpr IDSHEET kFirstSheetId = 0x51C0'0010;
 constexpr IDSHEET kSheetIdStep = 0x10;
 
+constexpr Area kWholeSheet{0, kXlMaxRows - 1, 0, kXlMaxColumns - 1};
+
 }  // namespace
 
 Sheet* Book::FindSheet(XStringView name) const {
@@ -27,6 +29,8 @@ Sheet& Book::SheetNamed(XStringView name) {
   const IDSHEET id = workbooks_.NextSheetId();
   sheets_.push_back(std::make_unique<Sheet>(*this, id, XString(name)));
   workbooks_.sheetsById_.emplace(id, sheets_.back().get());
+  // Formulas that name it were #REF! so far.
+  sheets_.back()->NoteChange(kWholeSheet);
   return *sheets_.back();
 }
 
@@ -63,11 +67,6 @@ Sheet& Workbooks::SheetNamed(XStringView book, XStringView sheet, Sheet& current
 
 Reference ResolveReference(const ReferenceText& text, Workbooks& workbooks, Sheet& current) {
   return {workbooks.SheetNamed(text.book, text.sheet, current).Id(), {text.area}};
-}
-
-void MakeMentionedSheets(const Formula& formula, Workbooks& workbooks, Sheet& current) {
-  for (const ReferenceText& reference : ReferencesIn(formula))
-    workbooks.SheetNamed(reference.book, reference.sheet, current);
 }
 
 Value Dereference(const Value& value, const Workbooks& workbooks) {

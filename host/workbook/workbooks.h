@@ -21,7 +21,7 @@ class Book {
   /// In the order they were made.
   const std::vector<std::unique_ptr<Sheet>>& Sheets() const { return sheets_; }
   Sheet* FindSheet(XStringView name) const;
-  /// The sheet of that name, made if need be.
+  /// The sheet of that name, made if need be; formulas that name it are then calculated anew.
   Sheet& SheetNamed(XStringView name);
 
  private:
@@ -52,12 +52,8 @@ class Workbooks {
   std::map<IDSHEET, Sheet*> sheetsById_;
 };
 
-/// Finds the sheet of a written reference, made if need be, so that commands may name new sheets.
+/// Finds the sheet of a written reference, made if need be, so that commands may name new sheets. Formulas make none.
 Reference ResolveReference(const ReferenceText& text, Workbooks& workbooks, Sheet& current);
-
-/// Makes every sheet that the formula names and that is not there yet. To be called once before a formula of a script
-/// is evaluated, on the main thread: evaluation itself makes nothing and gives #REF! for an unknown sheet.
-void MakeMentionedSheets(const Formula& formula, Workbooks& workbooks, Sheet& current);
 
 /// What a value stands for where no reference is wanted: one cell gives its value (empty stays empty), several an
 /// array, a union or an unknown sheet #VALUE! or #REF!. Anything but a reference is returned as it is.

@@ -93,7 +93,7 @@ TEST_F(EntryPoints, OpensAnewOnceItWasClosedOrRemoved) {
     for (const std::string& step : steps) EXPECT_EQ(Call(step.c_str()), 1);
     const bool isRemoved = std::ranges::count(steps, "xlAutoRemove") != 0;
     EXPECT_EQ(registered(), isRemoved ? 0 : all) << "each as often as it was registered";
-    EXPECT_EQ(Evaluate("=VSTACK(0,{1,2},3)"), isRemoved ? "#NAME?" : "{1,2;3,3}");
+    EXPECT_EQ(Evaluate("=VSTACKF(0,{1,2},3)"), isRemoved ? "#NAME?" : "{1,2;3,3}");
     EXPECT_EQ(Call("xlAutoOpen"), steps.empty() ? 0 : 1);
     EXPECT_EQ(registered(), all);
     EXPECT_EQ(Evaluate("=VSTACK(0,{1,2},3)"), "{1,2;3,3}");

@@ -96,7 +96,6 @@ void CallValues::ReadExamples(const std::string& path) {
     if (!line.starts_with(kCommand)) continue;
     const Parsed<Formula> formula = ParseFormula(line.substr(kCommand.size()));
     if (!formula) throw std::runtime_error(path + ": " + line + ": " + formula.Error().ToString());
-    MakeMentionedSheets(*formula, session_.ItsWorkbooks(), session_.CurrentSheet());
     const std::optional<PreparedCall> call = PrepareOutermostCall(*formula, context_);
     if (!call || call->refused) continue;
     std::vector<NamedValue> asWritten, inCells;

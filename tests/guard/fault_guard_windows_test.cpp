@@ -91,7 +91,7 @@ std::size_t CommittedBytes() {
 int CallOnEightThreads(Session& session, const std::vector<const Kind*>& kinds, int count) {
   std::vector<std::shared_ptr<const Formula>> formulas;
   for (const Kind* kind : kinds) formulas.push_back(std::make_shared<const Formula>(*ParseFormula(Call(kind->name))));
-  const EvaluationContext context = session.Prepare(*formulas[0]);
+  const EvaluationContext context = session.Prepare();
   std::atomic<int> wrong{0};
   session.Host().mainThread.RunOnThreads(8, [&](int thread) {
     for (int i = 0; i < count; ++i) {

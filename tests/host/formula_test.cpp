@@ -47,9 +47,6 @@ TEST_F(FormulaTest, ReadsReferences) {
       =(A1:A3,C1:C3) -> @([Book1]Sheet1!A1:A3,[Book1]Sheet1!C1:C3) | =(A1,'My sheet'!A1) -> #VALUE!
       =(A1) -> @[Book1]Sheet1!A1 | =INDEX(A1:A9,2):C4 -> @[Book1]Sheet1!A2:C4 | =Nowhere!A1 -> #REF!
       =XFE1 -> #NAME? | =A1048577 -> #NAME? | =A0 -> #NAME? | =unknown -> #NAME? | =NO.SUCH.FUNCTION(1) -> #NAME?)");
-  const Formula formula = *ParseFormula("=Fresh!A1+[New]Sheet!B2");
-  MakeMentionedSheets(formula, workbooks, sheet);
-  EXPECT_EQ(PrintLiteral(Evaluate(formula, context)), "0");
 }
 
 TEST_F(FormulaTest, HandsOperandsOverAsRegistered) {

@@ -20,6 +20,7 @@ class Misbehaving : public SessionTest {};
 // DESCRIBE tells the type first: SRef, Ref.
 TEST_F(Misbehaving, ValuesSurviveTheWayInBothWidthsAsFarAsTheyFit) {
   session.CurrentSheet().Set({0, 1, 0, 1}, *ParseLiteral("{1,2;3,4}"));
+  session.CurrentSheet().ItsBook().SheetNamed(XTEXT("Other"));
   for (const bool isShort : {true, false}) {
     session.Host().settings.shortReferences = isShort;
     EXPECT_EQ(Evaluate("=DESCRIBE(A1:B2)"), isShort ? "{1024,0,0,0}" : "{8,0,0,0}");

@@ -23,7 +23,7 @@ namespace {
   session.CurrentSheet().WriteResult(column, session.Names()[XTEXT("rows")]);
   session.SetCaller({session.CurrentSheet().Id(), {column}});  // each row has a memory of its own
   const Formula formula = *ParseFormula("=SUM(AMATCH2(rows,A1:A2000))");
-  const EvaluationContext context = session.Prepare(formula);
+  const EvaluationContext context = session.Prepare();
   std::atomic<int> calls{0};
   std::thread([&] {
     for (;; ++calls) qcalc::Evaluate(formula, context);

@@ -72,6 +72,14 @@ TEST_F(RecalculationTest, SpillsAndTakesBack) {
   Follow("XFD1 -> ={1,2}", "XFD1 -> #SPILL!");
 }
 
+TEST_F(RecalculationTest, ASheetMadeLaterIsFound) {
+  Follow("A1 -> =SUM(Later!A1:A2) | B1 -> =A1+1 | C1 -> =[Other]Data!A1", "A1 -> #REF! | B1 -> #REF! | C1 -> #REF!");
+  sheet.ItsBook().SheetNamed(XTEXT("later"));
+  Follow("", "A1 -> 0 | B1 -> 1 | C1 -> #REF!");
+  workbooks.BookNamed(XTEXT("other")).SheetNamed(XTEXT("Data"));
+  Follow("Later!A2 -> 3", "A1 -> 3 | B1 -> 4 | C1 -> 0");
+}
+
 // Random values and formulas in 25 cells: after every recalculation that finds no circle, each formula's cells hold
 // what the formula gives when it is evaluated afresh.
 TEST_F(RecalculationTest, CellsHoldWhatTheirFormulasGive) {

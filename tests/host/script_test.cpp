@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "host/scripts/runner.h"
+#include "host/text/near_names.h"
 #include "tests/host/case_table.h"
 
 namespace qcalc {
@@ -53,6 +54,17 @@ TEST(ScriptReading, MistakesAreToldWithTheirPlace) {
   EXPECT_THAT(mistake("at\n"), HasSubstr("the form is: at REF"));
 }
 
+TEST(NearNames, AreFewMistakesAway) {
+  const std::vector<std::string> known = {"VSTACK", "HSTACK", "AVLOOKUP2", "AVLOOKUPS2", "IF", "SUM"};
+  for (const auto& [written, near] : CasesOf(R"(
+      vstak -> VSTACK | VSATCK -> VSTACK HSTACK | stack -> HSTACK VSTACK | avlookup -> AVLOOKUP2 AVLOOKUPS2 | fi -> IF | SUMME -> none
+      XY -> none)")) {
+    std::string found;
+    for (const std::string& name : NearNames(written, known)) found += (found.empty() ? "" : " ") + name;
+    EXPECT_EQ(found.empty() ? "none" : found, near) << written;
+  }
+}
+
 TEST(ScriptRunning, MarksLineEndsAndContinuations) {
   const Outcome outcome = RunText(
       "\xEF\xBB\xBF"
@@ -73,6 +85,16 @@ TEST(ScriptRunning, EveryExpectationCanFail) {
       "eval =1+\"x\"\nexpect 1\n");
   EXPECT_EQ(outcome.failed, 18) << outcome.printed;
   EXPECT_EQ(outcome.passed, 0);
+}
+
+TEST(ScriptRunning, WhatCannotBeEvaluatedIsOneFailure) {
+  const Outcome outcome = RunText(
+      "eval =AVERAGE(1)\nexpect 1\nexpect-shape 1x1\nexpect-calls xlCoerce 1\nprint\n"
+      "eval =PLUS.UNO(1)\nexpect #NAME?\n"
+      "eval =Later!A1\nexpect #REF!\nset Later!A1 = 5\neval =Later!A1\nexpect 5\neval =Other!A1\nexpect #REF!\n"
+      "hide Other!3:5\neval =Other!A1\nexpect empty\neval =Calc!A1\nexpect empty\n");
+  EXPECT_EQ(outcome.passed, 6) << outcome.printed;
+  EXPECT_EQ(outcome.failed, 1);
 }
 
 TEST(ScriptRunning, WhatTheBooksSayIsAFailureToo) {

@@ -1,5 +1,6 @@
 #include "host/calculation/builtins/builtin.h"
 
+#include <array>
 #include <cmath>
 
 #include "host/text/letter_case.h"
@@ -7,11 +8,27 @@
 
 namespace qcalc {
 
+namespace {
+
+std::span<const std::span<const Builtin>> Families() {
+  static const std::array families = {ReferenceBuiltins(), NumberBuiltins(), TextBuiltins(), LookupBuiltins()};
+  return families;
+}
+
+}  // namespace
+
 const Builtin* FindBuiltin(XStringView name) {
-  for (const auto family : {ReferenceBuiltins(), NumberBuiltins(), TextBuiltins(), LookupBuiltins()})
+  for (const auto family : Families())
     for (const Builtin& builtin : family)
       if (EqualsIgnoringCase(name, builtin.name)) return &builtin;
   return nullptr;
+}
+
+std::vector<XStringView> BuiltinNames() {
+  std::vector<XStringView> names{XTEXT("IF")};
+  for (const auto family : Families())
+    for (const Builtin& builtin : family) names.push_back(builtin.name);
+  return names;
 }
 
 Value ScalarOperand(const BuiltinCall& call, std::size_t index) {

@@ -25,6 +25,8 @@ struct Builtin {
 /// The entry of that name, in any case; null when there is none. IF is not among them: the evaluator calculates but the
 /// branch that is taken.
 const Builtin* FindBuiltin(XStringView name);
+/// The names of all that formulas may call, IF too.
+std::vector<XStringView> BuiltinNames();
 
 /// The entries by family.
 std::span<const Builtin> LookupBuiltins();
