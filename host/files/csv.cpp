@@ -7,6 +7,7 @@
 #include "host/process/journal.h"
 #include "host/text/digits.h"
 #include "host/text/letter_case.h"
+#include "host/text/near_names.h"
 #include "host/text/utf8.h"
 #include "host/values/decimal_number.h"
 
@@ -27,7 +28,7 @@ bool ReadPlainNumber(std::string_view field, double& number) {
 // Reads records and hands their fields on: field(record, index, text), then endOfRecord(record, fields).
 class CsvReader {
  public:
-  explicit CsvReader(std::string_view text) : text_(text) {
+  CsvReader(std::string_view text, std::string_view separator) : text_(text), separator_(separator) {
     if (text_.starts_with(kByteOrderMark)) lineStart_ = at_ = kByteOrderMark.size();
   }
 
@@ -41,7 +42,7 @@ class CsvReader {
         fieldLine_ = line_;
         fieldLineStart_ = lineStart_;
         field(record, index++, TakeField());
-      } while (AcceptComma());
+      } while (AcceptSeparator());
       endOfRecord(record, index);
       SkipLineEnd();
     }
@@ -56,7 +57,7 @@ class CsvReader {
   std::string_view TakeField() {
     if (at_ < text_.size() && text_[at_] == '"') return TakeQuotedField();
     const std::size_t start = at_;
-    while (at_ < text_.size() && text_[at_] != ',' && text_[at_] != '\n' && text_[at_] != '\r') ++at_;
+    while (!IsEndOfField()) ++at_;
     return text_.substr(start, at_ - start);
   }
 
@@ -73,10 +74,10 @@ class CsvReader {
       buffer_.append(text_.substr(start, at_ - start));
       start = ++at_;
     }
-    if (at_ < text_.size() && text_[at_] != ',' && text_[at_] != '\n' && text_[at_] != '\r')
-      throw CsvError{
-          line_, static_cast<std::int64_t>(at_ - lineStart_) + 1,
-          "expected ',' or the end of the record after the closing quote, found '" + std::string(1, text_[at_]) + "'"};
+    if (!IsEndOfField())
+      throw CsvError{line_, static_cast<std::int64_t>(at_ - lineStart_) + 1,
+                     "expected '" + separator_ + "' or the end of the record after the closing quote, found '" +
+                         std::string(1, text_[at_]) + "'"};
     const std::string_view last = text_.substr(start, at_ - 1 - start);
     if (buffer_.empty()) return last;
     buffer_.append(last);
@@ -92,9 +93,17 @@ class CsvReader {
     }
   }
 
-  bool AcceptComma() {
-    if (at_ >= text_.size() || text_[at_] != ',') return false;
-    ++at_;
+  bool IsAtSeparator() const {
+    return text_[at_] == separator_[0] && text_.compare(at_, separator_.size(), separator_) == 0;
+  }
+
+  bool IsEndOfField() const {
+    return at_ >= text_.size() || text_[at_] == '\n' || text_[at_] == '\r' || IsAtSeparator();
+  }
+
+  bool AcceptSeparator() {
+    if (at_ >= text_.size() || !IsAtSeparator()) return false;
+    at_ += separator_.size();
     return true;
   }
 
@@ -106,6 +115,7 @@ class CsvReader {
   }
 
   std::string_view text_;
+  std::string separator_;
   std::string buffer_;
   std::size_t at_ = 0;
   std::size_t lineStart_ = 0;
@@ -115,11 +125,7 @@ class CsvReader {
   std::int64_t fieldLine_ = 1;
 };
 
-CellView CellOf(std::string_view field, CellStore& cells, const CsvReader& reader) {
-  if (field.empty()) return {};
-  if (double number = 0; ReadPlainNumber(field, number)) return CellView::Number(number);
-  if (EqualsIgnoringCase(field, "true")) return CellView::Boolean(true);
-  if (EqualsIgnoringCase(field, "false")) return CellView::Boolean(false);
+CellView TextCell(std::string_view field, CellStore& cells, const CsvReader& reader) {
   XCHAR* start = cells.Pool().Reserve(field.size());
   const XCHAR* end = FromUtf8(field, start);
   if (!end) throw reader.FaultAtField("expected UTF-8 in this field");
@@ -130,13 +136,58 @@ CellView CellOf(std::string_view field, CellStore& cells, const CsvReader& reade
   return CellView::Text(cells.Pool().Keep(start, units));
 }
 
+CellView CellOf(std::string_view field, CellStore& cells, const CsvReader& reader) {
+  if (double number = 0; ReadPlainNumber(field, number)) return CellView::Number(number);
+  if (EqualsIgnoringCase(field, "true")) return CellView::Boolean(true);
+  if (EqualsIgnoringCase(field, "false")) return CellView::Boolean(false);
+  return TextCell(field, cells, reader);
+}
+
+// Whether a text in UTF-8 is that label.
+bool IsLabel(std::string_view field, const std::string& label) {
+  const auto left = FromUtf8(field), right = FromUtf8(label);
+  return left && right && EqualsIgnoringCase(*left, *right);
+}
+
+// The columns whose fields stay texts, by number from 0. Throws CsvError for a label that the first record has not.
+std::vector<bool> TextColumnsOf(std::string_view text, const CsvOptions& options) {
+  std::vector<bool> isText;
+  const auto mark = [&isText](std::size_t column) {
+    if (isText.size() <= column) isText.resize(column + 1);
+    isText[column] = true;
+  };
+  for (const auto& [first, last] : options.textColumns.ranges)
+    for (std::int32_t column = first; column <= last; ++column) mark(static_cast<std::size_t>(column));
+  if (options.textColumns.labels.empty()) return isText;
+  std::vector<std::string> labels;
+  struct FirstRecordRead {};
+  try {
+    CsvReader(text, options.separator)
+        .Read([&](std::int64_t, std::int64_t, std::string_view field) { labels.emplace_back(field); },
+              [](std::int64_t, std::int64_t) { throw FirstRecordRead(); });
+  } catch (const FirstRecordRead&) {
+  }
+  for (const std::string& wanted : options.textColumns.labels) {
+    bool isFound = false;
+    for (std::size_t column = 0; column < labels.size(); ++column)
+      if (IsLabel(labels[column], wanted)) {
+        mark(column);
+        isFound = true;
+      }
+    if (!isFound)
+      throw CsvError{1, 1, "expected a column labelled \"" + wanted + "\", found none" + NearNamesHint(wanted, labels)};
+  }
+  return isText;
+}
+
 // Writes the fields of a file from one cell on.
 class CsvLoader {
  public:
   CsvLoader(Sheet& sheet, std::int32_t row, std::int32_t column) : sheet_(sheet), row_(row), column_(column) {}
 
-  void Load(std::string_view text) {
-    CsvReader reader(text);
+  void Load(std::string_view text, const CsvOptions& options) {
+    const std::vector<bool> isText = TextColumnsOf(text, options);
+    CsvReader reader(text, options.separator);
     reader.Read(
         [&](std::int64_t record, std::int64_t index, std::string_view field) {
           if (record + row_ >= kXlMaxRows)
@@ -144,8 +195,13 @@ class CsvLoader {
           if (index + column_ >= kXlMaxColumns)
             throw reader.FaultAtField("expected at most " + std::to_string(kXlMaxColumns - column_) +
                                       " fields in a record, found more");
+          const auto number = static_cast<std::size_t>(index);
+          CellView cell;
+          if (!field.empty())
+            cell = number < isText.size() && isText[number] ? TextCell(field, sheet_.Cells(), reader)
+                                                            : CellOf(field, sheet_.Cells(), reader);
           sheet_.Cells().SetPooled(row_ + static_cast<std::int32_t>(record), column_ + static_cast<std::int32_t>(index),
-                                   CellOf(field, sheet_.Cells(), reader));
+                                   cell);
         },
         [&](std::int64_t record, std::int64_t fields) {
           EndRecord(row_ + static_cast<std::int32_t>(record), static_cast<std::int32_t>(fields));
@@ -173,16 +229,16 @@ class CsvLoader {
 };
 
 // The size of what would be loaded, as far as it can be read.
-CsvExtent Measure(std::string_view text, std::int32_t row, std::int32_t column) {
+CsvExtent Measure(std::string_view text, std::string_view separator, std::int32_t row, std::int32_t column) {
   CsvExtent extent;
   try {
-    CsvReader(text).Read(
-        [](std::int64_t, std::int64_t, std::string_view) {},
-        [&](std::int64_t record, std::int64_t fields) {
-          extent.rows = static_cast<std::int32_t>(std::min<std::int64_t>(record + 1, kXlMaxRows - row));
-          extent.columns =
-              static_cast<std::int32_t>(std::clamp<std::int64_t>(fields, extent.columns, kXlMaxColumns - column));
-        });
+    CsvReader(text, separator)
+        .Read([](std::int64_t, std::int64_t, std::string_view) {},
+              [&](std::int64_t record, std::int64_t fields) {
+                extent.rows = static_cast<std::int32_t>(std::min<std::int64_t>(record + 1, kXlMaxRows - row));
+                extent.columns =
+                    static_cast<std::int32_t>(std::clamp<std::int64_t>(fields, extent.columns, kXlMaxColumns - column));
+              });
   } catch (const CsvError&) {
     // Loading comes to the same place and reports it.
   }
@@ -197,15 +253,16 @@ std::string CsvError::ToString(std::string_view file) const {
   return text + ": " + message;
 }
 
-std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, std::int32_t row, std::int32_t column) {
+std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, std::int32_t row, std::int32_t column,
+                                          const CsvOptions& options) {
   // Formulas and their spilled results must be gone before values take their place.
   if (!sheet.Formulas().empty())
-    if (const CsvExtent extent = Measure(text, row, column); extent.rows > 0)
+    if (const CsvExtent extent = Measure(text, options.separator, row, column); extent.rows > 0)
       sheet.Clear(Area::OfSize(row, column, extent.rows, extent.columns));
   CsvLoader loader(sheet, row, column);
   std::optional<CsvError> error;
   try {
-    loader.Load(text);
+    loader.Load(text, options);
   } catch (CsvError& fault) {
     error = std::move(fault);
   }
@@ -216,10 +273,10 @@ std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, s
 }
 
 std::variant<CsvExtent, CsvError> LoadCsvFile(const std::filesystem::path& path, Sheet& sheet, std::int32_t row,
-                                              std::int32_t column) {
+                                              std::int32_t column, const CsvOptions& options) {
   const auto read = ReadFile(path);
   if (const auto* failure = std::get_if<FileFailure>(&read)) return CsvError{0, 0, failure->reason};
-  return LoadCsv(std::get<std::string>(read), sheet, row, column);
+  return LoadCsv(std::get<std::string>(read), sheet, row, column, options);
 }
 
 }  // namespace qcalc

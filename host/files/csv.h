@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
+#include <vector>
 
 #include "host/workbook/sheet.h"
 
@@ -25,15 +27,27 @@ struct CsvError {
   std::string ToString(std::string_view file) const;
 };
 
-/// Fills cells from (row, column) on with the records in `text`: fields in quotes may hold commas, doubled quotes and
-/// line breaks; records end in CR LF, LF or CR; a UTF-8 byte-order mark is passed over. A field that is a plain number
-/// as a whole becomes a number (always with a point; digits beyond the 15th count as zeros), TRUE or FALSE in any case
-/// a boolean, an empty one an empty cell; quotes make no difference to that, as in Excel. Cells there, their formulas
-/// too, are replaced within the extent. On an error the rows before it are loaded.
-std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, std::int32_t row, std::int32_t column);
+/// Columns of a file: by their numbers, from 0, and by their labels in its first record, in any case.
+struct CsvColumns {
+  std::vector<std::pair<std::int32_t, std::int32_t>> ranges;  ///< first and last
+  std::vector<std::string> labels;
+};
+
+struct CsvOptions {
+  std::string separator = ",";  ///< one character, no quote and no line end, UTF-8
+  CsvColumns textColumns;       ///< their fields stay texts, the label too
+};
+
+/// Fills cells from (row, column) on with the records in `text`: fields in quotes may hold the separator, doubled
+/// quotes and line breaks; records end in CR LF, LF or CR; a UTF-8 byte-order mark is passed over. A field that is a
+/// plain number as a whole becomes a number (always with a point; digits beyond the 15th count as zeros), TRUE or FALSE
+/// in any case a boolean, an empty one an empty cell; quotes make no difference to that, as in Excel. Cells there,
+/// their formulas too, are replaced within the extent. On an error the rows before it are loaded.
+std::variant<CsvExtent, CsvError> LoadCsv(std::string_view text, Sheet& sheet, std::int32_t row, std::int32_t column,
+                                          const CsvOptions& options = {});
 
 /// The same from a file.
 std::variant<CsvExtent, CsvError> LoadCsvFile(const std::filesystem::path& path, Sheet& sheet, std::int32_t row,
-                                              std::int32_t column);
+                                              std::int32_t column, const CsvOptions& options = {});
 
 }  // namespace qcalc

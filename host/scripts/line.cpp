@@ -116,6 +116,13 @@ std::vector<ReferenceText> ScriptLine::References() {
   return *references;
 }
 
+CsvRequest ScriptLine::File() {
+  const std::string_view part = Rest("a file's path");
+  const Parsed<CsvRequest> request = ParseCsvRequest(part);
+  if (!request) FailFrom(part, request.Error());
+  return *request;
+}
+
 ReferenceText ScriptLine::ReferenceIn(std::string_view part) const {
   const Parsed<ReferenceText> reference = ParseReference(part);
   if (!reference) FailFrom(part, reference.Error());

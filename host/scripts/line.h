@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/files/csv_request.h"
 #include "host/formulas/formula.h"
 #include "host/formulas/reference_text.h"
 #include "host/text/syntax_error.h"
@@ -55,6 +56,7 @@ class ScriptLine {
   Value Literal();
   Formula FormulaText();
   std::vector<ReferenceText> References();
+  CsvRequest File();
 
   /// Reads a part of the line that a function above has given, as one reference.
   ReferenceText ReferenceIn(std::string_view part) const;

@@ -1,7 +1,6 @@
 // Script commands that set up the workbook, the host and what it answers.
 
 #include "host/calculation/dependencies.h"
-#include "host/files/csv.h"
 #include "host/library/answers.h"
 #include "host/scripts/runner.h"
 #include "host/text/digits.h"
@@ -66,11 +65,11 @@ ScriptAction ParseSet(ScriptLine& line) {
 
 ScriptAction ParseLoad(ScriptLine& line) {
   const ReferenceText target = line.ReferenceIn(line.Word("a reference"));
-  return [target, file = std::string(line.Rest("a file's path"))](ScriptRunner& runner) {
+  return [target, request = line.File()](ScriptRunner& runner) {
     const Reference cells = runner.Resolve(target);
-    const auto loaded = LoadCsvFile(runner.Folder() / PathOf(file), SheetOf(runner, cells), cells.areas[0].firstRow,
-                                    cells.areas[0].firstColumn);
-    if (const auto* error = std::get_if<CsvError>(&loaded)) throw ScriptError(error->ToString(file));
+    const auto loaded = LoadCsvFile(runner.Folder() / PathOf(request.path), SheetOf(runner, cells),
+                                    cells.areas[0].firstRow, cells.areas[0].firstColumn, request.options);
+    if (const auto* error = std::get_if<CsvError>(&loaded)) throw ScriptError(error->ToString(request.path));
   };
 }
 
@@ -157,7 +156,7 @@ constexpr ScriptCommandForm kCommands[] = {
     {"book", "book NAME", ParseBook},
     {"sheet", "sheet NAME", ParseSheet},
     {"set", "set REF = LITERAL or set REF = =FORMULA", ParseSet},
-    {"load", "load REF FILE", ParseLoad},
+    {"load", "load REF FILE [separator C] [text COLUMNS]", ParseLoad},
     {"hide", "hide ROWS, as in hide 3:5", ParseHide},
     {"unhide", "unhide ROWS, as in unhide 3:5", ParseUnhide},
     {"at", "at REF", ParseAt},

@@ -1,12 +1,11 @@
 // CSV into cells.
-#include "host/files/csv.h"
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <string>
 
+#include "host/files/csv_request.h"
 #include "host/text/path_text.h"
 #include "tests/host/model_fixture.h"
 
@@ -16,9 +15,9 @@ namespace {
 class CsvTest : public ModelTest {
  protected:
   /// What the sheet holds after loading at A1, or the error.
-  std::string Loaded(std::string_view text) {
+  std::string Loaded(std::string_view text, const std::string& options = "") {
     sheet.Clear({0, kXlMaxRows - 1, 0, kXlMaxColumns - 1});
-    const auto result = LoadCsv(text, sheet, 0, 0);
+    const auto result = LoadCsv(text, sheet, 0, 0, ParseCsvRequest("f.csv " + options)->options);
     if (const auto* error = std::get_if<CsvError>(&result)) return error->ToString("f.csv");
     const auto& extent = std::get<CsvExtent>(result);
     return extent.rows == 0 ? "nothing" : PrintLiteral(sheet.Read({0, extent.rows - 1, 0, extent.columns - 1}));
@@ -60,6 +59,27 @@ TEST_F(CsvTest, SaysWhereAFaultIs) {
   EXPECT_EQ(std::get<CsvError>(LoadCsvFile("no/such/file.csv", sheet, 0, 0)).ToString("x"),
             "x: it cannot be read: No such file or directory");
   EXPECT_EQ(std::get<CsvError>(LoadCsvFile(".", sheet, 0, 0)).line, 0);
+}
+
+TEST_F(CsvTest, KeepsTextsAndSplitsAsTold) {
+  EXPECT_EQ(Loaded("No;b;c\n007;1,5;TRUE\n;\"x;\"\"y\";3", "separator ; text A,C"),
+            R"({"No","b","c";"007","1,5","TRUE";empty,"x;""y","3"})");
+  EXPECT_EQ(Loaded("1\t2\t3\n4,5\t6\t7", "text B:XFD separator tab"), R"({1,"2","3";"4,5","6","7"})");
+  EXPECT_EQ(Loaded("\u00E4 no,B,\u00C4 NO\n1,2,3\n", "text \"\u00C4 no\""),
+            "{\"\u00E4 no\",\"B\",\"\u00C4 NO\";\"1\",2,\"3\"}");
+  EXPECT_EQ(Loaded("1\u00A72 3\u00A7", "separator \u00A7"), R"({1,"2 3",empty})");
+  EXPECT_EQ(Loaded("a,b\n", "text \"c\""), "f.csv:1:1: expected a column labelled \"c\", found none; near names: a, b");
+}
+
+TEST_F(CsvTest, AnEndThatIsNoOptionBelongsToThePath) {
+  for (const auto& [written, path] : CasesOf(R"(
+      my data.csv separator ; -> my data.csv | data.csv separator ;; -> data.csv separator ;; | separator ; -> separator ;
+      a text A text B -> a text A | "a.csv" separator " " text A -> a.csv | data.csv text A1 -> data.csv text A1
+      "a text B" -> a text B | C:\x y\text.csv text "say ""text A""", B -> C:\x y\text.csv | x text XFE -> x text XFE
+      context A -> context A | text A separator tab -> text A)"))
+    EXPECT_EQ(ParseCsvRequest(written)->path, path);
+  EXPECT_EQ(ParseCsvRequest("\"a.csv\" seperator ;").Error().ToString(),
+            "line 1, column 9: expected separator C, text COLUMNS or the end behind the path, found 'seperator ;'");
 }
 
 TEST_F(CsvTest, ReplacesItsExtentOnly) {
