@@ -4,6 +4,8 @@
 #include "host/commands/commands.h"
 #include "host/commands/function_list.h"
 #include "host/text/letter_case.h"
+#include "host/text/near_names.h"
+#include "host/text/shown_text.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -12,18 +14,22 @@ namespace {
 
 ExitStatus List(Session& session, const std::string& name) {
   session.Open();
-  bool isFound = name.empty();
-  for (const RegisteredFunction* function : session.Host().registry.All()) {
-    if (name.empty()) {
-      std::cout << DescribeBriefly(*function) << "\n";
-    } else if (const auto units = FromUtf8(name); units && EqualsIgnoringCase(function->name, *units)) {
-      std::cout << DescribeFully(*function);
-      isFound = true;
-    }
+  const std::vector<const RegisteredFunction*> all = session.Host().registry.All();
+  if (name.empty()) {
+    std::cout << ShownMessage(ListByFamily(all)) << std::flush;
+    return kAllWell;
   }
-  std::cout << std::flush;
-  if (!isFound) std::cerr << "the add-in registered no function named " << name << std::endl;
-  return isFound ? kAllWell : kFailed;
+  std::vector<std::string> known;
+  for (const RegisteredFunction* function : all) {
+    if (EqualsIgnoringCase(function->name, FromUtf8(name).value_or(XString()))) {
+      std::cout << ShownMessage(DescribeFully(*function)) << std::flush;
+      return kAllWell;
+    }
+    known.push_back(ToUtf8(function->name));
+  }
+  std::cerr << ShownMessage("the add-in registered no function named " + name + NearNamesHint(name, known))
+            << std::endl;
+  return kFailed;
 }
 
 }  // namespace

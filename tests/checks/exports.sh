@@ -43,5 +43,5 @@ status=0
 same 'exports of the Windows build' "$(expected_exports build/windows)" "$(windows_exports)" || status=1
 same 'exports of the native build' "$(expected_exports build/asan)" "$(native_exports)" || status=1
 same 'functions that Excel is told of' "$(declared_functions build/windows | cut -d ' ' -f 2)" \
-  "$(wine build/windows/bin/qcalc.exe functions | tr -d '\r' | sed 's/(.*//; s/\./_/g')" || status=1
+  "$(wine build/windows/bin/qcalc.exe functions | tr -d '\r' | grep '(' | sed 's/(.*//; s/\./_/g')" || status=1
 exit $status
