@@ -5,18 +5,32 @@
 #include <string>
 #include <vector>
 
+#include "host/commands/result_format.h"
 #include "host/commands/supervisor.h"
+#include "host/files/csv_request.h"
 #include "host/scripts/session.h"
 
 namespace qcalc {
 
-/// Evaluates formulas and prints each result as a literal.
-Work EvalWork(const std::filesystem::path& addin, const std::vector<std::string>& formulas);
+/// A file to load into a sheet, `Data` or `[Book]Data`, UTF-8, from A1 on.
+struct CsvLoad {
+  std::string sheet;
+  CsvRequest file;
+};
+
+struct EvalRequest {
+  std::vector<std::string> formulas;
+  std::vector<CsvLoad> loads;
+  ResultFormat format = ResultFormat::kLiteral;
+};
+
+/// Loads the files, evaluates the formulas and prints each result. A formula that does not parse is told in its turn.
+Work EvalWork(const std::filesystem::path& addin, const EvalRequest& request);
 
 /// Runs scripts, each with the add-in loaded anew; "-" is standard input. An add-in that is none ends but its script.
 Work ScriptWork(const std::filesystem::path& addin, const std::vector<std::string>& names);
 
-/// Lists what the add-in registered: with a name all about that function, else a line for each.
+/// Lists what the add-in registered: with a name all about that function, else a line for each, by families.
 Work FunctionsWork(const std::filesystem::path& addin, const std::string& name);
 
 /// Prints to standard error what the add-in did against the rules; whether there was anything.

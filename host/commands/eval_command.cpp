@@ -1,56 +1,78 @@
 // qcalc eval.
+#include <algorithm>
 #include <iostream>
 
 #include "host/commands/commands.h"
-#include "host/values/literal.h"
+#include "host/text/path_text.h"
+#include "host/text/shown_text.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {
 
-/// Evaluates one formula and prints its result. False, with the reason printed, when it cannot be evaluated.
-bool PrintResult(Session& session, const Formula& formula) {
+/// Tells on standard error what there is to say of a formula.
+void Tell(const std::string& formula, const std::string& what) {
+  std::cerr << ShownMessage(formula + ": " + what) << std::endl;
+}
+
+/// Evaluates one formula and prints its result, or why there is none.
+ExitStatus PrintResult(Session& session, const std::string& text, ResultFormat format) {
+  const Parsed<Formula> formula = ParseFormula(text);
+  if (!formula) {
+    Tell(text, formula.Error().ToString());
+    return kUnusable;
+  }
   try {
-    const Value result = session.Contents(session.Evaluate(formula));
-    std::cout << PrintLiteral(result) << std::endl;
-    for (const std::string& hint : session.TakeHints()) std::cerr << formula.Text() << ": " << hint << std::endl;
-    return !PrintComplaints(session);
+    const Value result = session.Contents(session.Evaluate(*formula));
+    std::cout << FormatResult(result, format) << std::flush;
+    for (const std::string& hint : session.TakeHints()) Tell(text, hint);
+    return PrintComplaints(session) ? kFailed : kAllWell;
   } catch (const AddinFailure&) {
     throw;
   } catch (const std::exception& error) {
-    std::cerr << formula.Text() << ": " << error.what() << std::endl;
+    Tell(text, error.what());
   } catch (const UncalculatedCell& cell) {
-    std::cerr << formula.Text() << ": " << session.Describe(cell) << std::endl;
+    Tell(text, session.Describe(cell));
   }
-  return false;
+  return kFailed;
 }
 
-ExitStatus Eval(const std::filesystem::path& addin, const std::vector<std::string>& texts, std::size_t first) {
-  std::vector<Formula> formulas;
-  for (const std::string& text : texts) {
-    const Parsed<Formula> formula = ParseFormula(text);
-    if (!formula) {
-      std::cerr << text << ": " << formula.Error().ToString() << std::endl;
-      return kUnusable;
+/// False, with the reason told, when a file cannot be loaded.
+bool Load(Session& session, const std::vector<CsvLoad>& loads) {
+  for (const CsvLoad& load : loads) {
+    const XString name = *FromUtf8(load.sheet);
+    const auto [book, sheet] = SplitSheetName(name);
+    const auto loaded =
+        LoadCsvFile(PathOf(load.file.path), session.ItsWorkbooks().SheetNamed(book, sheet, session.CurrentSheet()), 0,
+                    0, load.file.options);
+    if (const auto* error = std::get_if<CsvError>(&loaded)) {
+      std::cerr << ShownMessage(error->ToString(load.file.path)) << std::endl;
+      return false;
     }
-    formulas.push_back(*formula);
   }
+  return true;
+}
+
+ExitStatus Eval(const std::filesystem::path& addin, const EvalRequest& request, std::size_t first) {
   return WithAddin(addin, [&](Session& session) {
-    bool isWell = true;
-    for (std::size_t i = first; i < formulas.size(); ++i) {
+    if (!Load(session, request.loads)) return kUnusable;
+    ExitStatus worst = kAllWell;
+    for (std::size_t i = first; i < request.formulas.size(); ++i) {
       ProcessJournal().item = static_cast<std::int32_t>(i);
-      isWell = PrintResult(session, formulas[i]) && isWell;
+      if (i > 0 && request.format == ResultFormat::kCsv) std::cout << "\n";
+      worst = std::max(worst, PrintResult(session, request.formulas[i], request.format));
     }
-    return isWell ? kAllWell : kFailed;
+    return worst;
   });
 }
 
 }  // namespace
 
-Work EvalWork(const std::filesystem::path& addin, const std::vector<std::string>& formulas) {
-  return {formulas,
-          [=](std::size_t first) { return Eval(addin, formulas, first); },
+Work EvalWork(const std::filesystem::path& addin, const EvalRequest& request) {
+  return {request.formulas,
+          [=](std::size_t first) { return Eval(addin, request, first); },
           [=](Journal& journal, const std::string& sentence) {
-            std::cerr << formulas[static_cast<std::size_t>(journal.item)] << ": " << sentence << std::endl;
+            Tell(request.formulas[static_cast<std::size_t>(journal.item)], sentence);
           },
           {}};
 }

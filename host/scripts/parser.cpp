@@ -1,34 +1,39 @@
 #include "host/scripts/parser.h"
 
+#include "host/text/near_names.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {
 
-const ScriptCommandForm* FindCommand(std::string_view name) {
+template <typename Visitor>
+void VisitCommands(Visitor&& visit) {
   for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands(), FaultCommands()})
-    for (const ScriptCommandForm& form : group)
-      if (form.name == name) return &form;
-  return nullptr;
+    for (const ScriptCommandForm& form : group) visit(form);
 }
 
-std::string AllCommandNames() {
-  std::string names;
-  for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands(), FaultCommands()})
-    for (const ScriptCommandForm& form : group) names += (names.empty() ? "" : ", ") + std::string(form.name);
-  return names;
+const ScriptCommandForm& FindCommand(const ScriptLine& line, std::string_view name) {
+  const ScriptCommandForm* found = nullptr;
+  std::vector<std::string> names;
+  VisitCommands([&](const ScriptCommandForm& form) {
+    if (form.name == name) found = &form;
+    names.emplace_back(form.name);
+  });
+  if (found) return *found;
+  const std::string hint = NearNamesHint(name, names);
+  line.FailIn(name, "expected a command, found '" + std::string(name) + "'" +
+                        (hint.empty() ? "; qcalc help scripts lists them" : hint));
 }
 
 ScriptCommand ParseLine(ScriptLine& line) {
   const std::string_view name = line.Word("a command");
-  const ScriptCommandForm* form = FindCommand(name);
-  if (!form) line.FailIn(name, "expected a command (" + AllCommandNames() + "), found '" + std::string(name) + "'");
+  const ScriptCommandForm& form = FindCommand(line, name);
   try {
-    ScriptCommand command{line.Number(), form->parse(line)};
+    ScriptCommand command{line.Number(), form.parse(line)};
     line.End();
     return command;
   } catch (SyntaxError& error) {
-    error.message += "; the form is: " + std::string(form->form);
+    error.message += "; the form is: " + std::string(form.form);
     throw;
   }
 }
@@ -53,6 +58,12 @@ SyntaxError NotUtf8(std::string_view text, std::size_t badByte) {
 }
 
 }  // namespace
+
+std::vector<std::string> CommandForms() {
+  std::vector<std::string> forms;
+  VisitCommands([&](const ScriptCommandForm& form) { forms.emplace_back(form.form); });
+  return forms;
+}
 
 Parsed<std::vector<ScriptCommand>> ParseScript(std::string_view text) {
   std::size_t badByte = 0;

@@ -30,6 +30,9 @@ std::span<const ScriptCommandForm> EvaluationCommands();
 std::span<const ScriptCommandForm> ExpectationCommands();
 std::span<const ScriptCommandForm> FaultCommands();
 
+/// The forms of all commands, in the order of the groups.
+std::vector<std::string> CommandForms();
+
 struct ScriptCommand {
   int line = 0;
   ScriptAction action;
