@@ -7,6 +7,7 @@
 #include "host/files/file_text.h"
 #include "host/scripts/runner.h"
 #include "host/text/path_text.h"
+#include "host/text/shown_text.h"
 
 namespace qcalc {
 namespace {
@@ -28,14 +29,16 @@ ExitStatus RunScript(const std::filesystem::path& addin, const std::string& name
   const auto commands = ParseScript(*text);
   if (!commands) {
     const SyntaxError& error = commands.Error();
-    std::cerr << name << ":" << error.line << ":" << error.column << ": " << error.message << std::endl;
+    std::cerr << ShownMessage(name + ":" + std::to_string(error.line) + ":" + std::to_string(error.column) + ": " +
+                              error.message)
+              << std::endl;
     return kUnusable;
   }
   const std::filesystem::path folder = name == "-" ? std::filesystem::path() : PathOf(name).parent_path();
   try {
     ScriptRunner(name, folder, addin, report).Run(*commands);
   } catch (const ScriptError& error) {
-    std::cerr << error.what() << std::endl;
+    std::cerr << ShownMessage(error.what()) << std::endl;
     return kUnusable;
   } catch (const AddinFailure& failure) {
     std::cerr << name << ": " << failure.what() << std::endl;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/text/digits.h"
+#include "host/text/near_names.h"
 #include "host/values/literal.h"
 
 namespace qcalc {
@@ -79,8 +80,11 @@ std::int32_t ScriptLine::WholeNumber(std::string_view expected, std::int32_t lea
 const XlCallback& ScriptLine::Callback() {
   const std::string_view name = Word("a callback's name");
   const XlCallback* callback = FindXlCallback(name);
-  if (!callback) FailIn(name, "expected a callback's name such as xlCoerce, found '" + std::string(name) + "'");
-  return *callback;
+  if (callback) return *callback;
+  std::vector<std::string> known;
+  for (const XlCallback& other : kXlCallbacks) known.emplace_back(other.name);
+  FailIn(name,
+         "expected a callback's name such as xlCoerce, found '" + std::string(name) + "'" + NearNamesHint(name, known));
 }
 
 std::size_t ScriptLine::Choice(std::initializer_list<std::string_view> words) {

@@ -35,7 +35,7 @@ TEST(ScriptReading, MistakesAreToldWithTheirPlace) {
   for (const auto& [command, told] : CasesOf(R"(
       eval 1 -> 6, which begins with '=' | eval =1+ -> 9, expected | set A1 1 -> 9, expected '=' | at -> 3, expected
       set Q = {1,2;3} -> 5, expected | set A1 = {1,2;3} -> 16, expected | expect 1 2 -> 10, expected
-      recalc 0 =1 -> 8, from 1 to | fail xlCorce xlretFailed -> 6, expected a callback's name
+      recalc 0 =1 -> 8, from 1 to | fail xlCorce xlretFailed -> 6, found 'xlCorce'; near names: xlCoerce
       fail xlCoerce 32 -> 15, xlretFailed | refs sref -> 6, expected one of SRef, Ref
       answer-with xlCoerce word -> 22, expected a kind of value (number, text, | mutate 1 type -2 -> 15, bits of a type
       mutate 2 bits 0x50g -> 15, bits of a type | mutate 1 dims 3x -> 15, a size such as 3x2
