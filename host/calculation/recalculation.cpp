@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/calculation/dependencies.h"
@@ -15,9 +17,13 @@ namespace {
 // A further pass follows a spill that changed its size; formulas that chase each other's size never settle.
 constexpr int kMostPasses = 100;
 
-[[noreturn]] void FailUnsettled() {
-  throw FormulaError("formulas do not settle: the size of a spilled array depends on itself");
-}
+constexpr const char* kUnsettled = "formulas do not settle: the size of a spilled array depends on itself";
+
+// The cells that cannot be calculated this time, those that depend on others of them too, and why.
+struct Failures {
+  std::set<std::pair<IDSHEET, CellPosition>> cells;
+  std::vector<std::string> reasons;
+};
 
 // How far a recalculation has come with one formula.
 struct Progress {
@@ -29,10 +35,11 @@ struct Progress {
 // One pass: calculates what is dirty, given what spilled in earlier passes.
 class Pass {
  public:
-  Pass(Workbooks& workbooks, const EvaluationContext& context, UnknownNames* unknown)
+  Pass(Workbooks& workbooks, const EvaluationContext& context, UnknownNames* unknown, Failures& failures)
       : workbooks_(workbooks),
         context_(context),
         unknown_(unknown),
+        failures_(failures),
         formulas_(workbooks, context),
         progress_(formulas_.Size()) {}
 
@@ -41,7 +48,7 @@ class Pass {
     formulas_.SpreadDirt(withVolatile);
     bool any = false;
     for (std::size_t i = 0; i < formulas_.Size(); ++i)
-      if (formulas_.At(i).cell->isDirty) {
+      if (formulas_.At(i).cell->isDirty && !HasFailed(i)) {
         Calculate(i);
         any = true;
       }
@@ -54,36 +61,53 @@ class Pass {
     return ReferenceToText({place.sheet->Id(), {place.OwnCell()}}, workbooks_);
   }
 
-  [[noreturn]] void FailCircular(const std::vector<std::size_t>& path, std::size_t again) const {
+  std::string DescribeCircle(const std::vector<std::size_t>& path, std::size_t again) const {
     std::string cells;
     for (auto i = std::find(path.begin(), path.end(), again); i != path.end(); ++i) cells += NameOf(*i) + " -> ";
-    throw FormulaError("circular reference: " + cells + NameOf(again));
+    return "circular reference: " + cells + NameOf(again);
+  }
+
+  bool HasFailed(std::size_t number) const {
+    const FormulaPlace& place = formulas_.At(number);
+    return failures_.cells.contains({place.sheet->Id(), place.position});
+  }
+
+  // Each formula of the path waits for the next, so none of them can be calculated.
+  void GiveUp(const std::vector<std::size_t>& path) {
+    for (const std::size_t number : path) {
+      failures_.cells.insert({formulas_.At(number).sheet->Id(), formulas_.At(number).position});
+      progress_[number].isInProgress = false;
+    }
+  }
+
+  void GiveUp(const std::vector<std::size_t>& path, const std::string& reason) {
+    failures_.reasons.push_back(reason);
+    GiveUp(path);
   }
 
   // Calculates a formula and before it, without recursion, all dirty ones that it reads.
   void Calculate(std::size_t target) {
     std::vector<std::size_t> path;
-    const auto enter = [&](std::size_t number) {
-      Progress& progress = progress_[number];
-      if (progress.isInProgress) FailCircular(path, number);
-      if (++progress.timesCalculated > kMostPasses) FailUnsettled();
-      progress.isInProgress = true;
-      path.push_back(number);
-    };
-    enter(target);
-    while (!path.empty()) {
+    std::optional<std::size_t> next = target;
+    while (next || !path.empty()) {
+      if (next) {
+        if (HasFailed(*next)) return GiveUp(path);
+        Progress& progress = progress_[*next];
+        if (progress.isInProgress) return GiveUp(path, DescribeCircle(path, *next));
+        path.push_back(*next);
+        if (++progress.timesCalculated > kMostPasses) return GiveUp(path, kUnsettled);
+        progress.isInProgress = true;
+      }
       const std::size_t number = path.back();
       const std::vector<std::size_t>& precedents = formulas_.At(number).precedents;
       const auto waiting = std::find_if(precedents.begin(), precedents.end(),
                                         [&](std::size_t precedent) { return formulas_.At(precedent).cell->isDirty; });
-      if (waiting != precedents.end()) {
-        enter(*waiting);
-        continue;
+      try {
+        next = waiting != precedents.end() ? *waiting : Evaluate(number);
+      } catch (const FormulaError& error) {
+        return GiveUp(path, error.what());
       }
-      if (const auto met = Evaluate(number)) {
-        enter(*met);
-        continue;
-      }
+      if (next) continue;
       progress_[number].isInProgress = false;
       path.pop_back();
     }
@@ -160,16 +184,18 @@ class Pass {
   Workbooks& workbooks_;
   const EvaluationContext& context_;
   UnknownNames* unknown_;
+  Failures& failures_;
   Dependencies formulas_;
   std::vector<Progress> progress_;
 };
 
 }  // namespace
 
-void Recalculate(Workbooks& workbooks, const EvaluationContext& context, UnknownNames* unknown) {
+std::vector<std::string> Recalculate(Workbooks& workbooks, const EvaluationContext& context, UnknownNames* unknown) {
+  Failures failures;
   for (int pass = 0; pass < kMostPasses; ++pass)
-    if (!Pass(workbooks, context, unknown).Run(pass == 0)) return;
-  FailUnsettled();
+    if (!Pass(workbooks, context, unknown, failures).Run(pass == 0)) return failures.reasons;
+  throw FormulaError(kUnsettled);
 }
 
 }  // namespace qcalc

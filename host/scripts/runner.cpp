@@ -48,8 +48,10 @@ void ScriptRunner::Evaluate(const std::string& formula, const std::function<Valu
   } catch (const FormulaError& error) {
     report_.Fail(Place(), "the formula could not be evaluated", {{"formula", formula_}, {"reason", error.what()}});
   } catch (const UncalculatedCell& cell) {
-    report_.Fail(Place(), "the formula could not be evaluated",
-                 {{"formula", formula_}, {"reason", session_.Describe(cell)}});
+    // The formula in the cell is the failure, which is told by itself.
+    if (session_.FailuresInCells().empty())
+      report_.Fail(Place(), "the formula could not be evaluated",
+                   {{"formula", formula_}, {"reason", session_.Describe(cell)}});
   } catch (const NotThreadSafe&) {
     report_.Fail(Place(), "a thread-safe function reached one that is not", {{"formula", formula_}});
   }
@@ -78,6 +80,9 @@ Reference ScriptRunner::Resolve(const ReferenceText& text) {
 }
 
 void ScriptRunner::ReportComplaints() {
+  for (const std::string& reason : session_.FailuresInCells())
+    if (failuresInCells_.insert(reason).second)
+      report_.Fail(Place(), "a formula in a cell could not be evaluated", {{"reason", reason}});
   for (const std::string& hint : session_.TakeHints()) std::cerr << name_ << ":" << line_ << ": " << hint << std::endl;
   for (const std::string& text : TakeUnmet(session_.Host())) report_.Fail(Place(), text);
   for (const auto& [text, count] : session_.Host().complaints.TakeCounted()) {

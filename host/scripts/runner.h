@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -73,6 +74,7 @@ class ScriptRunner {
   std::optional<Value> result_;
   std::map<std::string, int> told_;  // complaints, and how often each came
   bool isPassedOver_ = false;
+  std::set<std::string> failuresInCells_;  // each is told once
 };
 
 }  // namespace qcalc

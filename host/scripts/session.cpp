@@ -79,24 +79,31 @@ EvaluationContext Session::Prepare() {
     caller_ = {sheet.Id(), {Area{}}};
   }
   const EvaluationContext context = Context();
-  qcalc::Recalculate(host_.workbooks, context, &unknown_);
+  failures_ = qcalc::Recalculate(host_.workbooks, context, &unknown_);
   return context;
+}
+
+// A reference is a result only once all of it is calculated: it will be read.
+Value Session::EvaluateIn(const EvaluationContext& context, const Formula& formula) {
+  Value result = qcalc::Evaluate(formula, context, &unknown_);
+  if (result.IsReference()) CheckCalculated(result.AsReference(), host_.workbooks);
+  return result;
 }
 
 Value Session::Evaluate(const Formula& formula) {
   const EvaluationContext context = Prepare();
   const EvaluationWatch watch(host_);
-  return qcalc::Evaluate(formula, context, &unknown_);
+  return EvaluateIn(context, formula);
 }
 
-Value Session::EvaluateQuietly(const Formula& formula) { return qcalc::Evaluate(formula, Prepare(), &unknown_); }
+Value Session::EvaluateQuietly(const Formula& formula) { return EvaluateIn(Prepare(), formula); }
 
 Value Session::Recalculate(int count, const Formula& formula) {
   Value result;
   for (int i = 0; i < count; ++i) {
     const EvaluationContext context = Prepare();
     const EvaluationWatch watch(host_);
-    result = qcalc::Evaluate(formula, context, &unknown_);
+    result = EvaluateIn(context, formula);
     if (Sheet* sheet = host_.workbooks.FindSheet(caller_.sheet))
       sheet->WriteResult(caller_.areas[0], Dereference(result, host_.workbooks));
   }
@@ -110,7 +117,7 @@ std::vector<Value> Session::EvaluateInParallel(int threads, int count, const For
   std::vector<Value> results;
   host_.mainThread.RunOnThreads(threads, [&](int) {
     for (int i = 0; i < count; ++i) {
-      Value result = qcalc::Evaluate(formula, context, &unknown_);
+      Value result = EvaluateIn(context, formula);
       const Value contents = Dereference(result, host_.workbooks);
       const std::lock_guard lock(mutex);
       if (results.empty() || !SameValue(Dereference(results[0], host_.workbooks), contents))

@@ -57,6 +57,9 @@ class Session {
   /// Sentences about names in the formulas evaluated so far that nobody knows, with near ones. Each name once.
   std::vector<std::string> TakeHints();
 
+  /// Why formulas in cells could not be calculated the last time; what reads them cannot be evaluated either.
+  const std::vector<std::string>& FailuresInCells() const { return failures_; }
+
   /// Why a formula that met such a cell has no value.
   std::string Describe(const UncalculatedCell& cell) const;
 
@@ -77,6 +80,7 @@ class Session {
  private:
   EvaluationContext Context();
   int LoadAndOpen();
+  Value EvaluateIn(const EvaluationContext& context, const Formula& formula);
   std::vector<std::string> KnownNames(UnknownNames::Kind kind) const;
 
   std::filesystem::path addinPath_;
@@ -84,6 +88,7 @@ class Session {
   Addin addin_;
   NamedValues names_;
   UnknownNames unknown_;
+  std::vector<std::string> failures_;
   Sheet* sheet_;
   Reference caller_;
   bool isOpen_ = false;

@@ -86,7 +86,8 @@ TEST_F(Misbehaving, FunctionsDoNotReadWhatIsNotCalculated) {
   sheet.SetFormula({3, 3, 0, 0}, *ParseFormula("=SUM(CALLED(255,\"ECHO.VALUE4\",A11:INDEX(E:E,11)))"));
   EXPECT_EQ(Evaluate("=A1:A4"), "{#N/A;0;3;42}") << "a macro-sheet equivalent gets the cell's old value";
   sheet.SetFormula({9, 9, 3, 3}, *ParseFormula("=CALLED(64,42,A10:INDEX(E:E,10),0)"));
-  EXPECT_THROW(Evaluate("=D10"), FormulaError) << "which reads itself";
+  EXPECT_THROW(Evaluate("=D10"), UncalculatedCell) << "which reads itself";
+  EXPECT_EQ(session.FailuresInCells().size(), 1u);
 }
 
 TEST_F(Misbehaving, WhatIsKeptShowsWhenTheBooksClose) {

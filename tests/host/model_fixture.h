@@ -93,8 +93,8 @@ class ModelTest : public testing::Test {
   /// Calculates all formulas; the error, or nothing.
   std::string Calculate() {
     try {
-      Recalculate(workbooks, context);
-      return "";
+      const std::vector<std::string> failures = Recalculate(workbooks, context);
+      return failures.empty() ? "" : "!" + failures[0];
     } catch (const FormulaError& error) {
       return std::string("!") + error.what();
     }

@@ -72,6 +72,15 @@ TEST_F(RecalculationTest, SpillsAndTakesBack) {
   Follow("XFD1 -> ={1,2}", "XFD1 -> #SPILL!");
 }
 
+TEST_F(RecalculationTest, AFormulaThatCannotBeCalculatedSpoilsNoOther) {
+  Follow("A1 -> =AVERAGE(1) | A2 -> =A1+1 | B1 -> =B2 | B2 -> =B1 | B3 -> =B2 | C1 -> =D1*2 | D1 -> =1+1",
+         "![Book1]Sheet1!A1: AVERAGE at column 2 is a function of Excel that this host does not offer");
+  EXPECT_EQ(Held("C1"), "4");
+  for (const auto& [cell, isDirty] : CasesOf("A1 -> 1 | A2 -> 1 | B1 -> 1 | B2 -> 1 | B3 -> 1 | C1 -> 0 | D1 -> 0"))
+    EXPECT_EQ(std::to_string(sheet.FirstUncalculated(AreaOf(cell)).has_value()), isDirty) << cell;
+  Follow("A1 -> 1 | B2 -> 2", "A2 -> 2 | B1 -> 2 | B3 -> 2");
+}
+
 TEST_F(RecalculationTest, ASheetMadeLaterIsFound) {
   Follow("A1 -> =SUM(Later!A1:A2) | B1 -> =A1+1 | C1 -> =[Other]Data!A1", "A1 -> #REF! | B1 -> #REF! | C1 -> #REF!");
   sheet.ItsBook().SheetNamed(XTEXT("later"));
