@@ -40,7 +40,7 @@ command_line_suite() {
     env DIE_AT_OPENING=1 "${bad_addin[@]}" run "$folder/living.calc"
   said 2 'tests: it is a folder\|1 passed, 0 failed\|$' "${bad_addin[@]}" run tests "$folder/living.calc"
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" eval =1
-  said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" run "$folder/living.calc"
+  said 4 "$lost" "${to_full_disk[@]}" "${bad_addin[@]}" run "$folder/living.calc"
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" functions
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" --help
   said 4 "$lost" "${to_closed_pipe[@]}" "${qcalc[@]}" eval =1
