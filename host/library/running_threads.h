@@ -8,8 +8,8 @@ namespace qcalc {
 
 class Library;
 
-/// The system's numbers of them. With a library, those alone in which its code may run: on Windows those that it or the
-/// C runtime started; natively all.
+/// A number for each, which no later one has. With a library, those alone in which its code may run: on Windows those
+/// that it or the C runtime started; natively all.
 std::set<std::uint64_t> RunningThreads(const Library* library);
 
 }  // namespace qcalc

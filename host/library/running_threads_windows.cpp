@@ -9,17 +9,23 @@ namespace qcalc {
 namespace {
 
 /// Where a thread began, null when the system does not tell.
-void* StartOf(DWORD thread) {
+void* StartOf(HANDLE thread) {
   constexpr ULONG kStartAddress = 9;
   using Query = LONG(WINAPI*)(HANDLE, ULONG, void*, ULONG, ULONG*);
   static const auto query = reinterpret_cast<Query>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationThread")));
   void* start = nullptr;
-  const HANDLE handle = OpenThread(THREAD_QUERY_INFORMATION, FALSE, thread);
-  if (!handle) return nullptr;
-  if (query) query(handle, kStartAddress, &start, sizeof start, nullptr);
-  CloseHandle(handle);
+  if (query) query(thread, kStartAddress, &start, sizeof start, nullptr);
   return start;
+}
+
+/// The system gives the id of a thread that has ended to another one; the time at which it began it does not.
+std::uint64_t IdentityOf(HANDLE thread, DWORD id) {
+  constexpr int kIdBits = 16;
+  FILETIME began{}, ended{}, kernel{}, user{};
+  GetThreadTimes(thread, &began, &ended, &kernel, &user);
+  const std::uint64_t time = std::uint64_t{began.dwHighDateTime} << 32 | began.dwLowDateTime;
+  return time << kIdBits ^ id;
 }
 
 bool StartedInRuntime(void* start) {
@@ -39,8 +45,12 @@ std::set<std::uint64_t> RunningThreads(const Library* library) {
   entry.dwSize = sizeof entry;
   for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
     if (entry.th32OwnerProcessID != GetCurrentProcessId()) continue;
-    void* const start = library ? StartOf(entry.th32ThreadID) : nullptr;
-    if (!library || library->Contains(start) || StartedInRuntime(start)) threads.insert(entry.th32ThreadID);
+    const HANDLE thread = OpenThread(THREAD_QUERY_INFORMATION, FALSE, entry.th32ThreadID);
+    if (!thread) continue;
+    void* const start = library ? StartOf(thread) : nullptr;
+    if (!library || library->Contains(start) || StartedInRuntime(start))
+      threads.insert(IdentityOf(thread, entry.th32ThreadID));
+    CloseHandle(thread);
   }
   CloseHandle(snapshot);
   return threads;
