@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/text/digits.h"
+#include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -72,8 +73,8 @@ std::string Heading(const RegisteredFunction& function, bool isWhole) {
   return line + ")";
 }
 
-/// How the argument's letter has it passed on.
-std::string PassingInWords(const TypeLetter& letter) {
+/// What the argument's letter has it passed on as.
+std::string PassingKind(const TypeLetter& letter) {
   if (letter.MayBeReference()) return "cells or value";
   switch (PassingOf(letter)) {
     case Passing::kText:
@@ -81,7 +82,7 @@ std::string PassingInWords(const TypeLetter& letter) {
     case Passing::kMatrix:
       return "numbers";
     case Passing::kInteger:
-      return letter.letter == 'A' ? "boolean, FALSE when left out" : "whole number, 0 when left out";
+      return letter.letter == 'A' ? "boolean" : "whole number";
     case Passing::kOper12:
     case Passing::kOper:
       break;
@@ -89,21 +90,46 @@ std::string PassingInWords(const TypeLetter& letter) {
   return "value";
 }
 
+/// The same, with what Excel makes of an argument that is left out and passed by value.
+std::string PassingInWords(const TypeLetter& letter) {
+  if (letter.MayBeReference() || PassingOf(letter) != Passing::kInteger) return PassingKind(letter);
+  return PassingKind(letter) + (letter.letter == 'A' ? ", FALSE when left out" : ", 0 when left out");
+}
+
+/// How the argument is passed on, and what stands for it when it is left out.
+std::string PassingAndDefault(const TypeLetter& letter, const ArgumentPage& page) {
+  if (!page.defaultText.empty()) return PassingKind(letter) + ", " + page.defaultText + " when left out";
+  return PassingInWords(letter) + (page.isRequired ? ", required" : "");
+}
+
+/// In brackets behind the help text.
+std::string DescribeChoices(const ArgumentPage& page) {
+  std::string text;
+  for (const auto& [code, meaning] : page.choices)
+    text += (text.empty() ? "" : ", ") + std::to_string(code) + " " + meaning;
+  if (text.empty()) return text;
+  return (page.isOnlyChoices ? " [one of " : " [") + text + "]";
+}
+
 /// A line for each argument, one for those of a run that are the same.
-std::string DescribeArguments(const RegisteredFunction& function) {
+std::string DescribeArguments(const RegisteredFunction& function, const FunctionPage* page) {
   const std::vector<std::string> names = ArgumentNames(function);
   const auto& letters = function.type.arguments;
   const auto helpOf = [&](std::size_t i) {
     return i < function.argumentHelp.size() ? ToUtf8(function.argumentHelp[i]) : std::string();
   };
+  const auto pageOf = [&](std::size_t i) {
+    return page && i < page->arguments.size() ? page->arguments[i] : ArgumentPage();
+  };
   std::vector<std::array<std::string, 3>> lines;
   for (std::size_t i = 0; i < letters.size();) {
     std::size_t end = i + 1;
     while (end < names.size() && end < letters.size() && IsNextOf(names[end - 1], names[end]) &&
-           letters[end] == letters[i] && helpOf(end) == helpOf(i))
+           letters[end] == letters[i] && helpOf(end) == helpOf(i) && pageOf(end) == pageOf(i))
       ++end;
     const std::string name = i < names.size() ? names[i] : "(no name)";
-    lines.push_back({end - i > 1 ? name + " to " + names[end - 1] : name, PassingInWords(letters[i]), helpOf(i)});
+    lines.push_back({end - i > 1 ? name + " to " + names[end - 1] : name, PassingAndDefault(letters[i], pageOf(i)),
+                     helpOf(i) + DescribeChoices(pageOf(i))});
     i = end;
   }
   std::size_t widths[2] = {};
@@ -120,62 +146,78 @@ std::string DescribeArguments(const RegisteredFunction& function) {
   return text;
 }
 
-/// Where the function stands in the list, and what its family is called.
+/// Where the function stands in the list.
 struct FamilyPlace {
-  int group;  ///< functions, hidden functions, commands
-  std::string category;
-  int hundred;
-  int topic;
+  enum Group { kFunctions, kHidden, kCommands } group;
+  int topic;  ///< the number of the help topic; -1 for none
 
   auto operator<=>(const FamilyPlace&) const = default;
-
-  bool IsSameFamily(const FamilyPlace& other) const {
-    return group == other.group && category == other.category && hundred == other.hundred;
-  }
-  std::string Title() const {
-    if (group == kCommands) return "Commands";
-    const std::string title = group == kHidden ? "Hidden functions" : category.empty() ? "Functions" : category;
-    return hundred < 0 ? title : title + ", help topics from " + std::to_string(hundred * kTopicsOfFamily);
-  }
-
-  static constexpr int kHidden = 1, kCommands = 2, kTopicsOfFamily = 100;
 };
 
 FamilyPlace PlaceOf(const RegisteredFunction& function) {
   const std::string topic = ToUtf8(function.helpTopic);
   const int number = ReadWhole<int>(std::string_view(topic).substr(topic.rfind('!') + 1)).value_or(-1);
-  const int group = function.IsCommand() ? FamilyPlace::kCommands : function.IsHidden() ? FamilyPlace::kHidden : 0;
-  return {group, ToUtf8(function.category), number < 0 ? -1 : number / FamilyPlace::kTopicsOfFamily, number};
+  if (function.IsCommand()) return {FamilyPlace::kCommands, number};
+  return {function.IsHidden() ? FamilyPlace::kHidden : FamilyPlace::kFunctions, number};
+}
+
+std::string TitleOf(const RegisteredFunction& function, const FunctionPage* page) {
+  if (function.IsCommand()) return "Commands";
+  if (function.IsHidden()) return "Hidden functions";
+  if (page) return "Family " + page->family;
+  return function.category.empty() ? "Functions" : ToUtf8(function.category);
+}
+
+const FunctionPage* PageOf(const RegisteredFunction& function, const FunctionPages& pages) {
+  const auto found = pages.find(FoldCase(function.name));
+  return found == pages.end() ? nullptr : &found->second;
+}
+
+/// The lines of a text, each behind as many blanks.
+std::string Indented(const std::string& text, std::size_t blanks) {
+  std::string indented;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    if (end > start) indented += std::string(blanks, ' ') + text.substr(start, end - start);
+    indented += "\n";
+    start = end + 1;
+  }
+  return indented;
 }
 
 }  // namespace
 
-std::string ListByFamily(const std::vector<const RegisteredFunction*>& functions) {
-  std::vector<std::pair<FamilyPlace, const RegisteredFunction*>> all;
-  for (const RegisteredFunction* function : functions) all.emplace_back(PlaceOf(*function), function);
+std::string ListByFamily(const std::vector<const RegisteredFunction*>& functions, const FunctionPages& pages) {
+  std::vector<const RegisteredFunction*> all = functions;
   std::stable_sort(all.begin(), all.end(),
-                   [](const auto& left, const auto& right) { return left.first < right.first; });
-  std::string text;
-  for (std::size_t i = 0; i < all.size(); ++i) {
-    if (i == 0 || !all[i].first.IsSameFamily(all[i - 1].first))
-      text += (i == 0 ? "" : "\n") + all[i].first.Title() + ":\n";
-    text += Heading(*all[i].second, false) + "\n";
+                   [](const auto* left, const auto* right) { return PlaceOf(*left) < PlaceOf(*right); });
+  std::string text, title;
+  for (const RegisteredFunction* function : all) {
+    const std::string own = TitleOf(*function, PageOf(*function, pages));
+    if (own != title) text += (text.empty() ? "" : "\n") + own + ":\n";
+    title = own;
+    text += Heading(*function, false) + "\n";
   }
   return text;
 }
 
-std::string DescribeFully(const RegisteredFunction& function) {
+std::string DescribeFully(const RegisteredFunction& function, const FunctionPages& pages) {
   std::string text = Heading(function, true) + "\n";
   const auto add = [&](const char* title, const std::string& content) {
     if (!content.empty()) text += "  " + std::string(title) + content + "\n";
   };
+  const FunctionPage* page = PageOf(function, pages);
   add("procedure:   ", ToUtf8(function.procedure));
   add("type text:   ", ToUtf8(function.typeText));
   add("marks:       ", Marks(function));
   add("category:    ", ToUtf8(function.category));
+  add("family:      ", page ? page->family : "");
   add("help topic:  ", ToUtf8(function.helpTopic));
   add("description: ", ToUtf8(function.help));
-  if (!function.type.arguments.empty()) text += "  arguments:\n" + DescribeArguments(function);
+  if (!function.type.arguments.empty()) text += "  arguments:\n" + DescribeArguments(function, page);
+  if (!page) return text;
+  if (!page->text.empty()) text += "\n" + Indented(page->text, 2);
+  if (!page->example.empty()) text += "\n  " + page->example + " gives " + page->result + "\n";
   return text;
 }
 

@@ -5,15 +5,17 @@
 #include <vector>
 
 #include "host/addin/registry.h"
+#include "host/commands/function_pages.h"
 
 namespace qcalc {
 
-/// A line for each, `NAME(Argument, ..., Argument)`, by families with a title above each and an empty line between. The
-/// functions of a category whose help topics lie in the same hundred are a family; hidden functions and commands stand
-/// at the end.
-std::string ListByFamily(const std::vector<const RegisteredFunction*>& functions);
+/// A line for each, `NAME(Argument, ..., Argument)`, in the order of their help topics, by families with a title above
+/// each and an empty line between; a function without a page stands under its category. Hidden functions and commands
+/// stand at the end.
+std::string ListByFamily(const std::vector<const RegisteredFunction*>& functions, const FunctionPages& pages);
 
-/// `NAME(Argument, Argument, ...)`, then marks, description and of each argument how it is passed and its help text.
-std::string DescribeFully(const RegisteredFunction& function);
+/// `NAME(Argument, Argument, ...)`, then marks, description and of each argument how it is passed, its default, help
+/// text and choices; then the page and the example.
+std::string DescribeFully(const RegisteredFunction& function, const FunctionPages& pages);
 
 }  // namespace qcalc

@@ -12,17 +12,17 @@ namespace qcalc {
 
 namespace {
 
-ExitStatus List(Session& session, const std::string& name) {
+ExitStatus List(Session& session, const FunctionPages& pages, const std::string& name) {
   session.Open();
   const std::vector<const RegisteredFunction*> all = session.Host().registry.All();
   if (name.empty()) {
-    std::cout << ShownMessage(ListByFamily(all)) << std::flush;
+    std::cout << ShownMessage(ListByFamily(all, pages)) << std::flush;
     return kAllWell;
   }
   std::vector<std::string> known;
   for (const RegisteredFunction* function : all) {
     if (EqualsIgnoringCase(function->name, FromUtf8(name).value_or(XString()))) {
-      std::cout << ShownMessage(DescribeFully(*function)) << std::flush;
+      std::cout << ShownMessage(DescribeFully(*function, pages)) << std::flush;
       return kAllWell;
     }
     known.push_back(ToUtf8(function->name));
@@ -35,7 +35,7 @@ ExitStatus List(Session& session, const std::string& name) {
 }  // namespace
 
 Work FunctionsWork(const std::filesystem::path& addin, const std::string& name) {
-  const auto list = [=](Session& session) { return List(session, name); };
+  const auto list = [=](Session& session) { return List(session, ReadFunctionPages(addin), name); };
   return {{"functions"},
           [=](std::size_t) { return WithAddin(addin, list); },
           [](Journal&, const std::string& sentence) { std::cerr << sentence << std::endl; },

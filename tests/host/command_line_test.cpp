@@ -69,8 +69,9 @@ TEST(Functions, StandByFamiliesAndRunsOfArgumentsAreCut) {
                                     function(XTEXT("C"), XTEXT("P9,P10,P11,P12,Q"), XTEXT("f!1100"), 1)};
   std::vector<const RegisteredFunction*> given;
   for (const RegisteredFunction& one : all) given.push_back(&one);
-  EXPECT_EQ(ListByFamily(given),
-            "Cat, help topics from 200:\nA()\n\nCat, help topics from 1100:\nC(P9, ..., P12, Q)\nB(X, A1, A2, A3)\n\n"
+  const FunctionPages pages{{XTEXT("b"), {"sort", {}, "", "", ""}}, {XTEXT("c"), {"sort", {}, "", "", ""}}};
+  EXPECT_EQ(ListByFamily(given, pages),
+            "Cat:\nA()\n\nFamily sort:\nC(P9, ..., P12, Q)\nB(X, A1, A2, A3)\n\n"
             "Hidden functions:\nH()\n\nCommands:\nCMD()\n");
 }
 

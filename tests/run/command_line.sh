@@ -28,6 +28,8 @@ command_line_suite() {
   printf 'eval =PLUS.ONE(1)\nexpect 2\n' >"$folder/living.calc"
 
   said 0 '^\{1;2\}\|#DIV/0!\|$' "${qcalc[@]}" eval '=VSTACK(0,1,2)' =1/0
+  said 0 '\|  family: +lookup\|.* MemType_Name +value, 2 when left out .*\[0 Guess .*\|  =MEMMATCH.* gives 3\|$' \
+    "${qcalc[@]}" functions memmatch
   said 5 'dying.calc:4: FAILED \[of death\]: the add-in died in DIE: .*\|2 passed, 1 failed\|$' \
     "${bad_addin[@]}" run "$folder/dying.calc" "$folder/living.calc"
   said 5 '=DIE\(2\): the add-in died in DIE: .*\|2\|$' "${bad_addin[@]}" eval '=DIE(2)' '=PLUS.ONE(1)'

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "functions/generator/function_pages.h"
 #include "functions/generator/generated_code.h"
 #include "functions/generator/table_checks.h"
 #include "functions/generator/table_reader.h"
@@ -35,8 +36,9 @@ int Generate(const std::string& folder, const std::vector<std::string>& paths) {
   if (diagnostics.All().empty()) CheckTables(families, diagnostics);
   std::cerr << diagnostics.Text();
   if (!diagnostics.All().empty()) return 1;
-  for (const GeneratedFile& file : GenerateCode(families))
-    WriteFile(std::filesystem::path(folder) / file.name, file.text);
+  std::vector<GeneratedFile> files = GenerateCode(families);
+  files.push_back(FunctionPages(families));
+  for (const GeneratedFile& file : files) WriteFile(std::filesystem::path(folder) / file.name, file.text);
   return 0;
 }
 
