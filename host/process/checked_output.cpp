@@ -18,12 +18,9 @@ namespace {
 CheckedOutput::CheckedOutput() : before_(std::cout.rdbuf(this)) {
   // The stream passes on what its buffer throws only when it is told to.
   std::cout.exceptions(std::ios::badbit);
-  // A message about lost output must not try to flush it first.
-  std::cerr.tie(nullptr);
 }
 
 CheckedOutput::~CheckedOutput() {
-  std::cerr.tie(&std::cout);
   std::cout.exceptions(std::ios::goodbit);
   std::cout.rdbuf(before_);
 }
@@ -44,6 +41,27 @@ std::streamsize CheckedOutput::xsputn(const char* text, std::streamsize count) {
 int CheckedOutput::sync() {
   if (std::fflush(stdout) != 0) Fail();
   return 0;
+}
+
+CheckedOutput::Messages::Messages() : before_(std::cerr.rdbuf(this)) {
+  // A message about lost output must not try to flush it first.
+  std::cerr.tie(nullptr);
+}
+
+CheckedOutput::Messages::~Messages() {
+  std::cerr.tie(&std::cout);
+  std::cerr.rdbuf(before_);
+}
+
+CheckedOutput::Messages::int_type CheckedOutput::Messages::overflow(int_type unit) {
+  if (traits_type::eq_int_type(unit, traits_type::eof())) return traits_type::not_eof(unit);
+  EraseProgress(ProcessJournal());
+  return before_->sputc(traits_type::to_char_type(unit));
+}
+
+std::streamsize CheckedOutput::Messages::xsputn(const char* text, std::streamsize count) {
+  EraseProgress(ProcessJournal());
+  return before_->sputn(text, count);
 }
 
 }  // namespace qcalc
