@@ -46,5 +46,10 @@ command_line_suite() {
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" functions
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" --help
   said 4 "$lost" "${to_closed_pipe[@]}" "${qcalc[@]}" eval =1
+  # On a terminal, of which Wine makes a console of its own: progress, until somebody presses Ctrl+C.
+  printf 'recalc 1000000000 =1\n' >"$folder/endless.calc"
+  [[ $build == windows ]] || said 130 'endless.calc:1, [0-9,]+ formulas calculated, 1 s' \
+    bash -c '{ sleep 2.5; printf "\003"; } | script -qec "$*" /dev/null; exit ${PIPESTATUS[1]}' - \
+    "${qcalc[@]}" run "$folder/endless.calc"
   report "$name" "$good" "$bad"
 }
