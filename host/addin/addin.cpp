@@ -87,6 +87,7 @@ void Addin::Unload() {
   if (isInUse) library_->Pin();
   host_.library = nullptr;
   library_.reset();
+  AddinBlocks().Clear();
   HostState::SetLoaded(nullptr);
   host_.registry.Clear();
   if (!isInUse && Library::IsMapped(path)) host_.complaints.Add("the library is still mapped after it was unloaded");

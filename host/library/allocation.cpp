@@ -15,6 +15,7 @@ constinit BlockTable owed;
 
 // Constant-initialized, as the blocks are: the stand-ins run before any constructor.
 constinit AllocationMeter addinAllocationMeter;
+constinit RecentBlocks addinBlocks;
 
 void AllocationMeter::Start(bool counts) {
   count_ = 0;

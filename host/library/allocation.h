@@ -8,11 +8,11 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/library/block_table.h"
+#include "host/library/recent_blocks.h"
 
 namespace qcalc {
 
@@ -94,9 +94,10 @@ extern AllocationMeter addinAllocationMeter;
 /// The meter of this process: there is one add-in in it.
 inline AllocationMeter& AddinAllocations() noexcept { return addinAllocationMeter; }
 
-/// The bytes of the block that begins at that address, when it is one of the latest that the add-in took on this thread
-/// and has not freed since; else nothing.
-std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept;
+extern RecentBlocks addinBlocks;
+
+/// The latest blocks that the add-in took and has not freed since, on whichever thread.
+inline RecentBlocks& AddinBlocks() noexcept { return addinBlocks; }
 
 /// Brings the library's allocations before the meter. To be called when it has been loaded.
 void MeterAllocations(const Library& library);

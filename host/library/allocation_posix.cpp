@@ -5,7 +5,6 @@
 #include <new>
 
 #include "host/library/allocation.h"
-#include "host/library/recent_blocks.h"
 
 // The sanitizers' allocator where the program is built with one, and the C library's.
 extern "C" {
@@ -27,8 +26,6 @@ thread_local RunningCode::Owner running = RunningCode::Owner::kHost;
 // Whether this thread is in a stand-in already: what that allocates in turn goes straight to the system.
 thread_local bool isPassing = false;
 
-thread_local RecentBlocks recentBlocks;
-
 class Passing {
  public:
   Passing() noexcept { isPassing = true; }
@@ -42,7 +39,7 @@ bool IsAddins() noexcept { return running == RunningCode::Owner::kAddin && !isPa
 
 void Remember(const void* block, std::size_t bytes) noexcept {
   AddinAllocations().NoteTaken(block, bytes);
-  recentBlocks.Add(block, bytes);
+  AddinBlocks().Add(block, bytes);
 }
 
 /// Takes a block from `allocate`, as the add-in's; null when it has to fail.
@@ -60,7 +57,7 @@ void* TakeForAddin(std::size_t bytes, const Allocate& allocate) {
 
 /// Whoever runs: a block of the add-in's may be freed by a thread's end.
 void NoteFreed(void* block) noexcept {
-  recentBlocks.Forget(block);
+  AddinBlocks().Forget(block);
   if (isPassing || !AddinAllocations().WantsFreed()) return;
   const Passing passing;
   AddinAllocations().NoteFreed(block);
@@ -95,8 +92,6 @@ RunningCode::Owner RunningCode::Exchange(Owner owner) noexcept {
   running = owner;
   return before;
 }
-
-std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept { return recentBlocks.BytesOf(address); }
 
 // The library finds the functions below among the program's symbols, before the system's.
 void MeterAllocations(const Library&) {}
@@ -133,10 +128,10 @@ void* realloc(void* block, std::size_t bytes) noexcept {
     return nullptr;
   }
   const bool wasKnown = meter.NoteFreed(block);
-  const bool wasRecent = qcalc::recentBlocks.Forget(block);
+  const bool wasRecent = qcalc::AddinBlocks().Forget(block);
   void* const moved = qcalc::SystemRealloc(block, bytes);
   if (wasKnown) meter.NoteTaken(moved, bytes);
-  if (wasRecent) qcalc::recentBlocks.Add(moved, bytes);
+  if (wasRecent) qcalc::AddinBlocks().Add(moved, bytes);
   return moved;
 }
 

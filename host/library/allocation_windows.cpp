@@ -4,31 +4,21 @@
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
-#include <new>
 
 #include "host/library/allocation.h"
 #include "host/library/import_table_windows.h"
-#include "host/library/recent_blocks.h"
 
 namespace qcalc {
 namespace {
 
-// Where each thread keeps its own; the system calls back when a thread ends, the add-in's frees at that time included.
-const DWORD recentBlocksSlot = FlsAlloc([](void* blocks) { delete static_cast<RecentBlocks*>(blocks); });
-
-/// Null while the add-in has taken no block on this thread.
-RecentBlocks* OwnRecentBlocks() { return static_cast<RecentBlocks*>(FlsGetValue(recentBlocksSlot)); }
-
 void NoteTaken(const void* block, std::size_t bytes) {
   AddinAllocations().NoteTaken(block, bytes);
-  RecentBlocks* recent = OwnRecentBlocks();
-  if (!recent) FlsSetValue(recentBlocksSlot, recent = new (std::nothrow) RecentBlocks());
-  if (recent) recent->Add(block, bytes);
+  AddinBlocks().Add(block, bytes);
 }
 
 /// Whether the host keeps account of the block.
 bool NoteFreed(const void* block) {
-  if (RecentBlocks* const recent = OwnRecentBlocks()) recent->Forget(block);
+  AddinBlocks().Forget(block);
   return AddinAllocations().NoteFreed(block);
 }
 
@@ -101,11 +91,6 @@ BOOL WINAPI MeteredHeapFree(HANDLE heap, DWORD flags, void* block) {
 }  // namespace
 
 RunningCode::Owner RunningCode::Exchange(Owner) noexcept { return Owner::kHost; }
-
-std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept {
-  RecentBlocks* const recent = OwnRecentBlocks();
-  return recent ? recent->BytesOf(address) : std::nullopt;
-}
 
 void MeterAllocations(const Library& library) {
   const ImportPatch patches[] = {
