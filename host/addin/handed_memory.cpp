@@ -48,7 +48,7 @@ std::string DefectOfText(const Unit* text, std::span<const std::byte> elements, 
   const auto* const start = reinterpret_cast<const std::byte*>(text);
   if (start >= elements.data() && start < elements.data() + elements.size())
     return DefectOfText(text, static_cast<std::size_t>(elements.data() + elements.size() - start));
-  const std::optional<std::size_t> bytes = AddinBlocks().BytesOf(text);
+  const std::optional<std::size_t> bytes = RecentBlockBytes(text);
   return bytes ? DefectOfText(text, *bytes) : std::string();
 }
 
@@ -56,7 +56,7 @@ template <typename Width>
 std::string DefectOfArray(const typename Width::Oper& oper, const Loans& loans) {
   const auto& array = oper.val.array;
   if (loans.CameBack(array.lparray)) return std::string("an array ") + kCameBack;
-  const std::optional<std::size_t> bytes = AddinBlocks().BytesOf(array.lparray);
+  const std::optional<std::size_t> bytes = RecentBlockBytes(array.lparray);
   if (bytes && *bytes / sizeof(typename Width::Oper) < ElementsOf<Width>(oper))
     return TooShort("an array of " + std::to_string(array.rows) + " x " + std::to_string(array.columns), *bytes);
   const std::span block(reinterpret_cast<const std::byte*>(array.lparray), bytes.value_or(0));
@@ -80,7 +80,7 @@ std::string DefectOfMemory(const typename Width::Oper& oper, const Loans& loans)
       const auto* const areas = oper.val.mref.lpmref;
       if (!areas) return {};
       if (loans.CameBack(areas)) return std::string("a reference ") + kCameBack;
-      const std::optional<std::size_t> bytes = AddinBlocks().BytesOf(areas);
+      const std::optional<std::size_t> bytes = RecentBlockBytes(areas);
       const std::size_t start = offsetof(typename Width::ReferenceList, reftbl);
       if (bytes && (*bytes < start || (*bytes - start) / sizeof(typename Width::Rectangle) < areas->count))
         return TooShort("a reference to " + std::to_string(areas->count) + " areas", *bytes);

@@ -51,7 +51,7 @@ void ReturnedValues::LeaveHand(const void* oper) {
 void ReturnedValues::CheckUnmarked(const void* memory, const Arguments& arguments, const std::string& function) {
   // What the host lent and nobody marked shows among the loans; an argument handed back stays the host's.
   if (host_.loans.IsLent(memory) || arguments.Contains(memory)) return;
-  if (AddinBlocks().BytesOf(memory))
+  if (RecentBlockBytes(memory))
     host_.complaints.Add(function + " returned memory of the heap without xlbitDLLFree: it is lost");
 }
 
@@ -152,11 +152,11 @@ void ReturnedValues::Release(typename Width::Oper* oper, CallContext& frame) {
       host_.complaints.Add(frame.function + " returned a value with xlbitXLFree that the host had not lent");
   } else if (bits == xlbitDLLFree) {
     // In a larger block the value is a thread's slot, which stays.
-    const bool hasOwnBlock = AddinBlocks().BytesOf(oper).value_or(2 * sizeof *oper) < 2 * sizeof *oper;
-    const bool hasOwnMemory = AddinBlocks().BytesOf(memory).has_value();
+    const bool hasOwnBlock = RecentBlockBytes(oper).value_or(2 * sizeof *oper) < 2 * sizeof *oper;
+    const bool hasOwnMemory = RecentBlockBytes(memory).has_value();
     if (!HandOver<Width>(oper, frame)) return host_.loans.NoteNeverFreed(frame.function);
-    if (hasOwnMemory && AddinBlocks().BytesOf(memory)) NoteOwed(memory, frame.function);
-    if (hasOwnBlock && AddinBlocks().BytesOf(oper)) NoteOwed(oper, frame.function);
+    if (hasOwnMemory && RecentBlockBytes(memory)) NoteOwed(memory, frame.function);
+    if (hasOwnBlock && RecentBlockBytes(oper)) NoteOwed(oper, frame.function);
   }
   if (host_.faults.TakeSecondFreeing()) {
     if (bits != xlbitDLLFree) HandOver<Width>(oper, frame);

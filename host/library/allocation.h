@@ -96,8 +96,12 @@ inline AllocationMeter& AddinAllocations() noexcept { return addinAllocationMete
 
 extern RecentBlocks addinBlocks;
 
-/// The latest blocks that the add-in took and has not freed since, on whichever thread.
+/// The latest blocks that the add-in took and has not freed since.
 inline RecentBlocks& AddinBlocks() noexcept { return addinBlocks; }
+
+/// The bytes of the block that begins at that address, when it is one of the latest that the add-in took on this thread
+/// and has not freed since; else nothing.
+std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept;
 
 /// Brings the library's allocations before the meter. To be called when it has been loaded.
 void MeterAllocations(const Library& library);

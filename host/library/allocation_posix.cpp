@@ -26,6 +26,9 @@ thread_local RunningCode::Owner running = RunningCode::Owner::kHost;
 // Whether this thread is in a stand-in already: what that allocates in turn goes straight to the system.
 thread_local bool isPassing = false;
 
+/// A number of its own for each thread.
+std::uintptr_t OwnThread() noexcept { return reinterpret_cast<std::uintptr_t>(&isPassing); }
+
 class Passing {
  public:
   Passing() noexcept { isPassing = true; }
@@ -39,7 +42,7 @@ bool IsAddins() noexcept { return running == RunningCode::Owner::kAddin && !isPa
 
 void Remember(const void* block, std::size_t bytes) noexcept {
   AddinAllocations().NoteTaken(block, bytes);
-  AddinBlocks().Add(block, bytes);
+  AddinBlocks().Add(block, bytes, OwnThread());
 }
 
 /// Takes a block from `allocate`, as the add-in's; null when it has to fail.
@@ -93,6 +96,10 @@ RunningCode::Owner RunningCode::Exchange(Owner owner) noexcept {
   return before;
 }
 
+std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept {
+  return AddinBlocks().BytesOf(address, OwnThread());
+}
+
 // The library finds the functions below among the program's symbols, before the system's.
 void MeterAllocations(const Library&) {}
 
@@ -131,7 +138,7 @@ void* realloc(void* block, std::size_t bytes) noexcept {
   const bool wasRecent = qcalc::AddinBlocks().Forget(block);
   void* const moved = qcalc::SystemRealloc(block, bytes);
   if (wasKnown) meter.NoteTaken(moved, bytes);
-  if (wasRecent) qcalc::AddinBlocks().Add(moved, bytes);
+  if (wasRecent) qcalc::AddinBlocks().Add(moved, bytes, qcalc::OwnThread());
   return moved;
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 void NoteTaken(const void* block, std::size_t bytes) {
   AddinAllocations().NoteTaken(block, bytes);
-  AddinBlocks().Add(block, bytes);
+  AddinBlocks().Add(block, bytes, GetCurrentThreadId());
 }
 
 /// Whether the host keeps account of the block.
@@ -91,6 +91,10 @@ BOOL WINAPI MeteredHeapFree(HANDLE heap, DWORD flags, void* block) {
 }  // namespace
 
 RunningCode::Owner RunningCode::Exchange(Owner) noexcept { return Owner::kHost; }
+
+std::optional<std::size_t> RecentBlockBytes(const void* address) noexcept {
+  return AddinBlocks().BytesOf(address, GetCurrentThreadId());
+}
 
 void MeterAllocations(const Library& library) {
   const ImportPatch patches[] = {

@@ -49,7 +49,7 @@ command_line_suite() {
   # On a terminal, of which Wine makes a console of its own: progress, until somebody presses Ctrl+C.
   printf 'recalc 1000000000 =1\n' >"$folder/endless.calc"
   [[ $build == windows ]] || said 130 'endless.calc:1, [0-9,]+ formulas calculated, 1 s' \
-    bash -c '{ sleep 2.5; printf "\003"; } | script -qec "$*" /dev/null; exit ${PIPESTATUS[1]}' - \
+    bash -c '{ sleep 2.5; printf "\003"; } | script -qec "$(printf "%q " "$@")" /dev/null; exit ${PIPESTATUS[1]}' - \
     "${qcalc[@]}" run "$folder/endless.calc"
   report "$name" "$good" "$bad"
 }
