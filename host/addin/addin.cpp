@@ -9,6 +9,7 @@
 #include "host/library/invoke.h"
 #include "host/library/message_box.h"
 #include "host/library/running_threads.h"
+#include "host/text/counted.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -74,8 +75,8 @@ bool Addin::HasLeftThreads() {
         std::count_if(threads.begin(), threads.end(), [&](auto id) { return !threadsBefore_.contains(id); }));
     if (left == 0) return false;
   }
-  host_.complaints.Add("the add-in left " + std::to_string(left) + " thread" + (left == 1 ? "" : "s") +
-                       " running when it was to be unloaded");
+  host_.complaints.Add("the add-in left " + std::to_string(left) + " " +
+                       NounFor(static_cast<std::int64_t>(left), "thread") + " running when it was to be unloaded");
   return true;
 }
 

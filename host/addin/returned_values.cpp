@@ -11,6 +11,7 @@
 #include "host/library/allocation.h"
 #include "host/library/invoke.h"
 #include "host/library/library.h"
+#include "host/text/counted.h"
 
 namespace qcalc {
 namespace {
@@ -120,7 +121,7 @@ void ReturnedValues::Close() {
     if (AddinAllocations().IsOwed(memory)) ++counts[function];
   for (const auto& [function, count] : counts)
     host_.complaints.Add(function + " returned values with xlbitDLLFree, and the add-in never freed " +
-                         std::to_string(count) + " block" + (count == 1 ? "" : "s") + " of their memory");
+                         std::to_string(count) + " " + NounFor(count, "block") + " of their memory");
   owed_.clear();
   AddinAllocations().ForgiveOwed();
 }

@@ -3,6 +3,8 @@
 #include <iterator>
 #include <utility>
 
+#include "host/text/counted.h"
+
 #if defined(__SANITIZE_ADDRESS__)
 /// The sanitizer's own function; this compiler comes without the header that declares it.
 extern "C" int __asan_address_is_poisoned(const volatile void* address);
@@ -104,10 +106,10 @@ std::vector<std::string> Loans::Close() {
   }
   std::vector<std::string> sentences;
   for (const auto& [origin, count] : kept)
-    sentences.push_back(origin.first + " kept " + std::to_string(count) + " value" + (count == 1 ? "" : "s") + " of " +
+    sentences.push_back(origin.first + " kept " + std::to_string(count) + " " + NounFor(count, "value") + " of " +
                         std::string(origin.second) + ": never given back through xlFree");
   for (const auto& [function, count] : neverFreed_)
-    sentences.push_back(function + " returned " + std::to_string(count) + " value" + (count == 1 ? "" : "s") +
+    sentences.push_back(function + " returned " + std::to_string(count) + " " + NounFor(count, "value") +
                         " with xlbitDLLFree, and the add-in exports no way to free them");
   loans_.clear();
   returnedOrigins_.clear();

@@ -1,6 +1,7 @@
 #include "host/callbacks/request.h"
 
 #include "host/formulas/reference_text.h"
+#include "host/text/counted.h"
 
 namespace qcalc {
 
@@ -71,7 +72,7 @@ CallbackAnswer CallbackRequest::WrongArgument(std::size_t number, std::string_vi
 }
 
 CallbackAnswer CallbackRequest::WrongCount(std::size_t count) const {
-  Complain("was given " + std::to_string(count) + (count == 1 ? " argument" : " arguments"));
+  Complain("was given " + std::to_string(count) + " " + NounFor(static_cast<std::int64_t>(count), "argument"));
   return CallbackAnswer::Failure(xlretInvCount);
 }
 

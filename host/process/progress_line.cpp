@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "host/process/console.h"
+#include "host/text/counted.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -10,17 +11,6 @@ namespace {
 
 constexpr std::chrono::seconds kQuiet{1};
 constexpr std::size_t kWidestItem = 40;  // so that the line stays one on a terminal of 80 columns, long counts apart
-
-/// 1234567 as "1,234,567".
-std::string Grouped(std::int64_t number) {
-  const std::string digits = std::to_string(number);
-  std::string text;
-  for (std::size_t i = 0; i < digits.size(); ++i) {
-    if (i > 0 && (digits.size() - i) % 3 == 0) text += ',';
-    text += digits[i];
-  }
-  return text;
-}
 
 /// The end of a name that is too long.
 std::string Ending(const std::string& name) {

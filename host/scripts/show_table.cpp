@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/text/counted.h"
 #include "host/text/shown_text.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
@@ -73,11 +74,7 @@ std::string Padded(const ShownCell& cell, std::size_t width) {
 }
 
 /// 12,345 rows; 1 row.
-std::string Counted(std::int32_t count, const char* noun) {
-  std::string text = std::to_string(count);
-  for (std::size_t place = text.size(); place > 3; place -= 3) text.insert(place - 3, ",");
-  return text + " " + noun + (count == 1 ? "" : "s");
-}
+std::string Counted(std::int32_t count, const char* noun) { return Grouped(count) + " " + NounFor(count, noun); }
 
 /// Which rows are shown: the first ones and, when there are more, the last quarter.
 class RowChoice {
