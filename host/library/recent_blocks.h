@@ -26,7 +26,11 @@ class RecentBlocks {
 
   /// Whether it was known to some thread.
   bool Forget(const void* block) noexcept {
-    return block && entries_[PlaceOf(block)].block.compare_exchange_strong(block, nullptr, std::memory_order_acq_rel);
+    if (!block) return false;
+    std::atomic<const void*>& known = entries_[PlaceOf(block)].block;
+    // Most are not: natively every block of the process comes by here, and to look costs less than to lock.
+    if (known.load(std::memory_order_relaxed) != block) return false;
+    return known.compare_exchange_strong(block, nullptr, std::memory_order_acq_rel);
   }
 
   /// Forgets all: with the library that took them the meter has gone that would see them freed.

@@ -50,7 +50,7 @@ class TerminationSignal {
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &signals, &before_);
-    file_ = signalfd(-1, &signals, SFD_CLOEXEC);
+    file_ = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
   }
   ~TerminationSignal() {
     close(file_);
@@ -133,11 +133,13 @@ ProcessEnd WorkerStarter::Run(const std::function<void()>& wait) {
   }
   const int handle = static_cast<int>(syscall(SYS_pidfd_open, worker, 0));
   pollfd events[] = {{handle, POLLIN, 0}, {termination.File(), POLLIN, 0}};
-  while (poll(events, std::size(events), kWaitMilliseconds) <= 0) wait();
-  if (events[1].revents && termination.Take()) kill(worker, SIGTERM);
   int status = 0;
-  while (waitpid(worker, &status, 0) < 0 && errno == EINTR) continue;
-  close(handle);
+  // Where the system has no such handle, the end shows at the next look.
+  while (waitpid(worker, &status, WNOHANG) != worker) {
+    if (poll(events, std::size(events), kWaitMilliseconds) == 0) wait();
+    if (termination.Take()) kill(worker, SIGTERM);
+  }
+  if (handle >= 0) close(handle);
   return EndOf(status);
 }
 

@@ -60,9 +60,11 @@ std::optional<int> TakeExponent(std::basic_string_view<Unit>& text) {
   return isNegative ? -exponent : exponent;
 }
 
-/// Reads the number that the text as a whole is: digits with an optional point and exponent, no sign. False when it is
-/// none, or beyond the range of doubles.
+/// What ReadDecimal does with a text of any length.
 bool ReadCutDecimal(std::string_view text, double& number);
+
+/// Reads the number that the text as a whole is: digits with an optional point and exponent, no sign, of which 15
+/// count. False when it is none, or beyond the range of doubles.
 inline bool ReadDecimal(std::string_view text, double& number) {
   // What is too short to be cut is read faster.
   if (text.size() <= DecimalNumber::kMostDigits && !text.empty() && (IsDigit(text.front()) || text.front() == '.')) {
