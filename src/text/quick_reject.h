@@ -20,15 +20,16 @@ class QuickReject {
 
   /// From now on texts have that unit at `place`: 0 is the first unit of a text, -1 the last. Nothing is tested beyond
   /// four units from an end, and, where case does not count, no unit beyond ASCII, since more than one other may be its
-  /// counterpart.
-  void Require(std::ptrdiff_t place, XCHAR unit, bool caseSensitive) noexcept {
+  /// counterpart. Whether texts of four units and more are told by it.
+  bool Require(std::ptrdiff_t place, XCHAR unit, bool caseSensitive) noexcept {
     constexpr auto kEnd = static_cast<std::ptrdiff_t>(kEndUnits);
-    if (place < -kEnd || place >= kEnd || (!caseSensitive && unit >= 0x80)) return;
+    if (place < -kEnd || place >= kEnd || (!caseSensitive && unit >= 0x80)) return false;
     const std::size_t at = place < 0 ? kTextBlock - static_cast<std::size_t>(-place) : static_cast<std::size_t>(place);
     const XCHAR folded = FoldUnit(unit);
     const bool hasCase = folded >= XTEXT('a') && folded <= XTEXT('z');
     mask_[at] = static_cast<XCHAR>(hasCase && !caseSensitive ? ~0x20 : ~0);  // the bit that tells the two cases apart
     wanted_[at] = static_cast<XCHAR>(unit & mask_[at]);
+    return true;
   }
 
   /// False only for a text that does not match. Texts of less than four units are told by their length alone.

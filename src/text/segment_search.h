@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "text/short_text.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::text {
@@ -22,6 +23,17 @@ class SegmentSearch {
   explicit SegmentSearch(XString units);
 
   std::size_t Units() const noexcept { return units_.size(); }
+
+  /// The places of a short text where the segment matches, wherever the text ends.
+  unsigned PlacesIn(const ShortText& text) const {
+    unsigned places = ~0U;
+    unsigned at = 0;
+    for (const XCHAR unit : units_) {
+      if (unit != kAnyUnit) places &= text.PlacesOf(unit) >> at;
+      ++at;
+    }
+    return places;
+  }
 
   /// The first place where the segment matches, unit by unit as they are; npos when there is none. `text` has no more
   /// units than a cell's text, and kTextBlock more behind it may be read.

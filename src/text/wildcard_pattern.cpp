@@ -1,6 +1,7 @@
 #include "text/wildcard_pattern.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "frame/errors/exceptions.h"
 #include "frame/text/lower_case.h"
@@ -23,14 +24,15 @@ inline bool MatchesPart(const XCHAR* text, const XString& part) {
   return true;
 }
 
-/// Adds to a reject how texts begin and end.
-QuickReject WithEnds(QuickReject reject, XStringView prefix, XStringView suffix, bool caseSensitive) {
+/// Adds to a reject how texts begin and end. Whether it then tells all of that.
+bool RequireEnds(QuickReject& reject, XStringView prefix, XStringView suffix, bool caseSensitive) {
+  bool isAll = true;
   for (std::size_t at = 0; at < prefix.size(); ++at)
-    if (prefix[at] != kAnyUnit) reject.Require(static_cast<std::ptrdiff_t>(at), prefix[at], caseSensitive);
+    if (prefix[at] != kAnyUnit) isAll &= reject.Require(static_cast<std::ptrdiff_t>(at), prefix[at], caseSensitive);
   for (std::size_t back = 1; back <= suffix.size(); ++back)
     if (const XCHAR unit = suffix[suffix.size() - back]; unit != kAnyUnit)
-      reject.Require(-static_cast<std::ptrdiff_t>(back), unit, caseSensitive);
-  return reject;
+      isAll &= reject.Require(-static_cast<std::ptrdiff_t>(back), unit, caseSensitive);
+  return isAll;
 }
 
 }  // namespace
@@ -57,7 +59,9 @@ WildcardPattern::WildcardPattern(XStringView pattern, bool caseSensitive)
   const std::size_t least = prefix_.size() - std::count(prefix_.begin(), prefix_.end(), kStar);
   const std::size_t firstStar = prefix_.find(kStar);
   if (firstStar == XString::npos) {
-    RejectBy(WithEnds({least, least}, prefix_, prefix_, caseSensitive));
+    QuickReject reject(least, least);
+    endsAreTold_ = RequireEnds(reject, prefix_, prefix_, caseSensitive);
+    RejectBy(reject);
     return;
   }
   std::size_t star = firstStar;
@@ -65,7 +69,9 @@ WildcardPattern::WildcardPattern(XStringView pattern, bool caseSensitive)
     if (next > star + 1) middle_.emplace_back(prefix_.substr(star + 1, next - star - 1));
   suffix_ = prefix_.substr(star + 1);
   prefix_.resize(firstStar);
-  RejectBy(WithEnds({least, XStringView::npos}, prefix_, suffix_, caseSensitive));
+  QuickReject reject(least, XStringView::npos);
+  endsAreTold_ = RequireEnds(reject, prefix_, suffix_, caseSensitive);
+  RejectBy(reject);
 }
 
 bool WildcardPattern::MatchesInFull(XStringView text) const {
@@ -76,12 +82,30 @@ bool WildcardPattern::MatchesInFull(XStringView text) const {
 
 template <bool caseSensitive>
 inline bool WildcardPattern::MatchesCased(XStringView text) const {
+  if (endsAreTold_ && ShortText::Fits(text.size())) {
+    if (middle_.empty()) return true;
+    ShortText units(text);
+    if (caseSensitive || units.FoldAscii()) return MatchesMiddle(units, text.size());
+  }
   if (!MatchesPart<caseSensitive>(text.data(), prefix_)) return false;
   if (!MatchesPart<caseSensitive>(text.data() + text.size() - suffix_.size(), suffix_)) return false;
   if (middle_.empty()) return true;
   const XStringView middle(text.data() + prefix_.size(), text.size() - prefix_.size() - suffix_.size());
   constexpr std::size_t kShort = 256;
   return middle.size() <= kShort ? MatchesMiddle<kShort>(middle) : MatchesMiddle<kXlMaxText>(middle);
+}
+
+bool WildcardPattern::MatchesMiddle(const ShortText& text, std::size_t size) const {
+  std::size_t begin = prefix_.size();
+  const std::size_t end = size - suffix_.size();
+  for (const SegmentSearch& segment : middle_) {
+    if (begin + segment.Units() > end) return false;
+    const unsigned all = (2U << (end - segment.Units())) - (1U << begin);
+    const unsigned places = segment.PlacesIn(text) & all;
+    if (places == 0) return false;
+    begin = static_cast<std::size_t>(std::countr_zero(places)) + segment.Units();
+  }
+  return true;
 }
 
 /// Out of line, so that a short text does not pay for the room of a long one.

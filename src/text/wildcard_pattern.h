@@ -26,12 +26,14 @@ class WildcardPattern : public TextMatcher {
   bool MatchesInFull(XStringView text) const override;
   template <bool caseSensitive>
   bool MatchesCased(XStringView text) const;
+  bool MatchesMiddle(const ShortText& text, std::size_t size) const;
   template <std::size_t kRoom>
   bool MatchesMiddle(XStringView middle) const;
 
   bool caseSensitive_;
-  XString prefix_;                     ///< before the first star; all units here are in lower case unless case counts
-  XString suffix_;                     ///< behind the last star
+  bool endsAreTold_;  ///< of texts of four units and more by the reject, so that nothing but the middle is left to test
+  XString prefix_;    ///< before the first star; all units here are in lower case unless case counts
+  XString suffix_;    ///< behind the last star
   std::vector<SegmentSearch> middle_;  ///< between two stars, none empty
 };
 
