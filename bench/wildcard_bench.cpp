@@ -2,27 +2,22 @@
 // argument is the number of texts; about one in ten gets beyond the ends of the pattern.
 #include <benchmark/benchmark.h>
 
-#include <vector>
+#include <algorithm>
+#include <random>
 
+#include "bench/host_array.h"
 #include "frame/text/lower_case.h"
 #include "text/wildcard_pattern.h"
 
 namespace quillmere {
 namespace {
 
-constexpr std::size_t kTextUnits = 8;
-
-/// Texts of a letter and seven digits, one behind the other.
-std::vector<XCHAR> Texts(std::int64_t count) {
-  std::vector<XCHAR> units;
-  units.reserve(count * kTextUnits);
-  for (std::int64_t text = 0; text < count; ++text) {
-    units.push_back(XTEXT('K'));
-    const std::int64_t number = text * 7'919 % 9'999'991;
-    for (std::int64_t power = 1'000'000; power != 0; power /= 10)
-      units.push_back(static_cast<XCHAR>(XTEXT('0') + number / power % 10));
-  }
-  return units;
+/// A column of texts of a letter and seven digits.
+HostArray Texts(std::int64_t count) {
+  HostArray texts(static_cast<int>(count), 1);
+  std::mt19937 random(1);
+  for (std::int64_t row = 0; row < count; ++row) texts.SetText(row, CountedText(XTEXT('K'), random() % 10'000'000));
+  return texts;
 }
 
 bool MatchesByGoingBack(XStringView pattern, XStringView text) {
@@ -50,11 +45,11 @@ bool MatchesByGoingBack(XStringView pattern, XStringView text) {
 
 template <class Match>
 void Filter(benchmark::State& state, const Match& matches) {
-  const std::vector<XCHAR> texts = Texts(state.range(0));
+  const HostArray texts = Texts(state.range(0));
   std::int64_t found = 0;
   for (auto _ : state) {
     found = 0;
-    for (std::size_t at = 0; at < texts.size(); at += kTextUnits) found += matches(XStringView(&texts[at], kTextUnits));
+    for (const XLOPER12& cell : texts.cells) found += IsTextCell(cell) && matches(TextOf(cell));
     benchmark::DoNotOptimize(found);
   }
   state.counters["found"] = static_cast<double>(found);
@@ -76,6 +71,28 @@ void FilterByPattern(benchmark::State& state, bool caseSensitive) {
 }
 BENCHMARK_CAPTURE(FilterByPattern, AnyCase, false)->Apply(AllSizes);
 BENCHMARK_CAPTURE(FilterByPattern, CaseSensitive, true)->Apply(AllSizes);
+
+/// As engines do it, which know a matcher, whatever it is, and hand over some rows at a time.
+void FilterInBatches(benchmark::State& state) {
+  constexpr std::size_t kRows = 1024;
+  const text::WildcardPattern pattern(XTEXT("K*5?7*3"), false);
+  const text::TextMatcher* matcher = &pattern;
+  benchmark::DoNotOptimize(matcher);
+  const HostArray texts = Texts(state.range(0));
+  std::size_t found = 0;
+  for (auto _ : state) {
+    found = 0;
+    std::uint16_t places[kRows];
+    for (std::size_t first = 0; first < texts.cells.size(); first += kRows) {
+      const std::size_t count = std::min(kRows, texts.cells.size() - first);
+      found += matcher->Keep(&texts.cells[first], 1, text::EveryPlace{}, count, places,
+                             [](const XLOPER12&) { return false; });
+      benchmark::DoNotOptimize(places);
+    }
+  }
+  state.counters["found"] = static_cast<double>(found);
+}
+BENCHMARK(FilterInBatches)->Apply(AllSizes);
 
 /// One text of 30,000 units against patterns that nearly match everywhere.
 void NearMatches(benchmark::State& state, const XString& segment) {

@@ -1,13 +1,21 @@
 // The one interface of all that texts are matched against.
 #pragma once
 
+#include <cstddef>
+
+#include "frame/values/cell.h"
 #include "text/quick_reject.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::text {
 
+/// The first places of a column, all of them.
+struct EveryPlace {
+  std::size_t operator[](std::size_t place) const noexcept { return place; }
+};
+
 /// A pattern made ready, once for a pattern and a call. It does not change after that, and matching allocates nothing.
-/// In a loop over many texts those that the quick reject tells cost no call.
+/// Of many texts those that the quick reject tells cost no call.
 class TextMatcher {
  public:
   TextMatcher(const TextMatcher&) = delete;
@@ -16,6 +24,36 @@ class TextMatcher {
 
   /// Whether a text matches. Texts are a cell's, 32,767 units at most.
   bool Matches(XStringView text) const { return reject_.Passes(text) && MatchesInFull(text); }
+
+  /// Tests `count` cells of a column, `stride` cells apart from `first` on: those at `places`, counted from 0, a
+  /// pointer to numbers or EveryPlace. The places of the texts that match are written to `kept`, in their order, and so
+  /// are those of the other cells for which `others(cell)` is true. `kept` has room for them all and may be `places`.
+  /// Returns how many were kept.
+  template <class Places, class Place, class Others>
+  std::size_t Keep(const XLOPER12* first, std::ptrdiff_t stride, const Places& places, std::size_t count, Place* kept,
+                   const Others& others) const {
+    // Which texts are rejected is as good as random, so that no branch is taken on it; those that are left come after.
+    const QuickReject reject = reject_;
+    std::size_t left = 0;
+    const auto keepUnlessRejected = [&](Place place) {
+      const XLOPER12& cell = first[place * stride];
+      kept[left] = place;
+      left += !IsTextCell(cell) || reject.Passes(TextOf(cell));
+    };
+    std::size_t i = 0;
+    for (; i + kTextsAhead < count; ++i) {
+      PrefetchText(first[places[i + kTextsAhead] * stride]);
+      keepUnlessRejected(static_cast<Place>(places[i]));
+    }
+    for (; i < count; ++i) keepUnlessRejected(static_cast<Place>(places[i]));
+
+    std::size_t matched = 0;
+    for (i = 0; i < left; ++i) {
+      const XLOPER12& cell = first[kept[i] * stride];
+      if (IsTextCell(cell) ? MatchesInFull(TextOf(cell)) : others(cell)) kept[matched++] = kept[i];
+    }
+    return matched;
+  }
 
  protected:
   TextMatcher() = default;
@@ -26,6 +64,8 @@ class TextMatcher {
  private:
   /// Whether a text that was not rejected matches.
   virtual bool MatchesInFull(XStringView text) const = 0;
+
+  static constexpr std::size_t kTextsAhead = 24;  ///< whose memory is asked for before they are read
 
   QuickReject reject_;
 };
