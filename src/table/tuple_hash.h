@@ -68,14 +68,6 @@ class HashBatch {
     return ordinary;
   }
 
-  /// Asks for a cell that is read much later, into a cache that holds more than the first.
-  static void PrefetchFarCell(const XLOPER12* cell) noexcept {
-    constexpr int kForReading = 0;
-    constexpr int kSecondCache = 2;
-    __builtin_prefetch(&cell->val, kForReading, kSecondCache);
-    __builtin_prefetch(&cell->xltype, kForReading, kSecondCache);
-  }
-
   static bool IsNan(const XLOPER12& cell) { return IsNumberCell(cell) && cell.val.num != cell.val.num; }
 
   const Tuples& tuples_;

@@ -42,6 +42,7 @@ class TextMatcher {
     };
     std::size_t i = 0;
     for (; i + kTextsAhead < count; ++i) {
+      if (i + kCellsAhead < count) PrefetchFarCell(&first[places[i + kCellsAhead] * stride]);
       PrefetchText(first[places[i + kTextsAhead] * stride]);
       keepUnlessRejected(static_cast<Place>(places[i]));
     }
@@ -65,6 +66,7 @@ class TextMatcher {
   /// Whether a text that was not rejected matches.
   virtual bool MatchesInFull(XStringView text) const = 0;
 
+  static constexpr std::size_t kCellsAhead = 128;
   static constexpr std::size_t kTextsAhead = 24;  ///< whose memory is asked for before they are read
 
   QuickReject reject_;
