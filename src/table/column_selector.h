@@ -17,8 +17,7 @@ struct SelectedColumns {
 /// Resolves the entries of a selector, the cells of its first row, against the columns of `table`, whose first row
 /// holds the labels. A number is cut to a whole one and must lie within 1 and the table's width. A label is searched by
 /// Excel's MATCH in a reference (its rules: any case, wildcards); in an array it must equal a text cell when both are
-/// folded, the first such counting. Any other entry fails. A callback that fails raises CXlErrorException with
-/// #VALUE!.
+/// folded, the first such counting. Any other entry fails, as does a label for which MATCH fails.
 SelectedColumns SelectColumns(const CXlCells& selector, const TableView& table);
 
 /// The same across: rows of a table whose first column holds the labels.

@@ -7,7 +7,8 @@
 namespace quillmere {
 
 std::int32_t ExcelLabels::Find(const XLOPER12& label) const {
-  const CXlOper position = CallExcelOrValueError(xlfMatch, CXlOper::BorrowCell(label), header_, IntegerCell(0));
+  CXlOper position;
+  TryCallExcel(position, xlfMatch, CXlOper::BorrowCell(label), header_, IntegerCell(0));
   std::int32_t place = 0;
   if (position.IsNumber() || position.IsInteger()) TruncateToInteger(position.AsNumber(), place);
   return place >= 1 ? place - 1 : kNoPlace;

@@ -26,8 +26,7 @@ class ExcelLabels {
   /// `header` is a reference to the labels, one row or one column.
   explicit ExcelLabels(CXlOper header) noexcept : header_(std::move(header)) {}
 
-  /// The 0-based place of the first label that Excel's MATCH takes for a text, or kNoPlace. A callback that fails
-  /// raises CXlErrorException with #VALUE!.
+  /// The 0-based place of the first label that Excel's MATCH takes for a text, or kNoPlace, also when MATCH fails.
   std::int32_t Find(const XLOPER12& label) const;
 
  private:
