@@ -101,6 +101,20 @@ class CXlComException : public CXlRuntimeException {
   std::int32_t result_;
 };
 
+/// An expression that the library of regular expressions does not compile, or that cannot be compiled safely. The
+/// message is the library's.
+class CXlBadRegexException : public CXlRuntimeException {
+ public:
+  using CXlRuntimeException::CXlRuntimeException;
+};
+
+/// Matching a regular expression that went beyond what a call may spend on it, or beyond the library's own bounds; the
+/// message is the library's.
+class CXlRegexLimitException : public CXlRuntimeException {
+ public:
+  using CXlRuntimeException::CXlRuntimeException;
+};
+
 /// Excel wants the worksheet function that runs to return at once: a callback answered xlretAbort or xlretUncalced.
 /// Only xlFree may be called from then on, and the cell shows #VALUE!, until Excel calls again. It stands outside the
 /// tree, so that whoever makes something of a failure lets it pass: the wrapper alone catches it.

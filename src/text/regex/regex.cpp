@@ -1,0 +1,45 @@
+#include "text/regex/regex.h"
+
+#include "frame/entry/thread_stack.h"
+#include "frame/locale/regex_traits.h"
+#include "frame/values/cell_copy.h"
+#include "text/regex/lookbehind.h"
+#include "text/regex/regex_steps.h"
+
+namespace quillmere::text {
+namespace {
+
+/// What the library takes of the stack for groups nested as deeply as it allows, and a throw from there.
+constexpr std::size_t kStackToCompile = 256 * 1024;
+
+}  // namespace
+
+struct Regex::Compiled {
+  LibraryRegex expression;
+  boost::match_results<RegexPlace> match;
+};
+
+Regex::Regex(XStringView expression, LetterCase letterCase) : compiled_(std::make_unique<Compiled>()) {
+  // A copy: the host's memory is read here alone, and the library looks at the unit behind the last.
+  XString own;
+  AssignText(own, expression);
+  if (!HasMeasurableLookbehinds(own))
+    throw CXlBadRegexException(XTEXT("Invalid lookbehind assertion encountered in the regular expression."));
+  if (StackLeft() < kStackToCompile) throw CXlBadRegexException(LibraryMessage(boost::regex_constants::error_stack));
+  const auto anyCase = letterCase == LetterCase::kIgnored ? boost::regex_constants::icase : 0;
+  CompileByLibrary([&] { compiled_->expression.assign(own, boost::regex_constants::perl | anyCase); });
+}
+
+Regex::Regex(Regex&&) noexcept = default;
+Regex& Regex::operator=(Regex&&) noexcept = default;
+Regex::~Regex() = default;
+
+bool Regex::IsFoundIn(XStringView text, RegexBudget& budget) const {
+  RegexSteps steps(text.size(), budget);
+  return MatchByLibrary([&] {
+    return boost::regex_search(RegexPlace(text.data(), steps), RegexPlace(text.data() + text.size(), steps),
+                               compiled_->match, compiled_->expression, boost::regex_constants::match_any);
+  });
+}
+
+}  // namespace quillmere::text

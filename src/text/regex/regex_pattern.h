@@ -1,0 +1,26 @@
+// Regular expressions as something that texts are matched against.
+#pragma once
+
+#include "frame/locale/collation.h"
+#include "text/regex/regex.h"
+#include "text/regex/regex_budget.h"
+#include "text/text_matcher.h"
+#include "xlcall/xchar.h"
+
+namespace quillmere::text {
+
+/// An expression that a text matches when it is found anywhere in it. CXlBadRegexException for one that does not
+/// compile; when the call is past its budget, matching a text that takes more than its own steps is
+/// CXlRegexLimitException.
+class RegexPattern : public TextMatcher {
+ public:
+  RegexPattern(XStringView expression, RegexBudget& budget, LetterCase letterCase = LetterCase::kIgnored);
+
+ private:
+  bool MatchesInFull(XStringView text) const override;
+
+  Regex regex_;
+  RegexBudget& budget_;
+};
+
+}  // namespace quillmere::text
