@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Names that say nothing, and system code without its twin. What only Windows needs has a header that says so, x_windows.h,
-# for other *_windows files alone.
+# for other *_windows files alone, and for x.h where that chooses between twins.
 set -euo pipefail
 
 status=0
