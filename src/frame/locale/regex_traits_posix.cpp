@@ -103,7 +103,9 @@ std::uint32_t TypesOfCategory(XCHAR unit) {
 /// What Windows says of a unit.
 std::uint32_t TypesOf(XCHAR unit) {
   std::uint32_t types = TypesOfCategory(unit);
-  if (u_isxdigit(unit)) types |= kHexDigit;
+  // A full-width unit is a hexadecimal digit where its ASCII counterpart is one.
+  const UChar32 narrow = unit >= 0xFF01 && unit <= 0xFF5E ? unit - 0xFEE0 : unit;
+  if (narrow < 0x80 && u_isxdigit(narrow)) types |= kHexDigit;
   if (IsOneOf(unit, XTEXT("\t\n\v\f\r\u0085"))) types |= kSpace;
   if (IsOneOf(unit, XTEXT("\t \u00A0\u3000\uFEFF"))) types |= kBlank;
   if (IsOneOf(unit, XTEXT("\u00AA\u00BA\u2071\u207F"))) types |= kLower;

@@ -12,10 +12,20 @@ namespace {
 /// What the library takes of the stack for groups nested as deeply as it allows, and a throw from there.
 constexpr std::size_t kStackToCompile = 256 * 1024;
 
+/// Whether the expression may call one of its groups, or itself.
+bool MayCall(XStringView expression) {
+  for (std::size_t at = 0; (at = expression.find(XTEXT("(?"), at)) != XStringView::npos; ++at) {
+    const XStringView what = expression.substr(at + 2, 1);
+    if (what.find_first_of(XTEXT("R&P+-0123456789")) != XStringView::npos) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 struct Regex::Compiled {
   LibraryRegex expression;
+  StepLength stepLength;
   boost::match_results<RegexPlace> match;
 };
 
@@ -26,6 +36,7 @@ Regex::Regex(XStringView expression, LetterCase letterCase) : compiled_(std::mak
   if (!HasMeasurableLookbehinds(own))
     throw CXlBadRegexException(XTEXT("Invalid lookbehind assertion encountered in the regular expression."));
   if (StackLeft() < kStackToCompile) throw CXlBadRegexException(LibraryMessage(boost::regex_constants::error_stack));
+  compiled_->stepLength = MayCall(own) ? StepLength::kAny : StepLength::kShort;
   const auto anyCase = letterCase == LetterCase::kIgnored ? boost::regex_constants::icase : 0;
   CompileByLibrary([&] { compiled_->expression.assign(own, boost::regex_constants::perl | anyCase); });
 }
@@ -35,7 +46,7 @@ Regex& Regex::operator=(Regex&&) noexcept = default;
 Regex::~Regex() = default;
 
 bool Regex::IsFoundIn(XStringView text, RegexBudget& budget) const {
-  RegexSteps steps(text.size(), budget);
+  RegexSteps steps(text.size(), compiled_->stepLength, budget);
   return MatchByLibrary([&] {
     return boost::regex_search(RegexPlace(text.data(), steps), RegexPlace(text.data() + text.size(), steps),
                                compiled_->match, compiled_->expression, boost::regex_constants::match_any);

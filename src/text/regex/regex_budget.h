@@ -16,21 +16,25 @@ class RegexBudget {
   RegexBudget& operator=(const RegexBudget&) = delete;
 
   /// Whether nothing is left: whatever takes more than a text's own steps then fails at once.
-  bool IsSpent() const noexcept { return steps_ == 0 || time_ >= kMilliseconds; }
+  bool IsSpent() const noexcept { return steps_ == 0; }
 
  private:
   friend class RegexSteps;
 
   static constexpr std::int64_t kSteps = 20'000'000;
-  static constexpr std::uint64_t kMilliseconds = 1'000;
+  static constexpr std::int64_t kMicroseconds = 1'000'000;
 
-  /// The thread's processor time as of the latest tick of the coarse clock: asking costs more than the steps between.
-  std::uint64_t Now() noexcept;
+  /// The thread's processor time in microseconds as of the latest tick of the coarse clock: asking costs more than many
+  /// steps.
+  std::int64_t Now() noexcept;
+  /// Notes time that was used, less what comes with it for nothing.
+  void Use(std::int64_t microseconds, std::int64_t forNothing) noexcept;
 
   std::int64_t steps_ = kSteps;
-  std::uint64_t time_ = 0;    ///< milliseconds that paid steps took
-  std::uint64_t asked_ = 0;   ///< when the thread's time was asked for
-  std::uint64_t answer_ = 0;  ///< what it was
+  std::int64_t paidTime_ = 0;  ///< of paid steps
+  std::int64_t slowTime_ = 0;  ///< of a text's own steps, beyond what those may take
+  std::uint64_t asked_ = 0;    ///< when the thread's time was asked for
+  std::int64_t answer_ = 0;    ///< what it was
 };
 
 }  // namespace quillmere::text

@@ -4,6 +4,7 @@
 #include "frame/locale/collation.h"
 #include "text/regex/regex.h"
 #include "text/regex/regex_budget.h"
+#include "text/regex/required_units.h"
 #include "text/text_matcher.h"
 #include "xlcall/xchar.h"
 
@@ -20,6 +21,7 @@ class RegexPattern : public TextMatcher {
   bool MatchesInFull(XStringView text) const override;
 
   Regex regex_;
+  RequiredUnits required_;
   RegexBudget& budget_;
 };
 

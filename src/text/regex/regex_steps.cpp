@@ -5,30 +5,47 @@
 #include "frame/locale/regex_library.h"
 
 namespace quillmere::text {
+namespace {
 
-[[gnu::cold]] void RegexSteps::Pay() {
-  constexpr std::int64_t kBetweenLooks = 4'096;
-  if (!pays_) since_ = budget_.Now();
-  pays_ = true;
-  TakeTime();
-  if (budget_.IsSpent()) {
-    left_ = 0;
-    throw CXlRegexLimitException(LibraryMessage(boost::regex_constants::error_complexity));
-  }
-  left_ = std::min(budget_.steps_, kBetweenLooks);
-  budget_.steps_ -= left_;
-  --left_;
+constexpr std::int64_t kOwnSteps = 64;            ///< for a text, and for each of its units
+constexpr std::int64_t kBetweenLooks = 4'096;     ///< steps between two looks at the clock
+constexpr std::int64_t kStepsInAMicrosecond = 2;  ///< when they are slow; most take a hundredth of that
+
+}  // namespace
+
+RegexSteps::RegexSteps(std::size_t units, StepLength length, RegexBudget& budget) noexcept
+    : own_(kOwnSteps * (1 + static_cast<std::int64_t>(units))), budget_(budget), isTimed_(length == StepLength::kAny) {
+  left_ = taken_ = isTimed_ ? std::min(own_, kBetweenLooks) : own_;
+  own_ -= taken_;
+  if (isTimed_) since_ = budget_.Now();
 }
 
-void RegexSteps::TakeTime() noexcept {
-  const std::uint64_t now = budget_.Now();
-  budget_.time_ += now - since_;
+[[gnu::cold]] void RegexSteps::TakeMore() {
+  left_ = 0;
+  if (isTimed_) UseTime();
+  if (own_ == 0 && !pays_) {
+    pays_ = true;
+    if (!isTimed_) since_ = budget_.Now();
+    isTimed_ = true;
+  }
+  taken_ = std::min(pays_ ? budget_.steps_ : own_, kBetweenLooks);
+  if (budget_.IsSpent()) {
+    taken_ = 0;
+    throw CXlRegexLimitException(LibraryMessage(boost::regex_constants::error_complexity));
+  }
+  (pays_ ? budget_.steps_ : own_) -= taken_;
+  left_ = taken_ - 1;
+}
+
+void RegexSteps::UseTime() noexcept {
+  const std::int64_t now = budget_.Now();
+  budget_.Use(now - since_, pays_ ? 0 : (taken_ - left_) / kStepsInAMicrosecond);
   since_ = now;
 }
 
-[[gnu::cold]] void RegexSteps::StopPaying() noexcept {
-  TakeTime();
-  budget_.steps_ += left_;
+[[gnu::cold]] void RegexSteps::Stop() noexcept {
+  UseTime();
+  if (pays_ && !budget_.IsSpent()) budget_.steps_ += left_;
 }
 
 }  // namespace quillmere::text

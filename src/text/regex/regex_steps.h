@@ -11,34 +11,37 @@
 
 namespace quillmere::text {
 
+/// How long a step takes: in an expression that calls itself it may be as long as the text, which nothing else bounds.
+enum class StepLength { kShort, kAny };
+
 /// The steps of one text.
 class RegexSteps {
  public:
-  RegexSteps(std::size_t units, RegexBudget& budget) noexcept
-      : left_(kOwn * (1 + static_cast<std::int64_t>(units))), budget_(budget) {}
+  RegexSteps(std::size_t units, StepLength length, RegexBudget& budget) noexcept;
   RegexSteps(const RegexSteps&) = delete;
   RegexSteps& operator=(const RegexSteps&) = delete;
   ~RegexSteps() {
-    if (pays_) StopPaying();
+    if (isTimed_) Stop();
   }
 
   /// Counts one; CXlRegexLimitException where none is left.
   void Count() {
     if (--left_ < 0) [[unlikely]]
-      Pay();
+      TakeMore();
   }
 
  private:
-  static constexpr std::int64_t kOwn = 64;  ///< for a text, and for each of its units
+  void TakeMore();
+  void Stop() noexcept;
+  void UseTime() noexcept;
 
-  void Pay();
-  void StopPaying() noexcept;
-  void TakeTime() noexcept;
-
-  std::int64_t left_;
+  std::int64_t left_;   ///< of those taken last
+  std::int64_t taken_;  ///< how many these were
+  std::int64_t own_;    ///< the text's own that are still to be taken
   RegexBudget& budget_;
+  bool isTimed_;
   bool pays_ = false;
-  std::uint64_t since_ = 0;  ///< when the steps began whose time is not taken yet
+  std::int64_t since_ = 0;  ///< when the steps taken last began
 };
 
 /// A place in a text that counts the looks at it.
