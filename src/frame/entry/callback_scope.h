@@ -15,7 +15,7 @@ class CallbackScope {
   ~CallbackScope();
 
  private:
-  FaultGuard* guard_;
+  [[maybe_unused]] FaultGuard* guard_;  ///< nothing natively
 };
 
 }  // namespace quillmere

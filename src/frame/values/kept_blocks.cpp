@@ -24,7 +24,7 @@ constexpr std::size_t kMostKeptBlocks = kMostKeptBytes / kLeastKeptBytes;
 
 // Constant-initialized, and never destroyed: threads may end, and give results back, after the library's own objects.
 constinit std::atomic_flag busy;
-constinit KeptBlock kept[kMostKeptBlocks];
+constinit KeptBlock kept[kMostKeptBlocks] = {};
 constinit std::atomic<std::size_t> keptCount{0};
 constinit std::size_t keptBytes = 0;
 constinit std::uint64_t lastNumber = 0;
