@@ -183,3 +183,18 @@ checks_suite() {
   done
   report checks "$good" "$bad"
 }
+
+# fuzzers_suite NAME: every fuzzer of the build for some seconds, from what earlier runs came upon. What one fails on
+# stays in its corpus.
+fuzzers_suite() {
+  local name=$1 log=$logs/$1.log fuzzer good=0 bad=0
+  : >"$log"
+  for fuzzer in build/fuzz/bin/fuzzers/fuzz_*; do
+    if fuzz_for 5 "$fuzzer" >>"$log" 2>&1; then
+      good=$((good + 1))
+    else
+      bad=$((bad + 1))
+    fi
+  done
+  report "$name" "$good" "$bad"
+}

@@ -37,6 +37,8 @@ each_suite() {
     "$@" unit      windows unit_tests               whole  'unit tests, Windows'    program windows unit_tests
     "$@" models    windows model_tests              whole  'models, Windows'        program windows model_tests
 
+    "$@" fuzz      fuzz    fuzzers                  whole  'fuzzers'                fuzzers
+
     "$@" host      tsan    host_tests               whole  'host tests, tsan'       program tsan host_tests
     "$@" unit      tsan    unit_tests               whole  'unit tests, tsan'       program tsan unit_tests
     "$@" faults    tsan    fault_tests              whole  'faults, tsan'           program tsan fault_tests \
@@ -52,7 +54,7 @@ declare -A wanted=()
 want() {
   local part
   case $1 in
-    checks | faults | generator | guard | models | scripts | unit) wanted[$1]=all ;;
+    checks | faults | fuzz | generator | guard | models | scripts | unit) wanted[$1]=all ;;
     host)
       wanted[host]=all
       want_some scripts host windows
@@ -87,18 +89,22 @@ run_in() {
 # run_tests [WORD...]: the parts of that name, or all; native ones first, since their build is the cheapest.
 run_tests() {
   local word build targets
-  (($#)) || set -- checks faults generator guard host models scripts unit
+  (($#)) || set -- checks faults fuzz generator guard host models scripts unit
   for word in "$@"; do
     want "$word" || {
-      echo "no tests named '$word'. There are checks, faults, generator, guard, host, models, scripts, unit, and of a" \
+      echo "no tests named '$word'. There are checks, faults, fuzz, generator, guard, host, models, scripts, unit, and of a" \
         "family: $(families | paste -sd ' ')" >&2
       return 2
     }
   done
   begin_runs
-  for build in asan windows tsan; do
+  for build in asan windows fuzz tsan; do
     mapfile -t targets < <(each_suite targets_in "$build" | sort -u)
     ((${#targets[@]})) || continue
+    if [[ $build == fuzz ]] && ! command -v clang++ >/dev/null; then
+      echo 'no clang++ installed: the fuzzers are passed over' >&2
+      continue
+    fi
     build_preset "$build" "${targets[@]}"
     [[ $build != windows ]] || enter_wine
     each_suite run_in "$build"
