@@ -1,0 +1,67 @@
+#include "criteria/prepare_criterion.h"
+
+#include <algorithm>
+
+#include "frame/callbacks/callbacks.h"
+#include "text/regex/regex_pattern.h"
+#include "text/wildcard_pattern.h"
+
+namespace quillmere::criteria {
+namespace {
+
+/// Whether texts that cells are compared with are read as numbers too.
+bool ReadsNumbers(CriterionKind kind) {
+  switch (kind) {
+    case CriterionKind::kLessEqual:
+    case CriterionKind::kGreaterEqual:
+    case CriterionKind::kLess:
+    case CriterionKind::kGreater:
+    case CriterionKind::kEqual:
+    case CriterionKind::kNotEqual:
+    case CriterionKind::kPlain:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// False only for texts that VALUE refuses in every language: it reads no number, date or time without a digit, and
+/// all digits but 0 to 9 lie beyond ASCII. Lists of words then cost no calls.
+bool MayBeNumber(XStringView text) {
+  return std::any_of(text.begin(), text.end(),
+                     [](XCHAR unit) { return (unit >= XTEXT('0') && unit <= XTEXT('9')) || unit >= 0x80; });
+}
+
+void ReadNumber(Criterion& criterion) {
+  CXlOper value;
+  if (TryCallExcel(value, xlfValue, CXlOper::Text(criterion.text)) != xlretSuccess) return;
+  if (!value.IsNumber() && !value.IsInteger()) return;
+  criterion.number = value.AsNumber();
+  criterion.plainMask |= cell_type::kNumber;
+}
+
+void MakePattern(Criterion& criterion, text::RegexBudget& budget) {
+  if (criterion.text.empty()) return;
+  if (criterion.kind == CriterionKind::kLike) {
+    criterion.pattern = std::make_unique<text::WildcardPattern>(criterion.text, false);
+    return;
+  }
+  try {
+    criterion.pattern = std::make_unique<text::RegexPattern>(criterion.text, budget);
+  } catch (const CXlBadRegexException&) {
+    criterion.isUnusable = true;
+  }
+}
+
+}  // namespace
+
+void PrepareCriterionValue(Criterion& criterion, text::RegexBudget& budget) {
+  criterion.ownMask = criterion.plainMask = criterion.valueType;
+  if (criterion.valueType != cell_type::kText) return;
+  if (criterion.kind == CriterionKind::kLike || criterion.kind == CriterionKind::kRegex)
+    return MakePattern(criterion, budget);
+  if (criterion.text.empty()) criterion.plainMask |= cell_type::kEmpty;
+  if (ReadsNumbers(criterion.kind) && MayBeNumber(criterion.text)) ReadNumber(criterion);
+}
+
+}  // namespace quillmere::criteria
