@@ -101,7 +101,7 @@ class CallMaker : private models::Draws {
   void DrawForms() {
     constexpr Form kForms[] = {Form::kNumber,  Form::kNumber, Form::kNumber, Form::kLabel, Form::kLabel,
                                Form::kOneCell, Form::kRange,  Form::kRange,  Form::kArray};
-    const std::int32_t pairs = Below(Chance(50) ? 4 : 7);
+    const std::int32_t pairs = Chance(2) ? 18 : Below(Chance(50) ? 4 : 7);
     for (std::int32_t pair = 0; pair < pairs; ++pair) {
       const bool hasCriteria = columnOf_.end() != std::find_if(columnOf_.begin(), columnOf_.end(),
                                                                [](std::int32_t column) { return column >= 0; });
