@@ -61,9 +61,9 @@ class CallMaker : private models::Draws {
       call_.pairs.push_back(MakePair(pair));
     }
     const std::int32_t spoilt = Chance(8) ? Below(6) : -1;
-    SpoilColumns(spoilt);
+    Spoil(spoilt);
     DeclareOrder();
-    SpoilTheRest(spoilt);
+    if (spoilt == 5) call_.sortedCount = PickOf({Value::Missing(), TextValue(XTEXT("1")), Value::Error(xlerrNum)});
     return std::move(call_);
   }
 
@@ -293,6 +293,7 @@ class CallMaker : private models::Draws {
     const FilterFunction* function = call_.function;
     call_.function = &kFilterFunctions[0];
     const Question question = ReadQuestion(call_);
+    if (!function->isSorted) call_.function = function;
     if (question.failure) return;
     const std::int32_t direction = order_ < 0 ? -1 : 1;
     std::vector<std::vector<const Condition*>> groups(1);
@@ -306,34 +307,28 @@ class CallMaker : private models::Draws {
       counts.push_back(direction * ((Chance(80) ? most : Below(most + 1)) + (Chance(90) ? 0 : 0.9)));
     }
     const bool canBeSorted = groups[0].empty() || (direction > 0 && counts[0] >= 1);
-    if (!function->isSorted || canBeSorted) call_.function = function;
+    if (canBeSorted) call_.function = function;
     call_.sortedCount = Chance(95) ? Value::Number(counts[0]) : OneCell(CellView::Number(counts[0]));
     std::size_t group = 0;
     for (std::size_t pair = 0; pair < forms_.size(); ++pair)
       if (forms_[pair] == Form::kMark) call_.pairs[pair].criterion = Value::Number(counts[++group]);
   }
 
-  void SpoilColumns(std::int32_t spoilt) {
-    const Value bad = PickOf({Value::Number(0), Value::Number(-1), Value::Number(call_.columns + 1),
-                              Value::Boolean(true), Value::Error(xlerrNA), TextValue(XTEXT("no such label"))});
-    for (std::size_t pair = 0; pair < forms_.size(); ++pair) {
-      if (columnOf_[pair] < 0 || !(spoilt == 1 || spoilt == 2) || (spoilt == 1 && hasShort_)) continue;
-      call_.pairs[pair].beside.reset();
-      call_.pairs[pair].column = bad;
-      if (spoilt == 2) {
-        ArrayBuilder tooLong(call_.cells->Rows() + 1, 1);
-        call_.pairs[pair].column = Value::OfArray(tooLong.Finish());
-      }
-      return;
-    }
-  }
-
-  void SpoilTheRest(std::int32_t spoilt) {
+  /// Makes one argument wrong; which of several faults is told is not asked.
+  void Spoil(std::int32_t spoilt) {
+    const auto any = static_cast<std::size_t>(Below(static_cast<std::int32_t>(forms_.size())));
+    const Value nowhere =
+        PickOf({Value::Number(-1), Value::Number(call_.columns + 1), TextValue(XTEXT("no such label"))});
+    const bool isColumn = any < forms_.size() && columnOf_[any] >= 0 && !hasShort_;
     if (spoilt == 0) call_.hasRange = false;
-    if (spoilt == 3) call_.sortedCount = PickOf({Value::Missing(), TextValue(XTEXT("1")), Value::Error(xlerrNum)});
-    if (spoilt == 4) call_.returned = PickOf({Value::Missing(), Value::Boolean(true), Value::Error(xlerrNA)});
-    if (spoilt == 5 && !hasShort_)
-      call_.returned = PickOf({Value::Number(-1), Value::Number(call_.columns + 1), TextValue(XTEXT("no such label"))});
+    if (spoilt == 1) call_.returned = PickOf({Value::Missing(), Value::Boolean(true), Value::Error(xlerrNA)});
+    if (spoilt == 2 && !hasShort_) call_.returned = nowhere;
+    if ((spoilt != 3 && spoilt != 4) || !isColumn) return;
+    call_.pairs[any].beside.reset();
+    call_.pairs[any].column = PickOf({nowhere, Value::Number(0), Value::Boolean(true), Value::Error(xlerrNA)});
+    if (spoilt == 3) return;
+    ArrayBuilder tooHigh(call_.cells->Rows() + 1, 1);
+    call_.pairs[any].column = Value::OfArray(tooHigh.Finish());
   }
 
   FilterCall call_;
