@@ -15,7 +15,8 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::size_t kMostBytes = 300;
+constexpr std::size_t kMostBytes = 64;
+constexpr std::size_t kFewUnits = 10;        ///< of a pattern with a text that fits into registers
 constexpr std::size_t kMostSteps = 1 << 16;  ///< of the plain matcher
 
 /// Few units, so that texts match: letters, among them those whose case is odd, wildcards, halves of characters, marks.
@@ -89,12 +90,18 @@ void Judge(const XString& pattern, const XString& text, bool caseSensitive) {
 
 }  // namespace
 
+// The first byte says how the others are read, by its bits.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t kHead = 4;
   if (size < kHead) return 0;
   const Bytes units = Bytes(data, std::min(size, kMostBytes)).subspan(kHead);
-  const std::size_t split = data[1] % (units.size() + 1);
-  const XString pattern = Repeated(UnitsOf(units.first(split)), data[2]);
+  const std::size_t most = (data[0] & 8) != 0 ? std::min(units.size(), kFewUnits) : units.size();
+  const std::size_t split = data[1] % (most + 1);
+  XString pattern = Repeated(UnitsOf(units.first(split)), data[2]);
+  if ((data[0] & 16) != 0) {  // one segment, long or short
+    std::ranges::replace(pattern, XTEXT('*'), XTEXT('b'));
+    pattern = XTEXT("*") + pattern + XTEXT("*");
+  }
   const XString rest = UnitsOf(units.subspan(split));
   XString text = (data[0] & 2) != 0 ? InstanceOf(pattern, rest) : Repeated(rest, data[3]);
   // What nearly matches.
