@@ -53,11 +53,18 @@ bool IsOrMarker(const XLOPER12& cell) {
 /// A separate column's number among the tables that criteria look at.
 std::size_t SourceOf(std::size_t pair) { return pair + 1; }
 
+/// The data, without rows that its sheet does not use.
+TableView UsedRowsOf(const CXlOper& range) {
+  if (!range.IsReference()) return TableView(range);
+  const CXlOper used = CutToUsedRows(range);
+  return TableView(used);
+}
+
 /// Reads the arguments of one call, in the order in which their faults count.
 class FilterReader {
  public:
   FilterReader(const FilterArguments& arguments, text::RegexBudget& budget)
-      : arguments_(arguments), budget_(budget), range_(CutToUsedRows(arguments.range.Value())), table_(range_) {}
+      : arguments_(arguments), budget_(budget), table_(UsedRowsOf(arguments.range.Value())) {}
 
   // Each returns what is wrong, or nothing.
 
@@ -122,8 +129,7 @@ class FilterReader {
   }
 
   FilterPlan MakePlan() {
-    FilterPlan plan{
-        std::move(range_), hasHeader_ ? table_.WithoutFirstRow() : table_, {}, {}, std::move(returnColumns_)};
+    FilterPlan plan{hasHeader_ ? table_.WithoutFirstRow() : table_, {}, {}, std::move(returnColumns_)};
     for (const GroupPairs& pairs : groups_) {
       CriteriaGroup& group = plan.groups.emplace_back();
       group.sortedCount = pairs.sorted.count;
@@ -191,7 +197,6 @@ class FilterReader {
 
   const FilterArguments& arguments_;
   text::RegexBudget& budget_;
-  CXlOper range_;
   TableView table_;
   bool hasHeader_ = false;
   std::vector<PairColumn> pairs_;

@@ -26,8 +26,7 @@ struct FilterArguments {
 
 /// What a call asks for. It views the arguments.
 struct FilterPlan {
-  CXlOper range;    ///< cut to the rows that its sheet uses
-  TableView table;  ///< its data, without a header
+  TableView table;  ///< the data, without a header
   CriteriaColumns columns;
   std::vector<CriteriaGroup> groups;
   std::vector<std::int32_t> returnColumns;  ///< of the table, 0-based

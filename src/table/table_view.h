@@ -7,9 +7,9 @@
 
 namespace quillmere {
 
-/// A table of cells, viewed where it is: it owns nothing, and what it was made from must outlive it. Rows and columns
-/// count from 0 here. An array's cells are read in place; a reference's cost a callback each, and each read has a name
-/// that says so. A callback that fails raises CXlErrorException with #VALUE!.
+/// A table of cells, viewed where it is: it owns nothing. Of a reference it keeps the place; any other value must
+/// outlive it. Rows and columns count from 0 here. An array's cells are read in place; a reference's cost a callback
+/// each, and each read has a name that says so. A callback that fails raises CXlErrorException with #VALUE!.
 class TableView {
  public:
   /// The view of an array, a single value (one row of one column) or a reference of one area. A reference of several
