@@ -200,6 +200,8 @@ class Callbacks : public FunctionTest {
       trial.faults.callback = CallbackFault{&callback, nth, with};
       // An odd answer may be taken for a right one.
       trial.answer = std::holds_alternative<int>(with) ? answer : std::nullopt;
+      // A text that VALUE fails on stays one, as if VALUE had refused it.
+      if (trial.answer && callback.number == xlfValue) trial.answer = WhenRefused(trial);
       return findings_.Try(runner_, trial, number);
     };
     for (const auto& [callback, calls] : runner_.CallbacksMade())
@@ -210,6 +212,12 @@ class Callbacks : public FunctionTest {
           if (!attempt(*callback, nth, kind)) return false;
       }
     return true;
+  }
+
+  /// What the call gives when its callback answers with an error value.
+  Value WhenRefused(Trial trial) {
+    trial.faults.callback->answer = AnswerKind::kError;
+    return runner_.Observe(trial);
   }
 };
 

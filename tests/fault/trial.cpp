@@ -12,7 +12,7 @@ namespace {
 
 // What a cell says of a fault of the processor that the add-in caught.
 constexpr XStringView kFaultText = XTEXT("#ERROR: 'C' exception");
-constexpr XStringView kErrorText = XTEXT("#ERROR");
+constexpr XStringView kFailureText = XTEXT("#");  ///< how functions tell theirs
 constexpr XStringView kMemoryText = XTEXT("#ERROR: Memory allocation failed");
 
 bool StartsWith(const Value& value, XStringView prefix) { return value.IsText() && value.AsText().starts_with(prefix); }
@@ -51,7 +51,7 @@ std::string FaultOf(const Trial& trial, const Value& result) {
     return "a fault of the processor where nothing should fault: " + Shorten(PrintLiteral(result));
   if (!trial.answer || SameValue(*trial.answer, result)) return {};
   const bool isDue =
-      trial.faults.allocation ? StartsWith(result, kMemoryText) : result.IsError() || StartsWith(result, kErrorText);
+      trial.faults.allocation ? StartsWith(result, kMemoryText) : result.IsError() || StartsWith(result, kFailureText);
   return isDue ? "" : "neither the right answer nor the error that is due: " + Describe(result);
 }
 
@@ -111,6 +111,7 @@ void TrialRunner::FindWitnesses(const RegisteredFunction& function) {
 
 Value TrialRunner::Observe(const Trial& trial) {
   if (trial.forgets) Forget();
+  trial.faults.Arm(host_);
   const EvaluationWatch watch(host_);
   return Call(*trial.function, ValuesOf(trial.operands));
 }

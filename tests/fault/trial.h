@@ -47,8 +47,8 @@ struct Trial {
   const RegisteredFunction* function = nullptr;
   std::vector<NamedValue> operands;
   Faults faults;
-  /// What the call gives when nothing goes wrong. Where it is known, the result must be that or an error: that of
-  /// memory that is out when an allocation fails.
+  /// What the call gives when nothing goes wrong. Where it is known, the result must be that or a failure told: that
+  /// of memory that is out when an allocation fails.
   std::optional<Value> answer = std::nullopt;
   /// The stores are emptied before.
   bool forgets = false;
@@ -67,7 +67,7 @@ class TrialRunner {
   /// loans, a plain call, the add-in's live blocks. What is wrong, empty when nothing is.
   std::string Try(const Trial& trial);
 
-  /// Makes the call with its callbacks and allocations counted and nothing going wrong.
+  /// Makes the call with its callbacks and allocations counted, and only looks at what it gives.
   Value Observe(const Trial& trial);
   /// The callbacks that it made then, with their numbers.
   std::vector<std::pair<const XlCallback*, int>> CallbacksMade() const;
