@@ -10,6 +10,7 @@
 #include "criteria/row_scan.h"
 #include "criteria/sorted_narrowing.h"
 #include "frame/callbacks/callbacks.h"
+#include "frame/errors/attempt.h"
 #include "implementations/criteria.h"
 
 namespace quillmere::criteria {
@@ -54,11 +55,8 @@ void FindCriteriaRows(CXlOper& result, FilterMode mode, const FilterArguments& a
     result.SetNumber(0);
     return;
   }
-  try {
-    result = ShapeRows(mode, *plan, selected);
-  } catch (const CXlBadOperTypeException&) {
-    result.SetText(XTEXT("Runtime error - target must contain a value type"));
-  }
+  const bool areValues = RunsWithout<CXlBadOperTypeException>([&] { result = ShapeRows(mode, *plan, selected); });
+  if (!areValues) result.SetText(XTEXT("Runtime error - target must contain a value type"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/callbacks/callbacks.h"
+#include "frame/errors/attempt.h"
 #include "text/regex/regex_pattern.h"
 #include "text/wildcard_pattern.h"
 
@@ -46,11 +47,8 @@ void MakePattern(Criterion& criterion, text::RegexBudget& budget) {
     criterion.pattern = std::make_unique<text::WildcardPattern>(criterion.text, false);
     return;
   }
-  try {
-    criterion.pattern = std::make_unique<text::RegexPattern>(criterion.text, budget);
-  } catch (const CXlBadRegexException&) {
-    criterion.isUnusable = true;
-  }
+  criterion.isUnusable = !RunsWithout<CXlBadRegexException>(
+      [&] { criterion.pattern = std::make_unique<text::RegexPattern>(criterion.text, budget); });
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "criteria/compare_cell.h"
 #include "frame/convert/cell_text.h"
+#include "frame/errors/attempt.h"
 #include "frame/text/white_space.h"
 
 namespace quillmere::criteria {
@@ -59,11 +60,10 @@ std::optional<bool> MeetsPattern(const Criterion& criterion, const XLOPER12& cel
   if (!criterion.pattern) return type == cell_type::kEmpty || (type == cell_type::kText && TextOf(cell).empty());
   if (type != cell_type::kText && type != cell_type::kNumber) return false;
   NumberTextBuffer number;
-  try {
-    return criterion.pattern->Matches(TextForm(cell, number));
-  } catch (const CXlRegexLimitException&) {
-    return std::nullopt;
-  }
+  bool met = false;
+  const bool isTold =
+      RunsWithout<CXlRegexLimitException>([&] { met = criterion.pattern->Matches(TextForm(cell, number)); });
+  return isTold ? std::optional(met) : std::nullopt;
 }
 
 }  // namespace

@@ -17,4 +17,15 @@ bool Attempt(const Step& step) {
   }
 }
 
+/// Runs a step; false when it failed by that exception, which the caller has an answer to. Any other passes.
+template <class Failure, class Step>
+bool RunsWithout(const Step& step) {
+  try {
+    step();
+    return true;
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
 }  // namespace quillmere
