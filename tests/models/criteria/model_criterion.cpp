@@ -139,16 +139,18 @@ std::string Narrow(XStringView text) {
 /// Nothing is told of an expression that is none but that it matches nothing.
 bool FitsPattern(const CellView& cell, const Criterion& criterion, bool& isValid) {
   const XStringView pattern = criterion.value.AsText();
-  if (pattern.empty()) return cell.IsEmpty() || (cell.IsText() && cell.AsText().empty());
-  if (!cell.IsNumber() && !cell.IsText()) return false;
-  const Value text = ToText(cell, {});
-  if (criterion.op == XTEXT("~")) return lookup::FitsPattern(text.AsCell(), criterion.value, false);
+  const bool isExpression = criterion.op == XTEXT("~~");
   try {
-    return std::regex_search(Narrow(text.AsText()), std::regex(Narrow(pattern), std::regex::icase));
+    if (isExpression) std::regex(Narrow(pattern));
   } catch (const std::regex_error&) {
     isValid = false;
     return false;
   }
+  if (pattern.empty()) return cell.IsEmpty() || (cell.IsText() && cell.AsText().empty());
+  if (!cell.IsNumber() && !cell.IsText()) return false;
+  const Value text = ToText(cell, {});
+  if (!isExpression) return lookup::FitsPattern(text.AsCell(), criterion.value, false);
+  return std::regex_search(Narrow(text.AsText()), std::regex(Narrow(pattern), std::regex::icase));
 }
 
 bool MeetsOne(const CellView& cell, const Criterion& criterion, const CellView& first) {
