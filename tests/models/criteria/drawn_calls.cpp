@@ -12,8 +12,11 @@
 namespace qcalc::criteria {
 namespace {
 
-constexpr std::uint64_t kLargeEvery = 250;
-constexpr std::int32_t kLargeRows = 3'000;
+// Large tables have many values, and long lists to look for them: what is searched by halves in several stretches, or
+// by hash, is so there alone.
+constexpr std::uint64_t kLargeEvery = 25;
+constexpr std::int32_t kLargeRows[] = {100, 100, 300, 300, 300, 1'000, 1'000, 3'000, 3'000, 20'000};
+constexpr std::int32_t kManyValues = 40;
 
 // Four units of the last place of 1 are within the tolerance, five are not; the least number is as good as 0.
 constexpr double kUnit = std::numeric_limits<double>::epsilon(), kLeast = std::numeric_limits<double>::min();
@@ -75,22 +78,34 @@ class CallMaker : private models::Draws {
     if (kind == 0) return CellView::Boolean(Chance(50));
     if (kind == 1) return CellView::Error(Pick(kErrors));
     if (kind == 2) return {};
-    return kind <= 6 ? CellView::Number(Pick(kNumbers)) : CellView::Text(Pick(kTexts));
+    return kind <= 6 ? DrawNumber() : DrawText();
+  }
+
+  CellView DrawNumber() {
+    const bool isOneOfMany = isLarge_ && Chance(70);
+    return CellView::Number(isOneOfMany ? Below(kManyValues) * (1 + Below(7) * kUnit) : Pick(kNumbers));
+  }
+
+  CellView DrawText() {
+    if (!isLarge_ || Chance(30)) return CellView::Text(Pick(kTexts));
+    return Keep(XString(Chance(50) ? XTEXT("key") : XTEXT("Key")) +
+                static_cast<XCHAR>(XTEXT('0') + Below(kManyValues)));
   }
 
   /// Cells of a column come from a few values, in half of the columns of one kind.
   void DrawRows() {
     call_.columns = 1 + Below(4);
-    rows_.resize(static_cast<std::size_t>(isLarge_ ? kLargeRows : Chance(10) ? 1 : 1 + Below(24)));
+    rows_.resize(static_cast<std::size_t>(isLarge_ ? Pick(kLargeRows) : Chance(10) ? 1 : 1 + Below(24)));
     for (auto& row : rows_) row.resize(static_cast<std::size_t>(call_.columns + Below(2) + 1));
     for (auto& row : rows_) row.resize(rows_[0].size());
     for (std::size_t column = 0; column + 1 < rows_[0].size(); ++column) {
-      auto& values = values_.emplace_back(static_cast<std::size_t>(1 + Below(7)));
+      auto& values =
+          values_.emplace_back(static_cast<std::size_t>(1 + Below(isLarge_ && Chance(50) ? kManyValues : 7)));
       const std::int32_t kind = Below(4);
       for (CellView& value : values) {
         value = DrawCell();
-        if (kind == 0 && !value.IsNumber()) value = CellView::Number(Pick(kNumbers));
-        if (kind == 1 && !value.IsText()) value = CellView::Text(Pick(kTexts));
+        if (kind == 0 && !value.IsNumber()) value = DrawNumber();
+        if (kind == 1 && !value.IsText()) value = DrawText();
       }
       for (auto& row : rows_) row[column] = Pick(values);
     }
@@ -229,7 +244,7 @@ class CallMaker : private models::Draws {
     if (Chance(4)) return TextValue(Chance(50) ? XTEXT("~") : XTEXT("¬~"));
     if (!Chance(20)) return Value::OfCell(DrawOne(column));
     const bool isAcross = Chance(50), isReversed = Chance(25);
-    const std::int32_t size = 1 + Below(4);
+    const std::int32_t size = 1 + Below(isLarge_ && Chance(50) ? 2 * kManyValues : 4);
     ArrayBuilder list(isAcross ? 1 : size, isAcross ? size : 1);
     for (std::int32_t i = 0; i < size; ++i) {
       CellView one = DrawOne(column);
@@ -263,12 +278,8 @@ class CallMaker : private models::Draws {
     const Condition& last = *group[at];
     for (std::size_t row = 1; row < last.cells.size(); ++row) {
       const bool isSame =
-          std::all_of(group.begin(), group.begin() + static_cast<std::ptrdiff_t>(at), [&](const Condition* other) {
-            const CellView &a = other->cells[row - 1], &b = other->cells[row];
-            const Criterion& criterion = other->criteria[0];
-            return EqualCells(a, b) ||
-                   (HasOrder(other->criteria) && Compare(a, criterion) == 0 && Compare(b, criterion) == 0);
-          });
+          std::all_of(group.begin(), group.begin() + static_cast<std::ptrdiff_t>(at),
+                      [&](const Condition* other) { return EqualCells(other->cells[row - 1], other->cells[row]); });
       if (!isSame) continue;
       const CellView &a = last.cells[row - 1], &b = last.cells[row];
       if (!EqualCells(a, b) && CompareCells(a, b) * direction > 0) return false;
