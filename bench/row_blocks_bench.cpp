@@ -2,33 +2,14 @@
 // to write the cells it is asked for. The argument is the number of columns; a sheet's full height is read and summed.
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-
-#include "frame/entry/excel_entry.h"
+#include "bench/excel_answers.h"
 #include "table/row_blocks.h"
-#include "xlcall/callback_list.h"
 
 namespace quillmere {
 namespace {
 
-/// Answers xlCoerce with number cells and takes them back at xlFree.
-extern "C" int AnswerWithNumbers(int xlfn, int, XLOPER12** arguments, XLOPER12* result) {
-  if (xlfn == xlFree) {
-    std::free(arguments[0]->val.array.lparray);
-    return xlretSuccess;
-  }
-  const XLREF12& area = arguments[0]->val.sref.ref;
-  const std::size_t rows = area.rwLast - area.rwFirst + 1;
-  const std::size_t columns = area.colLast - area.colFirst + 1;
-  auto* const cells = static_cast<XLOPER12*>(std::malloc(rows * columns * sizeof(XLOPER12)));
-  for (std::size_t at = 0; at < rows * columns; ++at) cells[at] = NumberCell(static_cast<double>(at));
-  result->val.array = {cells, static_cast<RW>(rows), static_cast<COL>(columns)};
-  result->xltype = xltypeMulti;
-  return xlretSuccess;
-}
-
 CXlOper FullHeight(const benchmark::State& state) {
-  InstallExcel12Entry(AnswerWithNumbers);
+  InstallExcelAnswers();
   return CXlOper::Reference(XLREF12{0, kXlMaxRows - 1, 0, static_cast<COL>(state.range(0)) - 1});
 }
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <random>
 
+#include "bench/going_back.h"
 #include "bench/host_array.h"
-#include "frame/text/lower_case.h"
 #include "text/wildcard_pattern.h"
 
 namespace quillmere {
@@ -18,29 +18,6 @@ HostArray Texts(std::int64_t count) {
   std::mt19937 random(1);
   for (std::int64_t row = 0; row < count; ++row) texts.SetText(row, CountedText(XTEXT('K'), random() % 10'000'000));
   return texts;
-}
-
-bool MatchesByGoingBack(XStringView pattern, XStringView text) {
-  std::size_t at = 0;
-  std::size_t in = 0;
-  std::size_t star = XStringView::npos;
-  std::size_t resumed = 0;
-  while (at < text.size()) {
-    if (in < pattern.size() && pattern[in] == XTEXT('*')) {
-      star = in++;
-      resumed = at;
-    } else if (in < pattern.size() && (pattern[in] == XTEXT('?') || pattern[in] == LowerCase(text[at]))) {
-      ++in;
-      ++at;
-    } else if (star != XStringView::npos) {
-      in = star + 1;
-      at = ++resumed;
-    } else {
-      return false;
-    }
-  }
-  while (in < pattern.size() && pattern[in] == XTEXT('*')) ++in;
-  return in == pattern.size();
 }
 
 template <class Match>
