@@ -56,9 +56,9 @@ void MakePattern(Criterion& criterion, text::RegexBudget& budget) {
 void PrepareCriterionValue(Criterion& criterion, text::RegexBudget& budget) {
   criterion.ownMask = criterion.plainMask = criterion.valueType;
   if (criterion.valueType != cell_type::kText) return;
+  if (criterion.text.empty()) criterion.plainMask |= cell_type::kEmpty;
   if (criterion.kind == CriterionKind::kLike || criterion.kind == CriterionKind::kRegex)
     return MakePattern(criterion, budget);
-  if (criterion.text.empty()) criterion.plainMask |= cell_type::kEmpty;
   if (ReadsNumbers(criterion.kind) && MayBeNumber(criterion.text)) ReadNumber(criterion);
 }
 
