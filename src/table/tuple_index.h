@@ -1,21 +1,20 @@
 // An index of tuples of cells: rows of a table, keys. Engines that meet the same tuples again and again find them here.
 #pragma once
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <vector>
 
 #include "frame/text/fold_case.h"
 #include "table/compare.h"
+#include "table/place_index.h"
 #include "table/tuple_hash.h"
 
 namespace quillmere {
 
 /// In place of a group: none.
-constexpr std::int32_t kNoGroup = -1;
+constexpr std::int32_t kNoGroup = kNoEntry;
 /// And that of a tuple with a number that is none. Such a number equals every number, so that the tuple is in no group,
 /// and whoever looks for what equals it must look at all.
 constexpr std::int32_t kOddTuple = -2;
@@ -38,14 +37,7 @@ inline bool CellsEqual(const XLOPER12& a, const XLOPER12& b) {
 template <TextCase textCase, CellTuples Tuples>
 class TupleIndex {
  public:
-  explicit TupleIndex(const Tuples& tuples)
-      : tuples_(tuples), placeBits_(std::bit_width(static_cast<std::uint32_t>(tuples.Count()))) {
-    const std::uint32_t slots = std::bit_ceil(static_cast<std::uint32_t>(tuples.Count()) * 2 + 2);
-    slotMask_ = slots - 1;
-    slots_ = std::make_unique<std::uint32_t[]>(slots);
-    filterMask_ = slots * 8 - 1;
-    filter_ = std::make_unique<std::uint64_t[]>(slots / 8 + std::size_t{1});
-  }
+  explicit TupleIndex(const Tuples& tuples) : tuples_(tuples), places_(tuples.Count()) {}
 
   /// Puts all tuples in, once; `groups` gets the group of each, or kOddTuple.
   void AddAll(std::vector<std::int32_t>& groups) {
@@ -53,7 +45,7 @@ class TupleIndex {
     HashBatch<textCase, Tuples> hashes(tuples_);
     for (std::int32_t first = 0; first < tuples_.Count(); first += kTupleBatch) {
       hashes.Fill(first);
-      for (std::int32_t i = 0; i < hashes.Count(); ++i) PrefetchSlot(hashes[i]);
+      for (std::int32_t i = 0; i < hashes.Count(); ++i) places_.PrefetchSlot(hashes[i]);
       for (std::int32_t i = 0; i < hashes.Count(); ++i)
         groups.push_back(hashes.AreOrdinary() || !hashes.IsOdd(i) ? Add(first + i, hashes[i]) : kOddTuple);
     }
@@ -74,10 +66,10 @@ class TupleIndex {
       std::int32_t count = 0;
       for (std::int32_t i = 0; i < hashes.Count(); ++i) {
         candidates[count] = i;
-        count += MayHold(hashes[i]) ? 1 : 0;
+        count += places_.MayHold(hashes[i]) ? 1 : 0;
       }
       const std::span chosen(candidates, static_cast<std::size_t>(count));
-      for (const std::int32_t i : chosen) PrefetchSlot(hashes[i]);
+      for (const std::int32_t i : chosen) places_.PrefetchSlot(hashes[i]);
       for (const std::int32_t i : chosen) PrefetchTuple(hashes[i]);
       for (const std::int32_t i : chosen) PrefetchTexts(hashes[i]);
       for (const std::int32_t i : chosen) {
@@ -93,61 +85,28 @@ class TupleIndex {
   std::int32_t Add(std::int32_t place, std::uint64_t hash) {
     std::uint32_t slot = 0;
     if (const std::int32_t group = Find(tuples_, place, hash, slot); group != kNoGroup) return group;
-    slots_[slot] = Tag(hash) | (static_cast<std::uint32_t>(place) + 1);
-    const std::uint32_t bit = FilterBit(hash);
-    filter_[bit / 64] |= std::uint64_t{1} << bit % 64;
+    places_.Put(hash, slot, place);
     ++groups_;
     return place;
   }
 
-  /// False only when no tuple added has that hash. Most tuples of a table are told apart by this, without a jump.
-  bool MayHold(std::uint64_t hash) const noexcept {
-    const std::uint32_t bit = FilterBit(hash);
-    return (filter_[bit / 64] >> bit % 64 & 1) != 0;
-  }
-
-  /// Asks for the memory that Find will read first.
-  void PrefetchSlot(std::uint64_t hash) const noexcept {
-    __builtin_prefetch(&slots_[static_cast<std::uint32_t>(hash) & slotMask_]);
-  }
-  /// And for the tuple that it will read then, where that is the likely one.
+  /// Asks for the tuple that Find will read, where that is the likely one.
   void PrefetchTuple(std::uint64_t hash) const noexcept {
-    const std::int32_t place = LikelyPlace(hash);
-    for (std::size_t part = 0; place != kNoGroup && part < tuples_.Parts(); ++part)
+    const std::int32_t place = places_.LikelyPlace(hash);
+    for (std::size_t part = 0; place != kNoEntry && part < tuples_.Parts(); ++part)
       PrefetchCell(tuples_.CellAt(place, part));
   }
   /// And for the tuple's texts.
   void PrefetchTexts(std::uint64_t hash) const {
-    const std::int32_t place = LikelyPlace(hash);
-    for (std::size_t part = 0; place != kNoGroup && part < tuples_.Parts(); ++part)
+    const std::int32_t place = places_.LikelyPlace(hash);
+    for (std::size_t part = 0; place != kNoEntry && part < tuples_.Parts(); ++part)
       PrefetchText(*tuples_.CellAt(place, part));
-  }
-  std::int32_t LikelyPlace(std::uint64_t hash) const noexcept {
-    const std::uint32_t place = PlaceIn(slots_[static_cast<std::uint32_t>(hash) & slotMask_], Tag(hash));
-    return place < static_cast<std::uint32_t>(tuples_.Count()) ? static_cast<std::int32_t>(place) : kNoGroup;
-  }
-
-  /// The upper bits of a slot: those of the hash that its place does not show. The lower bits are the group's name,
-  /// from 1.
-  std::uint32_t Tag(std::uint64_t hash) const noexcept {
-    return static_cast<std::uint32_t>(hash >> 32) >> placeBits_ << placeBits_;
-  }
-  /// The place that a slot holds; some number beyond all places when it is empty or has another tag.
-  static std::uint32_t PlaceIn(std::uint32_t slot, std::uint32_t tag) noexcept { return slot - tag - 1; }
-  std::uint32_t FilterBit(std::uint64_t hash) const noexcept {
-    return static_cast<std::uint32_t>(hash >> 20) & filterMask_;
   }
 
   /// The group whose tuples equal the one at `place` of others, or kNoGroup; the slot where that was seen.
   template <CellTuples Others>
   std::int32_t Find(const Others& others, std::int32_t place, std::uint64_t hash, std::uint32_t& slot) const {
-    const std::uint32_t tag = Tag(hash);
-    for (slot = static_cast<std::uint32_t>(hash) & slotMask_; slots_[slot] != 0; slot = (slot + 1) & slotMask_) {
-      const std::uint32_t first = PlaceIn(slots_[slot], tag);
-      if (first < static_cast<std::uint32_t>(tuples_.Count()) && Equal(static_cast<std::int32_t>(first), others, place))
-        return static_cast<std::int32_t>(first);
-    }
-    return kNoGroup;
+    return places_.Find(hash, slot, [&](std::int32_t first) { return Equal(first, others, place); });
   }
 
   template <CellTuples Others>
@@ -160,12 +119,8 @@ class TupleIndex {
   }
 
   const Tuples& tuples_;
-  int placeBits_;
+  PlaceIndex places_;
   std::int32_t groups_ = 0;
-  std::uint32_t slotMask_;
-  std::uint32_t filterMask_;
-  std::unique_ptr<std::uint32_t[]> slots_;
-  std::unique_ptr<std::uint64_t[]> filter_;
 };
 
 }  // namespace quillmere
