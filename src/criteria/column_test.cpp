@@ -194,6 +194,7 @@ class ListTest : public ColumnTest {
       }
     }
     numbers_ = NumberSet(ranges);
+    texts_.MakeIndex();
   }
 
   std::int32_t Keep(const CellLine& cells, BatchPlace* places, std::int32_t count) const override {

@@ -109,36 +109,36 @@ void NumberSet::MakeIndex() {
   constexpr std::size_t kFew = 16;
   const std::size_t stretches = from_.size();
   if (stretches <= kFew) return;
+  const auto isWide = [&](std::size_t stretch) { return BucketOf(to_[stretch]) - BucketOf(from_[stretch]) > 1; };
   for (std::size_t stretch = 0; stretch < stretches; ++stretch)
-    if (BucketOf(to_[stretch]) - BucketOf(from_[stretch]) > 1) return;
-  // A quarter of the slots is taken at most, though each stretch may lie in two buckets.
-  index_.assign(std::bit_ceil(stretches * 4), -1);
-  const std::size_t mask = index_.size() - 1;
-  const auto add = [&](std::int64_t bucket, std::size_t stretch) {
-    std::size_t slot = SlotOf(bucket);
-    while (index_[slot] >= 0) slot = (slot + 1) & mask;
-    index_[slot] = static_cast<std::int32_t>(stretch);
-  };
+    if (isWide(stretch)) wide_.push_back({from_[stretch], to_[stretch]});
+  if (wide_.size() > kFew) return;
+  index_.emplace(static_cast<std::int32_t>(stretches * 2));
   for (std::size_t stretch = 0; stretch < stretches; ++stretch) {
-    const std::int64_t first = BucketOf(from_[stretch]);
+    if (isWide(stretch)) continue;
     const std::int64_t last = BucketOf(to_[stretch]);
-    add(first, stretch);
-    if (last != first) add(last, stretch);
+    for (std::int64_t bucket = BucketOf(from_[stretch]); bucket <= last; ++bucket) {
+      const std::uint64_t hash = key_.Of(static_cast<std::uint64_t>(bucket));
+      std::uint32_t slot = 0;
+      index_->Find(hash, slot, [](std::int32_t) { return false; });
+      index_->Put(hash, slot, static_cast<std::int32_t>(stretch));
+    }
   }
 }
 
-bool NumberSet::HoldsByIndex(double number) const noexcept {
-  const std::size_t mask = index_.size() - 1;
-  for (std::size_t slot = SlotOf(BucketOf(number)); index_[slot] >= 0; slot = (slot + 1) & mask) {
-    const auto stretch = static_cast<std::size_t>(index_[slot]);
-    if (number >= from_[stretch] && number <= to_[stretch]) return true;
-  }
-  return false;
+bool NumberSet::HoldsByIndex(double number) const {
+  for (const NumberRange& range : wide_)
+    if (range.Holds(number)) return true;
+  const std::uint64_t hash = key_.Of(static_cast<std::uint64_t>(BucketOf(number)));
+  if (!index_->MayHold(hash)) return false;
+  std::uint32_t slot = 0;
+  const auto isWithin = [&](std::int32_t stretch) { return number >= from_[stretch] && number <= to_[stretch]; };
+  return index_->Find(hash, slot, isWithin) != kNoEntry;
 }
 
 bool NumberSet::Holds(double number) const {
   if (number != number) return holdsNan_;
-  if (!index_.empty()) return HoldsByIndex(number);
+  if (index_) return HoldsByIndex(number);
   const auto behind = std::upper_bound(from_.begin(), from_.end(), number);
   return behind != from_.begin() && number <= to_[static_cast<std::size_t>(behind - from_.begin()) - 1];
 }

@@ -1,13 +1,13 @@
 // The numbers that meet criteria, as ranges of doubles: what is asked of a million cells is two comparisons then.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "criteria/criterion.h"
 #include "table/hash_key.h"
+#include "table/place_index.h"
 
 namespace quillmere::criteria {
 
@@ -23,8 +23,8 @@ struct NumberRange {
 /// The numbers that meet a prepared criterion of any kind but patterns, as TestCell has it.
 NumberRange NumbersThatMeet(const Criterion& criterion);
 
-/// The numbers within any of several ranges. Where all ranges are the surroundings of single numbers, as in a list of
-/// numbers, the one that may hold a number is found by hash; else by bisection.
+/// The numbers within any of several ranges. Where nearly all of them are the surroundings of single numbers, as in a
+/// list of numbers, the one that may hold a number is found by hash; else by bisection.
 class NumberSet {
  public:
   NumberSet() = default;
@@ -34,16 +34,13 @@ class NumberSet {
 
  private:
   void MakeIndex();
-  bool HoldsByIndex(double number) const noexcept;
-  /// Where the search for a stretch in a bucket of numbers begins.
-  std::size_t SlotOf(std::int64_t bucket) const noexcept {
-    return key_.Of(static_cast<std::uint64_t>(bucket)) & (index_.size() - 1);
-  }
+  bool HoldsByIndex(double number) const;
 
   std::vector<double> from_;  ///< of stretches that lie apart, in ascending order
   std::vector<double> to_;
-  std::vector<std::int32_t> index_;  ///< of stretches by the hashes of their places; empty slots hold -1
   bool holdsNan_ = false;
+  std::vector<NumberRange> wide_;    ///< stretches beside the index: the surroundings of 0, and a few ranges
+  std::optional<PlaceIndex> index_;  ///< of the stretches, by the buckets of numbers that they lie in
   HashKey key_ = HashKey::OfProcess();
 };
 

@@ -57,8 +57,7 @@ std::optional<bool> MeetsPattern(const Criterion& criterion, const XLOPER12& cel
   if (criterion.isUnusable) return std::nullopt;
   const std::uint32_t type = CellTypeOf(cell);
   // A pattern without units is met by what has none.
-  if (!criterion.pattern)
-    return (type & criterion.Mask()) != 0 && (type == cell_type::kEmpty || TextOf(cell).empty());
+  if (!criterion.pattern) return (type & criterion.Mask()) != 0 && (type == cell_type::kEmpty || TextOf(cell).empty());
   if (type != cell_type::kText && type != cell_type::kNumber) return false;
   NumberTextBuffer number;
   bool met = false;

@@ -1,5 +1,8 @@
 #include "criteria/text_set.h"
 
+#include "frame/text/fold_case.h"
+#include "table/cell_hash.h"
+
 namespace quillmere::criteria {
 namespace {
 
@@ -36,7 +39,7 @@ void TextSet::Add(const Criterion& criterion) {
     case CriterionKind::kNotEqual:
       return AddAllBut(criterion.text);
     default:
-      equal_.insert(criterion.text);
+      equal_.push_back(criterion.text);
   }
 }
 
@@ -55,8 +58,27 @@ void TextSet::AddAllBut(XStringView text) {
   allBut_ = text;
 }
 
+void TextSet::MakeIndex() {
+  if (equal_.empty()) return;
+  index_.emplace(static_cast<std::int32_t>(equal_.size()));
+  for (std::size_t place = 0; place < equal_.size(); ++place) {
+    const std::uint64_t hash = HashText<TextCase::kIgnored>(equal_[place], key_);
+    std::uint32_t slot = 0;
+    const auto isSame = [&](std::int32_t other) { return EqualFolded(equal_[other], equal_[place]); };
+    if (index_->Find(hash, slot, isSame) == kNoEntry) index_->Put(hash, slot, static_cast<std::int32_t>(place));
+  }
+}
+
+bool TextSet::IsListed(XStringView text) const {
+  if (!index_) return false;
+  const std::uint64_t hash = HashText<TextCase::kIgnored>(text, key_);
+  if (!index_->MayHold(hash)) return false;
+  std::uint32_t slot = 0;
+  return index_->Find(hash, slot, [&](std::int32_t place) { return EqualFolded(equal_[place], text); }) != kNoEntry;
+}
+
 bool TextSet::Holds(XStringView text) const {
-  if (holdsAll_ || (!equal_.empty() && equal_.contains(text))) return true;
+  if (holdsAll_ || IsListed(text)) return true;
   if (allBut_ && !EqualFolded(text, *allBut_)) return true;
   const auto isWithin = [](int order, const Bound& bound) { return order < 0 || (order == 0 && bound.included); };
   return (before_ && isWithin(CompareFolded(text, before_->text), *before_)) ||

@@ -2,16 +2,17 @@
 #pragma once
 
 #include <optional>
-#include <unordered_set>
+#include <vector>
 
 #include "criteria/criterion.h"
-#include "frame/text/fold_case.h"
-#include "table/cell_hash.h"
+#include "table/hash_key.h"
+#include "table/place_index.h"
 
 namespace quillmere::criteria {
 
 /// Criteria that compare texts, put together: equal texts are found by hash, and of those that ask for texts before or
-/// behind one only the widest counts. A view of their texts.
+/// behind one only the widest counts. A view of their texts. Where all are added, MakeIndex comes before the first
+/// question.
 class TextSet {
  public:
   /// Takes in a prepared criterion whose value is compared with texts.
@@ -19,12 +20,11 @@ class TextSet {
   /// From now on all texts hold.
   void AddAll() noexcept { holdsAll_ = true; }
 
+  void MakeIndex();
+
   bool Holds(XStringView text) const;
 
  private:
-  struct Equal {
-    bool operator()(XStringView a, XStringView b) const { return EqualFolded(a, b); }
-  };
   struct Bound {
     XStringView text;
     bool included;
@@ -34,7 +34,11 @@ class TextSet {
   void AddBehind(const Bound& bound);
   void AddAllBut(XStringView text);
 
-  std::unordered_set<XStringView, TextHash<TextCase::kIgnored>, Equal> equal_;
+  bool IsListed(XStringView text) const;
+
+  std::vector<XStringView> equal_;
+  std::optional<PlaceIndex> index_;  ///< of those
+  HashKey key_ = HashKey::OfProcess();
   std::optional<Bound> before_;        ///< texts before it hold
   std::optional<Bound> behind_;        ///< texts behind it hold
   std::optional<XStringView> allBut_;  ///< all texts hold but this
