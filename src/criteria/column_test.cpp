@@ -56,23 +56,15 @@ class OtherTypes {
   bool holdsEmpty_ = false;
 };
 
-bool IsPattern(const Criterion& criterion) {
-  return criterion.kind == CriterionKind::kLike || criterion.kind == CriterionKind::kRegex;
-}
-
 bool ComparesTexts(const Criterion& criterion) {
   return !IsTypeTest(criterion.kind) && (criterion.Mask() & cell_type::kText) != 0;
 }
 
 /// Whether the type alone decides that a cell with a text meets it.
 bool KnowsTexts(const Criterion& criterion) {
-  if (IsPattern(criterion)) return criterion.isUnusable;
+  if (IsPattern(criterion.kind)) return criterion.isUnusable;
   if (!IsTypeTest(criterion.kind)) return !ComparesTexts(criterion);
   return criterion.kind != CriterionKind::kIsBlank && criterion.kind != CriterionKind::kIsZeroLength;
-}
-
-bool AsksForEqual(CriterionKind kind) {
-  return kind == CriterionKind::kEqual || kind == CriterionKind::kPlain || kind == CriterionKind::kNotEqual;
 }
 
 /// A cell with a text of no units.
@@ -90,7 +82,7 @@ class NumberTest : public ColumnTest {
   NumberTest(Criterion&& criterion, double cost)
       : ColumnTest(cost),
         criterion_(std::move(criterion)),
-        numbers_(IsPattern(criterion_) ? NumberRange{} : NumbersThatMeet(criterion_)),
+        numbers_(IsPattern(criterion_.kind) ? NumberRange{} : NumbersThatMeet(criterion_)),
         holdsText_(KnowsTexts(criterion_) && TestCell(criterion_, ZeroLengthCell())) {
     others_.Add(criterion_);
   }
@@ -124,8 +116,8 @@ class TextTest : public NumberTest {
   explicit TextTest(Criterion&& criterion)
       : NumberTest(std::move(criterion), kTextCost),
         equal_(ItsCriterion().text),
-        matcher_(IsPattern(ItsCriterion()) ? *ItsCriterion().pattern : equal_),
-        testsNumbers_(IsPattern(ItsCriterion())),
+        matcher_(IsPattern(ItsCriterion().kind) ? *ItsCriterion().pattern : equal_),
+        testsNumbers_(IsPattern(ItsCriterion().kind)),
         wanted_((ItsCriterion().kind != CriterionKind::kNotEqual) != ItsCriterion().negated) {}
 
   std::int32_t Keep(const CellLine& cells, BatchPlace* places, std::int32_t count) const override {
@@ -153,8 +145,8 @@ class TextTest : public NumberTest {
 class CellTest : public NumberTest {
  public:
   explicit CellTest(Criterion&& criterion)
-      : NumberTest(std::move(criterion), IsPattern(criterion) ? kExpressionCost : kTestCost),
-        testsNumbers_(IsPattern(ItsCriterion())) {}
+      : NumberTest(std::move(criterion), IsPattern(criterion.kind) ? kExpressionCost : kTestCost),
+        testsNumbers_(IsPattern(ItsCriterion().kind)) {}
 
   std::int32_t Keep(const CellLine& cells, BatchPlace* places, std::int32_t count) const override {
     return KeepWhere<true>(cells, places, count, [this](const XLOPER12& cell) {
@@ -183,8 +175,8 @@ class ListTest : public ColumnTest {
         holdsErrors_ |= TestCell(element, ErrorCell(0));
       }
       others_.Add(element);
-      if (!IsPattern(element)) ranges.push_back(NumbersThatMeet(element));
-      if (ComparesTexts(element) && !IsPattern(element)) {
+      if (!IsPattern(element.kind)) ranges.push_back(NumbersThatMeet(element));
+      if (ComparesTexts(element) && !IsPattern(element.kind)) {
         texts_.Add(element);
       } else if (KnowsTexts(element)) {
         if (TestCell(element, ZeroLengthCell())) texts_.AddAll();
@@ -234,8 +226,9 @@ class ListTest : public ColumnTest {
 
 std::unique_ptr<const ColumnTest> MakeColumnTest(Criterion&& criterion) {
   if (KnowsTexts(criterion)) return std::make_unique<NumberTest>(std::move(criterion), kNumberCost);
-  const bool isMatched = criterion.pattern ? criterion.kind == CriterionKind::kLike : AsksForEqual(criterion.kind);
-  if (isMatched) return std::make_unique<TextTest>(std::move(criterion));
+  const bool isEquality = AsksForEqual(criterion.kind) || criterion.kind == CriterionKind::kNotEqual;
+  if (isEquality || (criterion.kind == CriterionKind::kLike && criterion.pattern))
+    return std::make_unique<TextTest>(std::move(criterion));
   return std::make_unique<CellTest>(std::move(criterion));
 }
 
@@ -243,7 +236,7 @@ std::unique_ptr<const ColumnTest> MakeColumnTest(CriterionList&& list) {
   // Nothing meets what cannot be told, not even among others.
   const auto unusable = std::ranges::find_if(list.elements, &Criterion::isUnusable);
   if (list.meetsAll && unusable != list.elements.end()) return MakeColumnTest(std::move(*unusable));
-  const auto patterns = static_cast<double>(std::ranges::count_if(list.elements, IsPattern));
+  const auto patterns = static_cast<double>(std::ranges::count_if(list.elements, IsPattern, &Criterion::kind));
   return std::make_unique<ListTest>(std::move(list), kListCost + patterns * kTestCost);
 }
 

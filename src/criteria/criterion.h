@@ -55,6 +55,14 @@ enum class CriterionKind : std::int32_t {
 };
 
 constexpr bool IsTypeTest(CriterionKind kind) noexcept { return kind >= CriterionKind::kIsError; }
+constexpr bool IsPattern(CriterionKind kind) noexcept {
+  return kind == CriterionKind::kLike || kind == CriterionKind::kRegex;
+}
+/// Whether cells that are equal to the value meet it, and no others.
+constexpr bool AsksForEqual(CriterionKind kind) noexcept {
+  return kind == CriterionKind::kEqual || kind == CriterionKind::kPlain || kind == CriterionKind::kIsTrue ||
+         kind == CriterionKind::kIsFalse;
+}
 
 /// A criterion with one value. ParseCriterion fills the first block, PrepareCriterionValue the second. It views the
 /// texts that it was made from.

@@ -12,6 +12,7 @@
 #include "frame/convert/single_value.h"
 #include "frame/text/fold_case.h"
 #include "table/column_selector.h"
+#include "table/compare.h"
 
 namespace quillmere::criteria {
 namespace {
@@ -50,8 +51,11 @@ bool IsOrMarker(const XLOPER12& cell) {
   return IsTextCell(cell) && (EqualFolded(TextOf(cell), XTEXT("#OR#")) || EqualFolded(TextOf(cell), XTEXT("#OR")));
 }
 
-/// A separate column's number among the tables that criteria look at.
-std::size_t SourceOf(std::size_t pair) { return pair + 1; }
+/// Whether two separate columns are the same cells.
+bool AreSameCells(const CXlOper& a, const CXlOper& b) {
+  if (a.IsReference() && b.IsReference()) return CompareOpers(&a.Raw(), &b.Raw()) == 0;
+  return a.IsArray() && b.IsArray() && a.Cells().first == b.Cells().first;
+}
 
 /// The data, without rows that its sheet does not use.
 TableView UsedRowsOf(const CXlOper& range) {
@@ -175,7 +179,10 @@ class FilterReader {
     const std::int32_t dataRows = FullRows() - (hasHeader_ ? 1 : 0);
     if (whole.Columns() != 1 || (!hasOwnHeader && whole.Rows() != dataRows)) throw CXlErrorException(xlerrValue);
     const TableView rows = whole.SomeRows(hasOwnHeader ? 1 : 0, plan.table.Rows());
-    return plan.columns.Add(rows, 0, SourceOf(static_cast<std::size_t>(&pair - pairs_.data())));
+    // Two criteria about one column are about the same source: the number of the first pair that has it, from 1.
+    const auto first = std::ranges::find_if(
+        pairs_, [&](const PairColumn& other) { return other.cells && AreSameCells(*other.cells, *pair.cells); });
+    return plan.columns.Add(rows, 0, static_cast<std::size_t>(first - pairs_.begin()) + 1);
   }
 
   std::variant<Criterion, CriterionList> ReadCriterion(const CXlOper& value, std::size_t column,

@@ -10,22 +10,6 @@
 namespace quillmere::criteria {
 namespace {
 
-/// Whether texts that cells are compared with are read as numbers too.
-bool ReadsNumbers(CriterionKind kind) {
-  switch (kind) {
-    case CriterionKind::kLessEqual:
-    case CriterionKind::kGreaterEqual:
-    case CriterionKind::kLess:
-    case CriterionKind::kGreater:
-    case CriterionKind::kEqual:
-    case CriterionKind::kNotEqual:
-    case CriterionKind::kPlain:
-      return true;
-    default:
-      return false;
-  }
-}
-
 /// False only for texts that VALUE refuses in every language: it reads no number, date or time without a digit, and
 /// all digits but 0 to 9 lie beyond ASCII. Lists of words then cost no calls.
 bool MayBeNumber(XStringView text) {
@@ -55,11 +39,13 @@ void MakePattern(Criterion& criterion, text::RegexBudget& budget) {
 
 void PrepareCriterionValue(Criterion& criterion, text::RegexBudget& budget) {
   criterion.ownMask = criterion.plainMask = criterion.valueType;
-  if (criterion.valueType != cell_type::kText) return;
+  if (criterion.valueType != cell_type::kText || IsTypeTest(criterion.kind)) return;
   if (criterion.text.empty()) criterion.plainMask |= cell_type::kEmpty;
-  if (criterion.kind == CriterionKind::kLike || criterion.kind == CriterionKind::kRegex)
-    return MakePattern(criterion, budget);
-  if (ReadsNumbers(criterion.kind) && MayBeNumber(criterion.text)) ReadNumber(criterion);
+  if (IsPattern(criterion.kind)) {
+    MakePattern(criterion, budget);
+  } else if (MayBeNumber(criterion.text)) {
+    ReadNumber(criterion);
+  }
 }
 
 }  // namespace quillmere::criteria

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "criteria/criterion.h"
 #include "frame/callbacks/callbacks.h"
 #include "frame/values/array_builder.h"
 #include "table/row_blocks.h"
@@ -32,20 +33,29 @@ void ReadSelected(const TableView& table, std::span<const std::int32_t> columns,
   }
 }
 
+/// What SUM and COUNTA make of a cell they make of this one, too.
+XLOPER12 CountableCell(const XLOPER12& cell, const XLOPER12& anyText) {
+  switch (CellTypeOf(cell)) {
+    case cell_type::kNumber:
+      return NumberCell(CellNumber(cell));
+    case cell_type::kText:
+      return anyText;
+    case cell_type::kBoolean:
+      return BooleanCell(cell.val.xbool != 0);
+    case cell_type::kError:
+      return ErrorCell(cell.val.err);
+    default:
+      return EmptyCell();
+  }
+}
+
 /// The selected cells of a column as an array to be summed or counted: what texts say is left out.
 CXlOper CollectColumn(const TableView& table, std::int32_t column, std::span<const RowInterval> selected) {
   CXlArrayBuilder cells(CountRows(selected), 1);
   const XLOPER12 anyText = cells.Store(CXlOper::Text({}).Raw());
   XLOPER12* to = cells.Row(0);
   ReadSelected(table, {&column, 1}, selected, [&](const RowBlocks& block, std::int32_t first, std::int32_t rows) {
-    for (std::int32_t row = first; row < first + rows; ++row) {
-      const XLOPER12& cell = block.At(row, 0);
-      const std::uint32_t type = CellType(cell);
-      *to = type == xltypeStr ? anyText : type == xltypeNum ? NumberCell(cell.val.num) : cell;
-      if (type == xltypeMissing) *to = EmptyCell();
-      to->xltype = TypeOf(*to);
-      ++to;
-    }
+    for (std::int32_t row = first; row < first + rows; ++row) *to++ = CountableCell(block.At(row, 0), anyText);
   });
   return cells.Finish();
 }

@@ -145,11 +145,6 @@ class ColumnSearch {
   std::uint32_t highestType_ = 0;
 };
 
-bool AsksForEqual(CriterionKind kind) {
-  return kind == CriterionKind::kEqual || kind == CriterionKind::kPlain || kind == CriterionKind::kIsTrue ||
-         kind == CriterionKind::kIsFalse;
-}
-
 /// Whether the rows that meet a criterion are one run of a column that is sorted.
 bool HasOrder(const Criterion& criterion) {
   return !criterion.negated && (AsksForEqual(criterion.kind) || criterion.kind < CriterionKind::kEqual);

@@ -69,14 +69,9 @@ std::optional<bool> MeetsPattern(const Criterion& criterion, const XLOPER12& cel
 }  // namespace
 
 bool TestCell(const Criterion& criterion, const XLOPER12& cell) {
-  switch (criterion.kind) {
-    case CriterionKind::kLike:
-    case CriterionKind::kRegex: {
-      const std::optional<bool> met = MeetsPattern(criterion, cell);
-      return met && *met != criterion.negated;
-    }
-    default:
-      break;
+  if (IsPattern(criterion.kind)) {
+    const std::optional<bool> met = MeetsPattern(criterion, cell);
+    return met && *met != criterion.negated;
   }
   const bool met = IsTypeTest(criterion.kind) ? MeetsType(criterion, cell)
                                               : MeetsValue(criterion.kind, CompareCell(criterion, cell, 1));
