@@ -16,25 +16,17 @@ TEST(Exceptions, CarryTheirMessageWideAndNarrow) {
   EXPECT_STREQ(CXlRuntimeException(XStringView(loneHalf, 3)).what(),
                "a\xEF\xBF\xBD"
                "b");
-  EXPECT_STREQ(CXlUninitializedOperException().what(), "CXlOper instance is not initialized");
-  EXPECT_STREQ(CXlBadOperTypeException().what(), "Bad XLOPER type");
 }
 
 TEST(Exceptions, NameTheirCodes) {
-  EXPECT_EQ(CXlErrorException(xlerrNA).Message(), XTEXT("Threw Excel error #N/A"));
   EXPECT_EQ(CXlErrorException(45).Message(), XTEXT("Threw Excel error Unknown"));
-  EXPECT_EQ(CXlErrorException(45).Code(), 45);
-  EXPECT_EQ(CXlStructuredException(0xC0000005).Message(), XTEXT("'C' exception 0xC0000005"));
   EXPECT_EQ(CXlStructuredException(0x1F).Message(), XTEXT("'C' exception 0x1F"));
   const CXlComException call(XTEXT("Range"), static_cast<std::int32_t>(0x8001010A));
   EXPECT_EQ(call.Message(), XTEXT("Range failed with error code 0x8001010A"));
-  EXPECT_EQ(call.Call(), XTEXT("Range"));
   EXPECT_EQ(CXlComException(XTEXT(""), 1).Message(), XTEXT("COM call failed"));
 }
 
 TEST(ErrorText, ReadsBothWays) {
-  EXPECT_EQ(ErrorText(xlerrDiv0), XTEXT("#DIV/0!"));
-  EXPECT_EQ(ErrorText8(xlerrName), "#NAME?");
   EXPECT_EQ(ErrorText8(44), "Unknown");
   EXPECT_EQ(ErrorCodeOf(XTEXT("#n/a")), xlerrNA);
   EXPECT_EQ(ErrorCodeOf(XTEXT("#N/A ")), std::nullopt);
