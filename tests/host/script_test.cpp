@@ -104,26 +104,17 @@ TEST(ScriptRunning, WhatTheBooksSayIsAFailureToo) {
   EXPECT_EQ(outcome.failed, 2) << outcome.printed;
 }
 
-TEST(ScriptRunning, EveryExpectationCanPass) {
+TEST(ScriptRunning, WhatNoScriptOfTheAddinAsksForPassesToo) {
   const Outcome outcome = RunText(
-      "sheet Data\nset A1:B2 = {1,2;3,\"x\"}\nset C1 = =A1+B1\nset D1:D3 = 7\n"
-      "eval =Data!A1:B2\nexpect {1,2;3,\"x\"}\nexpect-ref A1:B2\nexpect-ref Data!A1:B2\nexpect-shape 2x2\n"
-      "eval =C1*2\nexpect 6\nexpect =3+3\n"
-      "set A1 = 5\neval =C1\nexpect 7\n"
-      "set A1:B2 = empty\neval =A1\nexpect empty\n"
-      "eval =(A1,B2:C3)\nexpect-ref (Data!A1,B2:C3)\n"
-      "eval =0.1+0.2\nexpect~ 0.3\n"
+      "sheet Data\neval =(A1,B2:C3)\nexpect-ref (Data!A1,B2:C3)\neval =0.1+0.2\nexpect~ 0.3\n"
       "let x = ={1;2}\nlet y = 10\neval =SUM(x,Y)\nexpect 13\nlet x = 0\neval =SUM(x,y)\nexpect 10\n"
-      "eval =\"#ERROR: text\"\nexpect-error-text #ERROR: t\n"
       "at Other!B2:C3\neval =SHEET.NAME()\nexpect \"[Book1]Other\"\nexpect-calls xlSheetNm 1\nexpect-calls xlFree 1\n"
       "recalc 3 =PLUS.ONE(1)\nexpect 2\neval =Other!B2:C3\nexpect {2,2;2,2}\n"
       "at Other!A1\nset Other!A1 = 1\nrecalc 5 =PLUS.ONE(Other!A1)\nexpect 6\n"
-      "parallel 3 20 =PLUS.ONE(1)\nexpect 2\n"
       "udf Mine 5\neval =CALLED(255,\"MINE\",8)\nexpect 5\nexpect-udf 8\n"
-      "hide 3:5\nunhide 4\neval =CALLED.MACRO(185,17,A3)&CALLED.MACRO(185,17,A4)\nexpect \"015\"\n"
-      "book Second\neval =SHEET.NAME()\nexpect \"[Book1]Other\"\nset A1 = 3\neval =[Second]Sheet1!A1\nexpect 3\n");
+      "hide 3:5\nunhide 4\neval =CALLED.MACRO(185,17,A3)&CALLED.MACRO(185,17,A4)\nexpect \"015\"\n");
   EXPECT_EQ(outcome.failed, 0) << outcome.printed;
-  EXPECT_EQ(outcome.passed, 26);
+  EXPECT_EQ(outcome.passed, 13);
 }
 
 TEST(ScriptRunning, AFailureTellsWhereAndWhat) {

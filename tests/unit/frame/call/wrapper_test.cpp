@@ -5,15 +5,10 @@
 
 #include <new>
 
-#include "frame/callbacks/callbacks.h"
-#include "frame/callbacks/caller.h"
 #include "frame/callbacks/excel_settings.h"
-#include "frame/convert/convert_array.h"
-#include "frame/convert/convert_scalar.h"
 #include "frame/errors/exceptions.h"
 #include "frame/values/array_builder.h"
 #include "frame/values/value_memory.h"
-#include "tests/unit/fixtures/fake_excel.h"
 #include "tests/unit/fixtures/raw_values.h"
 
 namespace quillmere::testing {
@@ -98,44 +93,6 @@ TEST_F(Wrapper, BelowVersion12ErrorsAreEightBitTexts) {
   const XString answer = TextAnswer(
       CallFunction12([](CXlOper&, const CXlOper*) { throw CXlRuntimeException(XString(300, XTEXT('\x4E2D'))); }));
   EXPECT_EQ(answer, XTEXT("#ERROR: ") + XString(247, XTEXT('?')));
-}
-
-/// A body that has its result before it comes to `work`.
-template <auto work>
-void Reach(CXlOper& result, const CXlOper* arguments) {
-  result.SetNumber(1);
-  work(arguments[0], arguments[1]);
-}
-
-// The user breaks off, or a cell is not calculated yet: whoever asked, and whatever a failure means to it.
-TEST_F(Wrapper, ExcelEndsACallByItsAnswer) {
-  using enum ElementKind;
-  static constexpr XStringView kName = XTEXT("Data");
-  using Oper = const CXlOper&;
-  const FunctionBody bodies[] = {
-      &Reach<[](Oper text, Oper) { ConvertTo<kNumber>(text, false); }>,
-      &Reach<[](Oper text, Oper) { ConvertTo<kBoolean>(text, false); }>,
-      &Reach<[](Oper text, Oper) { ConvertArgumentToAny<kNumber, kString>(text, CConvertParamsBase(kName)); }>,
-      &Reach<[](Oper, Oper range) { ConvertTo<kNumber>(range, false); }>,
-      &Reach<[](Oper, Oper range) { ConvertArgument(range, CScalarConvertParams<kNumber>(kName)); }>,
-      &Reach<[](Oper, Oper range) {
-        ConvertArgument(range,
-                        CVectorConvertParams<kNumber>(kName, CVectorConvertParamsBase::Shape::kMatrix).Optional());
-      }>,
-      &Reach<[](Oper, Oper) { CallingCellsSize(); }>,
-      &Reach<[](Oper text, Oper) { CallExcel(xlCoerce, text); }>,
-  };
-  const CXlOper text = CXlOper::Text(XTEXT("12"));
-  const CXlOper range = CXlOper::Reference(XLREF12{0, 1, 0, 0});
-  for (const int code : {xlretAbort, xlretUncalced}) {
-    for (const FunctionBody& body : bodies) {
-      FakeExcel excel;
-      for (const int asked : {int{xlCoerce}, int{xlfCaller}}) excel.Fail(asked, code);
-      const XLOPER12* const answer = CallFunction12(body, text.ForCallback(), range.ForCallback());
-      EXPECT_TRUE(IsErrorCell(*answer) && answer->val.err == xlerrValue) << code << ", body " << &body - bodies;
-      EXPECT_EQ(excel.AllCalls(), 1);
-    }
-  }
 }
 
 void MakeArray(CXlOper& result, const CXlOper*) {
