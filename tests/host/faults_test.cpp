@@ -85,11 +85,13 @@ TEST_F(Faults, ArgumentsArriveSpoiltOnce) {
   EXPECT_EQ(Describe("\"abc\""), "{2,3,0,0}");
 }
 
-TEST_F(Faults, ChangedArgumentsShowThroughDamage) {
-  for (const std::string argument : {"2", "{2,3}"}) {
-    session.Host().faults.SpoilArgument({2, ArgumentFaultKind::kBits, 0x1000});
-    CheckTold("=CHANGE.ARGUMENT(1," + argument + ") -> 1, CHANGE.ARGUMENT changed its argument 2");
-  }
+TEST_F(Faults, ChangedArgumentsShowThroughDamageToo) {
+  session.Names()[XTEXT("large")] = session.EvaluateQuietly(*ParseFormula("=SEQUENCE(5000)"));
+  for (const std::string argument : {"2", "{2,3}", "large"})
+    for (const bool isSpoilt : {false, true}) {
+      if (isSpoilt) session.Host().faults.SpoilArgument({2, ArgumentFaultKind::kBits, 0x1000});
+      CheckTold("=CHANGE.ARGUMENT(1," + argument + ") -> 1, CHANGE.ARGUMENT changed its argument 2");
+    }
 }
 
 TEST_F(Faults, ReloadingStartsAfreshAndSeesALibraryThatStays) {

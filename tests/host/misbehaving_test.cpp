@@ -169,13 +169,6 @@ TEST_F(Misbehaving, AThreadThatIsLeftKeepsTheLibraryInMemory) {
 }
 #endif
 
-TEST_F(Misbehaving, ArgumentsMayNotBeChanged) {
-  session.Names()[XTEXT("large")] = session.EvaluateQuietly(*ParseFormula("=SEQUENCE(5000)"));
-  CheckTold(R"(
-      =CHANGE.ARGUMENT(1,2) -> 1, CHANGE.ARGUMENT changed its argument 2
-      =CHANGE.ARGUMENT(1,large) -> 1, CHANGE.ARGUMENT changed its argument 2)");
-}
-
 TEST_F(Misbehaving, ValuesThatNoFunctionMayReturn) {
   CheckTold(R"(
       =BAD.VALUE(1) -> #VALUE!, type 512 | =BAD.VALUE(2) -> #VALUE!, type 32

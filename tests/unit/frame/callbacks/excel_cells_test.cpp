@@ -32,7 +32,6 @@ TEST(CallingCells, AreOneAreaAndHaveASize) {
     EXPECT_EQ(ErrorOf(&CallingCellsSize), xlerrNA);
   }
   excel.Fail(xlfCaller, xlretFailed);
-  EXPECT_EQ(ErrorOf(&CallingCells), xlerrValue);
   EXPECT_EQ(ErrorOf(&CallingCellsSize), xlerrNA);
 }
 

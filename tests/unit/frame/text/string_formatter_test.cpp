@@ -48,8 +48,6 @@ TEST(StringFormatter, RefusesMalformedPatterns) {
 TEST(Messages, FormatByNumber) {
   EXPECT_EQ(FormatCatalogue(MessageId::kScalarNotInitialized, XTEXT("Sorted"), MessageText(MessageId::kLongInteger)),
             XTEXT("Sorted is not initialized. Expected long integer."));
-  EXPECT_EQ(CatalogueText(0), XTEXT(""));
-  EXPECT_EQ(CatalogueText(65), XTEXT("handle to {0}"));
   EXPECT_EQ(CatalogueText(66), XTEXT("Message #66 not found"));
   EXPECT_EQ(CatalogueText(-1), XTEXT("Message #-1 not found"));
   EXPECT_THROW(FormatCatalogue(MessageId::kExpectedFor, XTEXT("only one")), StringFormatterError);
