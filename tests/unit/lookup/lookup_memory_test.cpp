@@ -53,8 +53,8 @@ Place PlaceOf(const MemoryChoice& choice, ListDirection direction, const XString
 }
 
 TEST_F(LookupMemoryTest, PlacesShareAKeyOnlyIfTheyAreTheSame) {
-  const XString sheets[] = {XTEXT("[Book]Sheet"), XTEXT("[Book]Other"),  XTEXT("[Book]Sheet!R5"), XTEXT("[B]!C3"),
-                            XTEXT("[]"),          XTEXT("[B]R5!1!x[B]"), XTEXT("R5!1!x[B]"),      XTEXT("[x[B]S")};
+  const XString sheets[] = {XTEXT("[Book]Sheet"), XTEXT("[Book]SheetR5"), XTEXT("[Book]Sheet!R5"), XTEXT("[B]!C3"),
+                            XTEXT("[]"),          XTEXT("[B]R5!1!x[B]"),  XTEXT("R5!1!x[B]"),      XTEXT("[x[B]S")};
   const XString names[] = {XTEXT("x"),   XTEXT("x[Book]"), XTEXT("x[B]"),           XTEXT("x[x"),      XTEXT("!"),
                            XTEXT("1!x"), XTEXT("X"),       XTEXT("[Book]Sheet!R5"), XTEXT("x[B]R5!1!")};
   const XLREF12 cells[] = {{4, 4, 2, 2}, {4, 4, 22, 22}, {54, 54, 2, 2},
