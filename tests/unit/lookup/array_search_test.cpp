@@ -62,20 +62,5 @@ TEST(ArraySearch, ManyKeysFindWhatEachFindsAloneBesideNumbersThatAreNone) {
   }
 }
 
-TEST(ArraySearch, TheTextsOfAResultAreNotThoseOfTheArguments) {
-  XCHAR units[] = {1, XTEXT('x')};
-  XLOPER12 text = RawText(units), two = NumberCell(2), parts[] = {NumberCell(1), two}, row[] = {NumberCell(1), text};
-  XLOPER12 keys = RawArray(parts, 2, 1), table = RawArray(row, 1, 2);
-  const auto areItsOwn = [&](XLOPER12* answer) {
-    for (int cell = 0; cell < 2; ++cell) {
-      const XLOPER12& shown = answer->val.array.lparray[cell];
-      EXPECT_TRUE(!IsTextCell(shown) || (shown.val.str != units && TextOf(shown) == XTEXT("x")));
-    }
-    ReleaseOwned(*answer);
-  };
-  areItsOwn(AMATCH2_12(&keys, &table, nullptr, &text, nullptr, nullptr));
-  areItsOwn(AVLOOKUP2_12(&keys, &table, &two, nullptr, &text, nullptr, nullptr));
-}
-
 }  // namespace
 }  // namespace quillmere::testing
