@@ -171,24 +171,23 @@ TEST(ConvertArgument, ReadsElementsWithoutACall) {
 TEST(ConvertArgument, ChecksTheCounts) {
   using Params = CVectorConvertParams<kNumber>;
   const Params vector(kName, Shape::kVector), matrix(kName, Shape::kMatrix), list(kName, Shape::kList);
-  const CXlOper square = Array(2, 2), column = Array(2, 1), missing = CXlOper::Missing(), empty = CXlOper::Empty();
   const struct {
-    const CXlOper& argument;
+    CXlOper argument;
     Params params;
     XStringView told;
   } cases[] = {
-      {missing, vector, XTEXT("Data is not initialized. Expected number vector.")},
-      {missing, matrix, XTEXT("Data is not initialized. Expected number matrix.")},
-      {square, vector, XTEXT("Expected vector for Data")},
-      {column, Params(vector).LeastValues(4), XTEXT("Expected at least 4 values for Data")},
-      {square, Params(matrix).Rows(1), XTEXT("Expected 1 row in Data")},
-      {square, Params(matrix).Columns(3), XTEXT("Expected 3 columns in Data")},
-      {column, Params(vector).Values(1), XTEXT("Expected 1 value in Data")},
-      {square, Params(matrix).LeastRows(3), XTEXT("Expected at least 3 rows for Data")},
-      {square, Params(matrix).LeastColumns(3), XTEXT("Expected at least 3 columns for Data")},
+      {CXlOper::Missing(), vector, XTEXT("Data is not initialized. Expected number vector.")},
+      {CXlOper::Missing(), matrix, XTEXT("Data is not initialized. Expected number matrix.")},
+      {Array(2, 2), vector, XTEXT("Expected vector for Data")},
+      {Array(2, 1), Params(vector).LeastValues(4), XTEXT("Expected at least 4 values for Data")},
+      {Array(2, 2), Params(matrix).Rows(1), XTEXT("Expected 1 row in Data")},
+      {Array(2, 2), Params(matrix).Columns(3), XTEXT("Expected 3 columns in Data")},
+      {Array(2, 1), Params(vector).Values(1), XTEXT("Expected 1 value in Data")},
+      {Array(2, 2), Params(matrix).LeastRows(3), XTEXT("Expected at least 3 rows for Data")},
+      {Array(2, 2), Params(matrix).LeastColumns(3), XTEXT("Expected at least 3 columns for Data")},
       {Array(2, 2, {1, 2, 3, 0}), Params(matrix).FullRows(), XTEXT("Expected 2 values in row 2 of Data")},
       {Array(3, 2, {1, 2, 0, 4, 5, 0}), Params(matrix).FullColumns(), XTEXT("Expected 3 values in column 2 of Data")},
-      {empty, list, XTEXT("Expected at least 1 value for Data")},
+      {CXlOper::Empty(), list, XTEXT("Expected at least 1 value for Data")},
       {Array(1, 3, {1, 0, 0}), Params(list).Values(2), XTEXT("Expected 2 values in Data")},
   };
   for (const auto& each : cases) EXPECT_EQ(Refusal(each.argument, each.params), each.told);
