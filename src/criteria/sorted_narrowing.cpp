@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "criteria/compare_cell.h"
+#include "criteria/parse_criterion.h"
 
 namespace quillmere::criteria {
 namespace {
@@ -174,12 +175,13 @@ RowInterval Meeting(const Criterion& criterion, const RowInterval& rows, int dir
 /// A cell as the value that its equals are looked for by. It views the cell.
 Criterion KeyOf(const XLOPER12& cell) {
   Criterion key;
-  key.kind = CriterionKind::kEqual;
-  key.valueType = key.ownMask = key.plainMask = CellTypeOf(cell);
-  if (key.valueType == cell_type::kText) key.text = TextOf(cell);
-  if (key.valueType == cell_type::kNumber) key.number = CellNumber(cell);
-  if (key.valueType == cell_type::kBoolean) key.code = cell.val.xbool != 0 ? 1 : 0;
-  if (key.valueType == cell_type::kError) key.code = cell.val.err;
+  if (IsTextCell(cell)) {
+    key.valueType = cell_type::kText;
+    key.text = TextOf(cell);
+  } else {
+    key = ParseCriterion(cell);
+  }
+  key.ownMask = key.plainMask = key.valueType;
   return key;
 }
 
