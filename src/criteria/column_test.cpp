@@ -16,6 +16,7 @@ namespace {
 
 // What is asked of a row, against a comparison of numbers.
 constexpr double kNumberCost = 1;
+constexpr double kNumberOrTextCost = 1.25;
 constexpr double kTextCost = 3;
 constexpr double kTestCost = 8;
 constexpr double kListCost = 16;
@@ -141,12 +142,11 @@ class TextTest : public NumberTest {
   bool wanted_;
 };
 
-/// Where every number and text is looked at on its own.
+/// Where every text is looked at on its own, or every number too.
 class CellTest : public NumberTest {
  public:
   explicit CellTest(Criterion&& criterion)
-      : NumberTest(std::move(criterion), IsPattern(criterion.kind) ? kExpressionCost : kTestCost),
-        testsNumbers_(IsPattern(ItsCriterion().kind)) {}
+      : NumberTest(std::move(criterion), CostOf(criterion)), testsNumbers_(IsPattern(ItsCriterion().kind)) {}
 
   std::int32_t Keep(const CellLine& cells, BatchPlace* places, std::int32_t count) const override {
     return KeepWhere<true>(cells, places, count, [this](const XLOPER12& cell) {
@@ -157,6 +157,12 @@ class CellTest : public NumberTest {
   }
 
  private:
+  /// What is compared with numbers stands in a column of numbers as a rule.
+  static double CostOf(const Criterion& criterion) {
+    if (IsPattern(criterion.kind)) return kExpressionCost;
+    return (criterion.Mask() & cell_type::kNumber) != 0 ? kNumberOrTextCost : kTestCost;
+  }
+
   bool testsNumbers_;
 };
 
