@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "frame/values/cell.h"
+#include "text/regex/regex_budget.h"
 #include "text/text_matcher.h"
 
 namespace quillmere::criteria {
@@ -78,6 +79,7 @@ struct Criterion {
   std::uint32_t ownMask = cell_type::kEmpty;         ///< the value's own type
   std::uint32_t plainMask = cell_type::kEmpty;       ///< and what else it may be compared with
   std::unique_ptr<const text::TextMatcher> pattern;  ///< of kLike and kRegex; none: see isUnusable, or no text
+  const text::RegexBudget* budget = nullptr;         ///< what the expressions of the call share, of kRegex
   bool isUnusable = false;                           ///< its expression does not compile: no cell meets it
   std::uint32_t referenceType = cell_type::kEmpty;   ///< for kIsType
 

@@ -31,6 +31,7 @@ void MakePattern(Criterion& criterion, text::RegexBudget& budget) {
     criterion.pattern = std::make_unique<text::WildcardPattern>(criterion.text, false);
     return;
   }
+  criterion.budget = &budget;
   criterion.isUnusable = !RunsWithout<CXlBadRegexException>(
       [&] { criterion.pattern = std::make_unique<text::RegexPattern>(criterion.text, budget); });
 }

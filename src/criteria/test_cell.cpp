@@ -54,7 +54,7 @@ bool MeetsValue(CriterionKind kind, int order) {
 
 /// Nothing when the pattern cannot tell.
 std::optional<bool> MeetsPattern(const Criterion& criterion, const XLOPER12& cell) {
-  if (criterion.isUnusable) return std::nullopt;
+  if (criterion.isUnusable || (criterion.budget && criterion.budget->IsSpent())) return std::nullopt;
   const std::uint32_t type = CellTypeOf(cell);
   // A pattern without units is met by what has none.
   if (!criterion.pattern) return (type & criterion.Mask()) != 0 && (type == cell_type::kEmpty || TextOf(cell).empty());
