@@ -52,7 +52,7 @@ class RecentBlocks {
   }
 
  private:
-  static constexpr int kBits = 8;
+  static constexpr int kBits = 12;
 
   struct Entry {
     std::atomic<const void*> block{nullptr};

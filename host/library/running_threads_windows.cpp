@@ -8,14 +8,20 @@
 namespace qcalc {
 namespace {
 
-/// Where a thread began, null when the system does not tell.
+/// Where a thread began, null when the system does not tell. It does so when the thread has got to run: one that was
+/// made just now is waited for.
 void* StartOf(HANDLE thread) {
   constexpr ULONG kStartAddress = 9;
   using Query = LONG(WINAPI*)(HANDLE, ULONG, void*, ULONG, ULONG*);
   static const auto query = reinterpret_cast<Query>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationThread")));
+  constexpr int kMostMilliseconds = 1'000;
   void* start = nullptr;
-  if (query) query(thread, kStartAddress, &start, sizeof start, nullptr);
+  for (int waited = 0; query && waited < kMostMilliseconds; ++waited) {
+    const bool isRunning = WaitForSingleObject(thread, 0) == WAIT_TIMEOUT;
+    if (query(thread, kStartAddress, &start, sizeof start, nullptr) != 0 || start || !isRunning) break;
+    Sleep(1);
+  }
   return start;
 }
 
@@ -45,7 +51,7 @@ std::set<std::uint64_t> RunningThreads(const Library* library) {
   entry.dwSize = sizeof entry;
   for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
     if (entry.th32OwnerProcessID != GetCurrentProcessId()) continue;
-    const HANDLE thread = OpenThread(THREAD_QUERY_INFORMATION, FALSE, entry.th32ThreadID);
+    const HANDLE thread = OpenThread(THREAD_QUERY_INFORMATION | SYNCHRONIZE, FALSE, entry.th32ThreadID);
     if (!thread) continue;
     void* const start = library ? StartOf(thread) : nullptr;
     if (!library || library->Contains(start) || StartedInRuntime(start))
