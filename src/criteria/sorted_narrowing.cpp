@@ -199,8 +199,9 @@ class Narrowing {
     const std::span<const std::size_t> earlier(open_.begin(), sameColumn);
     std::vector<RowInterval> narrowed;
     bool isOneKey = true;
-    if (criterion == nullptr || !FindIn(*criterion, column, earlier, narrowed, isOneKey)) {
-      if (sameColumn == open_.end()) open_.push_back(column);
+    const bool isSearchedAgain = sameColumn != open_.end();
+    if (criterion == nullptr || !FindIn(*criterion, column, earlier, isSearchedAgain, narrowed, isOneKey)) {
+      if (!isSearchedAgain) open_.push_back(column);
       return false;
     }
     runs_.swap(narrowed);
@@ -215,9 +216,8 @@ class Narrowing {
 
  private:
   bool FindIn(const Criterion& criterion, std::size_t column, std::span<const std::size_t> earlier,
-              std::vector<RowInterval>& narrowed, bool& isOneKey) {
+              bool isSearchedAgain, std::vector<RowInterval>& narrowed, bool& isOneKey) {
     ColumnSearch search(columns_, column, criterion, direction_);
-    const bool isSearchedAgain = std::ranges::find(open_, column) != open_.end();
     const std::int64_t mostProbes = CountRows(runs_) / kRowsPerProbe;
     std::int64_t probes = 0;
     for (const RowInterval& run : runs_) {
