@@ -12,9 +12,6 @@
 namespace quillmere::criteria {
 namespace {
 
-/// Rows between two intervals that are read along with them, since another callback would cost more.
-constexpr std::int32_t kMostBetween = 64;
-
 /// Calls `use` with each interval, or part of one: a block that holds it, its first row there, and its rows.
 template <class Use>
 void ReadSelected(const TableView& table, std::span<const std::int32_t> columns, std::span<const RowInterval> selected,
@@ -22,7 +19,7 @@ void ReadSelected(const TableView& table, std::span<const std::int32_t> columns,
   const bool isReference = table.IsReference();
   const auto width = static_cast<std::int32_t>(columns.size());
   const std::int32_t mostRows = isReference ? std::max(1, RowBlocks::kBlockCells / width) : kXlMaxRows;
-  for (IntervalGroups groups(selected, mostRows, isReference ? kMostBetween : kXlMaxRows); groups.Next();) {
+  for (IntervalGroups groups(selected, mostRows, isReference ? kRowsReadAlong : kXlMaxRows); groups.Next();) {
     const RowInterval& rows = groups.Current().rows;
     RowBlocks block(table.SomeRows(rows.first, rows.Rows()), columns);
     block.Next();

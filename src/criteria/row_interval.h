@@ -34,6 +34,9 @@ std::int64_t CountRows(std::span<const RowInterval> intervals) noexcept;
 /// The rows that are in any of several lists.
 RowIntervals MergeIntervals(std::span<const RowIntervals> lists);
 
+/// Rows between two intervals of a reference that are read along with them, since another callback would cost more.
+constexpr std::int32_t kRowsReadAlong = 64;
+
 /// Intervals taken together for reading: `rows` from the first to the last of `intervals`.
 struct IntervalGroup {
   RowInterval rows;

@@ -12,9 +12,6 @@ constexpr std::int32_t kBatchRows = 1024;
 /// And after so many batches the order of the tests is thought over.
 constexpr int kBatchesPerOrder = 16;
 
-/// Rows between two runs that are read along with them, since another callback would cost more.
-constexpr std::int32_t kMostBetween = 256;
-
 /// One group on its way down the rows.
 class GroupScan {
  public:
@@ -118,7 +115,7 @@ RowIntervals ScanRows(CriteriaColumns& columns, std::span<const NarrowedGroup> g
   for (const NarrowedGroup& group : groups) runs.push_back(group.runs);
   const RowIntervals rows = MergeIntervals(runs);
   Scan scan(columns, groups);
-  for (IntervalGroups stretches(rows, columns.MostRows(), kMostBetween); stretches.Next();) {
+  for (IntervalGroups stretches(rows, columns.MostRows(), kRowsReadAlong); stretches.Next();) {
     const RowInterval& stretch = stretches.Current().rows;
     columns.Read(stretch);
     for (std::int32_t first = stretch.first; first <= stretch.last; first += kBatchRows)
