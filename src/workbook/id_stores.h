@@ -3,7 +3,6 @@
 // One timed mutex guards them all. The numbers of entries are kept apart and are read without it.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -16,11 +15,6 @@ namespace quillmere::workbook {
 
 /// The two stores whose keys are whole numbers.
 enum class NumberStore { kRowIds, kColumnIds };
-
-/// How long a store's lock is waited for by what must not hold up a calculation.
-constexpr std::chrono::milliseconds kStoreWait{100};
-/// How long emptying a store waits.
-constexpr std::chrono::milliseconds kDestroyWait{1000};
 
 // On any thread. Reading waits for the lock as long as it takes. Writing gives up after `kStoreWait` and returns false,
 // with nothing stored. std::bad_alloc leaves a store as it was. Nothing of the host's memory is read or written here:

@@ -11,6 +11,11 @@
 
 namespace quillmere {
 
+/// How long a store's lock is waited for by what must not hold up a calculation.
+constexpr std::chrono::milliseconds kStoreWait{100};
+/// How long emptying a store waits.
+constexpr std::chrono::milliseconds kDestroyWait{1000};
+
 /// A timed mutex, not recursive; taken through CStoreLock.
 class CStoreMutex {
  private:

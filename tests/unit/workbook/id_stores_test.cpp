@@ -5,6 +5,7 @@
 
 #include <future>
 
+#include "frame/call/store_lock.h"
 #include "tests/unit/fixtures/failing_memory.h"
 
 extern "C" {
