@@ -12,7 +12,7 @@ entry_points=(
 vba_functions=(
   Put_RowIDLongs Put_ColIDLongs Get_RowIDLongs Get_ColIDLongs
   Get_RowIDLong_Count Get_ColIDLong_Count Get_RowIDString_Count
-  Destroy_RowIDLong Destroy_ColIDLong Destroy_RowIDString
+  Destroy_RowIDLong Destroy_ColIDLong Destroy_RowIDString Destroy_Used_TopBottom
 )
 
 # expected_exports TREE: what is generated from the tables says which functions have an 8-bit entry point too.

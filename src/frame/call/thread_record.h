@@ -12,6 +12,7 @@ struct ThreadRecord {
   XLOPER returnSlot4{};               ///< the same for `_4` calls
   FaultGuard* guard = nullptr;        ///< of the innermost protected call in progress
   ExceptionGlobals exceptionGlobals;  ///< the C++ runtime's, on Windows
+  std::uint64_t callNumber;           ///< of the thread's last call of a worksheet function; no two calls share one
 
   ThreadRecord() noexcept;
   ThreadRecord(const ThreadRecord&) = delete;

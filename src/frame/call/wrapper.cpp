@@ -159,6 +159,7 @@ XLOPER12* RunFunction12(FunctionBody body, const RawArgument* raw, std::size_t c
   ThreadRecord* const record = CurrentThreadRecord();
   if (!record) return &lastResort12;
   ReleaseIdleBlocks();
+  ++record->callNumber;
   Call call{body, {raw, count}, WrappedArguments(storage), {}};
   RunGuarded(call, *record);
   ReleaseOwned(record->returnSlot12);
@@ -171,6 +172,7 @@ XLOPER* RunFunction4(FunctionBody body, const RawArgument* raw, std::size_t coun
   ThreadRecord* const record = CurrentThreadRecord();
   if (!record) return &lastResort4;
   ReleaseIdleBlocks();
+  ++record->callNumber;
   Call call{body, {raw, count}, WrappedArguments(storage), {}};
   RunGuarded(call, *record);
   ReleaseOwned4(record->returnSlot4);

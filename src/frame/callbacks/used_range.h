@@ -13,8 +13,9 @@ class IXlUsedRangeReader {
  public:
   virtual ~IXlUsedRangeReader() = default;
   /// The last used row (0-based) of the sheet that a reference lies on; nothing when it cannot be had. Called on any
-  /// thread while Excel calculates, so it never waits for the main thread.
-  virtual std::optional<std::int32_t> LastUsedRow(const CXlOper& reference) noexcept = 0;
+  /// thread while Excel calculates, so it never waits for the main thread. CXlFunctionEnd when Excel wants the function
+  /// to end.
+  virtual std::optional<std::int32_t> LastUsedRow(const CXlOper& reference) = 0;
 };
 
 /// Sets who is asked; null: nobody can tell. It must outlive all calls.

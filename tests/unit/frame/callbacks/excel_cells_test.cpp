@@ -38,7 +38,7 @@ TEST(CallingCells, AreOneAreaAndHaveASize) {
 TEST(UsedRows, CutTallReferencesAlone) {
   struct Reader : IXlUsedRangeReader {
     std::optional<std::int32_t> last;
-    std::optional<std::int32_t> LastUsedRow(const CXlOper&) noexcept override { return last; }
+    std::optional<std::int32_t> LastUsedRow(const CXlOper&) override { return last; }
   } reader;
   SetUsedRangeReader(&reader);
   const auto lastRow = [](const XLREF12& area) {

@@ -1,8 +1,8 @@
-#include "excel/used_range_reader.h"
+#include "excel/used_range/ask_used_rows.h"
 
 namespace quillmere {
 
 // Without a bridge to Excel's object model references keep their full height.
-IXlUsedRangeReader* UsedRangeReader() noexcept { return nullptr; }
+std::optional<UsedRows> AskUsedRows(XStringView) { return std::nullopt; }
 
 }  // namespace quillmere
