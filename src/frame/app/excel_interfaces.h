@@ -44,7 +44,9 @@ class CXlpRibbonImplNull final : public IXlpRibbonImpl {
 class IXllCom {
  public:
   virtual ~IXllCom() = default;
-  /// Whether COM was initialised through the bridge.
+  /// Prepares COM on this thread; once between two calls of DisconnectAndUninitialise.
+  virtual void Initialise() = 0;
+  /// Whether Initialise was called with success, and not undone since.
   virtual bool IsInitialised() const = 0;
   /// Whether the bridge holds Excel's Application object.
   virtual bool IsConnected() const = 0;
@@ -52,8 +54,9 @@ class IXllCom {
   virtual void Connect() = 0;
   /// Has the application's events sent to the add-in. `name` is the add-in's name.
   virtual void ConnectEvents(XStringView name) = 0;
-  /// Lets go of the Application object and of COM.
-  virtual void DisconnectAndUninitialise() = 0;
+  /// Undoes the above, as far as it was done. Where the functions go on being called (`removed` is false) who reads
+  /// used rows keeps the Application object, until the next Initialise.
+  virtual void DisconnectAndUninitialise(bool removed) = 0;
   /// Attaches a connected ribbon, or detaches it (null). It must outlive the attachment.
   virtual void AttachRibbon(IXlpRibbonImpl* ribbon) = 0;
   virtual IXlpRibbonImpl* AttachedRibbon() const = 0;
@@ -62,11 +65,12 @@ class IXllCom {
 /// No bridge: holds the ribbon's attachment, nothing else.
 class CXllComNull final : public IXllCom {
  public:
+  void Initialise() override {}
   bool IsInitialised() const override { return false; }
   bool IsConnected() const override { return false; }
   void Connect() override {}
   void ConnectEvents(XStringView) override {}
-  void DisconnectAndUninitialise() override {}
+  void DisconnectAndUninitialise(bool) override {}
   void AttachRibbon(IXlpRibbonImpl* ribbon) override { ribbon_ = ribbon; }
   IXlpRibbonImpl* AttachedRibbon() const override { return ribbon_; }
 

@@ -133,6 +133,7 @@ bool CXllApp::RunOpening() {
   ReadModulePath();
   OnBeforeOpen();
   if (!Open()) return false;
+  com_->Initialise();
   const CXllOpenContext context{modulePath_, displayName_, CurrentExcelSettings()};
   for (IXllOpenHook* const hook : openHooks_) hook->OnOpen(context);
   ConnectRibbon();
@@ -211,7 +212,7 @@ bool CXllApp::AskYesNo(const XString& text, const XString& caption) {
 void CXllApp::RollBack() noexcept {
   UnregisterAll();
   DisconnectRibbon();
-  DisconnectCom();
+  DisconnectCom(/*removed=*/true);
 }
 
 void CXllApp::DisconnectRibbon() noexcept {
@@ -223,10 +224,8 @@ void CXllApp::DisconnectRibbon() noexcept {
   });
 }
 
-void CXllApp::DisconnectCom() noexcept {
-  Quietly([this] {
-    if (com_->IsInitialised() && com_->IsConnected()) com_->DisconnectAndUninitialise();
-  });
+void CXllApp::DisconnectCom(bool removed) noexcept {
+  Quietly([this, removed] { com_->DisconnectAndUninitialise(removed); });
 }
 
 void CXllApp::UnregisterAll() noexcept {
@@ -245,7 +244,7 @@ void CXllApp::Close() noexcept {
     for (IXllCloseHook* const hook : closeHooks_) Quietly([hook] { hook->OnClose(); });
     Quietly([this] { OnClose(); });
   }
-  DisconnectCom();
+  DisconnectCom(removed_);
   if (formulaMemoryClearer) Quietly(formulaMemoryClearer);
 }
 
@@ -257,6 +256,11 @@ void CXllApp::Remove() noexcept {
 }
 
 void CXllApp::TranslateError(CXlOper& result, const CXlRuntimeException& error) const { WriteError(result, error); }
+
+CXlOper CXllApp::OnRibbonCallback(std::int32_t, XStringView, XStringView, std::int32_t, XStringView, XStringView,
+                                  bool) {
+  return CXlOper::Boolean(false);
+}
 
 XString CXllApp::Name() const {
   XString name = GetModuleName();

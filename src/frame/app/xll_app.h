@@ -1,6 +1,7 @@
 // The application object: opening, closing and removing of the add-in, and what it answers to Excel's Add-in Manager.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -63,9 +64,17 @@ class CXllApp {
   virtual bool ConfirmLoadAfterFailures();
   /// Writes an exception raised by a worksheet function into the cell's result. Any thread.
   virtual void TranslateError(CXlOper& result, const CXlRuntimeException& error) const;
+  /// Answers an event of the ribbon: `callback` says which of a control's callbacks it is, `id` and `tag` are the
+  /// control's, the others what the event tells. FALSE where the control is not known.
+  virtual CXlOper OnRibbonCallback(std::int32_t callback, XStringView id, XStringView tag, std::int32_t index,
+                                   XStringView text, XStringView selectedId, bool pressed);
+  /// Told of each event of Excel's application object, by its name ("OnCalculate").
+  virtual void OnApplicationEvent(XStringView) {}
 
   /// The module name if known, else the display name, else the path, else "Add-in".
   XString Name() const;
+  /// The add-in's full path as Excel has it; empty before it is opened.
+  XStringView ModulePath() const noexcept { return modulePath_; }
   XStringView HelpFilePath() const noexcept { return helpFilePath_; }
   const std::vector<std::unique_ptr<CXllRegistrable>>& Registrables() const noexcept { return registrables_; }
 
@@ -96,7 +105,7 @@ class CXllApp {
   void UnregisterAll() noexcept;
   void RollBack() noexcept;
   void DisconnectRibbon() noexcept;
-  void DisconnectCom() noexcept;
+  void DisconnectCom(bool removed) noexcept;
   void Close() noexcept;
   void Remove() noexcept;
 

@@ -74,13 +74,18 @@ struct Ribbon : IXlpRibbonImpl {
 
 struct Com : IXllCom {
   bool eventsFail = false;
+  bool initialised = false;
   bool connected = false;
   IXlpRibbonImpl* ribbon = nullptr;
 
-  bool IsInitialised() const override { return true; }
+  void Initialise() override {
+    EXPECT_FALSE(std::exchange(initialised, true)) << "twice in one life";
+    events.push_back("com starts");
+  }
+  bool IsInitialised() const override { return initialised; }
   bool IsConnected() const override { return connected; }
   void Connect() override {
-    EXPECT_FALSE(std::exchange(connected, true)) << "twice in one life";
+    connected = true;
     events.push_back("com on");
   }
   void ConnectEvents(XStringView name) override {
@@ -88,9 +93,9 @@ struct Com : IXllCom {
     if (eventsFail) throw CXlComException(XTEXT("Invoke"), -1);
     events.push_back("events on");
   }
-  void DisconnectAndUninitialise() override {
-    connected = false;
-    events.push_back("com off");
+  void DisconnectAndUninitialise(bool removed) override {
+    initialised = connected = false;
+    events.push_back(removed ? "com off" : "com off but for functions");
   }
   void AttachRibbon(IXlpRibbonImpl* attached) override { ribbon = attached; }
   IXlpRibbonImpl* AttachedRibbon() const override { return ribbon; }
@@ -125,9 +130,9 @@ TEST_F(Lifecycle, EachOpeningAndClosingIsWhole) {
   app.SetObserver(observer);
   CXllApp::SetFormulaMemoryClearer([] { events.push_back("memory cleared"); });
   const auto happened = [] { return std::exchange(events, {}); };
-  const Events opening = {"OnBeforeOpen", "hook opens", "ribbon on", "ribbon starts",
-                          "com on",       "events on",  "OnOpened"};
-  const Events closing = {"ribbon off", "hook closes", "OnClose", "com off", "memory cleared"};
+  const Events opening = {"OnBeforeOpen",  "com starts", "hook opens", "ribbon on",
+                          "ribbon starts", "com on",     "events on",  "OnOpened"};
+  const Events closing = {"ribbon off", "hook closes", "OnClose", "com off but for functions", "memory cleared"};
 
   EXPECT_EQ(CXllApp::AutoOpen(), 1);
   EXPECT_EQ(CXllApp::AutoOpen(), 0) << "it is open";
@@ -141,7 +146,7 @@ TEST_F(Lifecycle, EachOpeningAndClosingIsWhole) {
   EXPECT_EQ(CXllApp::AutoRemove() + CXllApp::AutoRemove(), 2);
   EXPECT_THAT(happened(), ElementsAre("OnAutoRemove"));
   EXPECT_EQ(CXllApp::AutoOpen() + CXllApp::AutoClose(), 2);
-  Events both = closing;
+  Events both = {"ribbon off", "hook closes", "OnClose", "com off", "memory cleared"};
   both.insert(both.end(), opening.begin(), opening.end());
   both.insert(both.end(), closing.begin(), closing.end());
   EXPECT_EQ(happened(), both) << "a removal alone leaves the old life to be closed";
@@ -151,7 +156,7 @@ TEST_F(Lifecycle, EachOpeningAndClosingIsWhole) {
   ribbon.reachable = false;
   com.eventsFail = true;
   EXPECT_EQ(CXllApp::AutoOpen(), 0);
-  EXPECT_THAT(happened(), ElementsAre("OnBeforeOpen", "hook opens", "ribbon on", "com on", "com off"));
+  EXPECT_THAT(happened(), ElementsAre("OnBeforeOpen", "com starts", "hook opens", "ribbon on", "com on", "com off"));
   EXPECT_THAT(excel.registered, IsEmpty());
   EXPECT_EQ(excel.alerts.size(), 1u);
 }
