@@ -17,6 +17,7 @@ class CQuillmere4App : public CXllApp {
   bool RegisterFunctions() override;
   XString GetAddinLongName() const override;
   XString GetModuleName() const override;
+  XString GetTitle() const override;
 };
 
 }  // namespace quillmere

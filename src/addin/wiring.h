@@ -1,9 +1,12 @@
 // What the frame knows by interfaces alone, put together.
 #pragma once
 
+#include "frame/app/xll_app.h"
+
 namespace quillmere {
 
-/// Hands the frame all that other rooms bring: who tells a sheet's used rows. Once, before Excel calls anything.
-void WireTheFrame() noexcept;
+/// Hands the frame and the application object all that other rooms bring: who tells a sheet's used rows, who
+/// hears of Excel's events. Before Excel calls anything.
+void WireTheFrame(CXllApp& app);
 
 }  // namespace quillmere

@@ -98,7 +98,31 @@ TEST_F(EntryPoints, OpensAnewOnceItWasClosedOrRemoved) {
     EXPECT_EQ(registered(), all);
     EXPECT_EQ(Evaluate("=VSTACK(0,{1,2},3)"), "{1,2;3,3}");
   }
+}
+
+TEST_F(EntryPoints, TheObserverHearsOfEventsWhileItLives) {
+  using Handler = XLOPER* (*)(std::int32_t, void*, void*, void*);
+  const Library& library = *session.Host().library;
+  const auto heard = [&](std::int32_t event) -> bool {
+    std::vector<bool> answers;
+    for (const char* const name : {"CXlApp_ObserverEventHandler12", "CXlApp_ObserverEventHandler4"}) {
+      const XLOPER& answer = *library.FindAs<Handler>(name)(event, nullptr, nullptr, nullptr);
+      EXPECT_EQ(answer.xltype, xltypeBool);
+      answers.push_back(answer.val.xbool != 0);
+    }
+    EXPECT_EQ(answers[0], answers[1]);
+    return answers[0];
+  };
+  EXPECT_NE(session.Host().registry.Find(XTEXT("xll_Quillmere4_observer")), nullptr);
+  EXPECT_TRUE(heard(1) && heard(2) && heard(3));
+  EXPECT_FALSE(heard(0) || heard(4) || heard(-1));
+  for (const char* const name : {"OnSheetActivate", "OnSheetDeactivate", "OnCalculate"})
+    EXPECT_EQ(library.FindAs<std::int16_t (*)()>(std::string("CXllComImpl_") + name)(), 1);
+  EXPECT_EQ(library.FindAs<std::int32_t (*)()>("Destroy_Used_TopBottom")(), 1);
+  EXPECT_EQ(Call("xlAutoClose"), 1);
+  EXPECT_FALSE(heard(1));
   EXPECT_EQ(Call("xlCheckInstance"), 1);
+  EXPECT_TRUE(heard(1)) << "Excel may go on with an add-in that it closed";
 }
 
 TEST_F(EntryPoints, TheBinaryTypeOfAFile) {

@@ -86,6 +86,8 @@ class IXllObserver {
   virtual std::unique_ptr<CXllRegistrable> CreateCommand(XStringView addinName) = 0;
   /// Marks the present instance as live.
   virtual void MarkLive() = 0;
+  /// The add-in is closed: events are no longer acted on, unless the instance is marked as live again.
+  virtual void End() = 0;
 };
 
 /// No observer.
@@ -93,6 +95,7 @@ class CXllObserverNull final : public IXllObserver {
  public:
   std::unique_ptr<CXllRegistrable> CreateCommand(XStringView) override { return nullptr; }
   void MarkLive() override {}
+  void End() override {}
 };
 
 }  // namespace quillmere

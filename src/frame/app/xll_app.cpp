@@ -213,6 +213,7 @@ void CXllApp::RollBack() noexcept {
   UnregisterAll();
   DisconnectRibbon();
   DisconnectCom(/*removed=*/true);
+  Quietly([this] { observer_->End(); });
 }
 
 void CXllApp::DisconnectRibbon() noexcept {
@@ -245,6 +246,7 @@ void CXllApp::Close() noexcept {
     Quietly([this] { OnClose(); });
   }
   DisconnectCom(removed_);
+  Quietly([this] { observer_->End(); });
   if (formulaMemoryClearer) Quietly(formulaMemoryClearer);
 }
 

@@ -60,6 +60,8 @@ class CXllApp {
   virtual XString GetAddinLongName() const { return displayName_; }
   /// The add-in's name in texts and macro names; empty when the add-in has none of its own.
   virtual XString GetModuleName() const { return {}; }
+  /// What the add-in is announced by: the category of its functions, the ribbon's title.
+  virtual XString GetTitle() const { return Name(); }
   /// Asks the user whether to go on without what failed to register.
   virtual bool ConfirmLoadAfterFailures();
   /// Writes an exception raised by a worksheet function into the cell's result. Any thread.

@@ -107,6 +107,7 @@ struct Observer : IXllObserver {
         .procedure = XTEXT("observer_12"), .name = XTEXT("xll_") + XString(name), .macroType = MacroType::kCommand});
   }
   void MarkLive() override { events.push_back("observer live"); }
+  void End() override { events.push_back("observer ends"); }
 };
 
 class Lifecycle : public ::testing::Test {
@@ -132,7 +133,8 @@ TEST_F(Lifecycle, EachOpeningAndClosingIsWhole) {
   const auto happened = [] { return std::exchange(events, {}); };
   const Events opening = {"OnBeforeOpen",  "com starts", "hook opens", "ribbon on",
                           "ribbon starts", "com on",     "events on",  "OnOpened"};
-  const Events closing = {"ribbon off", "hook closes", "OnClose", "com off but for functions", "memory cleared"};
+  const Events closing = {"ribbon off",    "hook closes",   "OnClose", "com off but for functions",
+                          "observer ends", "memory cleared"};
 
   EXPECT_EQ(CXllApp::AutoOpen(), 1);
   EXPECT_EQ(CXllApp::AutoOpen(), 0) << "it is open";
@@ -146,7 +148,7 @@ TEST_F(Lifecycle, EachOpeningAndClosingIsWhole) {
   EXPECT_EQ(CXllApp::AutoRemove() + CXllApp::AutoRemove(), 2);
   EXPECT_THAT(happened(), ElementsAre("OnAutoRemove"));
   EXPECT_EQ(CXllApp::AutoOpen() + CXllApp::AutoClose(), 2);
-  Events both = {"ribbon off", "hook closes", "OnClose", "com off", "memory cleared"};
+  Events both = {"ribbon off", "hook closes", "OnClose", "com off", "observer ends", "memory cleared"};
   both.insert(both.end(), opening.begin(), opening.end());
   both.insert(both.end(), closing.begin(), closing.end());
   EXPECT_EQ(happened(), both) << "a removal alone leaves the old life to be closed";
@@ -156,7 +158,8 @@ TEST_F(Lifecycle, EachOpeningAndClosingIsWhole) {
   ribbon.reachable = false;
   com.eventsFail = true;
   EXPECT_EQ(CXllApp::AutoOpen(), 0);
-  EXPECT_THAT(happened(), ElementsAre("OnBeforeOpen", "com starts", "hook opens", "ribbon on", "com on", "com off"));
+  EXPECT_THAT(happened(), ElementsAre("OnBeforeOpen", "com starts", "hook opens", "ribbon on", "com on", "com off",
+                                      "observer ends"));
   EXPECT_THAT(excel.registered, IsEmpty());
   EXPECT_EQ(excel.alerts.size(), 1u);
 }
