@@ -1,12 +1,20 @@
 #include "addin/wiring.h"
 
 #include "excel/events/observer.h"
+#include "excel/ribbon/shared_ribbon.h"
 #include "excel/used_range/used_range_reader.h"
 #include "frame/callbacks/used_range.h"
 
 namespace quillmere {
+namespace {
+
+constinit CXlpRibbonImplShared ribbon;
+
+}  // namespace
+
 void WireTheFrame(CXllApp& app) {
   SetUsedRangeReader(&UsedRangeReader());
+  app.SetRibbon(ribbon);
   app.SetObserver(Observer());
 }
 
