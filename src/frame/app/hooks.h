@@ -20,8 +20,8 @@ class IXllOpenHook {
   virtual void OnOpen(const CXllOpenContext& context) = 0;
 };
 
-/// Called once when the add-in closes. Functions may still be called afterwards: Excel closes add-ins before the user
-/// can cancel at its save prompt.
+/// Called once when the add-in closes, and when an opening fails, however far it came: it undoes what there is to undo.
+/// Functions may still be called afterwards: Excel closes add-ins before the user can cancel at its save prompt.
 class IXllCloseHook {
  public:
   virtual ~IXllCloseHook() = default;

@@ -212,8 +212,13 @@ bool CXllApp::AskYesNo(const XString& text, const XString& caption) {
 void CXllApp::RollBack() noexcept {
   UnregisterAll();
   DisconnectRibbon();
+  CallCloseHooks();
   DisconnectCom(/*removed=*/true);
   Quietly([this] { observer_->End(); });
+}
+
+void CXllApp::CallCloseHooks() noexcept {
+  for (IXllCloseHook* const hook : closeHooks_) Quietly([hook] { hook->OnClose(); });
 }
 
 void CXllApp::DisconnectRibbon() noexcept {
@@ -242,7 +247,7 @@ void CXllApp::Close() noexcept {
   closed_ = true;
   DisconnectRibbon();
   if (opened) {
-    for (IXllCloseHook* const hook : closeHooks_) Quietly([hook] { hook->OnClose(); });
+    CallCloseHooks();
     Quietly([this] { OnClose(); });
   }
   DisconnectCom(removed_);

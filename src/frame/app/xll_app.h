@@ -106,6 +106,7 @@ class CXllApp {
   bool RegisterAll();
   void UnregisterAll() noexcept;
   void RollBack() noexcept;
+  void CallCloseHooks() noexcept;
   void DisconnectRibbon() noexcept;
   void DisconnectCom(bool removed) noexcept;
   void Close() noexcept;

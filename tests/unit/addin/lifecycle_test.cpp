@@ -158,8 +158,8 @@ TEST_F(Lifecycle, EachOpeningAndClosingIsWhole) {
   ribbon.reachable = false;
   com.eventsFail = true;
   EXPECT_EQ(CXllApp::AutoOpen(), 0);
-  EXPECT_THAT(happened(), ElementsAre("OnBeforeOpen", "com starts", "hook opens", "ribbon on", "com on", "com off",
-                                      "observer ends"));
+  EXPECT_THAT(happened(), ElementsAre("OnBeforeOpen", "com starts", "hook opens", "ribbon on", "com on", "hook closes",
+                                      "com off", "observer ends"));
   EXPECT_THAT(excel.registered, IsEmpty());
   EXPECT_EQ(excel.alerts.size(), 1u);
 }
