@@ -1,15 +1,12 @@
 // Callbacks that calculate: Excel's own functions, formulas, functions of the macro language.
+#include "host/addin/text_evaluation.h"
 #include "host/calculation/builtins/builtin.h"
 #include "host/calculation/evaluator.h"
 #include "host/callbacks/handlers.h"
-#include "host/formulas/formula_node.h"
 #include "host/text/letter_case.h"
-#include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {
-
-constexpr std::size_t kMaxEvaluatedText = 255;
 
 /// The function that an argument of xlUDF means, by name or by register id; null when there is none. Commands are none.
 const RegisteredFunction* RegisteredAt(const CallbackRequest& request, std::size_t index) {
@@ -18,17 +15,6 @@ const RegisteredFunction* RegisteredAt(const CallbackRequest& request, std::size
   const auto id = request.NumberAt(index);
   const RegisteredFunction* function = name ? registry.Find(*name) : id ? registry.Find(*id) : nullptr;
   return function && !function->IsCommand() ? function : nullptr;
-}
-
-/// Whether a formula names cells or values of the active sheet without the "!" that xlfEvaluate wants before them.
-bool HasBareName(const Formula& formula) {
-  bool isBare = false;
-  VisitNodes(formula.Root(), [&](const FormulaNode& node) {
-    const bool isName = node.kind == FormulaNode::Kind::kName;
-    const bool isCells = node.kind == FormulaNode::Kind::kReference && node.reference.sheet.empty();
-    if (isName || isCells) isBare = isBare || formula.Text()[static_cast<std::size_t>(node.column) - 1] != '!';
-  });
-  return isBare;
 }
 
 CallbackAnswer CallRegistered(const CallbackRequest& request, const RegisteredFunction& function) {
@@ -60,13 +46,7 @@ CallbackAnswer HandleWorksheetFunction(CallbackRequest& request) {
 CallbackAnswer HandleEvaluate(CallbackRequest& request) {
   const XString* text = request.TextAt(0);
   if (!text) return request.WrongArgument(1, "a text");
-  if (text->size() > kMaxEvaluatedText) return Value::Error(xlerrValue);
-  // The name that an add-in's function was registered by stands for its register id.
-  if (const RegisteredFunction* function = request.Host().registry.Find(*text)) return Value::Number(function->id);
-  const Parsed<Formula> formula = ParseFormula(ToUtf8(*text));
-  if (!formula) return Value::Error(xlerrValue);
-  if (HasBareName(*formula)) return Value::Error(xlerrName);
-  return Evaluate(*formula, request.Evaluation());
+  return EvaluateText(*text, request.Host(), request.Evaluation());
 }
 
 CallbackAnswer HandleUdf(CallbackRequest& request) {
