@@ -10,9 +10,12 @@
 #include "host/calculation/evaluation_context.h"
 #include "host/faults/callback_meter.h"
 #include "host/faults/fault_switches.h"
+#include "host/faults/object_refusals.h"
 #include "host/library/library.h"
 
 namespace qcalc {
+
+class ObjectModel;  // host/objects/object_model.h
 
 /// Calling in, callbacks and scripts share this, and need nothing else of each other. Made on the main thread; what may
 /// be touched while other threads calculate, each member says itself.
@@ -32,6 +35,10 @@ struct HostState {
   /// What is counted and goes wrong on purpose during an evaluation.
   CallbackMeter meter;
   FaultSwitches faults;
+  ObjectRefusals refusals;
+
+  /// Excel's windows and objects; null outside of sessions.
+  ObjectModel* objects = nullptr;
 
   /// Where work goes that is not thread-safe.
   MainThread mainThread;

@@ -1,12 +1,11 @@
 // The API-only functions but xlCoerce and xlFree.
 #include "host/callbacks/handlers.h"
+#include "host/objects/object_model.h"
 
 namespace qcalc {
 namespace {
 
 constexpr std::int32_t kStackBytes = 65'536;
-// A number that is no window of the system's: boxes owned by it are answered, never shown.
-constexpr std::int32_t kMainWindow = 0x0001'0010;
 
 }  // namespace
 
@@ -14,7 +13,9 @@ CallbackAnswer HandleStack(CallbackRequest&) { return ApiValue(ApiInteger{kStack
 
 CallbackAnswer HandleNothing(CallbackRequest&) { return Value::Boolean(true); }
 
-CallbackAnswer HandleGetWindow(CallbackRequest&) { return ApiValue(ApiInteger{kMainWindow}); }
+CallbackAnswer HandleGetWindow(CallbackRequest& request) {
+  return ApiValue(ApiInteger{request.Host().objects->MainWindow()});
+}
 
 CallbackAnswer HandleGetInstance(CallbackRequest& request) {
   request.Complain("fails in 64-bit Excel: xlGetInstPtr is the one to call");

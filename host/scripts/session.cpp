@@ -18,6 +18,7 @@ namespace qcalc {
 
 Session::Session(std::filesystem::path addinPath)
     : addinPath_(std::move(addinPath)),
+      objects_(host_),
       addin_(host_, &MdCallBack12),
       sheet_(&host_.workbooks.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Sheet1"))) {
   ProcessAnswers().Reset();
@@ -33,6 +34,7 @@ EvaluationContext Session::Context() {
 
 int Session::LoadAndOpen() {
   std::string error;
+  objects_.Begin();
   if (!addin_.IsLoaded() && !addin_.Load(addinPath_, error)) throw AddinFailure("the add-in did not load: " + error);
   const std::optional<int> result = addin_.CallEntryPoint("xlAutoOpen", Context());
   if (!result) throw AddinFailure("the add-in exports no xlAutoOpen");
@@ -69,6 +71,7 @@ void Session::Finish() {
   if (!addin_.IsLoaded()) return;
   if (isOpen_ && CallClose().value_or(1) != 1) host_.complaints.Add("xlAutoClose did not return 1");
   addin_.Unload();
+  objects_.End();
   isOpen_ = false;
 }
 

@@ -8,6 +8,7 @@
 
 #include "host/addin/addin.h"
 #include "host/calculation/unknown_names.h"
+#include "host/objects/object_model.h"
 
 namespace qcalc {
 
@@ -69,6 +70,7 @@ class Session {
   HostState& Host() { return host_; }
   Workbooks& ItsWorkbooks() { return host_.workbooks; }
   Addin& ItsAddin() { return addin_; }
+  ObjectModel& Objects() { return objects_; }
   Sheet& CurrentSheet() { return *sheet_; }
   NamedValues& Names() { return names_; }
 
@@ -85,6 +87,7 @@ class Session {
 
   std::filesystem::path addinPath_;
   HostState host_;
+  ObjectModel objects_;
   Addin addin_;
   NamedValues names_;
   UnknownNames unknown_;

@@ -1,0 +1,93 @@
+#include "host/objects/application_object_windows.h"
+
+#include "host/addin/call_context.h"
+#include "host/addin/text_evaluation.h"
+#include "host/objects/book_objects_windows.h"
+
+namespace qcalc {
+namespace {
+
+using Object = ApplicationObject;
+
+constexpr WORD kGet = DISPATCH_PROPERTYGET;
+constexpr WORD kGetAndPut = DISPATCH_PROPERTYGET | DISPATCH_PROPERTYPUT;
+
+constexpr ObjectMember kApplicationMembers[] = {
+    {L"Application", kGet, 0, 0, InvokeMember<Object, &Object::Itself>},
+    {L"Parent", kGet, 0, 0, InvokeMember<Object, &Object::Itself>},
+    {L"Workbooks", kGet, 0, 0, InvokeMember<Object, &Object::Workbooks>},
+    {L"Name", kGet, 0, 0, InvokeMember<Object, &Object::Name>},
+    {L"Version", kGet, 0, 0, InvokeMember<Object, &Object::Version>},
+    {L"Hwnd", kGet, 0, 0, InvokeMember<Object, &Object::Hwnd>},
+    {L"ExecuteExcel4Macro", DISPATCH_METHOD, 1, 1, InvokeMember<Object, &Object::ExecuteExcel4Macro>},
+    {L"DisplayAlerts", kGetAndPut, 0, 0, InvokeMember<Object, &Object::DisplayAlerts>},
+    {L"OnSheetActivate", kGetAndPut, 0, 0, InvokeMember<Object, &Object::OnSheetActivate>},
+    {L"OnSheetDeactivate", kGetAndPut, 0, 0, InvokeMember<Object, &Object::OnSheetDeactivate>},
+    {L"OnCalculate", kGetAndPut, 0, 0, InvokeMember<Object, &Object::OnCalculate>},
+};
+
+constexpr ObjectMember kWindowMembers[] = {
+    {L"Application", kGet, 0, 0, InvokeMember<WindowObject, &WindowObject::Application>},
+};
+
+Variant Shared(DispatchObject& object) {
+  object.AddRef();
+  return Variant::OfObject(&object);
+}
+
+}  // namespace
+
+ApplicationObject::ApplicationObject(std::shared_ptr<ObjectOffice> office)
+    : DispatchObject(std::move(office), ObjectKind::kApplication, kApplicationMembers) {}
+
+Variant ApplicationObject::Itself(const ObjectCall&) { return Shared(*this); }
+Variant ApplicationObject::Workbooks(const ObjectCall&) { return Make<WorkbooksObject>(); }
+Variant ApplicationObject::Name(const ObjectCall&) { return Variant::OfText(XTEXT("Microsoft Excel")); }
+Variant ApplicationObject::Version(const ObjectCall&) { return Variant::OfText(Host().settings.version); }
+
+Variant ApplicationObject::Hwnd(const ObjectCall&) {
+  return Variant::OfLong(static_cast<LONG>(reinterpret_cast<INT_PTR>(Office()->mainWindow.load())));
+}
+
+Variant ApplicationObject::ExecuteExcel4Macro(const ObjectCall& call) {
+  CheckMainThread("ExecuteExcel4Macro");
+  HostState& host = Host();
+  {
+    const std::lock_guard lock(Office()->mutex);
+    const Value& alerts = Office()->properties[XTEXT("DisplayAlerts")];
+    if (!alerts.IsBoolean() || alerts.AsBoolean())
+      host.complaints.Add("ExecuteExcel4Macro ran while alerts were on: one would have waited for a person");
+  }
+  const Value text = ValueOf(call.AtAs(0, VT_BSTR).Get());
+  const CallContext* const current = CallContext::Current();
+  const EvaluationContext plain{&host.workbooks};
+  const EvaluationContext& context = current ? current->evaluation : plain;
+  return Variant::Of(Dereference(EvaluateText(text.AsText(), host, context), host.workbooks));
+}
+
+Variant ApplicationObject::Property(XStringView name, VARTYPE type, const ObjectCall& call) {
+  if (!call.IsPut()) {
+    const std::lock_guard lock(Office()->mutex);
+    return Variant::Of(Office()->properties[XString(name)]);
+  }
+  CheckMainThread("a property put");
+  Value put = ValueOf(call.AtAs(0, type).Get());
+  const std::lock_guard lock(Office()->mutex);
+  Office()->properties[XString(name)] = std::move(put);
+  return {};
+}
+
+void ApplicationObject::CheckMainThread(const char* member) const {
+  if (!Host().mainThread.IsCurrent())
+    Host().complaints.Add(std::string(member) + " was called from another thread than the main one");
+}
+
+WindowObject::WindowObject(std::shared_ptr<ObjectOffice> office, Kept<ApplicationObject>& application)
+    : DispatchObject(std::move(office), ObjectKind::kWindow, kWindowMembers), application_(application) {}
+
+Variant WindowObject::Application(const ObjectCall&) {
+  Host();
+  return Shared(*application_.Get());
+}
+
+}  // namespace qcalc

@@ -1,0 +1,44 @@
+// Application, and the windows of books that lead to it.
+#pragma once
+
+#include "host/objects/dispatch_object_windows.h"
+
+namespace qcalc {
+
+class ApplicationObject final : public DispatchObject {
+ public:
+  explicit ApplicationObject(std::shared_ptr<ObjectOffice> office);
+
+  Variant Itself(const ObjectCall& call);
+  Variant Workbooks(const ObjectCall& call);
+  Variant Name(const ObjectCall& call);
+  Variant Version(const ObjectCall& call);
+  Variant Hwnd(const ObjectCall& call);
+  /// Its text evaluated as a macro sheet does.
+  Variant ExecuteExcel4Macro(const ObjectCall& call);
+  Variant DisplayAlerts(const ObjectCall& call) { return Property(XTEXT("DisplayAlerts"), VT_BOOL, call); }
+  Variant OnSheetActivate(const ObjectCall& call) { return Property(XTEXT("OnSheetActivate"), VT_BSTR, call); }
+  Variant OnSheetDeactivate(const ObjectCall& call) { return Property(XTEXT("OnSheetDeactivate"), VT_BSTR, call); }
+  Variant OnCalculate(const ObjectCall& call) { return Property(XTEXT("OnCalculate"), VT_BSTR, call); }
+
+ private:
+  Variant Property(XStringView name, VARTYPE type, const ObjectCall& call);
+  /// What changes Excel or runs in it is for its main thread.
+  void CheckMainThread(const char* member) const;
+};
+
+/// What an EXCEL7 window gives as its native object model.
+class WindowObject final : public DispatchObject {
+ public:
+  WindowObject(std::shared_ptr<ObjectOffice> office, Kept<ApplicationObject>& application);
+
+  Variant Application(const ObjectCall& call);
+
+  /// The code with which the window is to refuse its object now.
+  std::optional<std::int32_t> RefusesAccess() const { return Host().refusals.Count(kAccessibleObject); }
+
+ private:
+  Kept<ApplicationObject>& application_;
+};
+
+}  // namespace qcalc

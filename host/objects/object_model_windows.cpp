@@ -1,0 +1,121 @@
+#include <windows.h>
+
+#include "host/objects/object_model.h"
+// Behind it: this one needs its types.
+#include <ole2.h>
+
+#include "host/objects/excel_frame_windows.h"
+
+namespace qcalc {
+namespace {
+
+HRESULT Initialise(ComMode mode) {
+  switch (mode) {
+    case ComMode::kSingleThreaded:
+      return OleInitialize(nullptr);
+    case ComMode::kMultiThreaded:
+      return CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    case ComMode::kNone:
+      break;
+  }
+  return S_OK;
+}
+
+void Uninitialise(ComMode mode) {
+  if (mode == ComMode::kSingleThreaded) OleUninitialize();
+  if (mode == ComMode::kMultiThreaded) CoUninitialize();
+}
+
+/// Whether COM is initialised on this thread.
+bool IsInitialised() {
+  const HRESULT code = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  if (SUCCEEDED(code)) CoUninitialize();
+  return code != S_OK;
+}
+
+}  // namespace
+
+class ObjectModel::Windows {
+ public:
+  explicit Windows(HostState& host) : office(std::make_shared<ObjectOffice>(host)) {}
+  ~Windows() { office->host = nullptr; }
+
+  const std::shared_ptr<ObjectOffice> office;
+  std::unique_ptr<ExcelFrame> frame;
+  bool showsBooks = false;
+  bool hasBegun = false;
+  ComMode mode = ComMode::kNone;
+};
+
+ObjectModel::ObjectModel(HostState& host) : host_(host), windows_(std::make_unique<Windows>(host)) {
+  host_.objects = this;
+}
+
+ObjectModel::~ObjectModel() {
+  End();
+  host_.objects = nullptr;
+}
+
+std::string ObjectModel::WhyNotOffered() { return {}; }
+
+void ObjectModel::Begin() {
+  if (windows_->hasBegun) return;
+  windows_->mode = settings_.mode;
+  if (const HRESULT code = Initialise(windows_->mode); code != S_OK)
+    host_.complaints.Add("COM was initialised before the add-in was loaded");
+  windows_->hasBegun = true;
+  if (!windows_->frame) {
+    windows_->frame = std::make_unique<ExcelFrame>(windows_->office);
+    windows_->showsBooks = settings_.hasBookWindows;
+  }
+  ShowBooks();
+}
+
+void ObjectModel::End() {
+  if (!windows_->hasBegun) return;
+  windows_->hasBegun = false;
+  if (const std::string left = DescribeReferences(); !left.empty())
+    host_.complaints.Add("the add-in was unloaded and held references to objects: " + left);
+  if (windows_->mode != ComMode::kNone && !IsInitialised())
+    host_.complaints.Add("the add-in took COM away from the host's main thread");
+  Uninitialise(windows_->mode);
+  if (!IsInitialised()) return;
+  host_.complaints.Add("the add-in left COM initialised on the host's main thread");
+  while (IsInitialised()) CoUninitialize();
+}
+
+std::int32_t ObjectModel::MainWindow() const {
+  return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(windows_->office->mainWindow.load()));
+}
+
+void ObjectModel::ShowBooks() {
+  if (!windows_->frame) return;
+  std::vector<const Book*> books;
+  if (windows_->showsBooks && !host_.refusals.HidesBookWindows())
+    for (const auto& book : host_.workbooks.Books()) books.push_back(book.get());
+  windows_->frame->Show(books);
+}
+
+void ObjectModel::AllowBookWindows() {
+  windows_->showsBooks = true;
+  ShowBooks();
+}
+
+int ObjectModel::CountReferences() const { return windows_->office->CountReferences(); }
+std::string ObjectModel::DescribeReferences() const { return windows_->office->DescribeReferences(); }
+
+Value ObjectModel::Property(XStringView name) const {
+  const std::lock_guard lock(windows_->office->mutex);
+  const auto found = windows_->office->properties.find(XString(name));
+  return found != windows_->office->properties.end() ? found->second : Value::Empty();
+}
+
+bool ObjectModel::SetProperty(XStringView name, const Value& value) {
+  const std::lock_guard lock(windows_->office->mutex);
+  const auto found = windows_->office->properties.find(XString(name));
+  if (found == windows_->office->properties.end()) return false;
+  found->second = value;
+  return true;
+}
+
+}  // namespace qcalc
