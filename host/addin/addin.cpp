@@ -15,9 +15,10 @@
 namespace qcalc {
 namespace {
 
-Place PlaceOf(const TypeText& type) {
-  if (type.isThreadSafe) return Place::kThreadSafeFunction;
-  return type.isMacroEquivalent ? Place::kMacroFunction : Place::kFunction;
+Place PlaceOf(const RegisteredFunction& function) {
+  if (function.IsCommand()) return Place::kCommand;
+  if (function.type.isThreadSafe) return Place::kThreadSafeFunction;
+  return function.type.isMacroEquivalent ? Place::kMacroFunction : Place::kFunction;
 }
 
 std::string NameOf(const RegisteredFunction& function) {
@@ -58,6 +59,7 @@ std::optional<int> Addin::CallEntryPoint(const char* name, const EvaluationConte
   const auto entry = library_->FindAs<int (*)()>(name);
   if (!entry) return std::nullopt;
   const CallContext frame(host_, Place::kCommand, name, context);
+  const ScreenGuard screen(host_.complaints, host_.application, frame.function);
   const FolderGuard folder(host_.complaints, frame.function);
   const ProcessorGuard processor(host_.complaints, frame.function);
   return RunAddinCode(entry);
@@ -101,6 +103,11 @@ const AddinFunction* Addin::Find(XStringView name) const {
   return function && !function->IsCommand() ? function : nullptr;
 }
 
+const AddinFunction* Addin::FindCommand(XStringView name) const {
+  const RegisteredFunction* function = host_.registry.Find(name);
+  return function && function->IsCommand() ? function : nullptr;
+}
+
 Value Addin::Call(const AddinFunction& called, std::span<const Value> operands, const EvaluationContext& context) {
   const auto& function = static_cast<const RegisteredFunction&>(called);
   if (function.type.isThreadSafe) return CallHere(function, operands, context);
@@ -115,13 +122,15 @@ Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value>
                       const EvaluationContext& context) {
   Arguments arguments(argumentCache_, host_.FormOf(context), host_.settings.marks);
   if (const auto refused = arguments.Build(function, operands)) return Value::Error(*refused);
-  CallContext frame(host_, PlaceOf(function.type), NameOf(function), context);
+  CallContext frame(host_, PlaceOf(function), NameOf(function), context);
   for (const ArgumentFault& fault : host_.faults.TakeArgumentFaults()) {
     if (const std::string reason = arguments.Spoil(function, fault); !reason.empty())
       throw FormulaError(frame.function + " was not called: " + reason);
     frame.isSpoilt = true;
   }
   const FolderGuard folder(host_.complaints, frame.function);
+  std::optional<ScreenGuard> screen;
+  if (frame.place == Place::kCommand) screen.emplace(host_.complaints, host_.application, frame.function);
   const std::uintptr_t word = CallExport(function, arguments, frame);
   if (const int changed = arguments.FirstChanged(true))
     host_.complaints.Add(frame.function + " changed its argument " + std::to_string(changed));
@@ -160,7 +169,7 @@ Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> op
     timing.result = Value::Error(*refused);
     return timing;
   }
-  CallContext frame(host_, PlaceOf(function.type), NameOf(function), context);
+  CallContext frame(host_, PlaceOf(function), NameOf(function), context);
   const FolderGuard folder(host_.complaints, frame.function);
   const Passing passing = PassingOf(function.type.result);
   std::vector<double> microseconds;

@@ -43,6 +43,8 @@ class Addin final : public IAddinFunctions {
   bool IsLoaded() const { return library_ != nullptr; }
 
   const AddinFunction* Find(XStringView name) const override;
+  /// The command of that name, in any case; null when there is none. Call runs it as Excel runs a macro.
+  const AddinFunction* FindCommand(XStringView name) const;
   /// Calls on this thread what is thread-safe, on the main thread what is not.
   Value Call(const AddinFunction& function, std::span<const Value> operands, const EvaluationContext& context) override;
 

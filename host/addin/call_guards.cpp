@@ -15,4 +15,12 @@ FolderGuard::~FolderGuard() {
   complaints_.Add(who_ + " changed the current folder");
 }
 
+ScreenGuard::~ScreenGuard() {
+  if (!application_.Echo()) complaints_.Add(who_ + " left the screen's echo off");
+  application_.SetEcho(true);
+  if (!showedAlerts_ || application_.ShowsAlerts()) return;
+  complaints_.Add(who_ + " left alerts off");
+  application_.PutProperty(ApplicationState::kAlerts, Value::Boolean(true));
+}
+
 }  // namespace qcalc

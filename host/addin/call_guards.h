@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 
+#include "host/addin/application_state.h"
 #include "host/api/complaints.h"
 #include "host/library/processor_state.h"
 
@@ -37,6 +38,23 @@ class FolderGuard {
   const std::string& who_;
   std::error_code error_;
   const std::filesystem::path before_ = std::filesystem::current_path(error_);
+};
+
+/// The same for what a command may change of Excel while it runs: Excel turns echo and alerts on when it ends, and what
+/// relied on that is told.
+class ScreenGuard {
+ public:
+  ScreenGuard(Complaints& complaints, ApplicationState& application, const std::string& who)
+      : complaints_(complaints), application_(application), who_(who) {}
+  ~ScreenGuard();
+  ScreenGuard(const ScreenGuard&) = delete;
+  ScreenGuard& operator=(const ScreenGuard&) = delete;
+
+ private:
+  Complaints& complaints_;
+  ApplicationState& application_;
+  const std::string& who_;
+  const bool showedAlerts_ = application_.ShowsAlerts();
 };
 
 }  // namespace qcalc

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <optional>
+#include <vector>
 
 #include "host/values/number_marks.h"
 #include "host/values/value.h"
@@ -19,6 +20,12 @@ struct HostSettings {
 struct MacroFunctions {
   std::map<XString, Value> results;   ///< what each returns, by name without case (FoldCase)
   std::optional<Value> lastArgument;  ///< the first argument of the last call
+};
+
+/// Servers of real-time data, reached through xlfRtd.
+struct DataServers {
+  std::map<XString, Value> answers;        ///< what each answers, by program id without case (FoldCase)
+  std::vector<std::vector<Value>> topics;  ///< of the calls of servers that are there, in their order
 };
 
 }  // namespace qcalc

@@ -1,6 +1,7 @@
 // What the host keeps for the add-in that it holds: what callbacks are answered from, and what is noted of them.
 #pragma once
 
+#include "host/addin/application_state.h"
 #include "host/addin/host_settings.h"
 #include "host/addin/registry.h"
 #include "host/addin/threads.h"
@@ -21,10 +22,14 @@ class ObjectModel;  // host/objects/object_model.h
 /// be touched while other threads calculate, each member says itself.
 struct HostState {
   Workbooks workbooks;
+  /// Books that commands of the add-in made, the active one last: the book of a script is active when there is none.
+  std::vector<XString> newBooks;
+  ApplicationState application;
 
   /// What callbacks are answered from: read while threads calculate, changed only between evaluations.
   HostSettings settings;
   MacroFunctions macroFunctions;
+  DataServers dataServers;           ///< called on the main thread alone
   const Library* library = nullptr;  ///< the add-in's; null while none is loaded
   Registry registry;
 

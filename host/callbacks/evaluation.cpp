@@ -63,9 +63,17 @@ CallbackAnswer HandleUdf(CallbackRequest& request) {
 }
 
 CallbackAnswer HandleRtd(CallbackRequest& request) {
-  if (!request.TextAt(0)) return request.WrongArgument(1, "a program id");
-  // No server is registered here.
-  return Value::Error(xlerrNA);
+  const XString* id = request.TextAt(0);
+  if (!id) return request.WrongArgument(1, "a program id");
+  // The second argument names another machine.
+  if (!request.IsOmitted(1) && !request.TextAt(1)) return request.WrongArgument(2, "a server's name");
+  DataServers& servers = request.Host().dataServers;
+  const auto server = servers.answers.find(FoldCase(*id));
+  if (server == servers.answers.end()) return Value::Error(xlerrNA);
+  std::vector<Value> topics;
+  for (std::size_t i = 2; i < request.arguments.size(); ++i) topics.push_back(request.ValueAt(i));
+  servers.topics.push_back(std::move(topics));
+  return server->second;
 }
 
 }  // namespace qcalc

@@ -37,5 +37,7 @@ CallbackAnswer HandleSetName(CallbackRequest& request);
 CallbackAnswer HandleAlert(CallbackRequest& request);
 CallbackAnswer HandleMessage(CallbackRequest& request);
 CallbackAnswer HandleEcho(CallbackRequest& request);
+CallbackAnswer HandleNew(CallbackRequest& request);
+CallbackAnswer HandleFileClose(CallbackRequest& request);
 
 }  // namespace qcalc

@@ -45,6 +45,8 @@ constexpr NumberedRule kRules[] = {
     {xlcAlert, {Kind::kCommandEquivalent, 1, 3, HandleAlert}},
     {xlcMessage, {Kind::kCommandEquivalent, 1, 2, HandleMessage}},
     {xlcEcho, {Kind::kCommandEquivalent, 0, 1, HandleEcho}},
+    {xlcNew, {Kind::kCommandEquivalent, 0, 3, HandleNew}},
+    {xlcFileClose, {Kind::kCommandEquivalent, 0, 2, HandleFileClose}},
 };
 
 // Macro-language functions that the host does not answer; where they are made from still counts.

@@ -52,12 +52,8 @@ Variant ApplicationObject::Hwnd(const ObjectCall&) {
 Variant ApplicationObject::ExecuteExcel4Macro(const ObjectCall& call) {
   CheckMainThread("ExecuteExcel4Macro");
   HostState& host = Host();
-  {
-    const std::lock_guard lock(Office()->mutex);
-    const Value& alerts = Office()->properties[XTEXT("DisplayAlerts")];
-    if (!alerts.IsBoolean() || alerts.AsBoolean())
-      host.complaints.Add("ExecuteExcel4Macro ran while alerts were on: one would have waited for a person");
-  }
+  if (host.application.ShowsAlerts())
+    host.complaints.Add("ExecuteExcel4Macro ran while alerts were on: one would have waited for a person");
   const Value text = ValueOf(call.AtAs(0, VT_BSTR).Get());
   const CallContext* const current = CallContext::Current();
   const EvaluationContext plain{&host.workbooks};
@@ -66,14 +62,10 @@ Variant ApplicationObject::ExecuteExcel4Macro(const ObjectCall& call) {
 }
 
 Variant ApplicationObject::Property(XStringView name, VARTYPE type, const ObjectCall& call) {
-  if (!call.IsPut()) {
-    const std::lock_guard lock(Office()->mutex);
-    return Variant::Of(Office()->properties[XString(name)]);
-  }
+  ApplicationState& state = Host().application;
+  if (!call.IsPut()) return Variant::Of(*state.Property(name));
   CheckMainThread("a property put");
-  Value put = ValueOf(call.AtAs(0, type).Get());
-  const std::lock_guard lock(Office()->mutex);
-  Office()->properties[XString(name)] = std::move(put);
+  state.PutProperty(name, ValueOf(call.AtAs(0, type).Get()));
   return {};
 }
 

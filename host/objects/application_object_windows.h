@@ -16,10 +16,12 @@ class ApplicationObject final : public DispatchObject {
   Variant Hwnd(const ObjectCall& call);
   /// Its text evaluated as a macro sheet does.
   Variant ExecuteExcel4Macro(const ObjectCall& call);
-  Variant DisplayAlerts(const ObjectCall& call) { return Property(XTEXT("DisplayAlerts"), VT_BOOL, call); }
-  Variant OnSheetActivate(const ObjectCall& call) { return Property(XTEXT("OnSheetActivate"), VT_BSTR, call); }
-  Variant OnSheetDeactivate(const ObjectCall& call) { return Property(XTEXT("OnSheetDeactivate"), VT_BSTR, call); }
-  Variant OnCalculate(const ObjectCall& call) { return Property(XTEXT("OnCalculate"), VT_BSTR, call); }
+  Variant DisplayAlerts(const ObjectCall& call) { return Property(ApplicationState::kAlerts, VT_BOOL, call); }
+  Variant OnSheetActivate(const ObjectCall& call) { return Property(ApplicationState::kSheetActivated, VT_BSTR, call); }
+  Variant OnSheetDeactivate(const ObjectCall& call) {
+    return Property(ApplicationState::kSheetDeactivated, VT_BSTR, call);
+  }
+  Variant OnCalculate(const ObjectCall& call) { return Property(ApplicationState::kCalculated, VT_BSTR, call); }
 
  private:
   Variant Property(XStringView name, VARTYPE type, const ObjectCall& call);

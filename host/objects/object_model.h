@@ -41,8 +41,8 @@ class ObjectModel {
 
   /// Before the add-in is loaded: COM is initialised, and the windows are there.
   void Begin();
-  /// After it was unloaded: what it still holds of the objects, and COM that it left initialised or took away from the
-  /// host, goes to the complaints.
+  /// After it was unloaded: what it still holds of the objects, its macros in properties, and COM that it left
+  /// initialised or took away from the host, go to the complaints.
   void End();
 
   /// The main window's handle. Natively a number that is no window's.
@@ -57,11 +57,6 @@ class ObjectModel {
   int CountReferences() const;
   /// The same by kinds: "2 to Application, 1 to Range".
   std::string DescribeReferences() const;
-
-  /// A property that the add-in may have put: DisplayAlerts, OnSheetActivate, OnSheetDeactivate, OnCalculate.
-  Value Property(XStringView name) const;
-  /// False when there is no such property.
-  bool SetProperty(XStringView name, const Value& value);
 
  private:
   class Windows;

@@ -21,7 +21,5 @@ void ObjectModel::ShowBooks() {}
 void ObjectModel::AllowBookWindows() {}
 int ObjectModel::CountReferences() const { return 0; }
 std::string ObjectModel::DescribeReferences() const { return {}; }
-Value ObjectModel::Property(XStringView) const { return Value::Text({}); }
-bool ObjectModel::SetProperty(XStringView, const Value&) { return false; }
 
 }  // namespace qcalc

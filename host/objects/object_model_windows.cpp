@@ -5,6 +5,7 @@
 #include <ole2.h>
 
 #include "host/objects/excel_frame_windows.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 namespace {
@@ -59,7 +60,7 @@ ObjectModel::~ObjectModel() {
 std::string ObjectModel::WhyNotOffered() { return {}; }
 
 void ObjectModel::Begin() {
-  if (windows_->hasBegun) return;
+  if (windows_->hasBegun) return ShowBooks();
   windows_->mode = settings_.mode;
   if (const HRESULT code = Initialise(windows_->mode); code != S_OK)
     host_.complaints.Add("COM was initialised before the add-in was loaded");
@@ -76,6 +77,12 @@ void ObjectModel::End() {
   windows_->hasBegun = false;
   if (const std::string left = DescribeReferences(); !left.empty())
     host_.complaints.Add("the add-in was unloaded and held references to objects: " + left);
+  for (const XStringView event : ApplicationState::kEvents) {
+    const Value macro = *host_.application.Property(event);
+    if (!macro.IsText() || macro.AsText().empty() || host_.application.IsForeign(macro.AsText())) continue;
+    host_.complaints.Add("the add-in was unloaded and left " + ToUtf8(macro.AsText()) + " in " + ToUtf8(event));
+    host_.application.PutProperty(event, Value::Text({}));
+  }
   if (windows_->mode != ComMode::kNone && !IsInitialised())
     host_.complaints.Add("the add-in took COM away from the host's main thread");
   Uninitialise(windows_->mode);
@@ -103,19 +110,5 @@ void ObjectModel::AllowBookWindows() {
 
 int ObjectModel::CountReferences() const { return windows_->office->CountReferences(); }
 std::string ObjectModel::DescribeReferences() const { return windows_->office->DescribeReferences(); }
-
-Value ObjectModel::Property(XStringView name) const {
-  const std::lock_guard lock(windows_->office->mutex);
-  const auto found = windows_->office->properties.find(XString(name));
-  return found != windows_->office->properties.end() ? found->second : Value::Empty();
-}
-
-bool ObjectModel::SetProperty(XStringView name, const Value& value) {
-  const std::lock_guard lock(windows_->office->mutex);
-  const auto found = windows_->office->properties.find(XString(name));
-  if (found == windows_->office->properties.end()) return false;
-  found->second = value;
-  return true;
-}
 
 }  // namespace qcalc

@@ -6,8 +6,6 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <map>
-#include <mutex>
 #include <string>
 
 #include "host/addin/host_state.h"
@@ -26,13 +24,6 @@ struct ObjectOffice {
 
   /// References that are held from outside, by kinds. May change on any thread.
   std::array<std::atomic<int>, 7> references{};
-
-  /// Properties that are put as well as got, by their names.
-  std::mutex mutex;
-  std::map<XString, Value> properties{{XTEXT("DisplayAlerts"), Value::Boolean(true)},
-                                      {XTEXT("OnSheetActivate"), Value::Text({})},
-                                      {XTEXT("OnSheetDeactivate"), Value::Text({})},
-                                      {XTEXT("OnCalculate"), Value::Text({})}};
 
   int CountReferences() const;
   /// "2 to Application, 1 to Range"; empty when there are none.

@@ -60,9 +60,19 @@ ScriptAction ParseOpen(ScriptLine&) {
   };
 }
 
-ScriptAction ParseClose(ScriptLine&) {
-  return [](ScriptRunner& runner) {
-    runner.Evaluate("xlAutoClose", [&] { return Value::Number(runner.ItsSession().CallClose().value_or(0)); });
+ScriptAction CallOf(const char* name) {
+  return [name](ScriptRunner& runner) {
+    runner.Evaluate(name, [&] { return Value::Number(runner.ItsSession().CallEntryPoint(name).value_or(0)); });
+  };
+}
+
+ScriptAction ParseClose(ScriptLine&) { return CallOf("xlAutoClose"); }
+ScriptAction ParseAdd(ScriptLine&) { return CallOf("xlAutoAdd"); }
+ScriptAction ParseRemove(ScriptLine&) { return CallOf("xlAutoRemove"); }
+
+ScriptAction ParseRun(ScriptLine& line) {
+  return [formula = line.FormulaText()](ScriptRunner& runner) {
+    runner.Evaluate(formula.Text(), [&] { return runner.ItsSession().Run(formula); });
   };
 }
 
@@ -97,6 +107,9 @@ constexpr ScriptCommandForm kCommands[] = {
     {"time", "time N =FORMULA", ParseTime},
     {"open", "open", ParseOpen},
     {"close", "close", ParseClose},
+    {"add", "add", ParseAdd},
+    {"remove", "remove", ParseRemove},
+    {"run", "run =NAME(ARGUMENTS)", ParseRun},
     {"reload", "reload N", ParseReload},
     {"print", "print", ParsePrint},
     {"show", "show [ROWS]", ParseShow},

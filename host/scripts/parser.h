@@ -23,12 +23,13 @@ struct ScriptCommandForm {
   ScriptAction (*parse)(ScriptLine& line);
 };
 
-/// The commands, in four groups: the workbook and the host's settings, evaluations, expectations, and what goes wrong
-/// on purpose.
+/// The commands, in five groups: the workbook and the host's settings, evaluations, expectations, what goes wrong on
+/// purpose, and what there is beside the C API.
 std::span<const ScriptCommandForm> SettingCommands();
 std::span<const ScriptCommandForm> EvaluationCommands();
 std::span<const ScriptCommandForm> ExpectationCommands();
 std::span<const ScriptCommandForm> FaultCommands();
+std::span<const ScriptCommandForm> ObjectCommands();
 
 /// The forms of all commands, in the order of the groups.
 std::vector<std::string> CommandForms();

@@ -15,6 +15,29 @@
 #include "host/values/value_order.h"
 
 namespace qcalc {
+namespace {
+
+/// What formulas of macros call: commands too.
+class Macros final : public IAddinFunctions {
+ public:
+  explicit Macros(Addin& addin) : addin_(addin) {}
+
+  const AddinFunction* Find(XStringView name) const override {
+    const AddinFunction* const command = addin_.FindCommand(name);
+    return command ? command : addin_.Find(name);
+  }
+  Value Call(const AddinFunction& function, std::span<const Value> operands,
+             const EvaluationContext& context) override {
+    EvaluationContext inner = context;
+    inner.addin = &addin_;
+    return addin_.Call(function, operands, inner);
+  }
+
+ private:
+  Addin& addin_;
+};
+
+}  // namespace
 
 Session::Session(std::filesystem::path addinPath)
     : addinPath_(std::move(addinPath)),
@@ -55,9 +78,30 @@ void Session::Open() {
   throw AddinFailure(message);
 }
 
-std::optional<int> Session::CallClose() {
+std::optional<int> Session::CallEntryPoint(const char* name) {
   if (!addin_.IsLoaded()) return std::nullopt;
-  return addin_.CallEntryPoint("xlAutoClose", Context());
+  objects_.ShowBooks();
+  const EvaluationWatch watch(host_);
+  return addin_.CallEntryPoint(name, Context());
+}
+
+void Session::RaiseEvent(XStringView name) {
+  if (!addin_.IsLoaded()) return;
+  const Value macro = *host_.application.Property(name);
+  if (!macro.IsText() || macro.AsText().empty() || host_.application.IsForeign(macro.AsText())) return;
+  if (const AddinFunction* const command = addin_.FindCommand(macro.AsText()))
+    addin_.Call(*command, {}, Context());
+  else
+    host_.complaints.Add("no command is named " + ToUtf8(macro.AsText()) + ", which stands in " + ToUtf8(name));
+}
+
+void Session::SelectSheet(Sheet& sheet) {
+  host_.newBooks.clear();
+  if (&sheet == sheet_) return;
+  RaiseEvent(ApplicationState::kSheetDeactivated);
+  sheet_ = &sheet;
+  objects_.ShowBooks();
+  RaiseEvent(ApplicationState::kSheetActivated);
 }
 
 void Session::Reload(int count) {
@@ -69,7 +113,9 @@ void Session::Reload(int count) {
 
 void Session::Finish() {
   if (!addin_.IsLoaded()) return;
-  if (isOpen_ && CallClose().value_or(1) != 1) host_.complaints.Add("xlAutoClose did not return 1");
+  objects_.ShowBooks();
+  if (isOpen_ && addin_.CallEntryPoint("xlAutoClose", Context()).value_or(1) != 1)
+    host_.complaints.Add("xlAutoClose did not return 1");
   addin_.Unload();
   objects_.End();
   isOpen_ = false;
@@ -81,6 +127,7 @@ EvaluationContext Session::Prepare() {
     Sheet& sheet = host_.workbooks.BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Calc"));
     caller_ = {sheet.Id(), {Area{}}};
   }
+  objects_.ShowBooks();
   const EvaluationContext context = Context();
   failures_ = qcalc::Recalculate(host_.workbooks, context, &unknown_);
   return context;
@@ -95,6 +142,19 @@ Value Session::EvaluateIn(const EvaluationContext& context, const Formula& formu
 
 Value Session::Evaluate(const Formula& formula) {
   const EvaluationContext context = Prepare();
+  Value result;
+  {
+    const EvaluationWatch watch(host_);
+    result = EvaluateIn(context, formula);
+  }
+  RaiseEvent(ApplicationState::kCalculated);
+  return result;
+}
+
+Value Session::Run(const Formula& formula) {
+  EvaluationContext context = Prepare();
+  Macros macros(addin_);
+  context.addin = &macros;
   const EvaluationWatch watch(host_);
   return EvaluateIn(context, formula);
 }
@@ -105,8 +165,11 @@ Value Session::Recalculate(int count, const Formula& formula) {
   Value result;
   for (int i = 0; i < count; ++i) {
     const EvaluationContext context = Prepare();
-    const EvaluationWatch watch(host_);
-    result = EvaluateIn(context, formula);
+    {
+      const EvaluationWatch watch(host_);
+      result = EvaluateIn(context, formula);
+    }
+    RaiseEvent(ApplicationState::kCalculated);
     if (Sheet* sheet = host_.workbooks.FindSheet(caller_.sheet))
       sheet->WriteResult(caller_.areas[0], Dereference(result, host_.workbooks));
   }
@@ -115,18 +178,21 @@ Value Session::Recalculate(int count, const Formula& formula) {
 
 std::vector<Value> Session::EvaluateInParallel(int threads, int count, const Formula& formula) {
   const EvaluationContext context = Prepare();
-  const EvaluationWatch watch(host_);
   std::mutex mutex;
   std::vector<Value> results;
-  host_.mainThread.RunOnThreads(threads, [&](int) {
-    for (int i = 0; i < count; ++i) {
-      Value result = EvaluateIn(context, formula);
-      const Value contents = Dereference(result, host_.workbooks);
-      const std::lock_guard lock(mutex);
-      if (results.empty() || !SameValue(Dereference(results[0], host_.workbooks), contents))
-        results.push_back(std::move(result));
-    }
-  });
+  {
+    const EvaluationWatch watch(host_);
+    host_.mainThread.RunOnThreads(threads, [&](int) {
+      for (int i = 0; i < count; ++i) {
+        Value result = EvaluateIn(context, formula);
+        const Value contents = Dereference(result, host_.workbooks);
+        const std::lock_guard lock(mutex);
+        if (results.empty() || !SameValue(Dereference(results[0], host_.workbooks), contents))
+          results.push_back(std::move(result));
+      }
+    });
+  }
+  RaiseEvent(ApplicationState::kCalculated);
   return results;
 }
 

@@ -31,9 +31,10 @@ class Session {
   /// Loads the library unless that has been done, and calls xlAutoOpen with callbacks counted and failing as told; what
   /// that returns.
   int CallOpen();
-  /// Calls xlAutoClose of the open add-in; what it returns, nothing when the add-in is not loaded or has no such
-  /// export.
-  std::optional<int> CallClose();
+  /// Calls another entry point of the loaded add-in, such as xlAutoRemove, with callbacks counted and failing as told;
+  /// what it returns, nothing when the add-in is not loaded or has no such export.
+  std::optional<int> CallEntryPoint(const char* name);
+  std::optional<int> CallClose() { return CallEntryPoint("xlAutoClose"); }
   /// Closes and unloads the add-in, if it is loaded, then loads and opens it, `count` times. Throws AddinFailure.
   void Reload(int count);
   /// Closes and unloads the add-in, if it is loaded, and closes the account of the loans.
@@ -42,6 +43,8 @@ class Session {
   /// Calculates what is due, then evaluates on the main thread with callbacks counted and failing as told. The result
   /// may be a reference. Throws FormulaError and AddinFailure.
   Value Evaluate(const Formula& formula);
+  /// Evaluates on the main thread as Excel runs a macro: commands of the add-in are found beside its functions.
+  Value Run(const Formula& formula);
   /// Makes everything ready for evaluations, on several threads at once too: the add-in, the cells that are due, the
   /// caller's sheet.
   EvaluationContext Prepare();
@@ -74,14 +77,16 @@ class Session {
   Sheet& CurrentSheet() { return *sheet_; }
   NamedValues& Names() { return names_; }
 
-  /// Unqualified references mean this sheet from now on.
-  void SelectSheet(Sheet& sheet) { sheet_ = &sheet; }
+  /// Unqualified references mean this sheet from now on. The add-in hears of it when it is another one.
+  void SelectSheet(Sheet& sheet);
   /// Formulas that follow are called from there; an empty reference means A1 of the sheet Calc.
   void SetCaller(Reference caller) { caller_ = std::move(caller); }
 
  private:
   EvaluationContext Context();
   int LoadAndOpen();
+  /// Runs the macro that stands in a property of that name, if any.
+  void RaiseEvent(XStringView name);
   Value EvaluateIn(const EvaluationContext& context, const Formula& formula);
   std::vector<std::string> KnownNames(UnknownNames::Kind kind) const;
 

@@ -26,7 +26,7 @@ Sheet* Book::FindSheet(XStringView name) const {
 
 Sheet& Book::SheetNamed(XStringView name) {
   if (Sheet* sheet = FindSheet(name)) return *sheet;
-  const IDSHEET id = workbooks_.NextSheetId();
+  const IDSHEET id = workbooks_.TakeSheetId();
   sheets_.push_back(std::make_unique<Sheet>(*this, id, XString(name)));
   workbooks_.sheetsById_.emplace(id, sheets_.back().get());
   // Formulas that name it were #REF! so far.
@@ -45,9 +45,22 @@ Book& Workbooks::BookNamed(XStringView name) {
   return *books_.emplace_back(std::make_unique<Book>(*this, XString(name)));
 }
 
-IDSHEET Workbooks::NextSheetId() {
-  return sheetsById_.empty() ? kFirstSheetId : sheetsById_.rbegin()->first + kSheetIdStep;
+Workbooks::Workbooks() : nextSheetId_(kFirstSheetId) {}
+
+void Workbooks::Close(const Book& book) {
+  const XString name = book.Name();
+  for (const auto& sheet : book.Sheets()) sheetsById_.erase(sheet->Id());
+  std::erase_if(books_, [&](const auto& other) { return other.get() == &book; });
+  const auto isThere = [&](const ReferenceText& text) { return EqualsIgnoringCase(text.book, name); };
+  for (const auto& other : books_)
+    for (const auto& sheet : other->Sheets())
+      for (const auto& [position, cell] : sheet->Formulas()) {
+        const std::vector<ReferenceText> references = ReferencesIn(cell.formula);
+        if (std::any_of(references.begin(), references.end(), isThere)) sheet->MarkDirty(position, true);
+      }
 }
+
+IDSHEET Workbooks::TakeSheetId() { return std::exchange(nextSheetId_, nextSheetId_ + kSheetIdStep); }
 
 Sheet* Workbooks::FindSheet(IDSHEET id) const {
   const auto found = sheetsById_.find(id);

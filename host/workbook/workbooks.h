@@ -33,10 +33,13 @@ class Book {
 /// All open books.
 class Workbooks {
  public:
+  Workbooks();
   const std::vector<std::unique_ptr<Book>>& Books() const { return books_; }
   Book* FindBook(XStringView name) const;
   /// The book of that name, made without sheets if need be.
   Book& BookNamed(XStringView name);
+  /// Closes a book: its sheets are gone, and formulas that name them are to be calculated anew.
+  void Close(const Book& book);
   /// The sheet with that id; null for 0 and unknown ids.
   Sheet* FindSheet(IDSHEET id) const;
   /// The sheet `Sheet1` or `[Book1]Sheet1` names, seen from `current`; null when there is none.
@@ -46,10 +49,11 @@ class Workbooks {
 
  private:
   friend class Book;
-  IDSHEET NextSheetId();
+  IDSHEET TakeSheetId();
 
   std::vector<std::unique_ptr<Book>> books_;
   std::map<IDSHEET, Sheet*> sheetsById_;
+  IDSHEET nextSheetId_;
 };
 
 /// Finds the sheet of a written reference, made if need be, so that commands may name new sheets. Formulas make none.
