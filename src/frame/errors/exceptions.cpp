@@ -50,7 +50,7 @@ XString HexText(std::uint32_t code, int leastDigits) {
 
 XString ComMessage(XStringView call, std::int32_t hresult) {
   if (call.empty()) return XString(MessageText(MessageId::kComCallFailed));
-  return FormatCatalogue(MessageId::kCallFailedWithCode, call, HexText(static_cast<std::uint32_t>(hresult), 8));
+  return FormatCatalogue(MessageId::kCallFailedWithCode, call, HResultText(hresult));
 }
 
 }  // namespace
@@ -81,6 +81,8 @@ CXlStructuredException::CXlStructuredException(std::uint32_t code)
     : CXlRuntimeException(code == 0 ? XString(MessageText(MessageId::kStructuredException))
                                     : FormatCatalogue(MessageId::kStructuredExceptionCode, HexText(code, 1))),
       code_(code) {}
+
+XString HResultText(std::int32_t hresult) { return HexText(static_cast<std::uint32_t>(hresult), 8); }
 
 CXlComException::CXlComException(XStringView call, std::int32_t hresult)
     : CXlRuntimeException(ComMessage(call, hresult)), call_(std::make_shared<const XString>(call)), result_(hresult) {}

@@ -88,7 +88,10 @@ class CXlStructuredException : public CXlRuntimeException {
   std::uint32_t code_;
 };
 
-/// A COM call that failed. The message shows the HRESULT as eight upper-case hexadecimal digits behind "0x".
+/// An HRESULT as messages show it: eight upper-case hexadecimal digits behind "0x".
+XString HResultText(std::int32_t hresult);
+
+/// A COM call that failed. The message shows the HRESULT.
 class CXlComException : public CXlRuntimeException {
  public:
   /// `call` names the failed call; it may be empty.
