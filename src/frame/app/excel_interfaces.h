@@ -55,7 +55,7 @@ class IXllCom {
   /// Has the application's events sent to the add-in. `name` is the add-in's name.
   virtual void ConnectEvents(XStringView name) = 0;
   /// Undoes the above, as far as it was done. Where the functions go on being called (`removed` is false) who reads
-  /// used rows keeps the Application object, until the next Initialise.
+  /// used rows keeps the Application object, until Connect brings another.
   virtual void DisconnectAndUninitialise(bool removed) = 0;
   /// Attaches a connected ribbon, or detaches it (null). It must outlive the attachment.
   virtual void AttachRibbon(IXlpRibbonImpl* ribbon) = 0;

@@ -1,0 +1,10 @@
+#include "excel/com/excel_com.h"
+
+namespace quillmere {
+
+IXllCom& ExcelCom() {
+  static CXllComNull bridge;
+  return bridge;
+}
+
+}  // namespace quillmere
