@@ -1,5 +1,6 @@
 #include "addin/wiring.h"
 
+#include "excel/com/excel_com.h"
 #include "excel/events/observer.h"
 #include "excel/ribbon/shared_ribbon.h"
 #include "excel/used_range/used_range_reader.h"
@@ -14,6 +15,7 @@ constinit CXlpRibbonImplShared ribbon;
 
 void WireTheFrame(CXllApp& app) {
   SetUsedRangeReader(&UsedRangeReader());
+  app.SetCom(ExcelCom());
   app.SetRibbon(ribbon);
   app.SetObserver(Observer());
 }

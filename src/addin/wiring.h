@@ -5,8 +5,8 @@
 
 namespace quillmere {
 
-/// Hands the frame and the application object all that other rooms bring: who tells a sheet's used rows, the
-/// ribbon, who hears of Excel's events. Before Excel calls anything.
+/// Hands the frame and the application object all that other rooms bring: who tells a sheet's used rows, the bridge to
+/// Excel's object model, the ribbon, who hears of Excel's events. Before Excel calls anything.
 void WireTheFrame(CXllApp& app);
 
 }  // namespace quillmere

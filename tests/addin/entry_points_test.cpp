@@ -85,8 +85,13 @@ TEST_F(EntryPoints, TheAddInManagerIsToldTheLongName) {
 
 TEST_F(EntryPoints, OpensAnewOnceItWasClosedOrRemoved) {
   using Steps = std::vector<std::string>;
-  const auto registered = [this] { return session.Host().registry.All().size(); };
-  const std::size_t all = registered();
+  // The commands of events come and go with the bridge to the object model, where there is one.
+  const auto registered = [this] {
+    return std::ranges::count_if(session.Host().registry.All(), [](const RegisteredFunction* each) {
+      return !each->name.starts_with(XTEXT("xll_Quillmere4_On"));
+    });
+  };
+  const auto all = registered();
   EXPECT_EQ(Call("xlAutoAdd"), 1);
   for (const Steps& steps : {Steps{}, Steps{"xlAutoClose", "xlAutoClose"}, Steps{"xlAutoRemove", "xlAutoRemove"},
                              Steps{"xlAutoRemove", "xlAutoClose"}, Steps{"xlAutoClose", "xlAutoRemove"}}) {

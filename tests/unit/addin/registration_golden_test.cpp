@@ -74,7 +74,9 @@ std::map<std::string, std::string> Families() {
 /// What each family's file is to hold, its functions in order of their names.
 std::map<std::string, std::string> WhatIsRegistered() {
   AddinExcel excel;
+  CXllComNull noObjectModel;
   CQuillmere4App app;
+  app.SetCom(noObjectModel);
   EXPECT_EQ(CXllApp::AutoOpen(), 1);
   std::map<std::string, const CXllFunctionRecord*> functions;
   for (const CXllFunctionRecord* each = CXllFunctionRecord::Head(); each; each = each->Next())
