@@ -23,6 +23,7 @@ check_image() {
 
 check_image build/windows/bin/Quillmere4.xll kernel32.dll ntdll.dll msvcrt.dll advapi32.dll user32.dll ole32.dll \
   oleaut32.dll
-check_image build/windows/bin/qcalc.exe kernel32.dll msvcrt.dll advapi32.dll user32.dll shell32.dll
+check_image build/windows/bin/qcalc.exe kernel32.dll msvcrt.dll advapi32.dll user32.dll shell32.dll \
+  ole32.dll oleaut32.dll oleacc.dll
 check_image build/windows/bin/XLCALL32.DLL kernel32.dll msvcrt.dll advapi32.dll
 exit $status
