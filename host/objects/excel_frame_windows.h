@@ -18,7 +18,7 @@ class ExcelFrame {
   ExcelFrame(const ExcelFrame&) = delete;
   ExcelFrame& operator=(const ExcelFrame&) = delete;
 
-  HWND MainWindow() const { return main_; }
+  ApplicationObject& Application() const { return *application_.Get(); }
 
   /// From now on those books have windows, and no others.
   void Show(const std::vector<const Book*>& books);

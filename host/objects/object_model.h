@@ -22,6 +22,8 @@ struct ObjectSettings {
   ComMode mode = ComMode::kSingleThreaded;
   /// Whether the books that are open at the start have windows; otherwise they get theirs with the first new book.
   bool hasBookWindows = true;
+  /// Under which program id Application stands in the running object table; empty for none.
+  XString runningAs;
 };
 
 /// All on the main thread, but for the calls that the add-in makes into the objects.

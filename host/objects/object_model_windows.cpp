@@ -5,6 +5,7 @@
 #include <ole2.h>
 
 #include "host/objects/excel_frame_windows.h"
+#include "host/objects/running_object_windows.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -43,6 +44,7 @@ class ObjectModel::Windows {
 
   const std::shared_ptr<ObjectOffice> office;
   std::unique_ptr<ExcelFrame> frame;
+  std::unique_ptr<RunningObject> running;
   bool showsBooks = false;
   bool hasBegun = false;
   ComMode mode = ComMode::kNone;
@@ -70,11 +72,15 @@ void ObjectModel::Begin() {
     windows_->showsBooks = settings_.hasBookWindows;
   }
   ShowBooks();
+  if (!settings_.runningAs.empty())
+    windows_->running =
+        std::make_unique<RunningObject>(settings_.runningAs, *windows_->office, windows_->frame->Application());
 }
 
 void ObjectModel::End() {
   if (!windows_->hasBegun) return;
   windows_->hasBegun = false;
+  windows_->running.reset();
   if (const std::string left = DescribeReferences(); !left.empty())
     host_.complaints.Add("the add-in was unloaded and held references to objects: " + left);
   for (const XStringView event : ApplicationState::kEvents) {

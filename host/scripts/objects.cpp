@@ -74,6 +74,12 @@ ScriptAction ParseBookWindows(ScriptLine& line) {
   };
 }
 
+ScriptAction ParseRunningObject(ScriptLine& line) {
+  NeedsObjects(line);
+  const XString id = *FromUtf8(line.Word("a program id"));
+  return [id](ScriptRunner& runner) { SettingsBeforeLoading(runner, "running-object").runningAs = id; };
+}
+
 /// A property of Application's, by its name.
 XString PropertyIn(const ScriptLine& line, std::string_view part) {
   NeedsObjects(line);
@@ -162,6 +168,7 @@ constexpr ScriptCommandForm kCommands[] = {
     {"refuse", "refuse NAME HRESULT [NTH]", ParseRefuse},
     {"com", "com single, com multi or com none", ParseCom},
     {"book-windows", "book-windows on or book-windows off", ParseBookWindows},
+    {"running-object", "running-object PROGID", ParseRunningObject},
     {"property", "property NAME = LITERAL", ParseProperty},
     {"expect-property", "expect-property NAME LITERAL", ParseExpectProperty},
     {"expect-objects", "expect-objects N", ParseExpectObjects},
