@@ -117,6 +117,19 @@ TEST(ScriptRunning, WhatNoScriptOfTheAddinAsksForPassesToo) {
   EXPECT_EQ(outcome.passed, 13);
 }
 
+TEST(ScriptRunning, CommandsMayDoMoreThanFunctionsAndAreWatched) {
+  const Outcome outcome = RunText(
+      "eval =REGISTER.AS(\"DO\",,2,,,\"UQUUUU\",\"Called\")\neval =DO(32887)\nexpect #NAME?\n"
+      "run =DO(32887)&PLUS.ONE(1)\nexpect \"TRUE2\"\nexpect-books 2\nset B1 = =[Book2]Sheet1!A1&\"x\"\n"
+      "eval =B1\nexpect \"x\"\nrun =DO(32912,TRUE)\nrun =DO(32912,FALSE)\nexpect TRUE\nexpect-books 1\n"
+      "eval =B1\nexpect #REF!\nrun =DO(32912,FALSE)\nrun =DO(32909,FALSE)\n"
+      "rtd Some.Server {1,2}\neval =CALLED(379,\"some.SERVER\",,\"a\",5)\nexpect {1,2}\n"
+      "eval =CALLED(379,\"some.SERVER\",\"\",\"a\")\nexpect-rtd {\"a\",5;\"a\",empty}\nexpect-rtd none\nexpect-rtd "
+      "{1}\n");
+  EXPECT_EQ(outcome.passed, 10) << outcome.printed;
+  EXPECT_EQ(outcome.failed, 4) << "a book to be saved, none to be closed, echo left off, no call of a server";
+}
+
 TEST(ScriptRunning, AFailureTellsWhereAndWhat) {
   const Outcome outcome = RunText("case sums\n\neval =1+1\nexpect 3\n");
   EXPECT_EQ(outcome.printed,
