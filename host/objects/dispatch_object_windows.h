@@ -108,7 +108,7 @@ class DispatchObject : public IDispatch {
 
  private:
   HRESULT Call(const ObjectMember& member, WORD kinds, const DISPPARAMS& parameters, VARIANT* result);
-  std::atomic<int>& OutsideReferences() { return office_->references[static_cast<std::size_t>(kind_)]; }
+  std::atomic<int>& OutsideReferences() { return office_->ReferencesTo(kind_); }
 
   const std::shared_ptr<ObjectOffice> office_;
   const ObjectKind kind_;

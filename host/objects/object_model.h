@@ -44,8 +44,9 @@ class ObjectModel {
   /// Before the add-in is loaded: COM is initialised, and the windows are there.
   void Begin();
   /// After it was unloaded: what it still holds of the objects, its macros in properties, and COM that it left
-  /// initialised or took away from the host, go to the complaints.
-  void End();
+  /// initialised or took away from the host, go to the complaints. With `keepsApplication` one reference to Application
+  /// is no matter: functions may be called after closing, and need it until the library is gone.
+  void End(bool keepsApplication);
 
   /// The main window's handle. Natively a number that is no window's.
   std::int32_t MainWindow() const;

@@ -15,7 +15,7 @@ ObjectModel::~ObjectModel() { host_.objects = nullptr; }
 
 std::string ObjectModel::WhyNotOffered() { return "Excel's object model is for the Windows build alone"; }
 void ObjectModel::Begin() {}
-void ObjectModel::End() {}
+void ObjectModel::End(bool) {}
 std::int32_t ObjectModel::MainWindow() const { return kMainWindow; }
 void ObjectModel::ShowBooks() {}
 void ObjectModel::AllowBookWindows() {}

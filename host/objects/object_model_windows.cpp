@@ -55,7 +55,7 @@ ObjectModel::ObjectModel(HostState& host) : host_(host), windows_(std::make_uniq
 }
 
 ObjectModel::~ObjectModel() {
-  End();
+  End(false);
   host_.objects = nullptr;
 }
 
@@ -77,10 +77,12 @@ void ObjectModel::Begin() {
         std::make_unique<RunningObject>(settings_.runningAs, *windows_->office, windows_->frame->Application());
 }
 
-void ObjectModel::End() {
+void ObjectModel::End(bool keepsApplication) {
   if (!windows_->hasBegun) return;
   windows_->hasBegun = false;
   windows_->running.reset();
+  std::atomic<int>& toApplication = windows_->office->ReferencesTo(ObjectKind::kApplication);
+  if (keepsApplication && toApplication > 0) --toApplication;
   if (const std::string left = DescribeReferences(); !left.empty())
     host_.complaints.Add("the add-in was unloaded and held references to objects: " + left);
   for (const XStringView event : ApplicationState::kEvents) {

@@ -25,6 +25,7 @@ struct ObjectOffice {
   /// References that are held from outside, by kinds. May change on any thread.
   std::array<std::atomic<int>, 7> references{};
 
+  std::atomic<int>& ReferencesTo(ObjectKind kind) { return references[static_cast<std::size_t>(kind)]; }
   int CountReferences() const;
   /// "2 to Application, 1 to Range"; empty when there are none.
   std::string DescribeReferences() const;

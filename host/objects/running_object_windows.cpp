@@ -14,8 +14,7 @@ constexpr const wchar_t* kClass = L"{00024500-0000-0000-C000-000000000046}";
 }  // namespace
 
 RunningObject::RunningObject(const std::wstring& programId, ObjectOffice& office, ApplicationObject& application)
-    : key_(L"Software\\Classes\\" + programId),
-      references_(office.references[static_cast<std::size_t>(ObjectKind::kApplication)]) {
+    : key_(L"Software\\Classes\\" + programId), references_(office.ReferencesTo(ObjectKind::kApplication)) {
   CLSID id;
   if (FAILED(CLSIDFromProgID(programId.c_str(), &id))) {
     // For this user alone it is not seen under Wine.

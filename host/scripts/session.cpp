@@ -17,6 +17,9 @@
 namespace qcalc {
 namespace {
 
+constexpr const char* kClosing = "xlAutoClose";
+constexpr const char* kRemoving = "xlAutoRemove";
+
 /// What formulas of macros call: commands too.
 class Macros final : public IAddinFunctions {
  public:
@@ -62,6 +65,7 @@ int Session::LoadAndOpen() {
   const std::optional<int> result = addin_.CallEntryPoint("xlAutoOpen", Context());
   if (!result) throw AddinFailure("the add-in exports no xlAutoOpen");
   isOpen_ = isOpen_ || *result != 0;
+  isClosed_ = isRemoved_ = false;
   return *result;
 }
 
@@ -81,6 +85,8 @@ void Session::Open() {
 std::optional<int> Session::CallEntryPoint(const char* name) {
   if (!addin_.IsLoaded()) return std::nullopt;
   objects_.ShowBooks();
+  if (name == std::string_view(kRemoving)) isRemoved_ = !isClosed_;
+  if (name == std::string_view(kClosing)) isClosed_ = true;
   const EvaluationWatch watch(host_);
   return addin_.CallEntryPoint(name, Context());
 }
@@ -114,10 +120,10 @@ void Session::Reload(int count) {
 void Session::Finish() {
   if (!addin_.IsLoaded()) return;
   objects_.ShowBooks();
-  if (isOpen_ && addin_.CallEntryPoint("xlAutoClose", Context()).value_or(1) != 1)
+  if (isOpen_ && addin_.CallEntryPoint(kClosing, Context()).value_or(1) != 1)
     host_.complaints.Add("xlAutoClose did not return 1");
   addin_.Unload();
-  objects_.End();
+  objects_.End(isOpen_ && !isRemoved_);
   isOpen_ = false;
 }
 

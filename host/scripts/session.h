@@ -100,6 +100,8 @@ class Session {
   Sheet* sheet_;
   Reference caller_;
   bool isOpen_ = false;
+  bool isClosed_ = false;   ///< since it was opened
+  bool isRemoved_ = false;  ///< likewise, and before it was closed
 };
 
 }  // namespace qcalc

@@ -16,7 +16,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 std::string Hex(HRESULT code) {
   std::ostringstream text;
@@ -153,6 +152,24 @@ TEST_F(Objects, KeepAccountOfWhatIsLeftWhenTheAddinGoes) {
   EXPECT_THAT(Complaints(),
               ElementsAre(HasSubstr("1 to Window"), HasSubstr("left Nobody's in OnSheetActivate"),
                           HasSubstr("left Nobody's"), HasSubstr("in OnCalculate"), HasSubstr("left COM initialised")));
+}
+
+// A reader of used rows may need it until the library is gone, unless it was removed before it was closed.
+TEST_F(Objects, LeaveApplicationToAnAddinThatIsOnlyClosed) {
+  for (const bool isRemoved : {false, true}) {
+    session.Open();
+    ASSERT_EQ(Get(), S_OK);
+    HRESULT code = S_OK;
+    Ask(window, "Application", "", code).Detach();  // and lost
+    LetGo();
+    if (isRemoved) session.CallEntryPoint("xlAutoRemove");
+    session.Finish();
+    if (isRemoved) {
+      EXPECT_THAT(Complaints(), ElementsAre(HasSubstr("1 to Application")));
+    } else {
+      EXPECT_THAT(Complaints(), IsEmpty());
+    }
+  }
 }
 
 }  // namespace
