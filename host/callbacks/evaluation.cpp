@@ -71,7 +71,10 @@ CallbackAnswer HandleRtd(CallbackRequest& request) {
   const auto server = servers.answers.find(FoldCase(*id));
   if (server == servers.answers.end()) return Value::Error(xlerrNA);
   std::vector<Value> topics;
-  for (std::size_t i = 2; i < request.arguments.size(); ++i) topics.push_back(request.ValueAt(i));
+  for (std::size_t i = 2; i < request.arguments.size(); ++i) {
+    topics.push_back(Dereference(request.ValueAt(i), request.Host().workbooks));
+    if (topics.back().IsArray()) return Value::Error(xlerrValue);
+  }
   servers.topics.push_back(std::move(topics));
   return server->second;
 }

@@ -40,7 +40,10 @@ bool IsInitialised() {
 class ObjectModel::Windows {
  public:
   explicit Windows(HostState& host) : office(std::make_shared<ObjectOffice>(host)) {}
-  ~Windows() { office->host = nullptr; }
+  ~Windows() {
+    frame.reset();
+    office->host = nullptr;
+  }
 
   const std::shared_ptr<ObjectOffice> office;
   std::unique_ptr<ExcelFrame> frame;

@@ -59,15 +59,17 @@ std::string Follow(IDispatch* object, const std::string& path) {
   return held.Get().vt == VT_ERROR ? "error " + Hex(held.Get().scode) : PrintLiteral(ValueOf(held.Get()));
 }
 
+HWND Main() { return FindWindowW(L"XLMAIN", L"Microsoft Excel"); }
+
+HWND BookWindow() {
+  const HWND desktop = FindWindowExW(Main(), nullptr, L"XLDESK", nullptr);
+  return FindWindowExW(desktop, nullptr, L"EXCEL7", nullptr);
+}
+
 class Objects : public SessionTest {
  protected:
   ~Objects() override { LetGo(); }
 
-  HWND BookWindow() {
-    const HWND desktop = FindWindowExW(Main(), nullptr, L"XLDESK", nullptr);
-    return FindWindowExW(desktop, nullptr, L"EXCEL7", nullptr);
-  }
-  HWND Main() { return FindWindowW(L"XLMAIN", L"Microsoft Excel"); }
   /// Gets the window's object anew.
   HRESULT Get() {
     LetGo();
@@ -170,6 +172,25 @@ TEST_F(Objects, LeaveApplicationToAnAddinThatIsOnlyClosed) {
       EXPECT_THAT(Complaints(), IsEmpty());
     }
   }
+}
+
+TEST_F(Objects, GoWithTheSession) {
+  IDispatch* application = nullptr;
+  HRESULT code = S_OK;
+  {
+    Session other(ProgramFolder() / "misbehaving.xll");
+    other.Open();
+    ASSERT_EQ(Get(), S_OK);
+    application = Ask(window, "Application", "", code).Detach().pdispVal;
+    window->Release();
+    LetGo();
+    EXPECT_THAT(other.Host().complaints.Take(), ElementsAre("a reference to Window was released once too often"));
+  }
+  WNDCLASSEXW description{};
+  for (const wchar_t* name : {L"XLMAIN", L"XLDESK", L"EXCEL7"})
+    EXPECT_FALSE(GetClassInfoExW(GetModuleHandleW(nullptr), name, &description)) << name;
+  EXPECT_EQ(Follow(application, "Name"), "80010108");
+  EXPECT_EQ(application->Release(), 0u);
 }
 
 }  // namespace
