@@ -13,8 +13,8 @@ constexpr WORD kGet = DISPATCH_PROPERTYGET;
 constexpr WORD kGetAndPut = DISPATCH_PROPERTYGET | DISPATCH_PROPERTYPUT;
 
 constexpr ObjectMember kApplicationMembers[] = {
-    {L"Application", kGet, 0, 0, InvokeMember<Object, &Object::Itself>},
-    {L"Parent", kGet, 0, 0, InvokeMember<Object, &Object::Itself>},
+    {L"Application", kGet, 0, 0, InvokeMember<DispatchObject, &DispatchObject::ItsApplication>},
+    {L"Parent", kGet, 0, 0, InvokeMember<DispatchObject, &DispatchObject::ItsApplication>},
     {L"Workbooks", kGet, 0, 0, InvokeMember<Object, &Object::Workbooks>},
     {L"Name", kGet, 0, 0, InvokeMember<Object, &Object::Name>},
     {L"Version", kGet, 0, 0, InvokeMember<Object, &Object::Version>},
@@ -27,20 +27,14 @@ constexpr ObjectMember kApplicationMembers[] = {
 };
 
 constexpr ObjectMember kWindowMembers[] = {
-    {L"Application", kGet, 0, 0, InvokeMember<WindowObject, &WindowObject::Application>},
+    {L"Application", kGet, 0, 0, InvokeMember<DispatchObject, &DispatchObject::ItsApplication>},
 };
-
-Variant Shared(DispatchObject& object) {
-  object.AddRef();
-  return Variant::OfObject(&object);
-}
 
 }  // namespace
 
 ApplicationObject::ApplicationObject(std::shared_ptr<ObjectOffice> office)
     : DispatchObject(std::move(office), ObjectKind::kApplication, kApplicationMembers) {}
 
-Variant ApplicationObject::Itself(const ObjectCall&) { return Shared(*this); }
 Variant ApplicationObject::Workbooks(const ObjectCall&) { return Make<WorkbooksObject>(); }
 Variant ApplicationObject::Name(const ObjectCall&) { return Variant::OfText(XTEXT("Microsoft Excel")); }
 Variant ApplicationObject::Version(const ObjectCall&) { return Variant::OfText(Host().settings.version); }
@@ -74,12 +68,7 @@ void ApplicationObject::CheckMainThread(const char* member) const {
     Host().complaints.Add(std::string(member) + " was called from another thread than the main one");
 }
 
-WindowObject::WindowObject(std::shared_ptr<ObjectOffice> office, Kept<ApplicationObject>& application)
-    : DispatchObject(std::move(office), ObjectKind::kWindow, kWindowMembers), application_(application) {}
-
-Variant WindowObject::Application(const ObjectCall&) {
-  Host();
-  return Shared(*application_.Get());
-}
+WindowObject::WindowObject(std::shared_ptr<ObjectOffice> office)
+    : DispatchObject(std::move(office), ObjectKind::kWindow, kWindowMembers) {}
 
 }  // namespace qcalc

@@ -9,7 +9,6 @@ class ApplicationObject final : public DispatchObject {
  public:
   explicit ApplicationObject(std::shared_ptr<ObjectOffice> office);
 
-  Variant Itself(const ObjectCall& call);
   Variant Workbooks(const ObjectCall& call);
   Variant Name(const ObjectCall& call);
   Variant Version(const ObjectCall& call);
@@ -32,15 +31,10 @@ class ApplicationObject final : public DispatchObject {
 /// What an EXCEL7 window gives as its native object model.
 class WindowObject final : public DispatchObject {
  public:
-  WindowObject(std::shared_ptr<ObjectOffice> office, Kept<ApplicationObject>& application);
-
-  Variant Application(const ObjectCall& call);
+  explicit WindowObject(std::shared_ptr<ObjectOffice> office);
 
   /// The code with which the window is to refuse its object now.
   std::optional<std::int32_t> RefusesAccess() const { return Host().refusals.Count(kAccessibleObject); }
-
- private:
-  Kept<ApplicationObject>& application_;
 };
 
 }  // namespace qcalc

@@ -19,6 +19,7 @@ constexpr ObjectMember kWorkbooksMembers[] = {
 };
 constexpr ObjectMember kWorkbookMembers[] = {
     Member<WorkbookObject, &WorkbookObject::Name>(L"Name"),
+    Member<DispatchObject, &DispatchObject::ItsApplication>(L"Parent"),
     Member<WorkbookObject, &WorkbookObject::Worksheets>(L"Worksheets"),
     Member<WorkbookObject, &WorkbookObject::Worksheets>(L"Sheets"),
 };

@@ -74,6 +74,13 @@ HRESULT DispatchObject::QueryInterface(REFIID id, void** object) {
   return S_OK;
 }
 
+Variant DispatchObject::ItsApplication(const ObjectCall&) {
+  IDispatch* const application = office_->application;
+  if (!application) throw ObjectFailure{RPC_E_DISCONNECTED};
+  application->AddRef();
+  return Variant::OfObject(application);
+}
+
 ULONG DispatchObject::AddRef() {
   ++OutsideReferences();
   return ++references_;

@@ -84,6 +84,9 @@ class DispatchObject : public IDispatch {
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD kinds, DISPPARAMS* parameters,
                                    VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override;
 
+  /// The member by which objects lead to Application.
+  Variant ItsApplication(const ObjectCall& call);
+
   /// The host's own reference, which counts as none from outside.
   void Keep() {
     ++references_;

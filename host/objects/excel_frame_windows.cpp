@@ -50,10 +50,12 @@ ExcelFrame::ExcelFrame(std::shared_ptr<ObjectOffice> office)
   main_ = Create(kMainClass, L"Microsoft Excel", WS_OVERLAPPEDWINDOW, nullptr);
   desktop_ = Create(kDesktopClass, L"", WS_CHILD, main_);
   office_->mainWindow = main_;
+  office_->application = application_.Get();
 }
 
 ExcelFrame::~ExcelFrame() {
   Show({});
+  office_->application = nullptr;
   office_->mainWindow = nullptr;
   DestroyWindow(main_);
   for (const wchar_t* name : {kMainClass, kDesktopClass, kBookClass}) UnregisterClassW(name, GetModuleHandleW(nullptr));
@@ -68,7 +70,7 @@ void ExcelFrame::Show(const std::vector<const Book*>& books) {
   });
   for (const Book* book : books) {
     if (std::any_of(books_.begin(), books_.end(), [&](auto& window) { return window.book == book->Name(); })) continue;
-    Kept<WindowObject> object(new WindowObject(office_, application_));
+    Kept<WindowObject> object(new WindowObject(office_));
     const HWND handle = Create(kBookClass, book->Name().c_str(), WS_CHILD | WS_CAPTION, desktop_);
     SetWindowLongPtrW(handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(object.Get()));
     books_.push_back({book->Name(), handle, std::move(object)});

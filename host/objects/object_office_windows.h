@@ -2,6 +2,8 @@
 #pragma once
 
 #include <windows.h>
+// Behind it: this one needs its types.
+#include <oleauto.h>
 
 #include <array>
 #include <atomic>
@@ -21,6 +23,8 @@ struct ObjectOffice {
   /// Null once the session is over: Excel has gone.
   std::atomic<HostState*> host;
   std::atomic<HWND> mainWindow{nullptr};
+  /// The one Application object, null like the host.
+  std::atomic<IDispatch*> application{nullptr};
 
   /// References that are held from outside, by kinds. May change on any thread.
   std::array<std::atomic<int>, 7> references{};

@@ -95,6 +95,7 @@ TEST_F(Objects, TellOfBooksSheetsAndUsedRowsOnEveryThread) {
         Workbooks.Item:1.Worksheets.Item:Sheet1.UsedRange.Address -> "$B$3:$D$9" | Workbooks.Item -> 8002000e
         Workbooks.Item:1.Worksheets.Item:1.UsedRange.Row -> 3 | Workbooks.Item:1.Worksheets.Item:1.UsedRange.Count -> 21
         Workbooks.Item:1.Worksheets.Item:1.UsedRange.Rows.Count -> 7 | Workbooks.Item:1.Worksheets.Count -> 2
+        Workbooks.Item:1.Worksheets.Item:1.UsedRange.Parent.Parent.Parent.Version -> "16.0"
         Workbooks.Item:1.Worksheets.Item:Calc.UsedRange.Address -> "$A$1")"))
       EXPECT_EQ(Follow(window, "Application." + path), result) << path;
   };
