@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "host/dialogs/key_strokes.h"
 #include "host/scripts/runner.h"
 #include "host/text/near_names.h"
 #include "tests/host/case_table.h"
@@ -52,6 +53,18 @@ TEST(ScriptReading, MistakesAreToldWithTheirPlace) {
   EXPECT_THAT(mistake("eval =SUM(1,\\\n  2\n"), HasSubstr("line 2, column 4: expected"));
   EXPECT_THAT(mistake("case \xFF\n"), HasSubstr("UTF-8"));
   EXPECT_THAT(mistake("at\n"), HasSubstr("the form is: at REF"));
+}
+
+TEST(ScriptReading, KeysAreNamed) {
+  const auto strokes = ParseKeyStrokes(R"(Alt+Control+Down "a""b")");
+  ASSERT_TRUE(strokes);
+  ASSERT_EQ(strokes->size(), 4u);
+  EXPECT_TRUE((*strokes)[0].withAlt && (*strokes)[0].withControl && !(*strokes)[0].withShift);
+  EXPECT_EQ((*strokes)[0].key, 0x28);
+  EXPECT_EQ((*strokes)[2].unit, XTEXT('"'));
+  for (const auto& [keys, told] : CasesOf(R"(
+      Tab Tub -> column 5: expected a key (Tab, | Ctrl+Tab -> column 1: expected Alt, | Alt+ -> found the end | "a" "b -> column 5: expected a text)"))
+    EXPECT_THAT(ParseKeyStrokes(keys).Error().ToString(), HasSubstr(told)) << keys;
 }
 
 TEST(NearNames, AreFewMistakesAway) {
