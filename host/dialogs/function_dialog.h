@@ -1,6 +1,7 @@
 // A look-alike of Excel's Function Arguments dialog, for an add-in that extends it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -33,7 +34,7 @@ class IFunctionDialog {
   virtual void Change(DialogContents contents) = 0;
   /// Presses the keys one after the other, each after all that came of the one before.
   virtual void Press(std::span<const KeyStroke> strokes) = 0;
-  /// Clicks on the `nth` (0-based) visible window of that class. False when there is none.
+  /// Clicks on the `nth` (0-based, from above) visible window of that class. False when there is none.
   virtual bool Click(XStringView windowClass, std::size_t nth, WindowSpot spot) = 0;
 
   virtual bool IsOpen() const = 0;
@@ -49,8 +50,9 @@ class IFunctionDialog {
 /// Whether this build has windows: natively there are none.
 bool CanOpenDialogs();
 
-/// Opens a dialog and waits until all that comes of it is done. What went wrong when it is closed goes to the
-/// complaints, which outlive it.
-std::unique_ptr<IFunctionDialog> OpenFunctionDialog(DialogContents contents, Complaints& complaints);
+/// Opens a dialog of the window whose handle is `owner` and waits until all that comes of it is done. What went wrong
+/// when it is closed goes to the complaints, which outlive it.
+std::unique_ptr<IFunctionDialog> OpenFunctionDialog(DialogContents contents, std::int32_t owner,
+                                                    Complaints& complaints);
 
 }  // namespace qcalc
