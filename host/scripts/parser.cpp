@@ -8,8 +8,8 @@ namespace {
 
 template <typename Visitor>
 void VisitCommands(Visitor&& visit) {
-  for (const auto& group :
-       {SettingCommands(), EvaluationCommands(), ExpectationCommands(), FaultCommands(), ObjectCommands()})
+  for (const auto& group : {SettingCommands(), EvaluationCommands(), ExpectationCommands(), FaultCommands(),
+                            ObjectCommands(), DialogCommands()})
     for (const ScriptCommandForm& form : group) visit(form);
 }
 

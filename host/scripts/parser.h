@@ -23,13 +23,14 @@ struct ScriptCommandForm {
   ScriptAction (*parse)(ScriptLine& line);
 };
 
-/// The commands, in five groups: the workbook and the host's settings, evaluations, expectations, what goes wrong on
-/// purpose, and what there is beside the C API.
+/// The commands, in six groups: the workbook and the host's settings, evaluations, expectations, what goes wrong on
+/// purpose, what there is beside the C API, and dialogs.
 std::span<const ScriptCommandForm> SettingCommands();
 std::span<const ScriptCommandForm> EvaluationCommands();
 std::span<const ScriptCommandForm> ExpectationCommands();
 std::span<const ScriptCommandForm> FaultCommands();
 std::span<const ScriptCommandForm> ObjectCommands();
+std::span<const ScriptCommandForm> DialogCommands();
 
 /// The forms of all commands, in the order of the groups.
 std::vector<std::string> CommandForms();

@@ -118,6 +118,7 @@ void Session::Reload(int count) {
 }
 
 void Session::Finish() {
+  CloseDialog();
   if (!addin_.IsLoaded()) return;
   objects_.ShowBooks();
   if (isOpen_ && addin_.CallEntryPoint(kClosing, Context()).value_or(1) != 1)
@@ -200,6 +201,22 @@ std::vector<Value> Session::EvaluateInParallel(int threads, int count, const For
   }
   RaiseEvent(ApplicationState::kCalculated);
   return results;
+}
+
+void Session::ShowDialog(XStringView function, XString title, bool isLabelled) {
+  Open();
+  const RegisteredFunction* const registered = host_.registry.Find(function);
+  if (!registered || registered->IsCommand())
+    throw FormulaError("no function of the add-in is named " + ToUtf8(function));
+  DialogContents contents{DialogPage(*registered), std::move(title), isLabelled};
+  if (dialog_ && dialog_->IsOpen()) return dialog_->Change(std::move(contents));
+  CloseDialog();
+  dialog_ = OpenFunctionDialog(std::move(contents), objects_.MainWindow(), host_.complaints);
+}
+
+IFunctionDialog& Session::Dialog() {
+  if (!dialog_) throw std::runtime_error("no dialog has been opened");
+  return *dialog_;
 }
 
 std::vector<std::string> Session::KnownNames(UnknownNames::Kind kind) const {

@@ -8,6 +8,7 @@
 
 #include "host/addin/addin.h"
 #include "host/calculation/unknown_names.h"
+#include "host/dialogs/function_dialog.h"
 #include "host/objects/object_model.h"
 
 namespace qcalc {
@@ -37,7 +38,7 @@ class Session {
   std::optional<int> CallClose() { return CallEntryPoint("xlAutoClose"); }
   /// Closes and unloads the add-in, if it is loaded, then loads and opens it, `count` times. Throws AddinFailure.
   void Reload(int count);
-  /// Closes and unloads the add-in, if it is loaded, and closes the account of the loans.
+  /// Closes the dialog, closes and unloads the add-in, if it is loaded, and closes the account of the loans.
   void Finish();
 
   /// Calculates what is due, then evaluates on the main thread with callbacks counted and failing as told. The result
@@ -57,6 +58,13 @@ class Session {
   std::vector<Value> EvaluateInParallel(int threads, int count, const Formula& formula);
   /// Makes the formula's outermost add-in call `count` times. Throws FormulaError when it makes none.
   Timing Time(int count, const Formula& formula, std::string& functionName);
+
+  /// Shows a function of the add-in in the Function Arguments dialog, which is opened unless one is open. Throws
+  /// FormulaError when there is no such function, and AddinFailure.
+  void ShowDialog(XStringView function, XString title, bool isLabelled);
+  /// The dialog that was opened last, perhaps closed by now; throws std::runtime_error when none was.
+  IFunctionDialog& Dialog();
+  void CloseDialog() { dialog_.reset(); }
 
   /// Sentences about names in the formulas evaluated so far that nobody knows, with near ones. Each name once.
   std::vector<std::string> TakeHints();
@@ -102,6 +110,7 @@ class Session {
   bool isOpen_ = false;
   bool isClosed_ = false;   ///< since it was opened
   bool isRemoved_ = false;  ///< likewise, and before it was closed
+  std::unique_ptr<IFunctionDialog> dialog_;
 };
 
 }  // namespace qcalc

@@ -41,6 +41,12 @@ command_line_suite() {
   said 5 'in xlAutoOpen: an exception left it: thrown out of xlAutoOpen\|0 passed, 1 failed\|$' \
     env DIE_AT_OPENING=1 "${bad_addin[@]}" run "$folder/living.calc"
   said 2 'tests: it is a folder\|1 passed, 0 failed\|$' "${bad_addin[@]}" run tests "$folder/living.calc"
+  if [[ $build != windows ]]; then
+    printf 'com none\n' >"$folder/objects.calc"
+    said 2 "objects.calc:1:[0-9]+: Excel's object model is for the Windows build alone; .*[|]$" \
+      "${qcalc[@]}" run "$folder/objects.calc"
+    said 2 'dialog.calc:2:7: dialogs are for the Windows build alone; .*[|]$' "${qcalc[@]}" run tests/scripts/windows/dialog.calc
+  fi
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" eval =1
   said 4 "$lost" "${to_full_disk[@]}" "${bad_addin[@]}" run "$folder/living.calc"
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" functions
