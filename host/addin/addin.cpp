@@ -7,6 +7,7 @@
 #include "host/addin/call_guards.h"
 #include "host/library/allocation.h"
 #include "host/library/invoke.h"
+#include "host/library/left_behind.h"
 #include "host/library/message_box.h"
 #include "host/library/running_threads.h"
 #include "host/text/counted.h"
@@ -49,6 +50,7 @@ bool Addin::Load(const std::filesystem::path& path, std::string& error) {
   host_.library = library_.get();
   RedirectMessageBoxes(*library_);
   MeterAllocations(*library_);
+  NoteSystemObjects(*library_);
   returnedValues_.Attach(*library_);
   if (const auto setEntryPoint = library_->FindAs<void (*)(XlMdCallBack12)>("SetExcel12EntryPt"))
     RunAddinCode([&] { setEntryPoint(callback_); });
@@ -88,6 +90,8 @@ void Addin::Unload() {
   const bool isInUse = HasLeftThreads();
   // Its code would go from under them.
   if (isInUse) library_->Pin();
+  if (const std::string left = TakeAwayLeftBehind(); !left.empty())
+    host_.complaints.Add("the add-in left " + left + " behind when it was to be unloaded");
   host_.library = nullptr;
   library_.reset();
   AddinBlocks().Clear();

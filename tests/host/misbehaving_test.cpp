@@ -13,6 +13,7 @@ namespace {
 using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
@@ -151,6 +152,14 @@ TEST_F(Misbehaving, WhatIsTheThreadsAndTheProcessesStaysAsItWas) {
       =CHANGE.THREAD(4) -> 1, how the processor rounds | =CHANGE.THREAD(5) -> 1, changed the current folder)");
   EXPECT_TRUE(std::filesystem::current_path() == folder && ProcessorState::Current() == processor);
   Check("=CHANGE.THREAD(0) -> 1");
+}
+
+TEST_F(Misbehaving, WhatTheSystemWouldGoOnCallingIsTakenAway) {
+  const bool isLeft = Evaluate("=LEAVE.HOOK()") == "1";
+  session.Reload(1);
+  EXPECT_THAT(Complaints(),
+              ElementsAreArray(std::vector<std::string>(
+                  isLeft, "the add-in left 1 hook, 1 window class, 1 timer behind when it was to be unloaded")));
 }
 
 #if !defined(__SANITIZE_THREAD__)  // which tells of the thread itself

@@ -84,7 +84,8 @@ constexpr const char* kFunctions =
     "FreeCount U FREE.COUNT  FreeCountUnmarked U FREE.COUNT.UNMARKED  Describe UU DESCRIBE  KeepLent U$ KEEP.LENT "
     "FreeTwice U$ FREE.TWICE  FreeEmptied U$ FREE.EMPTIED  FreeForeign U$ FREE.FOREIGN "
     "WriteAfterFree U$ WRITE.AFTER.FREE  WritePast UQ$ WRITE.PAST  BadMemory UJ BAD.MEMORY  KeepOwn UA KEEP.OWN "
-    "ChangeThread UJ$ CHANGE.THREAD  LeaveThread U LEAVE.THREAD  ChangeArgument UQQ$ CHANGE.ARGUMENT "
+    "ChangeThread UJ$ CHANGE.THREAD  LeaveThread U LEAVE.THREAD  LeaveHook U LEAVE.HOOK  ChangeArgument UQQ$ "
+    "CHANGE.ARGUMENT "
     "BothBits U BOTH.BITS  FreeNotLent U FREE.NOT.LENT  Owned4 P OWNED.VALUE4  ForgetBit U FORGET.BIT "
     "StaticResult U$ STATIC.RESULT  BadValue UJ BAD.VALUE  BadValue QJ BAD.PLAIN.VALUE "
     "BadCallback UJ$ BAD.CALLBACK  RefuseToClose U REFUSE.TO.CLOSE  RegisterAs UQQQQQQQQ# REGISTER.AS ";
