@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "frame/app/dialogs.h"
+#include "frame/callbacks/excel_window.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere {

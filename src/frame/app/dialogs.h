@@ -1,14 +1,10 @@
 // Windows' own dialogs.
 #pragma once
 
-#include <cstdint>
-
+#include "frame/callbacks/excel_window.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere {
-
-/// A window handle as Excel hands it out; 0: none.
-using WindowHandle = std::intptr_t;
 
 enum class MessageBoxForm {
   kInformation,       ///< OK, with the information icon

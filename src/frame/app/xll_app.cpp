@@ -6,6 +6,7 @@
 
 #include "frame/app/dialogs.h"
 #include "frame/callbacks/callbacks.h"
+#include "frame/callbacks/excel_window.h"
 #include "frame/convert/error_result.h"
 #include "frame/errors/current_exception.h"
 #include "frame/text/text_cut.h"
@@ -45,11 +46,6 @@ void ShowOpeningFailure(const CXllApp* app) {
   const XStringView shown = CutText(message, kMaxAlertText - std::min(kMaxAlertText, fixedLength));
   CXlOper answer;
   CallExcelForCode(answer, xlcAlert, CXlOper::Text(beginning + XString(shown) + end), CXlOper::Number(kAlertError));
-}
-
-WindowHandle ExcelWindow() {
-  CXlOper handle;
-  return CallExcelForCode(handle, xlGetHwnd) == xlretSuccess && handle.IsInteger() ? handle.AsInteger() : 0;
 }
 
 std::size_t FileNamePlace(XStringView path) {
