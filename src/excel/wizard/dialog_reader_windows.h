@@ -1,0 +1,56 @@
+// Reading the Function Arguments dialog: the one place that knows how Excel shows it.
+#pragma once
+
+#include <oleacc.h>
+#include <windows.h>
+
+#include <iterator>
+#include <vector>
+
+#include "excel/system_library_windows.h"
+#include "excel/wizard/dialog_arguments.h"
+#include "excel/wizard/formula_wizard_detector.h"
+
+namespace quillmere {
+
+/// A dialog as it is shown at the moment.
+struct SeenDialog {
+  DialogFacts facts;
+  std::vector<HWND> boxes;  ///< the windows of the facts' boxes
+};
+
+/// The class of a window, as far as it counts. Allocates nothing.
+class ClassName {
+ public:
+  explicit ClassName(HWND window) noexcept
+      : length_(static_cast<std::size_t>(GetClassNameW(window, units_, static_cast<int>(std::size(units_))))) {}
+  XStringView View() const noexcept { return {units_, length_}; }
+
+ private:
+  XCHAR units_[CXlFormulaWizardDetector::kClassUnitsRead + 1];
+  std::size_t length_;
+};
+
+/// The beginning of a window's text: more than any code has.
+XString TextOf(HWND window);
+/// The place of a window on the screen.
+RECT PlaceOf(HWND window) noexcept;
+
+/// Excel draws the labels of the dialog itself and has no windows for them: they are read by way of what it tells
+/// programs for the blind. The edit boxes are windows, and so is the scroll bar of a function with more arguments than
+/// boxes.
+class CDialogReader {
+ public:
+  CDialogReader() noexcept;
+
+  SeenDialog Read(HWND dialog) const;
+
+ private:
+  SystemLibrary accessibility_{L"oleacc.dll"};
+  decltype(&::AccessibleObjectFromWindow) objectFromWindow_;
+  decltype(&::AccessibleChildren) children_;
+
+  void AddTexts(IAccessible& parent, int depth, std::vector<ShownText>& texts) const;
+};
+
+}  // namespace quillmere
