@@ -4,6 +4,7 @@
 #include "excel/events/observer.h"
 #include "excel/ribbon/shared_ribbon.h"
 #include "excel/used_range/used_range_reader.h"
+#include "excel/wizard/wizard_extension.h"
 #include "frame/callbacks/used_range.h"
 
 namespace quillmere {
@@ -18,6 +19,8 @@ void WireTheFrame(CXllApp& app) {
   app.SetCom(ExcelCom());
   app.SetRibbon(ribbon);
   app.SetObserver(Observer());
+  app.AddOpenHook(WizardOpenHook());
+  app.AddCloseHook(WizardCloseHook());
 }
 
 }  // namespace quillmere

@@ -21,9 +21,9 @@ check_image() {
   done < <(sed -nE 's/^[[:space:]]*DLL Name: (.*)$/\1/p' <<<"$headers")
 }
 
-check_image build/windows/bin/Quillmere4.xll kernel32.dll ntdll.dll msvcrt.dll advapi32.dll user32.dll ole32.dll \
-  oleaut32.dll
-check_image build/windows/bin/qcalc.exe kernel32.dll msvcrt.dll advapi32.dll user32.dll shell32.dll \
+check_image build/windows/bin/Quillmere4.xll kernel32.dll ntdll.dll msvcrt.dll advapi32.dll user32.dll gdi32.dll \
+  ole32.dll oleaut32.dll
+check_image build/windows/bin/qcalc.exe kernel32.dll msvcrt.dll advapi32.dll user32.dll gdi32.dll shell32.dll \
   ole32.dll oleaut32.dll oleacc.dll
 check_image build/windows/bin/XLCALL32.DLL kernel32.dll msvcrt.dll advapi32.dll
 exit $status
