@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "excel/com/late_bound_windows.h"
-#include "frame/callbacks/callbacks.h"
+#include "excel/system_library_windows.h"
+#include "frame/callbacks/excel_window.h"
 
 namespace quillmere {
 namespace {
@@ -62,9 +63,8 @@ std::vector<HWND> WindowsOf(XStringView className, const Enumerate& enumerate) {
 /// The main windows: that which Excel names first, then each other (newer versions have one a workbook).
 std::vector<HWND> MainWindows() {
   std::vector<HWND> windows = WindowsOf(kMainWindowClass, &EnumWindows);
-  CXlOper handle;
-  if (CallExcelForCode(handle, xlGetHwnd) == xlretSuccess && handle.IsInteger())
-    std::ranges::partition(windows, [&](HWND window) { return window == WindowOf(handle.AsInteger()); });
+  const HWND named = reinterpret_cast<HWND>(ExcelWindow());
+  std::ranges::partition(windows, [named](HWND window) { return window == named; });
   return windows;
 }
 
@@ -77,26 +77,9 @@ std::vector<HWND> WorkbookWindows() {
   return windows;
 }
 
-/// A library of the system's, loaded while this lives.
-class SystemLibrary {
- public:
-  explicit SystemLibrary(const XCHAR* name) noexcept
-      : module_(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32)) {}
-  SystemLibrary(const SystemLibrary&) = delete;
-  SystemLibrary& operator=(const SystemLibrary&) = delete;
-  ~SystemLibrary() {
-    if (module_) FreeLibrary(module_);
-  }
+using ObjectFromWindow = HRESULT WINAPI(HWND window, DWORD object, REFIID interfaceId, void** result);
 
-  FARPROC Function(const char* name) const noexcept { return module_ ? GetProcAddress(module_, name) : nullptr; }
-
- private:
-  HMODULE module_;
-};
-
-using ObjectFromWindow = HRESULT(WINAPI*)(HWND window, DWORD object, REFIID interfaceId, void** result);
-
-ComOutcome ApplicationOf(HWND window, ObjectFromWindow objectFromWindow,
+ComOutcome ApplicationOf(HWND window, ObjectFromWindow* objectFromWindow,
                          ComReference<IDispatch>& application) noexcept {
   ComReference<IDispatch> object;
   const HRESULT asked = objectFromWindow(window, kNativeObjectModel, IID_IDispatch, object.Receive<void>());
@@ -107,8 +90,7 @@ ComOutcome ApplicationOf(HWND window, ObjectFromWindow objectFromWindow,
 /// Of several windows that do not answer the last one's failure is told.
 ComOutcome ApplicationOfWindows(ComReference<IDispatch>& application) {
   const SystemLibrary library(XTEXT("oleacc.dll"));
-  const auto objectFromWindow =
-      reinterpret_cast<ObjectFromWindow>(reinterpret_cast<void*>(library.Function("AccessibleObjectFromWindow")));
+  auto* const objectFromWindow = library.Find<ObjectFromWindow>("AccessibleObjectFromWindow");
   if (!objectFromWindow) return {HRESULT_FROM_WIN32(GetLastError()), XTEXT("AccessibleObjectFromWindow")};
   ComOutcome outcome = {HRESULT_FROM_WIN32(ERROR_NOT_FOUND), XTEXT("EnumChildWindows")};
   for (const HWND window : WorkbookWindows()) {
