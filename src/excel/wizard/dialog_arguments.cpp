@@ -27,13 +27,18 @@ std::optional<std::size_t> PositionByLabel(const ScreenPlace& box, const DialogF
   return std::nullopt;
 }
 
+/// Whether the boxes may be those of the function's arguments. Other dialogs name functions too.
+bool HasBoxesOf(const DialogFacts& dialog, const Function& function) {
+  return dialog.hasScrollBar ? dialog.boxes.size() < function.ArgumentCount()
+                             : dialog.boxes.size() == function.ArgumentCount();
+}
+
 std::optional<std::size_t> PositionByOrder(const ScreenPlace& box, const DialogFacts& dialog,
                                            const Function& function) {
-  if (!dialog.scrolled) return std::nullopt;
+  if (!dialog.first || !HasBoxesOf(dialog, function)) return std::nullopt;
   const auto above =
       std::ranges::count_if(dialog.boxes, [&box](const ScreenPlace& each) { return each.top < box.top; });
-  const std::size_t position = *dialog.scrolled + static_cast<std::size_t>(above);
-  return position < function.ArgumentCount() ? std::optional(position) : std::nullopt;
+  return *dialog.first + static_cast<std::size_t>(above);
 }
 
 }  // namespace

@@ -27,9 +27,9 @@ struct ShownText {
 struct DialogFacts {
   std::vector<ShownText> texts;
   std::vector<ScreenPlace> boxes;  ///< the visible edit boxes, in any order
-  /// The position of the argument in the topmost box; nothing when the scroll bar does not tell. 0 without a scroll
-  /// bar.
-  std::optional<std::size_t> scrolled = 0;
+  bool hasScrollBar = false;       ///< there are more arguments than boxes
+  /// The position of the argument in the topmost box; nothing when the scroll bar does not tell.
+  std::optional<std::size_t> first = 0;
 };
 
 /// What the edit boxes are for.
@@ -38,8 +38,8 @@ struct DialogArguments {
   std::vector<std::optional<std::size_t>> positions = {};  ///< the argument of each box, in the order of the facts
 };
 
-/// Finds function and arguments: by the labels left of the boxes; where the dialog tells no label, by the order of the
-/// boxes from top to bottom.
+/// Finds function and arguments: by the labels left of the boxes; where the dialog tells no label and has as many boxes
+/// as that function has arguments, by their order from top to bottom.
 DialogArguments FindArguments(const DialogFacts& dialog, const CXlWizExUIFunctionRegistry& registry);
 
 }  // namespace quillmere

@@ -35,7 +35,10 @@ BOOL CALLBACK NoteWindow(HWND window, LPARAM context) noexcept {
   try {
     if (!IsWindowVisible(window)) return TRUE;
     const ClassName className(window);
-    if (className.View() == kScrollBarClass) seen.facts.scrolled = PositionOfScrollBar(window);
+    if (className.View() == kScrollBarClass) {
+      seen.facts.hasScrollBar = true;
+      seen.facts.first = PositionOfScrollBar(window);
+    }
     if (className.View() == kEditBoxClass) {
       seen.facts.boxes.push_back(ToPlace(PlaceOf(window)));
       seen.boxes.push_back(window);

@@ -78,11 +78,12 @@ TEST(Wizard, KnowsTheArgumentsOfTheBoxes) {
   const auto registry = Declared();
   DialogFacts dialog{.texts = {{XTEXT("Function Arguments"), {}}, {XTEXT("MEMLOOKUP"), {0, 0, 400, 200}}},
                      .boxes = {{100, 60, 200, 80}, {100, 20, 200, 40}},
-                     .scrolled = 4};
+                     .hasScrollBar = true,
+                     .first = 4};
   using Positions = std::vector<std::optional<std::size_t>>;
   EXPECT_EQ(FindArguments(dialog, registry).positions, Positions({5, 4})) << "by their order";
-  dialog.scrolled = 5;
-  EXPECT_EQ(FindArguments(dialog, registry).positions, Positions({std::nullopt, 5}));
+  dialog.hasScrollBar = false;
+  EXPECT_EQ(FindArguments(dialog, registry).positions, Positions(2)) << "it has six arguments";
   dialog.texts.push_back({XTEXT("Sort_Type"), {10, 22, 90, 38}});
   EXPECT_EQ(FindArguments(dialog, registry).positions, Positions({std::nullopt, 3})) << "a label says it better";
   dialog.texts[1].text = XTEXT("AVLOOKUP2");
