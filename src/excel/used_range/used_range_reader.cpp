@@ -9,24 +9,27 @@
 namespace quillmere {
 namespace {
 
-/// No more sheets, and no more calls, are remembered at a time.
-constexpr std::size_t kMostKept = 1'000;
+/// No more sheets are remembered at a time.
+constexpr std::size_t kMostSheets = 1'000;
 
-template <class Map>
-void KeepSmall(Map& map) {
-  if (map.size() >= kMostKept) map.clear();
+/// The answers before this thread's present call asked first: what came later is good for it. Outside any call each
+/// question stands alone.
+std::uint64_t AnswersBeforeCall(std::uint64_t answersNow) {
+  ThreadRecord* const thread = ExistingThreadRecord();
+  if (!thread || !thread->guard) return answersNow;
+  if (thread->usedRows.call != thread->callNumber) thread->usedRows = {thread->callNumber, answersNow};
+  return thread->usedRows.answersBefore;
 }
 
 }  // namespace
 
 std::optional<std::int32_t> CUsedRangeReader::LastUsedRow(const CXlOper& reference) {
-  const std::uint64_t answersNow = answers_.load(std::memory_order_acquire);
+  const std::uint64_t answersBefore = AnswersBeforeCall(answers_.load(std::memory_order_acquire));
   CXlOper name;
   if (TryCallExcel(name, xlSheetNm, reference) != xlretSuccess || !name.IsText()) return std::nullopt;
   const XString sheet(name.AsText());
   const CStoreLock lock(mutex_, kStoreWait);
-  const std::optional<UsedRows> rows =
-      lock.HoldsLock() ? KeptOrAsked(sheet, AnswersBeforeCall(answersNow)) : ask_(sheet);
+  const std::optional<UsedRows> rows = lock.HoldsLock() ? KeptOrAsked(sheet, answersBefore) : ask_(sheet);
   return rows ? std::optional(rows->last) : std::nullopt;
 }
 
@@ -34,7 +37,6 @@ bool CUsedRangeReader::Forget(std::chrono::milliseconds wait) {
   const CStoreLock lock(mutex_, wait);
   if (!lock.HoldsLock()) return false;
   kept_.clear();
-  answersBefore_.clear();
   return true;
 }
 
@@ -43,18 +45,9 @@ std::optional<UsedRows> CUsedRangeReader::KeptOrAsked(const XString& sheet, std:
     return kept->second.rows;
   const std::optional<UsedRows> rows = ask_(sheet);
   if (!rows) return std::nullopt;
-  KeepSmall(kept_);
+  if (kept_.size() >= kMostSheets) kept_.clear();
   kept_[sheet] = {*rows, answers_.fetch_add(1, std::memory_order_acq_rel) + 1};
   return rows;
-}
-
-/// The answers before this thread's present call asked first: what came later is good for it. Outside any call each
-/// question stands alone.
-std::uint64_t CUsedRangeReader::AnswersBeforeCall(std::uint64_t answersNow) {
-  const ThreadRecord* const thread = ExistingThreadRecord();
-  if (!thread || !thread->guard) return answersNow;
-  KeepSmall(answersBefore_);
-  return answersBefore_.try_emplace(thread->callNumber, answersNow).first->second;
 }
 
 CUsedRangeReader& UsedRangeReader() noexcept {

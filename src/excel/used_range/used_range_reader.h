@@ -34,13 +34,10 @@ class CUsedRangeReader final : public IXlUsedRangeReader {
   };
 
   std::optional<UsedRows> KeptOrAsked(const XString& sheet, std::uint64_t answersBefore);
-  std::uint64_t AnswersBeforeCall(std::uint64_t answersNow);
 
   const Ask ask_;
   CStoreMutex mutex_;
   std::unordered_map<XString, KeptAnswer> kept_;
-  /// Of the last calls that asked, by their numbers: the answers that there were before the call asked first.
-  std::unordered_map<std::uint64_t, std::uint64_t> answersBefore_;
   std::atomic<std::uint64_t> answers_ = 0;
 };
 
