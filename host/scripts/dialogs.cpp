@@ -41,9 +41,9 @@ ScriptAction ParseClick(ScriptLine& line) {
   NeedWindows(line);
   const XString windowClass = *FromUtf8(line.Word("a window class"));
   const std::int32_t nth = line.WholeNumber("the number of a window", 1, kMostCount);
-  const auto spot = line.IsAtEnd() ? WindowSpot::kCenter
-                                   : static_cast<WindowSpot>(line.Choice(
-                                         {"center", "left", "right", "top", "bottom"}));  // in the order of the spots
+  auto spot = WindowSpot::kCenter;
+  // The words are in the order of the spots.
+  if (!line.IsAtEnd()) spot = static_cast<WindowSpot>(line.Choice({"center", "left", "right", "top", "bottom"}));
   return [windowClass, nth, spot](ScriptRunner& runner) {
     if (!runner.ItsSession().Dialog().Click(windowClass, static_cast<std::size_t>(nth - 1), spot))
       throw std::runtime_error("there is no window " + std::to_string(nth) + " of class " + ToUtf8(windowClass));

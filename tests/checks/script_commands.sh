@@ -2,7 +2,7 @@
 # Every command that scripts may use stands in a table of docs/qcalc.md, and no table there has one that is none.
 set -euo pipefail
 
-offered=$(sed -nE 's/^ *\{"([a-z~-]+)", "[^"]*",.*/\1/p' host/scripts/*.cpp | sort -u)
+offered=$(sed -nE 's/^ *\{"([a-z~-]+)", "([^"\\]|\\.)*",.*/\1/p' host/scripts/*.cpp | sort -u)
 described=$(sed -n '/^## Scripts/,$p' docs/qcalc.md | grep -E '^\| `' | cut -d '|' -f 2 | grep -oE '`[a-z~-]+' | tr -d '`' | sort -u)
 
 [[ -n $offered ]] || { echo 'no command found in host/scripts/*.cpp'; exit 1; }
