@@ -24,6 +24,7 @@ refuse 'a package host' '(registry|deb|ftp|security|pypi|proxy)\.[a-z]+\.(org|co
 refuse 'unfinished' '\b(TODO|FIXME|XXX|HACK)\b' .
 refuse 'pins the library in memory; see frame/call/thread_record.h' '\bthread_local\b' '*.cpp' '*.h' ':!host' ':!tests' \
   ':!src/functions/generator'
+refuse 'leaves a lock behind; see frame/entry/process_end.h' '^ +static (constinit )?C[A-Z][A-Za-z]*(<.*>)? [a-z][A-Za-z]*;' src ':!src/*_posix.cpp'
 refuse 'allocates and throws at its first lock' '\bstd::(recursive_|timed_|shared_)?mutex\b' src
 refuse 'text is XCHAR' '\bwchar_t\b' 'src/*.cpp' 'src/*.h' ':!src/xlcall/xchar.h' ':!src/*_windows.*' \
   ':!src/functions/generator'

@@ -3,7 +3,7 @@
 namespace quillmere {
 
 IXllCom& ExcelCom() {
-  static CXllComNull bridge;
+  static constinit CXllComNull bridge;
   return bridge;
 }
 

@@ -3,6 +3,11 @@
 #include "frame/entry/process_end.h"
 
 namespace quillmere {
+namespace {
+
+constinit CUntilUnloaded<CHeldApplication> heldApplication;
+
+}  // namespace
 
 ComReference<IDispatch> CHeldApplication::Get() noexcept {
   AcquireSRWLockShared(&lock_);
@@ -24,9 +29,6 @@ void CHeldApplication::Drop(const ComReference<IDispatch>& vanished) noexcept {
   ReleaseSRWLockExclusive(&lock_);
 }
 
-CHeldApplication& HeldApplication() noexcept {
-  static CUntilUnloaded<CHeldApplication> application;
-  return *application;
-}
+CHeldApplication& HeldApplication() noexcept { return *heldApplication; }
 
 }  // namespace quillmere

@@ -6,6 +6,11 @@
 #include "frame/entry/export.h"
 
 namespace quillmere {
+namespace {
+
+constinit CXllObserver theObserver;
+
+}  // namespace
 
 std::unique_ptr<CXllRegistrable> CXllObserver::CreateCommand(XStringView addinName) {
   const bool isWide = CurrentExcelSettings().excel12OrLater;
@@ -28,10 +33,7 @@ bool CXllObserver::OnEvent(std::int32_t eventNumber) noexcept {
   return true;
 }
 
-CXllObserver& Observer() noexcept {
-  static constinit CXllObserver observer;
-  return observer;
-}
+CXllObserver& Observer() noexcept { return theObserver; }
 
 namespace {
 

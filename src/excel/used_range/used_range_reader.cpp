@@ -21,6 +21,8 @@ std::uint64_t AnswersBeforeCall(std::uint64_t answersNow) {
   return thread->usedRows.answersBefore;
 }
 
+CUntilUnloaded<CUsedRangeReader> theReader;
+
 }  // namespace
 
 std::optional<std::int32_t> CUsedRangeReader::LastUsedRow(const CXlOper& reference) {
@@ -50,10 +52,7 @@ std::optional<UsedRows> CUsedRangeReader::KeptOrAsked(const XString& sheet, std:
   return rows;
 }
 
-CUsedRangeReader& UsedRangeReader() noexcept {
-  static CUntilUnloaded<CUsedRangeReader> reader;
-  return *reader;
-}
+CUsedRangeReader& UsedRangeReader() noexcept { return *theReader; }
 
 }  // namespace quillmere
 

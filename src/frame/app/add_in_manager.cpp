@@ -61,22 +61,19 @@ struct Answers {
   }
 };
 
-Answers& KeptAnswers() noexcept {
-  static CUntilUnloaded<Answers> answers;
-  return *answers;
-}
+constinit CUntilUnloaded<Answers> keptAnswers;
 
 }  // namespace
 
 XLOPER12* CXllApp::AddInManagerInfo12(XLOPER12* action) noexcept {
-  Answers& answers = KeptAnswers();
+  Answers& answers = *keptAnswers;
   answers.Release();
   LongNameFor(ActionNumber(action)).ReturnInto(answers.answer12);
   return &answers.answer12;
 }
 
 XLOPER* CXllApp::AddInManagerInfo4(XLOPER* action) noexcept {
-  Answers& answers = KeptAnswers();
+  Answers& answers = *keptAnswers;
   answers.Release();
   CXlOper name = LongNameFor(ActionNumber(action));
   ReturnInto4(name, answers.answer4);

@@ -12,7 +12,8 @@ namespace quillmere {
 bool ProcessEnds() noexcept;
 
 /// A static object that is destroyed when the library is unloaded, which is after the last call, and stays when the
-/// process ends.
+/// process ends. Like every object with a destructor it does not stand inside a function: the C++ library's lock around
+/// the making of such objects would stay behind on Windows, each time that the library is loaded.
 template <class Object>
 class CUntilUnloaded {
  public:
