@@ -59,7 +59,14 @@ std::string Follow(IDispatch* object, const std::string& path) {
   return held.Get().vt == VT_ERROR ? "error " + Hex(held.Get().scode) : PrintLiteral(ValueOf(held.Get()));
 }
 
-HWND Main() { return FindWindowW(L"XLMAIN", L"Microsoft Excel"); }
+/// The main window of this process: others may have theirs.
+HWND Main() {
+  HWND window = nullptr;
+  DWORD process = 0;
+  while ((window = FindWindowExW(nullptr, window, L"XLMAIN", L"Microsoft Excel")))
+    if (GetWindowThreadProcessId(window, &process) != 0 && process == GetCurrentProcessId()) break;
+  return window;
+}
 
 HWND BookWindow() {
   const HWND desktop = FindWindowExW(Main(), nullptr, L"XLDESK", nullptr);
