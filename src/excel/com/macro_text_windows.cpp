@@ -24,7 +24,8 @@ HRESULT RunMacroText(IDispatch& application, XStringView macro, ComVariant& resu
     if (const ComOutcome off = SetAlerts(application, false); !off) return off.result;
   }
   const HRESULT ran = CallWithText(application, XTEXT("ExecuteExcel4Macro"), macro, result, WhenBusy::kWait).result;
-  if (wereOn && !MeansVanished(ran)) SetAlerts(application, true);
+  // Without alerts Excel overwrites and closes unasked, so one refusal is not taken for an answer.
+  if (wereOn && !MeansVanished(ran) && !SetAlerts(application, true)) SetAlerts(application, true);
   return ran;
 }
 
