@@ -130,5 +130,14 @@ TEST_F(ObjectModelOfHost, BearsOthersMacrosAndEveryModeOfCom) {
   }
 }
 
+TEST_F(ObjectModelOfHost, LeavesAnEventUnheardWhoseCommandExcelRefuses) {
+  EXPECT_EQ(Open(), "");
+  const int commandOfTheLastEvent = static_cast<int>(session.Host().registry.All().size());
+  session.Finish();
+  session.Host().meter.Fail(*FindXlCallback("xlfRegister"), xlretFailed, commandOfTheLastEvent);
+  EXPECT_EQ(Open(), "");
+  EXPECT_EQ(Macros(), R"("xll_Quillmere4_OnSheetActivate""xll_Quillmere4_OnSheetDeactivate""")");
+}
+
 }  // namespace
 }  // namespace qcalc
