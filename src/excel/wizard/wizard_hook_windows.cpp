@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "excel/wizard/formula_wizard_detector.h"
+#include "frame/call/plain_call.h"
 #include "frame/errors/exceptions.h"
 
 namespace quillmere {
@@ -131,12 +132,10 @@ void CWizardHook::OnPosted(UINT message, WPARAM wParam, LPARAM lParam) noexcept 
   if (message == kLookAgain) lookPosted_ = false;
   if (handling_) return;
   handling_ = true;
-  try {
-    HandlePosted(message, wParam, lParam);
-  } catch (...) {
-    // Where something fails the dialog is as Excel made it.
-    Forget();
-  }
+  const auto handle = [=, this] { return HandlePosted(message, wParam, lParam), 0; };
+  const auto forget = [this] { return Forget(), 0; };
+  // Where something fails, be it by a fault of the processor, the dialog is as Excel made it.
+  if (CallPlain(handle) == kPlainCallFailed) CallPlain(forget);
   handling_ = false;
 }
 
