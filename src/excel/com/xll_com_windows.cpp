@@ -43,13 +43,10 @@ void CXllComImpl::Initialise() {
   initialised_ = true;
 }
 
-bool CXllComImpl::IsConnected() const { return connected_ && HeldApplication().Get(); }
-
 void CXllComImpl::Connect() {
   std::optional<InitExcelOleFix> workbook;
   if (!HasWorkbookWindow()) workbook.emplace();
   HeldApplication().Hold(FindApplication());
-  connected_ = true;
 }
 
 void CXllComImpl::ConnectEvents(XStringView name) {
@@ -68,7 +65,6 @@ void CXllComImpl::DisconnectAndUninitialise(bool removed) {
   events_.Disconnect(application, ModulePath());
   if (removed) application = ComReference<IDispatch>();
   HeldApplication().Hold(std::move(application));
-  connected_ = false;
   initialised_ = false;
   if (std::exchange(startedCom_, false)) CoUninitialize();
 }

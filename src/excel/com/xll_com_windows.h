@@ -18,7 +18,6 @@ class CXllComImpl final : public IXllCom {
 
   void Initialise() override;
   bool IsInitialised() const override { return initialised_; }
-  bool IsConnected() const override;
   void Connect() override;
   void ConnectEvents(XStringView name) override;
   void DisconnectAndUninitialise(bool removed) override;
@@ -31,7 +30,6 @@ class CXllComImpl final : public IXllCom {
  private:
   bool initialised_ = false;
   bool startedCom_ = false;  ///< CoUninitialize is owed
-  bool connected_ = false;
   CApplicationEvents events_;
   IXlpRibbonImpl* ribbon_ = nullptr;
 };

@@ -48,8 +48,6 @@ class IXllCom {
   virtual void Initialise() = 0;
   /// Whether Initialise was called with success, and not undone since.
   virtual bool IsInitialised() const = 0;
-  /// Whether the bridge holds Excel's Application object.
-  virtual bool IsConnected() const = 0;
   /// Finds and holds Excel's Application object.
   virtual void Connect() = 0;
   /// Has the application's events sent to the add-in. `name` is the add-in's name.
@@ -67,7 +65,6 @@ class CXllComNull final : public IXllCom {
  public:
   void Initialise() override {}
   bool IsInitialised() const override { return false; }
-  bool IsConnected() const override { return false; }
   void Connect() override {}
   void ConnectEvents(XStringView) override {}
   void DisconnectAndUninitialise(bool) override {}

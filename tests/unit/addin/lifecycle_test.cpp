@@ -75,7 +75,6 @@ struct Ribbon : IXlpRibbonImpl {
 struct Com : IXllCom {
   bool eventsFail = false;
   bool initialised = false;
-  bool connected = false;
   IXlpRibbonImpl* ribbon = nullptr;
 
   void Initialise() override {
@@ -83,18 +82,14 @@ struct Com : IXllCom {
     events.push_back("com starts");
   }
   bool IsInitialised() const override { return initialised; }
-  bool IsConnected() const override { return connected; }
-  void Connect() override {
-    connected = true;
-    events.push_back("com on");
-  }
+  void Connect() override { events.push_back("com on"); }
   void ConnectEvents(XStringView name) override {
     EXPECT_EQ(name, XTEXT("Quillmere4"));
     if (eventsFail) throw CXlComException(XTEXT("Invoke"), -1);
     events.push_back("events on");
   }
   void DisconnectAndUninitialise(bool removed) override {
-    initialised = connected = false;
+    initialised = false;
     events.push_back(removed ? "com off" : "com off but for functions");
   }
   void AttachRibbon(IXlpRibbonImpl* attached) override { ribbon = attached; }
