@@ -27,7 +27,7 @@ constexpr bool MeansVanished(HRESULT result) noexcept { return result == RPC_E_D
 // Nothing is raised. `value`, released first, receives what the call gave.
 
 ComOutcome GetProperty(IDispatch& object, const XCHAR* name, ComVariant& value, WhenBusy whenBusy) noexcept;
-/// Sets a property. A null BSTR in `value` is memory that was out.
+/// Sets a property.
 ComOutcome PutProperty(IDispatch& object, const XCHAR* name, VARIANT value, WhenBusy whenBusy) noexcept;
 ComOutcome PutProperty(IDispatch& object, const XCHAR* name, XStringView text, WhenBusy whenBusy) noexcept;
 /// Calls a method, or gets a property, that takes one text.

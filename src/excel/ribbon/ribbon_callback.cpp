@@ -13,9 +13,8 @@ void Functions::RibbonCallback(CXlOper& result, const CXlScalarArgument<ElementK
                                const CXlScalarArgument<ElementKind::kString>& text,
                                const CXlScalarArgument<ElementKind::kString>& selectedId,
                                const CXlScalarArgument<ElementKind::kBoolean>& pressed) {
-  result = CXllApp::Instance()->OnRibbonCallback(callback.Value().AsInteger(), id.Value().AsText(),
-                                                 tag.Value().AsText(), index.Value().AsInteger(), text.Value().AsText(),
-                                                 selectedId.Value().AsText(), pressed.Value().AsBoolean());
+  result = CXllApp::Instance()->OnRibbonCallback(callback.Read(), id.Read(), tag.Read(), index.Read(), text.Read(),
+                                                 selectedId.Read(), pressed.Read());
 }
 
 }  // namespace quillmere::excel
