@@ -1,10 +1,13 @@
 #include "excel/com/find_application_windows.h"
 
+#include <oleacc.h>
+
 #include <algorithm>
 #include <iterator>
 #include <new>
 #include <vector>
 
+#include "excel/class_name_windows.h"
 #include "excel/com/late_bound_windows.h"
 #include "excel/system_library_windows.h"
 #include "frame/callbacks/excel_window.h"
@@ -14,8 +17,6 @@ namespace {
 
 constexpr const XCHAR* kMainWindowClass = XTEXT("XLMAIN");
 constexpr const XCHAR* kWorkbookWindowClass = XTEXT("EXCEL7");
-/// Asks a window for its object of Excel's model, in place of an accessible one.
-constexpr DWORD kNativeObjectModel = static_cast<DWORD>(-16);
 constexpr const XCHAR* kRunningObjects[] = {XTEXT("Excel.Application"), XTEXT("Excel.Application.5")};
 
 /// Handles have 32 significant bits, and Excel hands them out as such.
@@ -26,12 +27,6 @@ bool IsOfThisProcess(HWND window) noexcept {
   return GetWindowThreadProcessId(window, &process) != 0 && process == GetCurrentProcessId();
 }
 
-bool HasClass(HWND window, XStringView name) noexcept {
-  XCHAR buffer[16];
-  const int length = GetClassNameW(window, buffer, std::size(buffer));
-  return XStringView(buffer, static_cast<std::size_t>(length)) == name;
-}
-
 /// A search for the windows of this process that have a class.
 struct WindowSearch {
   XStringView className;
@@ -40,7 +35,7 @@ struct WindowSearch {
 
   static BOOL CALLBACK Note(HWND window, LPARAM context) noexcept {
     WindowSearch& search = *reinterpret_cast<WindowSearch*>(context);
-    if (!IsOfThisProcess(window) || !HasClass(window, search.className)) return TRUE;
+    if (!IsOfThisProcess(window) || ClassName(window).View() != search.className) return TRUE;
     try {
       search.found.push_back(window);
       return TRUE;
@@ -77,12 +72,14 @@ std::vector<HWND> WorkbookWindows() {
   return windows;
 }
 
-using ObjectFromWindow = HRESULT WINAPI(HWND window, DWORD object, REFIID interfaceId, void** result);
+using ObjectFromWindow = decltype(::AccessibleObjectFromWindow);
 
+/// A window of a workbook gives its object of Excel's model where others give an accessible one.
 ComOutcome ApplicationOf(HWND window, ObjectFromWindow* objectFromWindow,
                          ComReference<IDispatch>& application) noexcept {
   ComReference<IDispatch> object;
-  const HRESULT asked = objectFromWindow(window, kNativeObjectModel, IID_IDispatch, object.Receive<void>());
+  const HRESULT asked =
+      objectFromWindow(window, static_cast<DWORD>(OBJID_NATIVEOM), IID_IDispatch, object.Receive<void>());
   if (FAILED(asked) || !object) return {FAILED(asked) ? asked : E_NOINTERFACE, XTEXT("AccessibleObjectFromWindow")};
   return GetObjectProperty(*object, XTEXT("Application"), application, WhenBusy::kWait);
 }

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <new>
 
+#include "excel/class_name_windows.h"
 #include "excel/com/com_values_windows.h"
 
 namespace quillmere {

@@ -4,12 +4,10 @@
 #include <oleacc.h>
 #include <windows.h>
 
-#include <iterator>
 #include <vector>
 
 #include "excel/system_library_windows.h"
 #include "excel/wizard/dialog_arguments.h"
-#include "excel/wizard/formula_wizard_detector.h"
 
 namespace quillmere {
 
@@ -17,18 +15,6 @@ namespace quillmere {
 struct SeenDialog {
   DialogFacts facts;
   std::vector<HWND> boxes;  ///< the windows of the facts' boxes
-};
-
-/// The class of a window, as far as it counts. Allocates nothing.
-class ClassName {
- public:
-  explicit ClassName(HWND window) noexcept
-      : length_(static_cast<std::size_t>(GetClassNameW(window, units_, static_cast<int>(std::size(units_))))) {}
-  XStringView View() const noexcept { return {units_, length_}; }
-
- private:
-  XCHAR units_[CXlFormulaWizardDetector::kClassUnitsRead + 1];
-  std::size_t length_;
 };
 
 /// The beginning of a window's text: more than any code has.

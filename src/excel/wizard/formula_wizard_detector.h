@@ -15,16 +15,13 @@ struct WindowFacts {
   std::uint32_t ownProcessId = 0;
   WindowHandle parent = 0;
   WindowHandle excelWindow = 0;  ///< Excel's main window
-  XStringView className = {};    ///< its first kClassUnitsRead units
+  XStringView className = {};    ///< its beginning
   XStringView title = {};
   int excelVersion = 0;
 };
 
 class CXlFormulaWizardDetector {
  public:
-  /// How much of a class name is looked at.
-  static constexpr std::size_t kClassUnitsRead = 50;
-
   /// Whether a window of that class may be one of Excel's dialogs.
   static bool IsDialogClass(XStringView className) noexcept;
   /// Whether a window is the Function Arguments dialog. Its title is not the same in every language: a dialog of the

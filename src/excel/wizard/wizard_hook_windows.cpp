@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "excel/class_name_windows.h"
 #include "excel/wizard/formula_wizard_detector.h"
 #include "frame/call/plain_call.h"
 #include "frame/errors/exceptions.h"
