@@ -9,25 +9,24 @@ namespace {
 
 using Object = ApplicationObject;
 
-constexpr WORD kGet = DISPATCH_PROPERTYGET;
 constexpr WORD kGetAndPut = DISPATCH_PROPERTYGET | DISPATCH_PROPERTYPUT;
 
 constexpr ObjectMember kApplicationMembers[] = {
-    {L"Application", kGet, 0, 0, InvokeMember<DispatchObject, &DispatchObject::ItsApplication>},
-    {L"Parent", kGet, 0, 0, InvokeMember<DispatchObject, &DispatchObject::ItsApplication>},
-    {L"Workbooks", kGet, 0, 0, InvokeMember<Object, &Object::Workbooks>},
-    {L"Name", kGet, 0, 0, InvokeMember<Object, &Object::Name>},
-    {L"Version", kGet, 0, 0, InvokeMember<Object, &Object::Version>},
-    {L"Hwnd", kGet, 0, 0, InvokeMember<Object, &Object::Hwnd>},
-    {L"ExecuteExcel4Macro", DISPATCH_METHOD, 1, 1, InvokeMember<Object, &Object::ExecuteExcel4Macro>},
-    {L"DisplayAlerts", kGetAndPut, 0, 0, InvokeMember<Object, &Object::DisplayAlerts>},
-    {L"OnSheetActivate", kGetAndPut, 0, 0, InvokeMember<Object, &Object::OnSheetActivate>},
-    {L"OnSheetDeactivate", kGetAndPut, 0, 0, InvokeMember<Object, &Object::OnSheetDeactivate>},
-    {L"OnCalculate", kGetAndPut, 0, 0, InvokeMember<Object, &Object::OnCalculate>},
+    Member<DispatchObject, &DispatchObject::ItsApplication>(L"Application"),
+    Member<DispatchObject, &DispatchObject::ItsApplication>(L"Parent"),
+    Member<Object, &Object::Workbooks>(L"Workbooks"),
+    Member<Object, &Object::Name>(L"Name"),
+    Member<Object, &Object::Version>(L"Version"),
+    Member<Object, &Object::Hwnd>(L"Hwnd"),
+    Member<Object, &Object::ExecuteExcel4Macro>(L"ExecuteExcel4Macro", DISPATCH_METHOD, 1),
+    Member<Object, &Object::DisplayAlerts>(L"DisplayAlerts", kGetAndPut),
+    Member<Object, &Object::OnSheetActivate>(L"OnSheetActivate", kGetAndPut),
+    Member<Object, &Object::OnSheetDeactivate>(L"OnSheetDeactivate", kGetAndPut),
+    Member<Object, &Object::OnCalculate>(L"OnCalculate", kGetAndPut),
 };
 
 constexpr ObjectMember kWindowMembers[] = {
-    {L"Application", kGet, 0, 0, InvokeMember<DispatchObject, &DispatchObject::ItsApplication>},
+    Member<DispatchObject, &DispatchObject::ItsApplication>(L"Application"),
 };
 
 }  // namespace

@@ -5,13 +5,7 @@
 namespace qcalc {
 namespace {
 
-constexpr WORD kGet = DISPATCH_PROPERTYGET;
 constexpr WORD kGetOrCall = DISPATCH_PROPERTYGET | DISPATCH_METHOD;
-
-template <typename Object, Variant (Object::*member)(const ObjectCall&)>
-constexpr ObjectMember Member(const wchar_t* name, WORD kinds = kGet, UINT count = 0) {
-  return {name, kinds, count, count, InvokeMember<Object, member>};
-}
 
 constexpr ObjectMember kWorkbooksMembers[] = {
     Member<WorkbooksObject, &WorkbooksObject::Item>(L"Item", kGetOrCall, 1),

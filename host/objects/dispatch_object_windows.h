@@ -5,6 +5,7 @@
 // Behind it: these need its types.
 #include <oleauto.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <span>
@@ -55,10 +56,11 @@ struct ObjectMember {
   Variant (*invoke)(DispatchObject& self, const ObjectCall& call);
 };
 
-/// A member function as an ObjectMember has it.
+/// A member function as a member of that name; without more, a property that is got and takes no argument.
 template <typename Object, Variant (Object::*member)(const ObjectCall&)>
-Variant InvokeMember(DispatchObject& self, const ObjectCall& call) {
-  return (static_cast<Object&>(self).*member)(call);
+constexpr ObjectMember Member(const wchar_t* name, WORD kinds = DISPATCH_PROPERTYGET, UINT fewest = 0, UINT most = 0) {
+  return {name, kinds, fewest, std::max(fewest, most),
+          [](DispatchObject& self, const ObjectCall& call) { return (static_cast<Object&>(self).*member)(call); }};
 }
 
 // COM's interfaces have no destructor: who holds one can only release it.

@@ -11,20 +11,19 @@ namespace {
 
 using Object = RangeObject;
 
-constexpr WORD kGet = DISPATCH_PROPERTYGET;
 constexpr LONG kStyleA1 = 1;
 constexpr LONG kStyleR1C1 = -4150;
 
 constexpr ObjectMember kMembers[] = {
-    {L"Row", kGet, 0, 0, InvokeMember<Object, &Object::Row>},
-    {L"Column", kGet, 0, 0, InvokeMember<Object, &Object::Column>},
-    {L"Rows", kGet, 0, 0, InvokeMember<Object, &Object::Rows>},
-    {L"Columns", kGet, 0, 0, InvokeMember<Object, &Object::Columns>},
-    {L"Count", kGet, 0, 0, InvokeMember<Object, &Object::Count>},
-    {L"Address", kGet, 0, 4, InvokeMember<Object, &Object::Address>},
-    {L"AddressLocal", kGet, 0, 4, InvokeMember<Object, &Object::Address>},
-    {L"Worksheet", kGet, 0, 0, InvokeMember<Object, &Object::Worksheet>},
-    {L"Parent", kGet, 0, 0, InvokeMember<Object, &Object::Worksheet>},
+    Member<Object, &Object::Row>(L"Row"),
+    Member<Object, &Object::Column>(L"Column"),
+    Member<Object, &Object::Rows>(L"Rows"),
+    Member<Object, &Object::Columns>(L"Columns"),
+    Member<Object, &Object::Count>(L"Count"),
+    Member<Object, &Object::Address>(L"Address", DISPATCH_PROPERTYGET, 0, 4),
+    Member<Object, &Object::Address>(L"AddressLocal", DISPATCH_PROPERTYGET, 0, 4),
+    Member<Object, &Object::Worksheet>(L"Worksheet"),
+    Member<Object, &Object::Worksheet>(L"Parent"),
 };
 
 }  // namespace
