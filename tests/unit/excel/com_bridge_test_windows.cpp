@@ -8,6 +8,7 @@
 #include "excel/com/xll_com_windows.h"
 #include "frame/app/xll_app.h"
 #include "tests/unit/fixtures/addin_excel.h"
+#include "tests/unit/fixtures/raised_message.h"
 
 namespace quillmere::testing {
 namespace {
@@ -55,21 +56,13 @@ struct FakeApplication : IDispatch {
   }
 };
 
-XString MessageFrom(void (*action)()) {
-  try {
-    action();
-    return {};
-  } catch (const CXlRuntimeException& failure) {
-    return XString(failure.Message());
-  }
-}
-
 TEST(ComBridge, IsOneAndStartsOnceInALife) {
-  EXPECT_EQ(MessageFrom([] { CXllComImpl bridge; }), XTEXT("No CXllApp instance found"));
+  EXPECT_EQ(MessageOf<CXlRuntimeException>([] { CXllComImpl bridge; }), XTEXT("No CXllApp instance found"));
   CXllApp app;
   ExcelCom().Initialise();
-  EXPECT_EQ(MessageFrom([] { CXllComImpl second; }), XTEXT("An instance of CXllCom has already been created"));
-  EXPECT_EQ(MessageFrom([] { ExcelCom().Initialise(); }), XTEXT("Init() has already been called"));
+  EXPECT_EQ(MessageOf<CXlRuntimeException>([] { CXllComImpl second; }),
+            XTEXT("An instance of CXllCom has already been created"));
+  EXPECT_EQ(MessageOf<CXlRuntimeException>([] { ExcelCom().Initialise(); }), XTEXT("Init() has already been called"));
   ExcelCom().DisconnectAndUninitialise(true);
 }
 
@@ -125,7 +118,8 @@ TEST(ComBridge, TakesARunningApplicationOfThisProcessAlone) {
   DWORD running = 0;
   RegisterActiveObject(&application, id, ACTIVEOBJECT_STRONG, &running);
   application.window = GetDesktopWindow();
-  EXPECT_EQ(MessageFrom([] { FindApplication(); }), XTEXT("EnumChildWindows failed with error code 0x80070490"));
+  EXPECT_EQ(MessageOf<CXlRuntimeException>([] { FindApplication(); }),
+            XTEXT("EnumChildWindows failed with error code 0x80070490"));
   application.window = CreateWindowW(XTEXT("STATIC"), nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
   EXPECT_EQ(FindApplication().Get(), &application);
   DestroyWindow(application.window);

@@ -2,29 +2,21 @@
 #include <gtest/gtest.h>
 
 #include "excel/wizard/wizard_hook_windows.h"
-#include "frame/errors/exceptions.h"
+#include "tests/unit/fixtures/raised_message.h"
 
 namespace quillmere {
 namespace {
 
-template <class Step>
-XString FailureOf(const Step& step) {
-  try {
-    step();
-  } catch (const CXlRuntimeException& error) {
-    return XString(error.Message());
-  }
-  return {};
-}
+using testing::MessageOf;
 
 TEST(WizardHook, IsInstalledOnceAndLeavesNothing) {
   const auto install = [] { CWizardHook(0, 16); };
   {
     const CWizardHook hook(0, 16);
-    EXPECT_EQ(FailureOf(install), L"An instance of CWizardHook is already installed");
+    EXPECT_EQ(MessageOf<CXlRuntimeException>(install), L"An instance of CWizardHook is already installed");
   }
-  EXPECT_EQ(FailureOf(install), L"") << "and what was registered before is gone";
-  EXPECT_EQ(FailureOf([] { InstalledHook(99, L"WH_KEYBOARD", nullptr); }),
+  EXPECT_EQ(MessageOf<CXlRuntimeException>(install), L"") << "and what was registered before is gone";
+  EXPECT_EQ(MessageOf<CXlRuntimeException>([] { InstalledHook(99, L"WH_KEYBOARD", nullptr); }),
             L"SetWindowsHookEx failed for WH_KEYBOARD. hr=593");
 }
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "frame/errors/exceptions.h"
+#include "tests/unit/fixtures/raised_message.h"
 
 namespace quillmere::testing {
 
@@ -81,12 +81,7 @@ XString Repeated(XStringView piece, int times) {
 
 XString MessageFor(XStringView expression) {
   RegexBudget budget;
-  try {
-    const RegexPattern pattern(expression, budget);
-    return {};
-  } catch (const CXlBadRegexException& error) {
-    return XString(error.Message());
-  }
+  return MessageOf<CXlBadRegexException>([&] { const RegexPattern pattern(expression, budget); });
 }
 
 TEST(RegexPattern, RefusesWhatIsNoExpressionOrNoneToBeTrusted) {
