@@ -189,7 +189,7 @@ constexpr std::string_view kMistakes = R"cases(
     default = '"a"' => required = true -> 'Name' comes as a plain value, which is never left out
     default = "-1" => default = "0" -> the default '0' of 'Volatile' is none of its choices
     , choices = [{ code = -1, text = "No" }] => -> only is for an Int, Short or Value with choices: 'Volatile' is none
-    name = "Crit{}", kind => name = "Crit{}", default = "1", kind -> 'Crit{}' of a run has a default
+    helped = 1, each = [ => required = 1, each = [{ name = "A{}", kind = "Value", default = "1", help = "" }, -> 'A{}' has a default and need not be given
     like = "MA_Method" => like = "Pairs" -> no single argument 'Pairs' stands above
     name = "Other_Method" => name = "Other Method" -> 'Other Method' cannot name an argument
     name = "Col{}" => name = "Col" -> 'Col' is repeated and has no {}

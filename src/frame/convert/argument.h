@@ -62,7 +62,7 @@ class CXlScalarArgument : public CXlArgument {
   ElementOf<kind> Read() const { return As<kind>(); }
 };
 
-/// N arguments of one run, in registered order: Arg1 ... Arg29, or Col1, Crit1, Col2 ... They have no defaults.
+/// N arguments of one run, in registered order: Arg1 ... Arg29, or Col1, Crit1, Col2 ...
 template <std::size_t N>
 class CXlArgumentRun {
  public:

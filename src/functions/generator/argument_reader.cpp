@@ -65,6 +65,9 @@ ArgumentGroup ArgumentReader::ReadRun(const std::string& id, const toml::table& 
   group.required = static_cast<int>(fields.OptionalInteger("required", 0, group.rounds, 0));
   fields.Array("each");
   for (const toml::table* each : fields.OptionalTables("each")) group.each.push_back(ReadArgument("", *each, true));
+  for (const Argument& argument : group.each)
+    if (group.required > 0 && argument.defaultText)
+      fields.ComplainAt("required", "'" + argument.name + "' has a default and need not be given");
   if (group.each.empty()) {
     fields.ComplainAt("each", "a run repeats at least one argument");
     group.each.emplace_back();
@@ -158,7 +161,6 @@ void ArgumentReader::CheckPresence(const Argument& argument, const StrictTable& 
   if (inRun && argument.required) {
     fields.ComplainAt("required", "in a run, required says how many rounds are: '" + argument.name + "'");
   }
-  if (inRun && argument.defaultText) fields.ComplainAt("default", "'" + argument.name + "' of a run has a default");
 }
 
 void ArgumentReader::CheckOnly(const Argument& argument, const StrictTable& fields) {
