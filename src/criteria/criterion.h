@@ -4,33 +4,11 @@
 #include <cstdint>
 #include <memory>
 
-#include "frame/values/cell.h"
+#include "table/cell_type.h"
 #include "text/regex/regex_budget.h"
 #include "text/text_matcher.h"
 
 namespace quillmere::criteria {
-
-/// The types of cells by which criteria tell them apart. As bits they make up masks; as numbers they are the order of
-/// the types.
-namespace cell_type {
-constexpr std::uint32_t kNumber = xltypeNum;
-constexpr std::uint32_t kText = xltypeStr;
-constexpr std::uint32_t kBoolean = xltypeBool;
-constexpr std::uint32_t kError = xltypeErr;
-constexpr std::uint32_t kEmpty = xltypeNil;
-}  // namespace cell_type
-
-/// The type of a cell. A value left out counts as empty; what is no single cell is "Bad XLOPER type".
-inline std::uint32_t CellTypeOf(const XLOPER12& cell) {
-  switch (const std::uint32_t type = CellType(cell)) {
-    case xltypeInt:
-      return cell_type::kNumber;
-    case xltypeMissing:
-      return cell_type::kEmpty;
-    default:
-      return type;
-  }
-}
 
 /// What a criterion asks of a cell. Those from kIsError on are type tests.
 enum class CriterionKind : std::int32_t {

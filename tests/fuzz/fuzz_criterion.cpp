@@ -43,7 +43,7 @@ XString Written(const Criterion& criterion) {
   XString text;
   if (criterion.negated) text += kAlphabet[0];
   if (criterion.joined) text += XTEXT('&');
-  const bool isWord = IsTypeTest(criterion.kind) || criterion.valueType == criteria::cell_type::kBoolean;
+  const bool isWord = IsTypeTest(criterion.kind) || criterion.valueType == cell_type::kBoolean;
   return text + XString(isWord ? WordOf(criterion.kind) : OperatorOf(criterion.kind)) +
          (isWord ? XString() : XString(criterion.text));
 }
