@@ -73,6 +73,14 @@ CXlOper TableView::ReadCell(std::int32_t row, std::int32_t column) const {
   return isReference_ ? CoerceCell(row, column) : CXlOper::BorrowCell(Cells().At(row, column));
 }
 
+CXlOper TableView::ReadAll() const {
+  if (isReference_) return CoercePart(0, 0, rows_, columns_);
+  XLOPER12 cells{};
+  cells.xltype = xltypeMulti;
+  cells.val.array = {const_cast<XLOPER12*>(first_), rows_, columns_};
+  return CXlOper::Borrow(&cells);
+}
+
 CXlOper TableView::Part(std::int32_t firstRow, std::int32_t firstColumn, std::int32_t rows,
                         std::int32_t columns) const {
   const XLREF12 area = AreaOf(firstRow, firstColumn, rows, columns);

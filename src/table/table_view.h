@@ -36,6 +36,9 @@ class TableView {
   CXlOper CoerceCell(std::int32_t row, std::int32_t column) const;
   /// The cell's value, wherever it stands: a view of an array's, one xlCoerce for a reference's.
   CXlOper ReadCell(std::int32_t row, std::int32_t column) const;
+  /// All cells, of which there is one at least, wherever they stand: a view of an array's, one xlCoerce for a
+  /// reference's.
+  CXlOper ReadAll() const;
 
   /// A reference to a rectangle of a reference, in the form in which the table was passed: to hand to callbacks. It has
   /// at least one row and column and lies within the table.
