@@ -6,9 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "frame/text/fold_case.h"
-#include "table/compare.h"
 #include "table/place_index.h"
+#include "table/tuple_compare.h"
 #include "table/tuple_hash.h"
 
 namespace quillmere {
@@ -18,18 +17,6 @@ constexpr std::int32_t kNoGroup = kNoEntry;
 /// And that of a tuple with a number that is none. Such a number equals every number, so that the tuple is in no group,
 /// and whoever looks for what equals it must look at all.
 constexpr std::int32_t kOddTuple = -2;
-
-/// Whether CompareOpers, with the case of texts as asked, gives 0 for two single cells. A number that is none equals
-/// nothing here.
-template <TextCase textCase>
-inline bool CellsEqual(const XLOPER12& a, const XLOPER12& b) {
-  if (IsNumberCell(a)) return IsNumberCell(b) && a.val.num == b.val.num;
-  if (IsTextCell(a)) {
-    constexpr auto kEqual = textCase == TextCase::kIgnored ? EqualFolded : EqualExact;
-    return IsTextCell(b) && kEqual(TextOf(a), TextOf(b));
-  }
-  return CompareOpers(&a, &b) == 0;
-}
 
 /// Distinct tuples, 2^30 at most. Equal tuples are one group, named by the place of its first. The tuples that are
 /// indexed are looked at again and must outlive the index. Tuples that count for nothing, such as keys with an empty
@@ -70,8 +57,8 @@ class TupleIndex {
       }
       const std::span chosen(candidates, static_cast<std::size_t>(count));
       for (const std::int32_t i : chosen) places_.PrefetchSlot(hashes[i]);
-      for (const std::int32_t i : chosen) PrefetchTuple(hashes[i]);
-      for (const std::int32_t i : chosen) PrefetchTexts(hashes[i]);
+      for (const std::int32_t i : chosen) PrefetchTuple(tuples_, places_.LikelyPlace(hashes[i]));
+      for (const std::int32_t i : chosen) PrefetchTexts(tuples_, places_.LikelyPlace(hashes[i]));
       for (const std::int32_t i : chosen) {
         std::uint32_t slot = 0;
         const std::int32_t group = Find(others, first + i, hashes[i], slot);
@@ -90,32 +77,11 @@ class TupleIndex {
     return place;
   }
 
-  /// Asks for the tuple that Find will read, where that is the likely one.
-  void PrefetchTuple(std::uint64_t hash) const noexcept {
-    const std::int32_t place = places_.LikelyPlace(hash);
-    for (std::size_t part = 0; place != kNoEntry && part < tuples_.Parts(); ++part)
-      PrefetchCell(tuples_.CellAt(place, part));
-  }
-  /// And for the tuple's texts.
-  void PrefetchTexts(std::uint64_t hash) const {
-    const std::int32_t place = places_.LikelyPlace(hash);
-    for (std::size_t part = 0; place != kNoEntry && part < tuples_.Parts(); ++part)
-      PrefetchText(*tuples_.CellAt(place, part));
-  }
-
   /// The group whose tuples equal the one at `place` of others, or kNoGroup; the slot where that was seen.
   template <CellTuples Others>
   std::int32_t Find(const Others& others, std::int32_t place, std::uint64_t hash, std::uint32_t& slot) const {
-    return places_.Find(hash, slot, [&](std::int32_t first) { return Equal(first, others, place); });
-  }
-
-  template <CellTuples Others>
-  bool Equal(std::int32_t first, const Others& others, std::int32_t place) const {
-    for (std::size_t part = 0; part < tuples_.Parts(); ++part) {
-      const XLOPER12& cell = tuples_.Meaning(*tuples_.CellAt(first, part));
-      if (!CellsEqual<textCase>(cell, others.Meaning(*others.CellAt(place, part)))) return false;
-    }
-    return true;
+    return places_.Find(hash, slot,
+                        [&](std::int32_t first) { return TuplesEqual<textCase>(tuples_, first, others, place); });
   }
 
   const Tuples& tuples_;
