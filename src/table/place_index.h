@@ -53,6 +53,13 @@ class PlaceIndex {
     return kNoEntry;
   }
 
+  /// Puts in a place whose like is not there.
+  void PutNew(std::uint64_t hash, std::int32_t place) noexcept {
+    std::uint32_t slot = static_cast<std::uint32_t>(hash) & slotMask_;
+    while (slots_[slot] != 0) slot = (slot + 1) & slotMask_;
+    Put(hash, slot, place);
+  }
+
   /// Puts a place in, at the slot that Find told.
   void Put(std::uint64_t hash, std::uint32_t slot, std::int32_t place) noexcept {
     slots_[slot] = Tag(hash) | (static_cast<std::uint32_t>(place) + 1);
