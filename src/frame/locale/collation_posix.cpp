@@ -40,12 +40,13 @@ struct Collators {
 
 }  // namespace
 
-std::string CollationKey(XStringView text, LetterCase letterCase) {
-  if (text.empty()) return {};
+void MakeCollationKey(XStringView text, LetterCase letterCase, std::string& key) {
+  key.clear();
+  if (text.empty()) return;
   static CUntilUnloaded<Collators> collators;
   const Collator& collator = letterCase == LetterCase::kIgnored ? collators->withoutCase : collators->withCase;
   constexpr std::size_t kBytesPerUnit = 4, kEnds = 8;  // enough for most texts
-  std::string key(text.size() * kBytesPerUnit + kEnds, '\0');
+  key.resize(text.size() * kBytesPerUnit + kEnds);
   const auto make = [&] {
     return static_cast<std::size_t>(ucol_getSortKey(collator.get(), text.data(), static_cast<std::int32_t>(text.size()),
                                                     reinterpret_cast<std::uint8_t*>(key.data()),
@@ -58,7 +59,6 @@ std::string CollationKey(XStringView text, LetterCase letterCase) {
   }
   if (size == 0) throw std::runtime_error("ICU cannot order a text");
   key.resize(size - 1);  // without the zero at the end
-  return key;
 }
 
 }  // namespace quillmere
