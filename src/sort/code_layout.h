@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "sort/raw_values.h"
 
@@ -15,7 +16,7 @@ namespace quillmere::sort {
 class CodeLayout {
  public:
   /// Codes of at most `most` bits, 1 to 60.
-  CodeLayout(const ValueSurvey& survey, bool isDescending, int most) : isDescending_(isDescending) {
+  CodeLayout(const ValueSurvey& survey, bool isDescending, int most) {
     std::array<WideBits, kValueKinds> varying;
     for (std::size_t kind = 0; kind < kValueKinds; ++kind) varying[kind] = survey.kinds[kind].Varying();
     int mostOfKind = most;
@@ -26,7 +27,8 @@ class CodeLayout {
       kind.base = base;
       if (!survey.kinds[i].HasAny()) continue;
       kind.packer = BitPacker(varying[i], mostOfKind);
-      base += std::uint64_t{1} << kind.packer.Bits();
+      kind.codes = std::uint64_t{1} << kind.packer.Bits();
+      base += kind.codes;
       const bool areBitsWhole = kind.packer.Bits() == CountBits(varying[i]);
       const bool isText = i == kTextBefore || i == kTextWithin || i == kTextBehind;
       kind.goesOn = !areBitsWhole || (isText && !survey.isWholeTexts);
@@ -34,8 +36,7 @@ class CodeLayout {
       isWhole_ &= !kind.goesOn;
     }
     bits_ = base <= 1 ? 0 : static_cast<int>(std::bit_width(base - 1));
-    // Empties keep the highest code.
-    highest_ = base - 1 - (survey.kinds[kEmptyValue].HasAny() ? 1 : 0);
+    if (isDescending) Reverse(base - (survey.kinds[kEmptyValue].HasAny() ? 1 : 0));
   }
 
   int Bits() const noexcept { return bits_; }
@@ -44,20 +45,17 @@ class CodeLayout {
 
   std::uint64_t Code(std::uint8_t kind, const WideBits& value) const noexcept {
     const Kind& layout = kinds_[kind];
-    const std::uint64_t code = layout.base + layout.packer.Pack(value);
-    return isDescending_ && kind != kEmptyValue ? highest_ - code : code;
+    return layout.base + (layout.packer.Pack(value) ^ layout.reversed);
   }
 
   /// Where to look at rows with an equal code of this key: further on in the same key, or at the next one.
   void GoOn(std::uint64_t code, EqualRun& run) const noexcept {
-    if (isDescending_ && code <= highest_) code = highest_ - code;
-    const Kind* kind = &kinds_[kEmptyValue];
-    while (kind != kinds_.data() && kind->base > code) --kind;
-    if (!kind->goesOn) {
+    const Kind& kind = *std::ranges::find_if(kinds_, [&](const Kind& each) { return code - each.base < each.codes; });
+    if (!kind.goesOn) {
       ++run.key;
       run.depth = 0;
-    } else if (kind->depth != kSameDepth) {
-      run.depth = kind->depth;
+    } else if (kind.depth != kSameDepth) {
+      run.depth = kind.depth;
     }
   }
 
@@ -66,10 +64,20 @@ class CodeLayout {
 
   struct Kind {
     BitPacker packer;
-    std::uint64_t base = 0;
+    std::uint64_t base = 0;      ///< the lowest code
+    std::uint64_t codes = 0;     ///< how many
+    std::uint64_t reversed = 0;  ///< bits that are turned over, since the highest value comes first
     std::uint32_t depth = kSameDepth;
     bool goesOn = false;  ///< equal codes do not mean equal values
   };
+
+  /// Turns the order over, but for that of empties, which have the codes from `end` on.
+  void Reverse(std::uint64_t end) noexcept {
+    for (Kind& kind : std::span(kinds_).first(kEmptyValue)) {
+      kind.base = end - kind.base - kind.codes;
+      if (kind.codes != 0) kind.reversed = kind.codes - 1;
+    }
+  }
 
   static int CountBits(const WideBits& bits) noexcept { return std::popcount(bits.high) + std::popcount(bits.low); }
 
@@ -82,9 +90,7 @@ class CodeLayout {
   }
 
   std::array<Kind, kValueKinds> kinds_;
-  std::uint64_t highest_ = 0;
   int bits_ = 0;
-  bool isDescending_;
   bool isWhole_ = true;
 };
 

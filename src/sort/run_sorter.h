@@ -34,8 +34,8 @@ concept RowSource = requires(T& source, const EqualRun& run, std::span<const std
   { source.IsDescending(run.key) } -> std::same_as<bool>;
   /// Reads the values of a run's rows at its key.
   { source.Read(run, rows, to) } -> std::same_as<ValueSurvey>;
-  /// Whether rows of such a run are sorted by SortFew, and not by what Read gives.
-  { source.ComparesFew(run) } -> std::same_as<bool>;
+  /// Whether a few rows are sorted by SortFew, and not by what Read gives.
+  { source.ComparesFew(run, rows) } -> std::same_as<bool>;
   /// Sorts a few rows by the run's key and all behind it; rows equal to those before keep their order. Marks those that
   /// are unequal to the one before them.
   { source.SortFew(run, few, isFirst) } -> std::same_as<void>;
@@ -87,10 +87,7 @@ class RunSorter {
   }
 
   void SortRun(EqualRun run) {
-    if (run.Count() < kFewRows && source_.ComparesFew(run)) {
-      source_.SortFew(run, RowsOf(run), isFirst_ ? isFirst_ + run.begin : nullptr);
-      return;
-    }
+    if (SortedFew(run)) return;
     const auto first = static_cast<std::size_t>(run.begin);
     const auto count = static_cast<std::size_t>(run.Count());
     const int room = std::min(kMostBits, 64 - rowBits_);
@@ -160,18 +157,18 @@ class RunSorter {
       if (next - first > 1) {
         EqualRun equal{first, next, run.key, run.depth};
         layout.GoOn(code & codeMask, equal);
-        if (equal.key < source_.Keys()) Note(equal);
+        // Few rows are sorted at once, so that what is noted takes little room.
+        if (equal.key < source_.Keys() && !SortedFew(equal)) pending_.push_back(equal);
       }
       first = next;
     }
   }
 
-  /// Few rows are sorted at once, so that what is noted takes little room.
-  void Note(const EqualRun& run) {
-    if (run.Count() < kFewRows && source_.ComparesFew(run))
-      source_.SortFew(run, RowsOf(run), isFirst_ ? isFirst_ + run.begin : nullptr);
-    else
-      pending_.push_back(run);
+  /// Whether these are few rows, which then are sorted.
+  bool SortedFew(const EqualRun& run) {
+    if (run.Count() >= kFewRows || !source_.ComparesFew(run, RowsOf(run))) return false;
+    source_.SortFew(run, RowsOf(run), isFirst_ ? isFirst_ + run.begin : nullptr);
+    return true;
   }
 
   Source& source_;

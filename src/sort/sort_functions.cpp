@@ -1,7 +1,10 @@
 // The sorts: rows in the order of some of their columns, or the numbers of the rows in that order.
 //
 // Serves VSORTB, VSORTB.INDEX, VSORTC, VSORTC.INDEX, Case.VSORTC, Case.VSORTC.INDEX.
+#include <algorithm>
 #include <cstdlib>
+#include <deque>
+#include <span>
 #include <vector>
 
 #include "frame/callbacks/used_range.h"
@@ -46,6 +49,59 @@ CXlOper ListRows(const std::vector<std::int32_t>& order) {
   return result.FinishCollapsed();
 }
 
+/// The cells of a column, texts once each, and which of them stands in each row of the result.
+struct DistinctColumn {
+  std::vector<XLOPER12> cells;
+  std::vector<std::int32_t> rows;
+};
+
+DistinctColumn DistinctTexts(const CellLine& line, const LineRanks& ranks, const std::vector<std::int32_t>& order) {
+  DistinctColumn column;
+  for (const std::int32_t place : ranks.FirstPlaces()) column.cells.push_back(line.At(place));
+  column.rows.reserve(order.size());
+  for (const std::int32_t row : order) {
+    std::uint32_t number = ranks.Number(static_cast<std::size_t>(row));
+    if (number == LineRanks::kNoText) {
+      number = static_cast<std::uint32_t>(column.cells.size());
+      column.cells.push_back(line.At(row));
+    }
+    column.rows.push_back(static_cast<std::int32_t>(number));
+  }
+  return column;
+}
+
+/// Whether most cells of a column are texts, and few of those distinct.
+bool HasFewTexts(const LineRanks& ranks, std::int32_t rows) {
+  constexpr std::int32_t kRowsOfText = 8;
+  return ranks.Texts() > rows / 2 && static_cast<std::int32_t>(ranks.FirstPlaces().size()) <= rows / kRowsOfText;
+}
+
+/// The rows in their order. Columns of few texts are painted from those alone: to read a text for each row would take
+/// longest.
+CXlOper PaintRows(const CXlCells& cells, const SortedRows& sorted) {
+  std::vector<ArrayPiece> pieces;
+  std::deque<DistinctColumn> distinct;
+  std::int32_t painted = 0;  // columns
+  const auto paintTo = [&](std::int32_t column) {
+    if (column > painted) pieces.push_back({cells, AxisMap::By(sorted.order), AxisMap::Run(painted, column - painted)});
+    painted = column;
+  };
+  for (std::int32_t column = 0; column < cells.columns; ++column) {
+    const auto isOfColumn = [&](const SortKey& key) { return key.cells.first == cells.first + column; };
+    const auto key = std::ranges::find_if(sorted.keys, isOfColumn);
+    if (key == sorted.keys.end()) continue;
+    const LineRanks& ranks = sorted.ranks[static_cast<std::size_t>(key - sorted.keys.begin())];
+    if (!ranks.AreKnown() || !HasFewTexts(ranks, cells.rows)) continue;
+    paintTo(column);
+    const DistinctColumn& texts = distinct.emplace_back(DistinctTexts(key->cells, ranks, sorted.order));
+    const CXlCells once{texts.cells.data(), static_cast<std::int32_t>(texts.cells.size()), 1};
+    pieces.push_back({once, AxisMap::By(texts.rows), AxisMap::Run(0, 1)});
+    ++painted;
+  }
+  paintTo(cells.columns);
+  return PaintStack(pieces, true, ErrorCell(xlerrNA));
+}
+
 }  // namespace
 
 void Functions::SortTable(CXlOper& result, SortMode mode, SortOutput output, const CXlArgument& theInputData,
@@ -54,13 +110,8 @@ void Functions::SortTable(CXlOper& result, SortMode mode, SortOutput output, con
   const TableView table(used);
   const CXlOper values = table.ReadAll();
   const CXlCells cells = values.Cells();
-  const std::vector<std::int32_t> order = SortRows(ReadKeys(sortColumns, cells), {}, mode);
-  if (output == SortOutput::kRowNumbers) {
-    result = ListRows(order);
-  } else {
-    const ArrayPiece sorted{cells, AxisMap::By(order), AxisMap::Run(0, cells.columns)};
-    result = PaintStack({&sorted, 1}, false, ErrorCell(xlerrNA));
-  }
+  const SortedRows sorted = SortRanked(ReadKeys(sortColumns, cells), mode);
+  result = output == SortOutput::kRowNumbers ? ListRows(sorted.order) : PaintRows(cells, sorted);
 }
 
 }  // namespace quillmere::sort

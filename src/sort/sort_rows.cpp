@@ -38,25 +38,29 @@ class CellRows {
   bool IsDescending(std::uint32_t key) const noexcept { return keys_[key].isDescending; }
 
   ValueSurvey Read(const EqualRun& run, std::span<const std::int32_t> rows, const RawValues& to) {
-    RankLines(run);
-    if (!ranks_[run.key].empty())
-      return ReadRanked(run, rows, to, [&](std::size_t i) { return ranks_[run.key][Place(rows[i])]; });
-    if (mode_ == SortMode::kOrdinal) return ReadUnits(run, rows, to);
-    // Only texts have ranks.
-    std::vector<std::int32_t> places;
-    std::vector<std::uint32_t> numbers(rows.size(), 0);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      if (!IsTextCell(CellOf(run.key, rows[i]))) continue;
-      numbers[i] = static_cast<std::uint32_t>(places.size());
-      places.push_back(static_cast<std::int32_t>(Place(rows[i])));
+    const bool isOrdinal = mode_ == SortMode::kOrdinal;
+    if (!isOrdinal && !SampleHasText(run, rows)) {
+      // A column without texts is not ranked.
+      bool hasText = false;
+      const ValueSurvey survey = ReadRanked(run, rows, to, [&](std::size_t) { return hasText = true; });
+      if (!hasText) return survey;
     }
-    const TextRanks ranks = RankByLanguage(keys_[run.key].cells, places, Case());
-    return ReadRanked(run, rows, to, [&](std::size_t i) { return ranks[numbers[i]]; });
+    RankLines(run);
+    const LineRanks& ranks = ranks_[run.key];
+    if (ranks.AreKnown()) return ReadRanked(run, rows, to, [&](std::size_t i) { return ranks.At(Place(rows[i])); });
+    return isOrdinal ? ReadUnits(run, rows, to) : ReadFewRanked(run, rows, to);
   }
 
-  bool ComparesFew(const EqualRun& run) const noexcept {
+  /// What is known of the texts of the keys' lines.
+  std::vector<LineRanks> TakeRanks() && { return std::move(ranks_); }
+
+  /// Texts without ranks are not compared with each other: each comparison would make two keys.
+  bool ComparesFew(const EqualRun& run, std::span<const std::int32_t> few) const {
     if (mode_ == SortMode::kOrdinal) return true;
-    return std::ranges::none_of(ranks_.begin() + run.key, ranks_.end(), &TextRanks::empty);
+    for (std::uint32_t key = run.key; key < Keys(); ++key)
+      for (const std::int32_t row : few)
+        if (!ranks_[key].AreKnown() && IsTextCell(CellOf(key, row))) return false;
+    return true;
   }
 
   void SortFew(const EqualRun& run, std::span<std::int32_t> few, bool*) const {
@@ -79,14 +83,27 @@ class CellRows {
   }
   LetterCase Case() const noexcept { return mode_ == SortMode::kCollated ? LetterCase::kIgnored : LetterCase::kCounts; }
 
+  template <class Use>
+  void Sample(const EqualRun& run, std::span<const std::int32_t> rows, const Use& use) const {
+    const std::size_t step = rows.size() / kSampledRows + 1;
+    for (std::size_t i = 0; i < rows.size(); i += step)
+      if (const XLOPER12& cell = CellOf(run.key, rows[i]); IsTextCell(cell)) use(TextOf(cell));
+  }
+
+  bool SampleHasText(const EqualRun& run, std::span<const std::int32_t> rows) const {
+    bool hasText = false;
+    Sample(run, rows, [&](XStringView) { hasText = true; });
+    return hasText;
+  }
+
   void RankLines(const EqualRun& run) {
-    TextRanks& ranks = ranks_[run.key];
+    LineRanks& ranks = ranks_[run.key];
     std::int32_t& tied = tiedRows_[run.key];
     const CellLine& line = keys_[run.key].cells;
     const std::int32_t enough = Count() / kPartOfLine;
     const bool wasEnough = tied > enough;
     tied += run.Count();
-    if (!ranks.empty() || wasEnough || tied <= enough) return;
+    if (ranks.AreKnown() || wasEnough || tied <= enough) return;
     if (mode_ != SortMode::kOrdinal)
       ranks = RankLineByLanguage(line, Case());
     else if (HasFewTexts(line))
@@ -130,11 +147,22 @@ class CellRows {
     return survey;
   }
 
+  /// Ranks the texts of these rows alone.
+  ValueSurvey ReadFewRanked(const EqualRun& run, std::span<const std::int32_t> rows, const RawValues& to) const {
+    std::vector<std::int32_t> places;
+    std::vector<std::uint32_t> numbers(rows.size(), 0);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      if (!IsTextCell(CellOf(run.key, rows[i]))) continue;
+      numbers[i] = static_cast<std::uint32_t>(places.size());
+      places.push_back(static_cast<std::int32_t>(Place(rows[i])));
+    }
+    const TextRanks ranks = RankByLanguage(keys_[run.key].cells, places, Case());
+    return ReadRanked(run, rows, to, [&](std::size_t i) { return ranks[numbers[i]]; });
+  }
+
   ValueSurvey ReadUnits(const EqualRun& run, std::span<const std::int32_t> rows, const RawValues& to) const {
     TextWindow<XCHAR> window(run.depth);
-    const std::size_t step = rows.size() / kSampledRows + 1;
-    for (std::size_t i = 0; i < rows.size(); i += step)
-      if (const XLOPER12& cell = CellOf(run.key, rows[i]); IsTextCell(cell)) window.Sample(TextOf(cell));
+    Sample(run, rows, [&](XStringView text) { window.Sample(text); });
     ValueSurvey survey;
     ReadCells(run, rows, to, survey, [&](const XLOPER12& cell, std::size_t i) {
       if (i + kTextsAhead < rows.size()) PrefetchText(CellOf(run.key, rows[i + kTextsAhead]));
@@ -169,8 +197,8 @@ class CellRows {
       case cell_type::kNumber:
         return order(OrderedBits(CellNumber(cellA)), OrderedBits(CellNumber(cellB)));
       case cell_type::kText:
-        return ranks_[key].empty() ? CompareExact(TextOf(cellA), TextOf(cellB))
-                                   : order(ranks_[key][Place(a)], ranks_[key][Place(b)]);
+        return ranks_[key].AreKnown() ? order(ranks_[key].At(Place(a)), ranks_[key].At(Place(b)))
+                                      : CompareExact(TextOf(cellA), TextOf(cellB));
       case cell_type::kBoolean:
         return order(cellA.val.xbool, cellB.val.xbool);
       case cell_type::kError:
@@ -183,11 +211,50 @@ class CellRows {
   std::span<const SortKey> keys_;
   std::span<const std::int32_t> places_;
   SortMode mode_;
-  std::vector<TextRanks> ranks_;        ///< of the keys' lines; empty where they are not known
+  std::vector<LineRanks> ranks_;        ///< of the keys' lines
   std::vector<std::int32_t> tiedRows_;  ///< rows whose values at a key were looked at
 };
 
+/// Whether two cells are equal at a glance; equal ones may look otherwise.
+bool LookEqual(const XLOPER12& a, const XLOPER12& b) {
+  if (a.xltype != b.xltype) return false;
+  if (IsTextCell(a)) return EqualExact(TextOf(a), TextOf(b));
+  return IsNumberCell(a) ? a.val.num == b.val.num : IsEmptyCell(a);
+}
+
+/// The keys that may tell rows apart, of which the first is always one. Neighbouring columns lie in the same lines of
+/// the cache: to find all those that hold one value in one go spares a walk down the table for each.
+std::vector<std::uint32_t> TellingKeys(std::span<const SortKey> keys) {
+  constexpr std::int32_t kSample = 8;
+  std::vector<std::uint32_t> telling;
+  std::vector<std::uint32_t> candidates;
+  const auto isLikeFirst = [&](std::uint32_t key, std::int32_t row) {
+    return LookEqual(keys[key].cells.At(0), keys[key].cells.At(row));
+  };
+  const std::int32_t rows = keys.front().cells.count;
+  for (std::uint32_t key = 1; key < keys.size(); ++key) {
+    std::int32_t alike = 0;
+    while (alike < kSample && isLikeFirst(key, static_cast<std::int32_t>(std::int64_t{alike} * rows / kSample)))
+      ++alike;
+    if (alike == kSample) candidates.push_back(key);
+  }
+  for (std::int32_t row = 1; row < rows && !candidates.empty(); ++row)
+    std::erase_if(candidates, [&](std::uint32_t key) { return !isLikeFirst(key, row); });
+  for (std::uint32_t key = 0; key < keys.size(); ++key)
+    if (!std::ranges::binary_search(candidates, key)) telling.push_back(key);
+  return telling;
+}
+
 }  // namespace
+
+SortedRows SortRanked(std::span<const SortKey> keys, SortMode mode) {
+  SortedRows sorted;
+  for (const std::uint32_t key : TellingKeys(keys)) sorted.keys.push_back(keys[key]);
+  CellRows rows(sorted.keys, {}, mode);
+  sorted.order = RunSorter<CellRows>(rows).Sort();
+  sorted.ranks = std::move(rows).TakeRanks();
+  return sorted;
+}
 
 std::vector<std::int32_t> SortRows(std::span<const SortKey> keys, std::span<const std::int32_t> places, SortMode mode) {
   CellRows rows(keys, places, mode);

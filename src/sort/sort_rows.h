@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "implementations/sort.h"
+#include "sort/text_ranks.h"
 #include "table/cell_line.h"
 
 namespace quillmere::sort {
@@ -25,5 +26,15 @@ struct SortKey {
 /// not tell apart the shorter comes first. A number that is none comes behind all others. A cell that is none is "Bad
 /// XLOPER type". There is one key at least, and fewer than 2^30 rows.
 std::vector<std::int32_t> SortRows(std::span<const SortKey> keys, std::span<const std::int32_t> places, SortMode mode);
+
+/// The order of all rows; the keys that tell some of them apart, and what was found out about the texts of each.
+struct SortedRows {
+  std::vector<std::int32_t> order;
+  std::vector<SortKey> keys;
+  std::vector<LineRanks> ranks;
+};
+
+/// Sorts all rows in the same way.
+SortedRows SortRanked(std::span<const SortKey> keys, SortMode mode);
 
 }  // namespace quillmere::sort

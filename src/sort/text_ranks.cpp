@@ -72,7 +72,7 @@ class TextRows {
     return survey;
   }
 
-  static bool ComparesFew(const EqualRun&) noexcept { return true; }
+  static bool ComparesFew(const EqualRun&, std::span<const std::int32_t>) noexcept { return true; }
 
   void SortFew(const EqualRun&, std::span<std::int32_t> few, bool* isFirst) {
     using Keyed = std::pair<typename Texts::Kept, std::int32_t>;
@@ -112,25 +112,27 @@ TextRanks RankPlaces(const CellLine& line, std::span<const std::int32_t> places,
 constexpr std::int32_t kOnlyColumn[] = {0};
 
 /// The ranks of a line by those of its distinct texts, which `rankPlaces` is asked for.
-template <TextCase textCase, class RankPlaces>
-TextRanks RankLine(const CellLine& line, const RankPlaces& rankPlaces) {
+template <class RankPlaces>
+LineRanks RankLine(const CellLine& line, const RankPlaces& rankPlaces) {
   const RowTuples tuples({line.first, line.count, static_cast<std::int32_t>(line.stride)}, kOnlyColumn);
-  TextRanks ranks(static_cast<std::size_t>(line.count));
+  ScratchArray<std::uint32_t> numbers(static_cast<std::size_t>(line.count));
   std::vector<std::int32_t> firstPlaces;
+  std::int32_t texts = 0;
   {
-    DistinctTuples<textCase, RowTuples> distinct(tuples);
-    distinct.AddAll([&](std::int32_t place) { return IsTextCell(line.At(place)); },
-                    [&](std::int32_t place, std::int32_t number) {
-                      ranks[static_cast<std::size_t>(place)] = static_cast<std::uint32_t>(number);
-                    });
+    DistinctTuples<TextCase::kCounts, RowTuples> distinct(tuples);
+    const auto isText = [&](std::int32_t place) {
+      numbers[static_cast<std::size_t>(place)] = LineRanks::kNoText;
+      return IsTextCell(line.At(place));
+    };
+    const auto take = [&](std::int32_t place, std::int32_t number) {
+      numbers[static_cast<std::size_t>(place)] = static_cast<std::uint32_t>(number);
+      ++texts;
+    };
+    distinct.AddAll(isText, take);
     firstPlaces.assign(distinct.FirstPlaces().begin(), distinct.FirstPlaces().end());
   }
-  const TextRanks found = rankPlaces(firstPlaces);
-  for (std::int32_t place = 0; place < line.count; ++place) {
-    std::uint32_t& rank = ranks[static_cast<std::size_t>(place)];
-    if (IsTextCell(line.At(place))) rank = found[rank];
-  }
-  return ranks;
+  TextRanks ranks = rankPlaces(firstPlaces);
+  return {texts, std::move(numbers), std::move(firstPlaces), std::move(ranks)};
 }
 
 }  // namespace
@@ -139,16 +141,12 @@ TextRanks RankByLanguage(const CellLine& line, std::span<const std::int32_t> pla
   return RankPlaces(line, places, LanguageKeys(letterCase));
 }
 
-TextRanks RankLineByLanguage(const CellLine& line, LetterCase letterCase) {
-  const auto rank = [&](std::span<const std::int32_t> places) { return RankByLanguage(line, places, letterCase); };
-  // No language that is not asked for case tells A from a.
-  return letterCase == LetterCase::kIgnored ? RankLine<TextCase::kIgnored>(line, rank)
-                                            : RankLine<TextCase::kCounts>(line, rank);
+LineRanks RankLineByLanguage(const CellLine& line, LetterCase letterCase) {
+  return RankLine(line, [&](std::span<const std::int32_t> places) { return RankByLanguage(line, places, letterCase); });
 }
 
-TextRanks RankLineByUnits(const CellLine& line) {
-  return RankLine<TextCase::kCounts>(
-      line, [&](std::span<const std::int32_t> places) { return RankPlaces(line, places, PlainTexts()); });
+LineRanks RankLineByUnits(const CellLine& line) {
+  return RankLine(line, [&](std::span<const std::int32_t> places) { return RankPlaces(line, places, PlainTexts()); });
 }
 
 bool HasFewTexts(const CellLine& line) {
