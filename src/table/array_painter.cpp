@@ -28,12 +28,13 @@ void PrefetchTexts(const XLOPER12* cells, std::int32_t count) {
   for (std::int32_t i = 0; i < count; ++i) PrefetchText(cells[i]);
 }
 
-/// Whether the piece is whole rows of its block, unchanged.
-bool IsBlockAsItIs(const ArrayPiece& piece) {
+/// Whether the piece is whole rows of its block, unchanged, and as wide as the array.
+bool IsBlockAsItIs(const ArrayPiece& piece, std::int32_t width) {
   const auto isRun = [](const AxisMap& axis) {
     return axis.places.empty() && axis.step == 1 && axis.supplied == axis.length;
   };
-  return isRun(piece.rows) && isRun(piece.columns) && piece.columns.length == piece.cells.columns;
+  return isRun(piece.rows) && isRun(piece.columns) && piece.columns.length == piece.cells.columns &&
+         piece.columns.length == width;
 }
 
 }  // namespace
@@ -67,10 +68,10 @@ void ArrayPainter::AddRuns(const AxisMap& columns, std::vector<ColumnRun>& runs)
   }
 }
 
-void ArrayPainter::PaintBand(std::int64_t firstRow, std::span<const ArrayPiece> pieces) {
+void ArrayPainter::PaintBand(std::int64_t firstRow, std::span<const ArrayPiece> pieces, std::int32_t firstColumn) {
   const std::int32_t rows = pieces[0].rows.length;
   if (rows == 0) return;
-  if (pieces.size() == 1 && IsBlockAsItIs(pieces[0])) {
+  if (pieces.size() == 1 && IsBlockAsItIs(pieces[0], builder_->Columns())) {
     const ArrayPiece& piece = pieces[0];
     builder_->CopyCells(builder_->Row(firstRow), piece.cells.Row(piece.rows.first),
                         static_cast<std::size_t>(rows) * piece.columns.length);
@@ -86,9 +87,9 @@ void ArrayPainter::PaintBand(std::int64_t firstRow, std::span<const ArrayPiece> 
     ends.push_back(runs.size());
     width += piece.columns.length;
   }
-  builder_->At(firstRow + rows - 1, width - 1);  // the last cell lies within
+  builder_->At(firstRow + rows - 1, firstColumn + width - 1);  // the last cell lies within
   for (std::int32_t row = 0; row < rows; row += kTileRows) {
-    XLOPER12* to = builder_->Row(firstRow + row);
+    XLOPER12* to = builder_->At(firstRow + row, firstColumn);
     for (std::size_t i = 0, begin = 0; i < pieces.size(); begin = ends[i++]) {
       PaintTile(pieces[i], std::span(runs).subspan(begin, ends[i] - begin), row, std::min(row + kTileRows, rows), to);
       to += pieces[i].columns.length;

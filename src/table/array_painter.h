@@ -63,9 +63,9 @@ class ArrayPainter {
   /// `fill` goes where no piece supplies a cell; it must outlive the painter.
   ArrayPainter(CXlArrayBuilder& builder, const XLOPER12& fill) : builder_(&builder), fill_(&fill) {}
 
-  /// Paints pieces of equal height side by side, together as wide as the array, from a row of the array on. What would
-  /// reach beyond the array is CXlOutOfRangeException.
-  void PaintBand(std::int64_t firstRow, std::span<const ArrayPiece> pieces);
+  /// Paints pieces of equal height side by side, from a row and a column of the array on. What would reach beyond the
+  /// array is CXlOutOfRangeException.
+  void PaintBand(std::int64_t firstRow, std::span<const ArrayPiece> pieces, std::int32_t firstColumn = 0);
 
  private:
   struct ColumnRun;
