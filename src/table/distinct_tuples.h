@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "table/place_index.h"
@@ -44,6 +45,7 @@ class DistinctTuples {
   std::int32_t Count() const noexcept { return static_cast<std::int32_t>(firstPlaces_.size()); }
   /// Where each distinct tuple occurs first, by their numbers.
   std::span<const std::int32_t> FirstPlaces() const noexcept { return firstPlaces_; }
+  std::vector<std::int32_t> TakeFirstPlaces() && noexcept { return std::move(firstPlaces_); }
 
  private:
   /// Up to so many distinct tuples lie in the cache with what finds them, and are not asked for ahead.

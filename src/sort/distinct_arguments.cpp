@@ -1,0 +1,49 @@
+#include "sort/distinct_arguments.h"
+
+#include "frame/callbacks/used_range.h"
+#include "frame/errors/exceptions.h"
+
+namespace quillmere::sort {
+namespace {
+
+/// The most items of a call, as DistinctTuples has it.
+constexpr std::int64_t kMostItems = (std::int64_t{1} << 30) - 1;
+
+// The flags of Ignore.
+constexpr std::int32_t kErrors = 1;
+constexpr std::int32_t kBlanks = 2;
+constexpr std::int32_t kZeros = 4;
+
+}  // namespace
+
+DistinctInput::DistinctInput(const CXlArgument& argument)
+    : passedRows_(TableView(argument.Value()).Rows()), used_(CutToUsedRows(argument.Value())), table_(used_) {}
+
+CXlCells DistinctInput::ReadItems(bool byRows) {
+  const std::int64_t count = std::int64_t{table_.Rows()} * table_.Columns();
+  if (!byRows && count > kMostItems) throw CXlArrayTooLargeException();
+  itemCells_ = table_.ReadAll();
+  const CXlCells cells = itemCells_.Cells();
+  return byRows ? cells : CXlCells{cells.first, static_cast<std::int32_t>(count), 1};
+}
+
+CellLine DistinctInput::ReadValues(const CXlArgument& argument) {
+  const TableView values(argument.Value());
+  const bool isColumn = values.Columns() == 1;
+  if (isColumn ? values.Rows() != passedRows_ : values.Rows() != 1 || values.Columns() != passedRows_)
+    throw CXlErrorException(xlerrValue);
+  valueCells_ = values.SomeRows(0, isColumn ? table_.Rows() : 1).ReadAll();
+  return isColumn ? ColumnLine(valueCells_.Cells(), 0) : RowLine(valueCells_.Cells(), 0);
+}
+
+IgnoredItems ReadIgnored(const CXlScalarArgument<ElementKind::kInteger>& ignore) {
+  const std::int32_t flags = ignore.Read();
+  if (flags < 0 || flags > (kErrors | kBlanks | kZeros)) return {};
+  return {(flags & kErrors) != 0, (flags & kBlanks) != 0, (flags & kZeros) != 0};
+}
+
+TextCase ReadTextCase(const CXlScalarArgument<ElementKind::kBoolean>& caseSense) {
+  return caseSense.Read() ? TextCase::kCounts : TextCase::kIgnored;
+}
+
+}  // namespace quillmere::sort

@@ -1,0 +1,32 @@
+// Finding the distinct items of a list, and what they add up to.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "frame/values/xl_oper.h"
+#include "table/cell_hash.h"
+#include "table/cell_line.h"
+
+namespace quillmere::sort {
+
+/// Which items count for nothing.
+struct IgnoredItems {
+  bool errors = false;  ///< those with an error in any of their cells
+  bool blanks = false;  ///< those whose cells are all empty, or texts of length zero
+  bool zeros = false;   ///< those whose cells are all the number 0
+};
+
+/// Distinct items in the order in which they first occur. Items are numbered from 0 by the rows that they are.
+struct DistinctItems {
+  std::vector<std::int32_t> firstPlaces;  ///< where each occurs first
+  std::vector<std::int32_t> counts;       ///< how often each occurs
+  std::vector<double> sums;               ///< of the values beside each; none where no values were asked for
+};
+
+/// The distinct ones of less than 2^30 items, each a row of cells. `values`, if not null, has a cell for each item;
+/// cells that are no numbers add nothing.
+DistinctItems FindDistinctItems(const CXlCells& items, TextCase textCase, const IgnoredItems& ignored,
+                                const CellLine* values);
+
+}  // namespace quillmere::sort
