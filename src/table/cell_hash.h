@@ -29,6 +29,15 @@ inline std::uint64_t HashBlock(__m128i block, std::uint64_t hash, const HashKey&
   return key.Continued(hash, low, high);
 }
 
+/// The share of one of few blocks in a hash that does not hang on the shares of the others.
+template <TextCase textCase, int place>
+inline std::uint64_t HashFewBlock(__m128i block, const HashKey& key) {
+  if constexpr (textCase == TextCase::kIgnored) block = FoldBlock(block);
+  const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(block));
+  const auto high = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(block, block)));
+  return key.Share<place>(low, high);
+}
+
 /// The hash of a text; no unit outside it is read. Inline: a million short texts are hashed in a call.
 template <TextCase textCase>
 inline std::uint64_t HashText(XStringView text, const HashKey& key) {
@@ -36,6 +45,11 @@ inline std::uint64_t HashText(XStringView text, const HashKey& key) {
   const std::size_t count = text.size();
   std::uint64_t hash = key.StartOf(count);
   if (count < kTextBlock) return HashBlock<textCase>(LoadShort(units, count), hash, key);
+  if (count > kTextBlock && count <= kFewBlocks * kTextBlock) {
+    const FewBlocks blocks(units, count);
+    return hash ^ HashFewBlock<textCase, 0>(blocks.first, key) ^ HashFewBlock<textCase, 1>(blocks.second, key) ^
+           HashFewBlock<textCase, 2>(blocks.third, key) ^ HashFewBlock<textCase, 3>(blocks.last, key);
+  }
   for (std::size_t at = 0; at + kTextBlock < count; at += kTextBlock)
     hash = HashBlock<textCase>(LoadBlock(units + at), hash, key);
   // The last block may overlap the one before.

@@ -23,6 +23,12 @@ class HashKey {
     return FoldedProduct(low ^ hash, high ^ hash ^ second_);
   }
 
+  /// What two words, at one of four places from 0, give to a hash that is put together by exclusive or.
+  template <int place>
+  std::uint64_t Share(std::uint64_t low, std::uint64_t high) const noexcept {
+    return FoldedProduct(low ^ std::rotl(first_, place * 16), high ^ std::rotl(second_, place * 16));
+  }
+
   /// The hash of one word. It is in both factors, turned: with a fixed one, words that differ in a few places of their
   /// bits could share the part of the product that is looked at.
   std::uint64_t Of(std::uint64_t word) const noexcept {

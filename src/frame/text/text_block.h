@@ -27,6 +27,27 @@ inline __m128i LoadEnds(const XCHAR* units, std::size_t count) {
     return _mm_unpacklo_epi32(_mm_loadu_si32(units), _mm_loadu_si32(last));
 }
 
+/// Texts of more than one block and of no more than so many are looked at in the same way, whatever their length: a
+/// processor cannot foresee how long the next one is.
+constexpr std::size_t kFewBlocks = 4;
+
+/// The blocks of such a text, which together are all of it and may overlap.
+struct FewBlocks {
+  FewBlocks(const XCHAR* units, std::size_t count) {
+    const std::size_t lastAt = count - kTextBlock;
+    const std::size_t secondAt = lastAt < kTextBlock ? lastAt : kTextBlock;
+    first = LoadBlock(units);
+    second = LoadBlock(units + secondAt);
+    third = LoadBlock(units + (lastAt - secondAt));
+    last = LoadBlock(units + lastAt);
+  }
+
+  __m128i first;
+  __m128i second;
+  __m128i third;
+  __m128i last;
+};
+
 /// The units folded by FoldCase's rule: A to Z alone.
 inline __m128i FoldBlock(__m128i units) {
   // SSE2 compares signed: the letters are moved to the lowest numbers.
