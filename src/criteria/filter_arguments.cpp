@@ -8,7 +8,6 @@
 
 #include "criteria/parse_criterion.h"
 #include "criteria/prepare_criterion.h"
-#include "frame/callbacks/used_range.h"
 #include "frame/convert/single_value.h"
 #include "frame/text/fold_case.h"
 #include "table/column_selector.h"
@@ -57,18 +56,11 @@ bool AreSameCells(const CXlOper& a, const CXlOper& b) {
   return a.IsArray() && b.IsArray() && a.Cells().first == b.Cells().first;
 }
 
-/// The data, without rows that its sheet does not use.
-TableView UsedRowsOf(const CXlOper& range) {
-  if (!range.IsReference()) return TableView(range);
-  const CXlOper used = CutToUsedRows(range);
-  return TableView(used);
-}
-
 /// Reads the arguments of one call, in the order in which their faults count.
 class FilterReader {
  public:
   FilterReader(const FilterArguments& arguments, text::RegexBudget& budget)
-      : arguments_(arguments), budget_(budget), table_(UsedRowsOf(arguments.range.Value())) {}
+      : arguments_(arguments), budget_(budget), table_(TableView::OfUsedRows(arguments.range.Value())) {}
 
   // Each returns what is wrong, or nothing.
 

@@ -7,7 +7,6 @@
 #include <span>
 #include <vector>
 
-#include "frame/callbacks/used_range.h"
 #include "frame/convert/argument.h"
 #include "frame/convert/single_value.h"
 #include "frame/values/array_builder.h"
@@ -106,9 +105,7 @@ CXlOper PaintRows(const CXlCells& cells, const SortedRows& sorted) {
 
 void Functions::SortTable(CXlOper& result, SortMode mode, SortOutput output, const CXlArgument& theInputData,
                           const SortColumns& sortColumns) {
-  const CXlOper used = CutToUsedRows(theInputData.Value());
-  const TableView table(used);
-  const CXlOper values = table.ReadAll();
+  const CXlOper values = TableView::OfUsedRows(theInputData.Value()).ReadAll();
   const CXlCells cells = values.Cells();
   const SortedRows sorted = SortRanked(ReadKeys(sortColumns, cells), mode);
   result = output == SortOutput::kRowNumbers ? ListRows(sorted.order) : PaintRows(cells, sorted);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "frame/callbacks/callbacks.h"
+#include "frame/callbacks/used_range.h"
 
 namespace quillmere {
 
@@ -25,6 +26,12 @@ TableView::TableView(const CXlOper& table) {
   isReference_ = true;
   isOnCurrentSheet_ = table.Type() == xltypeSRef;
   sheet_ = table.Sheet();
+}
+
+TableView TableView::OfUsedRows(const CXlOper& table) {
+  if (!table.IsReference()) return TableView(table);
+  const CXlOper used = CutToUsedRows(table);
+  return TableView(used);
 }
 
 TableView TableView::SomeRows(std::int32_t first, std::int32_t count) const noexcept {

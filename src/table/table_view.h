@@ -16,6 +16,9 @@ class TableView {
   /// areas, a missing or unset value: CXlErrorException with #VALUE!.
   explicit TableView(const CXlOper& table);
   explicit TableView(CXlOper&& table) = delete;
+  /// The same without rows that the sheet does not use, for a reference that CutToUsedRows cuts.
+  static TableView OfUsedRows(const CXlOper& table);
+  static TableView OfUsedRows(CXlOper&& table) = delete;
 
   std::int32_t Rows() const noexcept { return rows_; }
   std::int32_t Columns() const noexcept { return columns_; }
