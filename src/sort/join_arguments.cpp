@@ -26,9 +26,9 @@ JoinTable ReadTable(const TableView& table, const SelectedColumns& keys, std::in
 
 }  // namespace
 
-RowTuples JoinTable::Keys() const {
-  const CXlCells cells = Cells();
-  return RowTuples({cells.Row(headerRows), cells.rows - headerRows, cells.columns}, keyColumns);
+CXlCells JoinTable::Data() const {
+  const CXlCells cells = values.Cells();
+  return {cells.Row(headerRows), cells.rows - headerRows, cells.columns};
 }
 
 std::optional<JoinPlan> ReadJoin(const JoinArguments& arguments, CXlOper& result) {

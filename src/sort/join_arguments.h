@@ -27,12 +27,15 @@ struct JoinArguments {
 struct JoinTable {
   CXlOper values;
   std::vector<std::int32_t> keyColumns;  ///< 0-based
-  std::int32_t headerRows = 0;           ///< rows in front that are no data
+  std::int32_t headerRows = 0;           ///< 1 when the first row is no data, else 0
 
-  /// All rows.
-  CXlCells Cells() const { return values.Cells(); }
-  /// The keys of the data rows. A view of this.
-  RowTuples Keys() const;
+  // Views of this. There may be no rows.
+
+  CXlCells Header() const { return {values.Cells().first, headerRows, Columns()}; }
+  CXlCells Data() const;
+  std::int32_t Columns() const { return values.Cells().columns; }
+  /// The keys of the data rows.
+  RowTuples Keys() const { return RowTuples(Data(), keyColumns); }
 };
 
 /// A join read and checked. It views the arguments.

@@ -1,7 +1,8 @@
 // Joins: the rows of two tables by equal keys.
 //
-// Serves MATCHES.
+// Serves MATCHES, MISSMATCHES.
 #include <algorithm>
+#include <vector>
 
 #include "frame/values/array_builder.h"
 #include "implementations/sort.h"
@@ -24,6 +25,11 @@ PairedRows PairedRowsOf(std::int32_t matchType) {
   return {matchType >= kAllRight, matchType == kAllLeft || matchType == kAllRight};
 }
 
+/// Rows in a result that may be wider.
+ArrayPiece PaddedPiece(const CXlCells& cells, const AxisMap& rows, std::int32_t width) {
+  return {cells, rows, AxisMap::Run(0, cells.columns).PaddedTo(width)};
+}
+
 }  // namespace
 
 void Functions::Matches(CXlOper& result, const CXlArgument& leftData, const CXlArgument& rightData,
@@ -43,16 +49,58 @@ void Functions::Matches(CXlOper& result, const CXlArgument& leftData, const CXlA
     result.SetError(xlerrNA);
     return;
   }
-  const CXlCells firstCells = first.Cells();
-  const CXlCells secondCells = second.Cells();
-  CheckArraySize(partners.Count() + first.headerRows, std::int64_t{firstCells.columns} + secondCells.columns);
-  const RowPairs pairs = partners.List(first.headerRows);
-
-  const ArrayPiece pieces[] = {
-      {firstCells, AxisMap::By(pairs.first), AxisMap::Run(0, firstCells.columns)},
-      {secondCells, AxisMap::By(pairs.second), AxisMap::Run(0, secondCells.columns)},
+  const std::int32_t headerRows = first.headerRows;
+  CXlArrayBuilder builder(partners.Count() + headerRows, std::int64_t{first.Columns()} + second.Columns());
+  ArrayPainter painter(builder, *plan->fill);
+  const AxisMap firstColumns = AxisMap::Run(0, first.Columns());
+  const AxisMap secondColumns = AxisMap::Run(0, second.Columns());
+  const ArrayPiece headers[] = {
+      {first.Header(), AxisMap::Run(0, headerRows), firstColumns},
+      {second.Header(), AxisMap::Run(0, headerRows), secondColumns},
   };
-  result = PaintStack(pieces, true, *plan->fill);
+  painter.PaintBand(0, headers);
+  const RowPairs pairs = partners.List();
+  const ArrayPiece rows[] = {
+      {first.Data(), AxisMap::By(pairs.first), firstColumns},
+      {second.Data(), AxisMap::By(pairs.second), secondColumns},
+  };
+  painter.PaintBand(headerRows, rows);
+  result = builder.Finish();
+}
+
+void Functions::MissMatches(CXlOper& result, const CXlArgument& leftData, const CXlArgument& rightData,
+                            const CXlScalarArgument<ElementKind::kInteger>& matchType, const CXlArgument& leftColumns,
+                            const CXlArgument& rightColumns, const CXlScalarArgument<ElementKind::kBoolean>& caseSense,
+                            const CXlArgument& fill) {
+  result.SetError(xlerrValue);
+  const std::optional<JoinPlan> plan =
+      ReadJoin({leftData, rightData, matchType, leftColumns, rightColumns, caseSense, fill}, result);
+  if (!plan) return;
+  constexpr std::int32_t kOfLeft = 1;  // of Match_Type; both have both bits
+  constexpr std::int32_t kOfRight = 2;
+  const bool wantsLeft = (plan->matchType & kOfLeft) != 0;
+  const bool wantsRight = (plan->matchType & kOfRight) != 0;
+
+  const KeyGroups groups = GroupByKeys(plan->left.Keys(), plan->right.Keys(), plan->textCase);
+  std::vector<std::int32_t> leftRows;
+  std::vector<std::int32_t> rightRows;
+  if (wantsLeft) leftRows = RowsWithoutPartner(groups.ofFirst, groups.ofSecond, groups.names);
+  if (wantsRight) rightRows = RowsWithoutPartner(groups.ofSecond, groups.ofFirst, groups.names);
+  if (leftRows.empty() && rightRows.empty()) {
+    result.SetError(xlerrNA);
+    return;
+  }
+
+  const std::int32_t leftWidth = wantsLeft ? plan->left.Columns() : 0;
+  const std::int32_t rightWidth = wantsRight ? plan->right.Columns() : 0;
+  const std::int32_t width = std::max(leftWidth, rightWidth);
+  const CXlCells header = leftWidth == width ? plan->left.Header() : plan->right.Header();
+  const ArrayPiece pieces[] = {
+      PaddedPiece(header, AxisMap::Run(0, header.rows), width),
+      PaddedPiece(plan->left.Data(), AxisMap::By(leftRows), width),
+      PaddedPiece(plan->right.Data(), AxisMap::By(rightRows), width),
+  };
+  result = PaintStack(pieces, false, *plan->fill);
 }
 
 }  // namespace quillmere::sort

@@ -66,23 +66,32 @@ std::span<const std::int32_t> Partners::Of(std::int32_t group) const noexcept {
   return {rows_.data() + start[0], rows_.data() + start[1]};
 }
 
-RowPairs Partners::List(std::int32_t headerRows) const {
+RowPairs Partners::List() const {
   RowPairs pairs;
-  const std::size_t length = static_cast<std::size_t>(headerRows + count_);
-  pairs.first.reserve(length);
-  pairs.second.reserve(length);
-  const auto add = [&](std::int32_t first, std::int32_t second) {
-    pairs.first.push_back(first);
+  pairs.first.reserve(static_cast<std::size_t>(count_));
+  pairs.second.reserve(static_cast<std::size_t>(count_));
+  const auto add = [&](std::size_t first, std::int32_t second) {
+    pairs.first.push_back(static_cast<std::int32_t>(first));
     pairs.second.push_back(second);
   };
-  for (std::int32_t row = 0; row < headerRows; ++row) add(row, row);
-  for (std::size_t place = 0; place < groups_.size(); ++place) {
-    const std::int32_t row = static_cast<std::int32_t>(place) + headerRows;
-    const std::span<const std::int32_t> partners = Of(groups_[place]);
-    for (const std::int32_t partner : partners) add(row, partner + headerRows);
+  for (std::size_t row = 0; row < groups_.size(); ++row) {
+    const std::span<const std::int32_t> partners = Of(groups_[row]);
+    for (const std::int32_t partner : partners) add(row, partner);
     if (partners.empty() && keepsAll_) add(row, kNoPartner);
   }
   return pairs;
+}
+
+std::vector<std::int32_t> RowsWithoutPartner(std::span<const std::int32_t> groups,
+                                             std::span<const std::int32_t> otherGroups, std::int32_t names) {
+  std::vector<bool> isThere(static_cast<std::size_t>(names));
+  for (const std::int32_t group : otherGroups)
+    if (group >= 0) isThere[static_cast<std::size_t>(group)] = true;
+  std::vector<std::int32_t> rows;
+  for (std::size_t row = 0; row < groups.size(); ++row)
+    if (groups[row] < 0 || !isThere[static_cast<std::size_t>(groups[row])])
+      rows.push_back(static_cast<std::int32_t>(row));
+  return rows;
 }
 
 }  // namespace quillmere::sort

@@ -39,9 +39,7 @@ class Partners {
 
   /// How many pairs there are. They may be more than memory holds.
   std::int64_t Count() const noexcept { return count_; }
-  /// All of them, below pairs of the first `headerRows` rows of both tables. Rows count from the tables' first then,
-  /// headers included.
-  RowPairs List(std::int32_t headerRows) const;
+  RowPairs List() const;
 
  private:
   std::span<const std::int32_t> Of(std::int32_t group) const noexcept;
@@ -52,5 +50,9 @@ class Partners {
   std::vector<std::int32_t> rows_;    ///< of the second table, group by group
   std::int64_t count_ = 0;
 };
+
+/// The rows of a table that have no partner among those of the other, in order, by the groups of both.
+std::vector<std::int32_t> RowsWithoutPartner(std::span<const std::int32_t> groups,
+                                             std::span<const std::int32_t> otherGroups, std::int32_t names);
 
 }  // namespace quillmere::sort
