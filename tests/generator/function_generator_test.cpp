@@ -187,7 +187,9 @@ constexpr std::string_view kMistakes = R"cases(
     { code = 2, text => { code = 1, text -> choice 1 stands twice
     required = true => required = true, default = "1" -> 'Return' is required and has a default
     default = '"a"' => required = true -> 'Name' comes as a plain value, which is never left out
-    default = "-1" => default = "0" -> the default '0' of 'Volatile' is none of its choices
+    default = "-1" => default = "0" -> the default '0' of 'Volatile' is none of its codes
+    , choices = [{ code = -1, text = "No" }] => , codes = [1] -> only is for an Int, Short or Value with choices: 'Volatile' is none
+    only = true => codes = [-1] -> codes are for an Int, Short or Value without choices: 'Volatile' is none
     , choices = [{ code = -1, text = "No" }] => -> only is for an Int, Short or Value with choices: 'Volatile' is none
     helped = 1, each = [ => required = 1, each = [{ name = "A{}", kind = "Value", default = "1", help = "" }, -> 'A{}' has a default and need not be given
     like = "MA_Method" => like = "Pairs" -> no single argument 'Pairs' stands above

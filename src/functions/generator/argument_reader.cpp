@@ -80,7 +80,7 @@ ArgumentGroup ArgumentReader::ReadRun(const std::string& id, const toml::table& 
 Argument ArgumentReader::ReadArgument(const std::string& id, const toml::table& table, bool inRun) {
   const StrictTable fields(
       table, "an argument", file_, *diagnostics_,
-      {"name", "kind", "help", "default", "by_value", "required", "flags", "choices", "only", "like"});
+      {"name", "kind", "help", "default", "by_value", "required", "flags", "choices", "only", "codes", "like"});
   Argument argument;
   const auto like = fields.OptionalText("like");
   if (like) {
@@ -103,6 +103,10 @@ Argument ArgumentReader::ReadArgument(const std::string& id, const toml::table& 
   if (fields.Has("by_value")) argument.byValue = fields.OptionalBoolean("by_value");
   if (fields.Has("required")) argument.required = fields.OptionalBoolean("required");
   if (fields.Has("only")) argument.only = fields.OptionalBoolean("only");
+  if (fields.Has("codes")) {
+    argument.codes.clear();
+    for (const std::int64_t code : fields.Integers("codes")) argument.codes.push_back(static_cast<int>(code));
+  }
   argument.flags = static_cast<int>(fields.OptionalInteger("flags", 0, kMaxArgumentFlags, argument.flags));
   if (fields.Has("choices")) ReadChoices(argument, fields);
   CheckArgument(argument, fields, inRun);
@@ -147,7 +151,7 @@ void ArgumentReader::CheckArgument(const Argument& argument, const StrictTable& 
     fields.ComplainAt("by_value", "by_value is for an Int with a default: '" + name + "' is none");
   }
   CheckPresence(argument, fields, inRun);
-  CheckOnly(argument, fields);
+  CheckCodes(argument, fields);
 }
 
 /// What is said of an argument that a call may leave out.
@@ -163,20 +167,23 @@ void ArgumentReader::CheckPresence(const Argument& argument, const StrictTable& 
   }
 }
 
-void ArgumentReader::CheckOnly(const Argument& argument, const StrictTable& fields) {
-  if (!argument.only) return;
+void ArgumentReader::CheckCodes(const Argument& argument, const StrictTable& fields) {
   const bool takesCodes = argument.kind == ArgumentKind::kInt || argument.kind == ArgumentKind::kShort ||
                           argument.kind == ArgumentKind::kValue;
-  if (argument.choices.empty() || !takesCodes) {
+  if (argument.only && (argument.choices.empty() || !takesCodes)) {
     fields.ComplainAt("only", "only is for an Int, Short or Value with choices: '" + argument.name + "' is none");
     return;
   }
-  const bool allowsDefault = std::any_of(argument.choices.begin(), argument.choices.end(), [&](const Choice& choice) {
-    return std::to_string(choice.code) == argument.defaultText;
-  });
-  if (argument.defaultText && !allowsDefault) {
+  if (!argument.codes.empty() && (!argument.choices.empty() || !takesCodes)) {
+    fields.ComplainAt("codes", "codes are for an Int, Short or Value without choices: '" + argument.name + "' is none");
+    return;
+  }
+  const std::vector<int> allowed = argument.AllowedCodes();
+  const bool allowsDefault = std::any_of(allowed.begin(), allowed.end(),
+                                         [&](int code) { return std::to_string(code) == argument.defaultText; });
+  if (argument.defaultText && !allowed.empty() && !allowsDefault) {
     fields.ComplainAt("default",
-                      "the default '" + *argument.defaultText + "' of '" + argument.name + "' is none of its choices");
+                      "the default '" + *argument.defaultText + "' of '" + argument.name + "' is none of its codes");
   }
 }
 

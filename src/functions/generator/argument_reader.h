@@ -37,7 +37,7 @@ class ArgumentReader {
   void ReadChoices(Argument& argument, const StrictTable& fields);
   void CheckArgument(const Argument& argument, const StrictTable& fields, bool inRun);
   void CheckPresence(const Argument& argument, const StrictTable& fields, bool inRun);
-  void CheckOnly(const Argument& argument, const StrictTable& fields);
+  void CheckCodes(const Argument& argument, const StrictTable& fields);
 
   std::string file_;
   Diagnostics* diagnostics_;

@@ -38,9 +38,18 @@ struct Argument {
   std::optional<std::string> defaultText;
   bool byValue = false;
   bool required = false;
-  bool only = false;  ///< the codes of the choices are all that is allowed
+  bool only = false;       ///< the codes of the choices are all that is allowed
+  std::vector<int> codes;  ///< all that is allowed of an argument without choices; empty: anything
   std::string help;
   std::vector<Choice> choices;
+
+  /// Empty when nothing says which codes are.
+  std::vector<int> AllowedCodes() const {
+    std::vector<int> allowed = codes;
+    for (const Choice& choice : choices)
+      if (only) allowed.push_back(choice.code);
+    return allowed;
+  }
 };
 
 /// One argument, or a run of arguments that the implementation receives as one.

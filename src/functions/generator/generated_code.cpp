@@ -202,16 +202,15 @@ void WriteDeclaration(CodeFile& file, const Function& function) {
     if (!arguments[i].choices.empty()) {
       choicesName = procedure + "Choices" + std::to_string(i);
       std::string choices;
-      std::string codes;
-      for (const Choice& choice : arguments[i].choices) {
+      for (const Choice& choice : arguments[i].choices)
         choices += "{" + std::to_string(choice.code) + ", " + WideLiteral(choice.text) + "}, ";
-        codes += std::to_string(choice.code) + ", ";
-      }
       file.LineOf(function.place, "inline constexpr ArgumentChoice " + choicesName + "[] = {" + choices + "};");
-      if (arguments[i].only) {
-        codesName = procedure + "Codes" + std::to_string(i);
-        file.LineOf(function.place, "inline constexpr std::int32_t " + codesName + "[] = {" + codes + "};");
-      }
+    }
+    if (const std::vector<int> allowed = arguments[i].AllowedCodes(); !allowed.empty()) {
+      codesName = procedure + "Codes" + std::to_string(i);
+      std::string codes;
+      for (const int code : allowed) codes += std::to_string(code) + ", ";
+      file.LineOf(function.place, "inline constexpr std::int32_t " + codesName + "[] = {" + codes + "};");
     }
     list += ArgumentInitializer(arguments[i], choicesName, codesName) + ", ";
   }
