@@ -10,7 +10,7 @@ namespace qcalc::models {
 namespace {
 
 Reference ReferenceTo(const CallingPlace& place) {
-  return {place.sheet, {{place.row, place.row + place.rows - 1, place.column, place.column}}};
+  return {place.sheet, {Area::OfSize(place.row, place.column, place.rows, place.columns)}};
 }
 
 }  // namespace
@@ -41,13 +41,22 @@ Value Caller::PutInSheet(const ArrayPtr& table, std::int32_t rowsBelow) {
 }
 
 Value Caller::Call(XStringView function, const std::vector<Value>& operands, const CallingPlace& place) {
+  return std::move(CallOnThreads(1, function, operands, place)[0]);
+}
+
+std::vector<Value> Caller::CallOnThreads(int threads, XStringView function, const std::vector<Value>& operands,
+                                         const CallingPlace& place) {
   const auto* registered = static_cast<const RegisteredFunction*>(session_.ItsAddin().Find(function));
   if (!registered) throw AddinFailure(ToUtf8(function) + " is not registered");
   EXPECT_EQ(operands.size(), registered->operands.size()) << ToUtf8(function);
   const EvaluationContext context{&session_.ItsWorkbooks(), &session_.CurrentSheet(), &session_.Names(),
                                   &session_.ItsAddin(), ReferenceTo(place)};
   const EvaluationWatch watch(session_.Host(), false);
-  return session_.ItsAddin().Call(*registered, operands, context);
+  std::vector<Value> results(static_cast<std::size_t>(threads));
+  session_.Host().mainThread.RunOnThreads(threads, [&](int thread) {
+    results[static_cast<std::size_t>(thread)] = session_.ItsAddin().Call(*registered, operands, context);
+  });
+  return results;
 }
 
 int Caller::Callbacks() const {

@@ -23,6 +23,10 @@ class Caller {
   /// Calls the function that is registered by that name; there is an operand for each of its arguments.
   Value Call(XStringView function, const std::vector<Value>& operands, const CallingPlace& place);
 
+  /// The same call on several threads at once: a result each.
+  std::vector<Value> CallOnThreads(int threads, XStringView function, const std::vector<Value>& operands,
+                                   const CallingPlace& place);
+
   /// Callbacks of the last call.
   int Callbacks() const;
 

@@ -22,7 +22,7 @@ class Draws {
   }
   bool Chance(int percent) { return Below(100) < percent; }
   template <typename List>
-  auto Pick(const List& list) -> decltype(list[0]) {
+  auto Pick(List& list) -> decltype(list[0]) {
     return list[static_cast<std::size_t>(Below(static_cast<std::int32_t>(std::size(list))))];
   }
   /// One of a few values.
