@@ -1,0 +1,175 @@
+#include "tests/models/sort/drawn_calls.h"
+
+#include <algorithm>
+#include <deque>
+
+#include "tests/models/draws.h"
+#include "tests/models/sort/model.h"
+
+namespace qcalc::sort {
+namespace {
+
+// Every so many calls have tables of some hundred rows, or large ones.
+constexpr std::uint64_t kMiddleEvery = 12, kLargeEvery = 300;
+constexpr std::int32_t kMiddleRows = 500, kLargeRows = 20'000;
+
+constexpr XStringView kTexts[] = {
+    XTEXT(""),
+    XTEXT("a"),
+    XTEXT("A"),
+    XTEXT("b"),
+    XTEXT("B"),
+    XTEXT("ab"),
+    XTEXT("aB"),
+    XTEXT("Ab"),
+    XTEXT("AB"),
+    XTEXT("ab "),
+    XTEXT(" a"),
+    XTEXT("a b"),
+    XTEXT("1"),
+    XTEXT("10"),
+    XTEXT("2"),
+    XTEXT("é"),
+    XTEXT("É"),
+    XTEXT("e"),
+    XTEXT("ea"),
+    XTEXT("éa"),
+    XTEXT("eb"),
+    XTEXT("z"),
+    XTEXT("Zz"),
+    XTEXT("côte"),
+    XTEXT("coté"),
+    XTEXT("cote"),
+    XTEXT("a\u00ADb"),
+    XTEXT("a\u0001b"),
+    XTEXT("_"),
+    XTEXT("TRUE"),
+    XTEXT("ﬀ"),
+    XTEXT("abcdefg"),
+    XTEXT("abcdefG"),
+    XTEXT("abcdefgh"),
+    XTEXT("e\u0301"),
+    XTEXT("ß"),
+    XTEXT("ss"),
+    XTEXT("æ"),
+    XTEXT("Ä"),
+#ifdef _WIN32
+    // Natively the host orders these as Windows does, the add-in does not.
+    XTEXT("co-op"),
+    XTEXT("coop"),
+    XTEXT("CO-OP"),
+    XTEXT("it's"),
+    XTEXT("its"),
+#endif
+};
+constexpr double kNumbers[] = {0,         -0.0, 1,     2,      3,      -1,   -2,           0.5,
+                               0.1 + 0.2, 0.3,  1e308, -1e308, 1e-300, 1e15, 4294967296.0, 9007199254740993.0};
+constexpr std::int32_t kErrors[] = {xlerrNull, xlerrDiv0, xlerrValue, xlerrRef, xlerrName, xlerrNum, xlerrNA};
+
+/// What the values of a column are.
+enum class Kind { kMixed, kFewNumbers, kManyNumbers, kPlainTexts, kLongTexts };
+
+Value TextValue(XStringView text) { return Value::Text(XString(text)); }
+
+class CallMaker : private models::Draws {
+ public:
+  CallMaker(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places) : Draws(seed, number) {
+    isLarge_ = number % kLargeEvery == kLargeEvery - 1;
+    isMiddle_ = number % kMiddleEvery == kMiddleEvery - 1;
+    call_.place = Pick(places);
+    call_.isReference = Chance(50);
+    call_.isTall = Chance(10);
+  }
+
+  Call MakeSort() {
+    constexpr std::int32_t kManyColumns = 16;
+    call_.function = Pick(kSortFunctions).name;
+    const std::int32_t columns = isLarge_ || Chance(90) ? 1 + Below(4) : kManyColumns;
+    AddTable(DrawHeight(), columns);
+    call_.settings.resize(15, Value::Missing());
+    std::int32_t keys = columns == kManyColumns && Chance(50) ? 15 : Below(4);
+    while (keys-- > 0) call_.settings[static_cast<std::size_t>(keys)] = DrawKey(columns);
+    return std::move(call_);
+  }
+
+ private:
+  std::int32_t DrawHeight() {
+    return isLarge_ ? kLargeRows : isMiddle_ ? Below(kMiddleRows) + 1 : Chance(10) ? 1 : 1 + Below(30);
+  }
+
+  CellView Keep(XString text) { return CellView::Text(texts_.emplace_back(std::move(text))); }
+
+  /// Texts that are alike but for a late unit, or for the case of an early one.
+  CellView DrawLongText(std::size_t units) {
+    XString text(units, XTEXT('k'));
+    if (Chance(20)) text[2] = XTEXT('K');
+    for (const std::size_t place : {units - 1, units / 2})
+      text[place] = static_cast<XCHAR>(XTEXT('a') + Below(isLarge_ ? 26 : 3));
+    text.resize(units - static_cast<std::size_t>(Below(2)));
+    return Keep(std::move(text));
+  }
+
+  CellView DrawCell(Kind kind) {
+    constexpr Kind kOthers[] = {Kind::kFewNumbers, Kind::kFewNumbers, Kind::kPlainTexts, Kind::kPlainTexts,
+                                Kind::kLongTexts};
+    const std::int32_t drawn = Below(9);
+    if (kind == Kind::kMixed && drawn == 0) return CellView::Boolean(Chance(50));
+    if (kind == Kind::kMixed && drawn == 1) return CellView::Error(Pick(kErrors));
+    if (kind == Kind::kMixed && drawn <= 3) return {};
+    if (kind == Kind::kMixed) kind = Pick(kOthers);
+    if (kind == Kind::kManyNumbers) return CellView::Number((Below(1'000'000) - 400'000) * 0.25);
+    if (kind == Kind::kFewNumbers) return CellView::Number(Pick(kNumbers));
+    return kind == Kind::kPlainTexts ? CellView::Text(Pick(kTexts)) : DrawLongText(Chance(95) ? 30 : 300);
+  }
+
+  /// The values that a column of any table takes its cells from: few, but in large tables now and then many, and among
+  /// those of one kind there may be one of another.
+  const std::vector<CellView>& ValuesOf(std::size_t column) {
+    constexpr Kind kKinds[] = {Kind::kMixed,       Kind::kMixed,      Kind::kFewNumbers,
+                               Kind::kManyNumbers, Kind::kPlainTexts, Kind::kLongTexts};
+    while (values_.size() <= column) {
+      const Kind kind = Pick(kKinds);
+      auto& values = values_.emplace_back(static_cast<std::size_t>(isLarge_ && Chance(50) ? 10'000 : 1 + Below(7)));
+      for (CellView& value : values) value = DrawCell(kind);
+      if (Chance(30)) Pick(values) = DrawCell(Kind::kMixed);
+    }
+    return values_[column];
+  }
+
+  /// A large table is in order now and then, either way, and holds a few odd cells. The last row of a tall one is not
+  /// empty.
+  void AddTable(std::int32_t height, std::int32_t columns) {
+    Rows rows(static_cast<std::size_t>(height), Row(static_cast<std::size_t>(columns)));
+    for (Row& row : rows)
+      for (std::size_t column = 0; column < row.size(); ++column) row[column] = Pick(ValuesOf(column));
+    for (std::int32_t odd = isLarge_ || isMiddle_ ? Below(6) : 0; odd > 0; --odd)
+      Pick(Pick(rows)) = DrawCell(Kind::kMixed);
+    if (isLarge_ && Chance(40)) rows = SortedRows(rows, {Chance(50) ? 1 : -1}, TextOrder::kUnits);
+    if (call_.isTall && rows.back()[0].IsEmpty()) rows.back()[0] = CellView::Number(1);
+    call_.tables.push_back(ArrayOf(rows));
+  }
+
+  Value DrawKey(std::int32_t columns) {
+    const std::int32_t sign = Chance(50) ? 1 : -1, column = (1 + Below(columns)) * sign;
+    const std::int32_t kind = Below(40);
+    if (kind == 0) return PickOf({Value::Number(columns + 1), Value::Number(-columns - 1), Value::Number(1e10)});
+    if (kind == 1) return PickOf({TextValue(XTEXT("x")), TextValue(XTEXT("")), Value::Error(xlerrNA)});
+    if (kind <= 4) return PickOf({Value::Number(0), Value::Number(-0.5), Value::Missing()});
+    if (kind <= 6) return TextValue(sign > 0 ? XTEXT("1") : XTEXT("-1"));
+    return Value::Number(kind == 7 ? column + sign * 0.9 : column);
+  }
+
+  Call call_;
+  bool isLarge_ = false;
+  bool isMiddle_ = false;
+  std::vector<std::vector<CellView>> values_;  ///< of each column
+  std::deque<XString> texts_;                  ///< of cells until they are stored
+};
+
+}  // namespace
+
+Call DrawSort(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places) {
+  return CallMaker(seed, number, places).MakeSort();
+}
+
+}  // namespace qcalc::sort
