@@ -81,6 +81,7 @@ struct ArrayIndex::Search {
   template <TextCase textCase>
   void PassRowsByKeys() {
     TupleIndex<textCase, LookupKeys> index(keys);
+    result.groupOfKey_.resize(static_cast<std::size_t>(keys.Count()));
     index.AddAll(result.groupOfKey_);
     RowCollector collector(keys.Count(), index.Groups(), position);
     const auto take = [&](std::int32_t place, std::int32_t group) {
@@ -94,7 +95,7 @@ struct ArrayIndex::Search {
   template <TextCase textCase>
   void PassKeysByRows() {
     TupleIndex<textCase, RowTuples> index(rows);
-    std::vector<std::int32_t> groups;
+    std::vector<std::int32_t> groups(static_cast<std::size_t>(rows.Count()));
     index.AddAll(groups);
     RowCollector collector(rows.Count(), index.Groups(), position);
     for (std::int32_t place = 0; place < rows.Count(); ++place) {

@@ -26,15 +26,17 @@ class TupleIndex {
  public:
   explicit TupleIndex(const Tuples& tuples) : tuples_(tuples), places_(tuples.Count()) {}
 
-  /// Puts all tuples in, once; `groups` gets the group of each, or kOddTuple.
-  void AddAll(std::vector<std::int32_t>& groups) {
-    groups.reserve(static_cast<std::size_t>(tuples_.Count()));
+  /// Puts all tuples in, once; `groups`, of as many, gets the group of each, or kOddTuple.
+  void AddAll(std::span<std::int32_t> groups) {
+    std::int32_t* group = groups.data();
     HashBatch<textCase, Tuples> hashes(tuples_);
     for (std::int32_t first = 0; first < tuples_.Count(); first += kTupleBatch) {
       hashes.Fill(first);
       for (std::int32_t i = 0; i < hashes.Count(); ++i) places_.PrefetchSlot(hashes[i]);
+      for (std::int32_t i = 0; i < hashes.Count(); ++i) PrefetchTuple(tuples_, places_.LikelyPlace(hashes[i]));
+      for (std::int32_t i = 0; i < hashes.Count(); ++i) PrefetchTexts(tuples_, places_.LikelyPlace(hashes[i]));
       for (std::int32_t i = 0; i < hashes.Count(); ++i)
-        groups.push_back(hashes.AreOrdinary() || !hashes.IsOdd(i) ? Add(first + i, hashes[i]) : kOddTuple);
+        *group++ = hashes.AreOrdinary() || !hashes.IsOdd(i) ? Add(first + i, hashes[i]) : kOddTuple;
     }
   }
 
