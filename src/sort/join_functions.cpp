@@ -61,8 +61,8 @@ void Functions::Matches(CXlOper& result, const CXlArgument& leftData, const CXlA
   painter.PaintBand(0, headers);
   const RowPairs pairs = partners.List();
   const ArrayPiece rows[] = {
-      {first.Data(), AxisMap::By(pairs.first), firstColumns},
-      {second.Data(), AxisMap::By(pairs.second), secondColumns},
+      {first.Data(), AxisMap::By({pairs.first.data(), pairs.first.size()}), firstColumns},
+      {second.Data(), AxisMap::By({pairs.second.data(), pairs.second.size()}), secondColumns},
   };
   painter.PaintBand(headerRows, rows);
   result = builder.Finish();

@@ -1,5 +1,6 @@
 #include "sort/join_rows.h"
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -18,11 +19,13 @@ bool HasEmptyPart(const RowTuples& rows, std::int32_t row) {
 /// Indexes one table and passes the rows of the other by it. Rows with an empty part may share a group with others of
 /// the table that is indexed, but with none of those that pass.
 template <TextCase textCase>
-void PassByIndex(const RowTuples& indexed, std::vector<std::int32_t>& groupsOfIndexed, const RowTuples& passed,
-                 std::vector<std::int32_t>& groupsOfPassed) {
+void PassByIndex(const RowTuples& indexed, RowNumbers& groupsOfIndexed, const RowTuples& passed,
+                 RowNumbers& groupsOfPassed) {
+  groupsOfIndexed = RowNumbers(static_cast<std::size_t>(indexed.Count()));
+  groupsOfPassed = RowNumbers(static_cast<std::size_t>(passed.Count()));
+  std::ranges::fill(groupsOfPassed, kNoGroup);
   TupleIndex<textCase, RowTuples> index(indexed);
-  index.AddAll(groupsOfIndexed);
-  groupsOfPassed.assign(static_cast<std::size_t>(passed.Count()), kNoGroup);
+  index.AddAll({groupsOfIndexed.data(), groupsOfIndexed.size()});
   const auto take = [&](std::int32_t row, std::int32_t group) {
     if (!HasEmptyPart(passed, row)) groupsOfPassed[static_cast<std::size_t>(row)] = group;
     return true;
@@ -45,15 +48,18 @@ KeyGroups GroupByKeys(const RowTuples& first, const RowTuples& second, TextCase 
 }
 
 Partners::Partners(KeyGroups groups, bool keepsAll)
-    : groups_(std::move(groups.ofFirst)), keepsAll_(keepsAll), starts_(static_cast<std::size_t>(groups.names) + 1) {
+    : groups_(std::move(groups.ofFirst)), keepsAll_(keepsAll), starts_(static_cast<std::size_t>(groups.names) + 2) {
+  // What a group's start is to be lies a place behind it: while its rows are put in, it moves on to the end of them.
+  std::ranges::fill(starts_, 0);
   for (const std::int32_t group : groups.ofSecond)
-    if (group >= 0) ++starts_[static_cast<std::size_t>(group) + 1];
+    if (group >= 0) ++starts_[static_cast<std::size_t>(group) + 2];
   std::inclusive_scan(starts_.begin(), starts_.end(), starts_.begin());
-  rows_.resize(static_cast<std::size_t>(starts_.back()));
-  std::vector<std::int32_t> next(starts_);
-  for (std::size_t row = 0; row < groups.ofSecond.size(); ++row)
-    if (const std::int32_t group = groups.ofSecond[row]; group >= 0)
-      rows_[static_cast<std::size_t>(next[static_cast<std::size_t>(group)]++)] = static_cast<std::int32_t>(row);
+  rows_ = RowNumbers(static_cast<std::size_t>(starts_[starts_.size() - 1]));
+  std::int32_t row = 0;
+  for (const std::int32_t group : groups.ofSecond) {
+    if (group >= 0) rows_[static_cast<std::size_t>(starts_[static_cast<std::size_t>(group) + 1]++)] = row;
+    ++row;
+  }
   for (const std::int32_t group : groups_) {
     const auto partners = static_cast<std::int64_t>(Of(group).size());
     count_ += partners == 0 && keepsAll_ ? 1 : partners;
@@ -67,30 +73,39 @@ std::span<const std::int32_t> Partners::Of(std::int32_t group) const noexcept {
 }
 
 RowPairs Partners::List() const {
-  RowPairs pairs;
-  pairs.first.reserve(static_cast<std::size_t>(count_));
-  pairs.second.reserve(static_cast<std::size_t>(count_));
-  const auto add = [&](std::size_t first, std::int32_t second) {
-    pairs.first.push_back(static_cast<std::int32_t>(first));
-    pairs.second.push_back(second);
-  };
-  for (std::size_t row = 0; row < groups_.size(); ++row) {
-    const std::span<const std::int32_t> partners = Of(groups_[row]);
-    for (const std::int32_t partner : partners) add(row, partner);
-    if (partners.empty() && keepsAll_) add(row, kNoPartner);
+  RowPairs pairs{RowNumbers(static_cast<std::size_t>(count_)), RowNumbers(static_cast<std::size_t>(count_))};
+  std::int32_t* first = pairs.first.data();
+  std::int32_t* second = pairs.second.data();
+  std::int32_t row = 0;
+  for (const std::int32_t group : groups_) {
+    const std::span<const std::int32_t> partners = Of(group);
+    first = std::fill_n(first, partners.size(), row);
+    second = std::copy(partners.begin(), partners.end(), second);
+    if (partners.empty() && keepsAll_) {
+      *first++ = row;
+      *second++ = kNoPartner;
+    }
+    ++row;
   }
   return pairs;
 }
 
-std::vector<std::int32_t> RowsWithoutPartner(std::span<const std::int32_t> groups,
-                                             std::span<const std::int32_t> otherGroups, std::int32_t names) {
-  std::vector<bool> isThere(static_cast<std::size_t>(names));
-  for (const std::int32_t group : otherGroups)
-    if (group >= 0) isThere[static_cast<std::size_t>(group)] = true;
-  std::vector<std::int32_t> rows;
-  for (std::size_t row = 0; row < groups.size(); ++row)
-    if (groups[row] < 0 || !isThere[static_cast<std::size_t>(groups[row])])
-      rows.push_back(static_cast<std::int32_t>(row));
+std::vector<std::int32_t> RowsWithoutPartner(const RowNumbers& groups, const RowNumbers& otherGroups,
+                                             std::int32_t names) {
+  // Without jumps, since which rows have one may be anybody's guess: those in no group are marked with the others,
+  // below.
+  constexpr std::int32_t kBelow = -kOddTuple;
+  std::vector<std::uint8_t> isThere(static_cast<std::size_t>(names + kBelow));
+  for (const std::int32_t group : otherGroups) isThere[static_cast<std::size_t>(group + kBelow)] = 1;
+  std::fill_n(isThere.begin(), kBelow, std::uint8_t{0});
+  std::vector<std::int32_t> rows(groups.size());
+  std::size_t count = 0;
+  std::int32_t row = 0;
+  for (const std::int32_t group : groups) {
+    rows[count] = row++;
+    count += isThere[static_cast<std::size_t>(group + kBelow)] ^ 1;
+  }
+  rows.resize(count);
   return rows;
 }
 

@@ -5,17 +5,20 @@
 #include <span>
 #include <vector>
 
+#include "frame/values/scratch_array.h"
 #include "table/cell_hash.h"
 #include "table/cell_tuples.h"
 
 namespace quillmere::sort {
 
+using RowNumbers = ScratchArray<std::int32_t>;
+
 /// The rows of two tables, 0-based, by their keys. Rows are partners when they are in the same group; one that cannot
 /// have a partner may be in a group of its own table alone, or in none, which is a negative number.
 struct KeyGroups {
-  std::vector<std::int32_t> ofFirst;   ///< the group of each row of the first table
-  std::vector<std::int32_t> ofSecond;  ///< and of the second
-  std::int32_t names = 0;              ///< all groups are numbers below this
+  RowNumbers ofFirst;      ///< the group of each row of the first table
+  RowNumbers ofSecond;     ///< and of the second
+  std::int32_t names = 0;  ///< all groups are numbers below this
 };
 
 /// Groups the rows of two tables by keys of equally many parts. A key with an empty cell, or with a number that is
@@ -27,8 +30,8 @@ constexpr std::int32_t kNoPartner = -1;
 
 /// Rows of two tables side by side; the lists are equally long.
 struct RowPairs {
-  std::vector<std::int32_t> first;
-  std::vector<std::int32_t> second;  ///< kNoPartner where there is none
+  RowNumbers first;
+  RowNumbers second;  ///< kNoPartner where there is none
 };
 
 /// The rows of the first table in order, each with its partners in theirs.
@@ -44,15 +47,15 @@ class Partners {
  private:
   std::span<const std::int32_t> Of(std::int32_t group) const noexcept;
 
-  std::vector<std::int32_t> groups_;  ///< of each row of the first table
+  RowNumbers groups_;  ///< of each row of the first table
   bool keepsAll_;
-  std::vector<std::int32_t> starts_;  ///< of each group in rows_, and the end of the last
-  std::vector<std::int32_t> rows_;    ///< of the second table, group by group
+  RowNumbers starts_;  ///< of each group in rows_, and the end of the last
+  RowNumbers rows_;    ///< of the second table, group by group
   std::int64_t count_ = 0;
 };
 
 /// The rows of a table that have no partner among those of the other, in order, by the groups of both.
-std::vector<std::int32_t> RowsWithoutPartner(std::span<const std::int32_t> groups,
-                                             std::span<const std::int32_t> otherGroups, std::int32_t names);
+std::vector<std::int32_t> RowsWithoutPartner(const RowNumbers& groups, const RowNumbers& otherGroups,
+                                             std::int32_t names);
 
 }  // namespace quillmere::sort
