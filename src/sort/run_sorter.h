@@ -32,6 +32,8 @@ concept RowSource = requires(T& source, const EqualRun& run, std::span<const std
   { source.Count() } -> std::same_as<std::int32_t>;
   { source.Keys() } -> std::same_as<std::uint32_t>;
   { source.IsDescending(run.key) } -> std::same_as<bool>;
+  /// Comes first, before anything takes memory.
+  { source.Begin() } -> std::same_as<void>;
   /// Reads the values of a run's rows at its key.
   { source.Read(run, rows, to) } -> std::same_as<ValueSurvey>;
   /// Whether a few rows are sorted by SortFew, and not by what Read gives.
@@ -51,6 +53,7 @@ class RunSorter {
 
   /// The rows, counted from 0, in order; equal ones in the order of their numbers.
   std::vector<std::int32_t> Sort() {
+    source_.Begin();
     rows_.resize(count_);
     std::iota(rows_.begin(), rows_.end(), 0);
     if (count_ < 2) return std::move(rows_);

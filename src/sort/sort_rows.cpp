@@ -37,6 +37,14 @@ class CellRows {
   std::uint32_t Keys() const noexcept { return static_cast<std::uint32_t>(keys_.size()); }
   bool IsDescending(std::uint32_t key) const noexcept { return keys_[key].isDescending; }
 
+  /// Ranks the texts of the first key, which takes as much memory as the sort itself.
+  void Begin() {
+    std::vector<std::int32_t> sample;
+    for (std::int32_t row = 0; row < Count(); row += Count() / (2 * kSampledRows) + 1) sample.push_back(row);
+    const EqualRun all{0, Count(), 0, 0};
+    if (SampleHasText(all, sample)) RankLines(all);
+  }
+
   ValueSurvey Read(const EqualRun& run, std::span<const std::int32_t> rows, const RawValues& to) {
     const bool isOrdinal = mode_ == SortMode::kOrdinal;
     if (!isOrdinal && !SampleHasText(run, rows)) {
@@ -47,7 +55,8 @@ class CellRows {
     }
     RankLines(run);
     const LineRanks& ranks = ranks_[run.key];
-    if (ranks.AreKnown()) return ReadRanked(run, rows, to, [&](std::size_t i) { return ranks.At(Place(rows[i])); });
+    if (ranks.AreKnown())
+      return ReadRanked(run, rows, to, [&](std::size_t i) { return ranks.At(static_cast<std::size_t>(rows[i])); });
     return isOrdinal ? ReadUnits(run, rows, to) : ReadFewRanked(run, rows, to);
   }
 
@@ -83,6 +92,14 @@ class CellRows {
   }
   LetterCase Case() const noexcept { return mode_ == SortMode::kCollated ? LetterCase::kIgnored : LetterCase::kCounts; }
 
+  /// The cells of all rows at a key, in their order; `gathered` is for those that stand anywhere.
+  CellLine LineOf(std::uint32_t key, std::vector<XLOPER12>& gathered) const {
+    if (places_.empty()) return keys_[key].cells;
+    gathered.reserve(places_.size());
+    for (std::int32_t row = 0; row < Count(); ++row) gathered.push_back(CellOf(key, row));
+    return {gathered.data(), Count(), 1};
+  }
+
   template <class Use>
   void Sample(const EqualRun& run, std::span<const std::int32_t> rows, const Use& use) const {
     const std::size_t step = rows.size() / kSampledRows + 1;
@@ -99,11 +116,12 @@ class CellRows {
   void RankLines(const EqualRun& run) {
     LineRanks& ranks = ranks_[run.key];
     std::int32_t& tied = tiedRows_[run.key];
-    const CellLine& line = keys_[run.key].cells;
     const std::int32_t enough = Count() / kPartOfLine;
     const bool wasEnough = tied > enough;
     tied += run.Count();
     if (ranks.AreKnown() || wasEnough || tied <= enough) return;
+    std::vector<XLOPER12> gathered;
+    const CellLine line = LineOf(run.key, gathered);
     if (mode_ != SortMode::kOrdinal)
       ranks = RankLineByLanguage(line, Case());
     else if (HasFewTexts(line))
@@ -197,8 +215,8 @@ class CellRows {
       case cell_type::kNumber:
         return order(OrderedBits(CellNumber(cellA)), OrderedBits(CellNumber(cellB)));
       case cell_type::kText:
-        return ranks_[key].AreKnown() ? order(ranks_[key].At(Place(a)), ranks_[key].At(Place(b)))
-                                      : CompareExact(TextOf(cellA), TextOf(cellB));
+        if (!ranks_[key].AreKnown()) return CompareExact(TextOf(cellA), TextOf(cellB));
+        return order(ranks_[key].At(static_cast<std::size_t>(a)), ranks_[key].At(static_cast<std::size_t>(b)));
       case cell_type::kBoolean:
         return order(cellA.val.xbool, cellB.val.xbool);
       case cell_type::kError:
@@ -211,7 +229,7 @@ class CellRows {
   std::span<const SortKey> keys_;
   std::span<const std::int32_t> places_;
   SortMode mode_;
-  std::vector<LineRanks> ranks_;        ///< of the keys' lines
+  std::vector<LineRanks> ranks_;        ///< of the keys' texts, by rows
   std::vector<std::int32_t> tiedRows_;  ///< rows whose values at a key were looked at
 };
 

@@ -55,6 +55,7 @@ class TextRows {
   std::int32_t Count() const noexcept { return static_cast<std::int32_t>(places_.size()); }
   static std::uint32_t Keys() noexcept { return 1; }
   static bool IsDescending(std::uint32_t) noexcept { return false; }
+  static void Begin() noexcept {}
 
   ValueSurvey Read(const EqualRun& run, std::span<const std::int32_t> rows, const RawValues& to) {
     TextWindow<typename Texts::Unit> window(run.depth);
@@ -97,9 +98,8 @@ class TextRows {
 template <class Texts>
 TextRanks RankPlaces(const CellLine& line, std::span<const std::int32_t> places, Texts texts) {
   TextRows<Texts> rows(line, places, std::move(texts));
-  RunSorter<TextRows<Texts>> sorter(rows);
   ScratchArray<bool> isFirst(places.size());
-  const std::vector<std::int32_t> order = sorter.Sort(isFirst);
+  const std::vector<std::int32_t> order = RunSorter<TextRows<Texts>>(rows).Sort(isFirst);
   TextRanks ranks(places.size());
   std::uint32_t rank = 0;
   for (std::size_t i = 0; i < order.size(); ++i) {
