@@ -4,6 +4,7 @@
 #include <numeric>
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "frame/values/cell.h"
 #include "table/cell_type.h"
@@ -19,11 +20,23 @@ bool IsZero(const XLOPER12& cell) { return CellNumber(cell) == 0; }
 /// Whether an item is ignored. The types of all its cells, taken together, tell for most.
 bool IsIgnored(std::span<const XLOPER12> item, const IgnoredItems& ignored) {
   std::uint32_t types = 0;
-  for (const XLOPER12& cell : item) types |= TypeOf(cell);
+  for (const XLOPER12& cell : item) types |= CellType(cell);
   if (ignored.errors && (types & xltypeErr) != 0) return true;
   if (ignored.blanks && (types & ~(xltypeStr | xltypeNil | xltypeMissing)) == 0 && std::ranges::all_of(item, IsBlank))
     return true;
   return ignored.zeros && (types & ~(xltypeNum | xltypeInt)) == 0 && std::ranges::all_of(item, IsZero);
+}
+
+/// Lengthens a list of zeros, many at once, until it has that place. Where items first occur cannot be foreseen, when
+/// the list is to be lengthened can.
+template <class T>
+void ReachTo(std::size_t place, ScratchList<T>& values) {
+  constexpr std::size_t kAtOnce = 1024;
+  const std::size_t size = values.size();
+  if (place < size) return;
+  values.MakeRoomFor(kAtOnce);
+  std::fill_n(values.Room() + size, kAtOnce, T{});
+  values.SetSize(size + kAtOnce);
 }
 
 template <TextCase textCase>
@@ -36,14 +49,15 @@ DistinctItems Find(const CXlCells& items, const IgnoredItems& ignored, const Cel
   const auto isWanted = [&](std::int32_t place) { return !IsIgnored({items.Row(place), columns.size()}, ignored); };
   distinct.AddAll(isWanted, [&](std::int32_t place, std::int32_t number) {
     const auto at = static_cast<std::size_t>(number);
-    if (at == found.counts.size()) {
-      found.counts.push_back(0);
-      if (values) found.sums.push_back(0);
-    }
+    ReachTo(at, found.counts);
     ++found.counts[at];
-    if (values && CellTypeOf(values->At(place)) == cell_type::kNumber) found.sums[at] += CellNumber(values->At(place));
+    if (!values) return;
+    ReachTo(at, found.sums);
+    if (CellTypeOf(values->At(place)) == cell_type::kNumber) found.sums[at] += CellNumber(values->At(place));
   });
   found.firstPlaces = std::move(distinct).TakeFirstPlaces();
+  found.counts.SetSize(found.firstPlaces.size());
+  if (values) found.sums.SetSize(found.firstPlaces.size());
   return found;
 }
 

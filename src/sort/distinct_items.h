@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
+#include "frame/values/scratch_list.h"
 #include "frame/values/xl_oper.h"
 #include "table/cell_hash.h"
 #include "table/cell_line.h"
@@ -19,9 +19,9 @@ struct IgnoredItems {
 
 /// Distinct items in the order in which they first occur. Items are numbered from 0 by the rows that they are.
 struct DistinctItems {
-  std::vector<std::int32_t> firstPlaces;  ///< where each occurs first
-  std::vector<std::int32_t> counts;       ///< how often each occurs
-  std::vector<double> sums;               ///< of the values beside each; none where no values were asked for
+  ScratchList<std::int32_t> firstPlaces;  ///< where each occurs first
+  ScratchList<std::int32_t> counts;       ///< how often each occurs
+  ScratchList<double> sums;               ///< of the values beside each; none where no values were asked for
 };
 
 /// The distinct ones of less than 2^30 items, each a row of cells. `values`, if not null, has a cell for each item;

@@ -24,24 +24,22 @@ std::vector<std::int32_t> SortByItem(const CXlCells& items, const DistinctItems&
   std::vector<SortKey> keys;
   for (std::int32_t column = 0; column < items.columns; ++column)
     keys.push_back({ColumnLine(items, column), isDescending});
-  return SortRows(keys, found.firstPlaces, SortMode::kCollatedByCase);
+  return SortRows(keys, found.firstPlaces.Values(), SortMode::kCollatedByCase);
 }
 
 std::vector<std::int32_t> SortByFigure(const DistinctItems& found, ItemFigure figure, bool isDescending) {
-  std::vector<XLOPER12> figures;
-  figures.reserve(found.counts.size());
-  for (std::size_t number = 0; number < found.counts.size(); ++number)
-    figures.push_back(NumberCell(FigureOf(found, number, figure)));
+  ScratchArray<XLOPER12> figures(found.counts.size());
+  for (std::size_t number = 0; number < figures.size(); ++number)
+    figures[number] = NumberCell(FigureOf(found, number, figure));
   const SortKey key{{figures.data(), static_cast<std::int32_t>(figures.size()), 1}, isDescending};
   return SortRows({&key, 1}, {}, SortMode::kCollatedByCase);
 }
 
 template <class T>
-void Reorder(std::vector<T>& values, std::span<const std::int32_t> order) {
+void Reorder(ScratchList<T>& values, std::span<const std::int32_t> order) {
   if (values.empty()) return;
-  std::vector<T> ordered;
-  ordered.reserve(values.size());
-  for (const std::int32_t place : order) ordered.push_back(values[static_cast<std::size_t>(place)]);
+  ScratchList<T> ordered;
+  for (const std::int32_t place : order) ordered.Append(values[static_cast<std::size_t>(place)]);
   values = std::move(ordered);
 }
 
@@ -64,7 +62,7 @@ ArrayPiece Nothing(std::int32_t rows, std::int32_t columns) {
 CXlOper PaintList(const CXlCells& items, const DistinctItems& found, const ListForm& form, const CellsSize& size) {
   CXlArrayBuilder builder(size.rows, size.columns);
   ArrayPainter painter(builder, form.fill.Raw());
-  const std::span<const std::int32_t> places = found.firstPlaces;
+  const std::span<const std::int32_t> places = found.firstPlaces.Values();
   const std::int32_t rows = std::min(static_cast<std::int32_t>(places.size()), size.rows);
   std::int32_t columns = std::min(items.columns, size.columns);
   const ArrayPiece listed{items, AxisMap::By(places.first(static_cast<std::size_t>(rows))), AxisMap::Run(0, columns)};

@@ -14,28 +14,24 @@ namespace quillmere {
 /// Whether texts that differ by the case of A to Z alone are taken as equal.
 enum class TextCase { kIgnored, kCounts };
 
-/// A text of fewer units than a block, in a register that each such text fills in its own way, its length given.
-inline __m128i LoadShort(const XCHAR* text, std::size_t units) {
-  if (units >= 4) return LoadEnds<4>(text, units);
-  if (units >= 2) return LoadEnds<2>(text, units);
-  return _mm_cvtsi32_si128(units == 0 ? 0 : *text);
+inline std::uint64_t LowerWord(__m128i block) { return static_cast<std::uint64_t>(_mm_cvtsi128_si64(block)); }
+inline std::uint64_t UpperWord(__m128i block) { return LowerWord(_mm_unpackhi_epi64(block, block)); }
+
+/// The hash of a text of so many units, few blocks at most, which are folded where case is ignored.
+inline std::uint64_t HashBlocks(const FewBlocks& blocks, std::size_t count, const HashKey& key) {
+  const std::uint64_t hash = key.StartOf(count);
+  if (count <= kTextBlock) return key.Continued(hash, LowerWord(blocks.first), UpperWord(blocks.first));
+  return hash ^ key.Share<0>(LowerWord(blocks.first), UpperWord(blocks.first)) ^
+         key.Share<1>(LowerWord(blocks.second), UpperWord(blocks.second)) ^
+         key.Share<2>(LowerWord(blocks.third), UpperWord(blocks.third)) ^
+         key.Share<3>(LowerWord(blocks.last), UpperWord(blocks.last));
 }
 
+/// The blocks of a text of few, as HashBlocks wants them.
 template <TextCase textCase>
-inline std::uint64_t HashBlock(__m128i block, std::uint64_t hash, const HashKey& key) {
-  if constexpr (textCase == TextCase::kIgnored) block = FoldBlock(block);
-  const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(block));
-  const auto high = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(block, block)));
-  return key.Continued(hash, low, high);
-}
-
-/// The share of one of few blocks in a hash that does not hang on the shares of the others.
-template <TextCase textCase, int place>
-inline std::uint64_t HashFewBlock(__m128i block, const HashKey& key) {
-  if constexpr (textCase == TextCase::kIgnored) block = FoldBlock(block);
-  const auto low = static_cast<std::uint64_t>(_mm_cvtsi128_si64(block));
-  const auto high = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(block, block)));
-  return key.Share<place>(low, high);
+inline FewBlocks BlocksOf(XStringView text) {
+  const FewBlocks blocks(text.data(), text.size());
+  return textCase == TextCase::kIgnored ? FoldBlocks(blocks) : blocks;
 }
 
 /// The hash of a text; no unit outside it is read. Inline: a million short texts are hashed in a call.
@@ -43,17 +39,15 @@ template <TextCase textCase>
 inline std::uint64_t HashText(XStringView text, const HashKey& key) {
   const XCHAR* const units = text.data();
   const std::size_t count = text.size();
+  if (count <= kFewBlocks * kTextBlock) return HashBlocks(BlocksOf<textCase>(text), count, key);
+  const auto continued = [&](std::uint64_t hash, __m128i block) {
+    if constexpr (textCase == TextCase::kIgnored) block = FoldBlock(block);
+    return key.Continued(hash, LowerWord(block), UpperWord(block));
+  };
   std::uint64_t hash = key.StartOf(count);
-  if (count < kTextBlock) return HashBlock<textCase>(LoadShort(units, count), hash, key);
-  if (count > kTextBlock && count <= kFewBlocks * kTextBlock) {
-    const FewBlocks blocks(units, count);
-    return hash ^ HashFewBlock<textCase, 0>(blocks.first, key) ^ HashFewBlock<textCase, 1>(blocks.second, key) ^
-           HashFewBlock<textCase, 2>(blocks.third, key) ^ HashFewBlock<textCase, 3>(blocks.last, key);
-  }
-  for (std::size_t at = 0; at + kTextBlock < count; at += kTextBlock)
-    hash = HashBlock<textCase>(LoadBlock(units + at), hash, key);
+  for (std::size_t at = 0; at + kTextBlock < count; at += kTextBlock) hash = continued(hash, LoadBlock(units + at));
   // The last block may overlap the one before.
-  return HashBlock<textCase>(LoadBlock(units + count - kTextBlock), hash, key);
+  return continued(hash, LoadBlock(units + count - kTextBlock));
 }
 
 inline std::uint64_t HashNumber(double number, const HashKey& key) noexcept {

@@ -1,16 +1,15 @@
 // Numbering the distinct ones of a list of tuples of cells, in one pass.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <utility>
-#include <vector>
 
-#include "table/place_index.h"
-#include "table/tuple_compare.h"
+#include "frame/values/scratch_list.h"
+#include "table/near_tuples.h"
 #include "table/tuple_hash.h"
+#include "table/tuple_numbers.h"
 
 namespace quillmere {
 
@@ -26,76 +25,101 @@ class DistinctTuples {
   /// gets the others in their order, each with the number of the distinct tuple that it equals.
   template <class IsWanted, class Take>
   void AddAll(const IsWanted& isWanted, const Take& take) {
-    HashBatch<textCase, Tuples> hashes(tuples_);
-    std::int32_t wanted[kTupleBatch];
-    for (std::int32_t first = 0; first < tuples_.Count(); first += kTupleBatch) {
-      hashes.Fill(first);
-      std::int32_t count = 0;
-      for (std::int32_t i = 0; i < hashes.Count(); ++i) {
-        wanted[count] = i;
-        count += isWanted(first + i) ? 1 : 0;
-      }
-      MakeRoomFor(count);
-      const std::span chosen(wanted, static_cast<std::size_t>(count));
-      if (Count() > kNearTuples) Prefetch(hashes, chosen);
-      for (const std::int32_t i : chosen) take(first + i, Add(first + i, HashOf(hashes, first, i)));
-    }
+    const std::int32_t end = AddNear(isWanted, take);
+    if (end < tuples_.Count()) AddFar(end, isWanted, take);
   }
+
+  // When all are added:
 
   std::int32_t Count() const noexcept { return static_cast<std::int32_t>(firstPlaces_.size()); }
   /// Where each distinct tuple occurs first, by their numbers.
-  std::span<const std::int32_t> FirstPlaces() const noexcept { return firstPlaces_; }
-  std::vector<std::int32_t> TakeFirstPlaces() && noexcept { return std::move(firstPlaces_); }
+  std::span<const std::int32_t> FirstPlaces() const noexcept { return firstPlaces_.Values(); }
+  ScratchList<std::int32_t> TakeFirstPlaces() && noexcept { return std::move(firstPlaces_); }
 
  private:
   /// Up to so many distinct tuples lie in the cache with what finds them, and are not asked for ahead.
-  static constexpr std::int32_t kNearTuples = 2'000;
+  static constexpr std::int32_t kCachedTuples = 2'000;
 
-  /// Makes the index large enough for so many more.
-  void MakeRoomFor(std::int32_t more) {
-    if (more <= capacity_ - Count()) return;
-    while (more > capacity_ - Count()) capacity_ = capacity_ * 2 + 1;
-    index_ = PlaceIndex(capacity_);
-    for (std::int32_t number = 0; number < Count(); ++number)
-      index_.PutNew(hashes_[static_cast<std::size_t>(number)], number);
+  /// The tuples of a batch that are wanted.
+  class Batch {
+   public:
+    template <class IsWanted>
+    Batch(std::int32_t first, std::int32_t end, const IsWanted& isWanted) {
+      for (std::int32_t place = first; place < end; ++place) {
+        places_[count_] = place;
+        count_ += isWanted(place) ? 1 : 0;
+      }
+    }
+
+    std::int32_t Count() const noexcept { return count_; }
+    std::span<const std::int32_t> Places() const noexcept { return {places_, static_cast<std::size_t>(count_)}; }
+
+   private:
+    std::int32_t count_ = 0;
+    std::int32_t places_[kTupleBatch];
+  };
+
+  std::int32_t EndOf(std::int32_t first) const noexcept {
+    return tuples_.Count() - first < kTupleBatch ? tuples_.Count() : first + kTupleBatch;
   }
 
-  void Prefetch(const HashBatch<textCase, Tuples>& hashes, std::span<const std::int32_t> chosen) const {
-    for (const std::int32_t i : chosen) index_.PrefetchSlot(hashes[i]);
-    for (const std::int32_t i : chosen) PrefetchTuple(tuples_, LikelyPlace(hashes[i]));
-    for (const std::int32_t i : chosen) PrefetchTexts(tuples_, LikelyPlace(hashes[i]));
+  /// Adds tuples as long as their parts have few distinct cells each; the place up to which it came.
+  template <class IsWanted, class Take>
+  std::int32_t AddNear(const IsWanted& isWanted, const Take& take) {
+    using Near = NearTuples<textCase, Tuples>;
+    if (tuples_.Parts() > Near::kMostParts) return 0;
+    Near near(tuples_);
+    std::int32_t numbers[kTupleBatch];
+    std::int32_t first = 0;
+    for (; first < tuples_.Count(); first = EndOf(first)) {
+      const Batch batch(first, EndOf(first), [&](std::int32_t place) {
+        AskAhead(place);
+        return isWanted(place);
+      });
+      if (!near.MakeRoomFor(batch.Count())) break;
+      near.Add(batch.Places(), numbers);
+      for (std::size_t i = 0; i < batch.Places().size(); ++i) take(batch.Places()[i], numbers[i]);
+    }
+    firstPlaces_ = std::move(near).TakeFirstPlaces();
+    return first;
   }
 
-  std::int32_t LikelyPlace(std::uint64_t hash) const noexcept {
-    const std::int32_t number = index_.LikelyPlace(hash);
-    return number == kNoEntry ? kNoEntry : FirstPlace(number);
-  }
-  std::int32_t FirstPlace(std::int32_t number) const noexcept { return firstPlaces_[static_cast<std::size_t>(number)]; }
-
-  /// Tuples that equal nothing have hashes of their own, so that many of them do not stand in each other's way.
-  static std::uint64_t HashOf(const HashBatch<textCase, Tuples>& hashes, std::int32_t first, std::int32_t i) {
-    if (hashes.AreOrdinary() || !hashes.IsOdd(i)) return hashes[i];
-    return HashKey::OfProcess().Of(static_cast<std::uint64_t>(first + i));
+  /// Asks for cells and texts some way behind a tuple.
+  void AskAhead(std::int32_t place) const {
+    if (place >= tuples_.Count() - kCellsAhead) return;
+    for (std::size_t part = 0; part < tuples_.Parts(); ++part) {
+      PrefetchFarCell(tuples_.CellAt(place + kCellsAhead, part));
+      PrefetchText(*tuples_.CellAt(place + kTextsAhead, part));
+    }
   }
 
-  /// The number of the tuple at `place`, a new one if none before equals it.
-  std::int32_t Add(std::int32_t place, std::uint64_t hash) {
-    std::uint32_t slot = 0;
-    const std::int32_t number = index_.Find(hash, slot, [&](std::int32_t known) {
-      return TuplesEqual<textCase>(tuples_, FirstPlace(known), tuples_, place);
-    });
-    if (number != kNoEntry) return number;
-    index_.Put(hash, slot, Count());
-    firstPlaces_.push_back(place);
-    hashes_.push_back(hash);
-    return Count() - 1;
+  /// Adds the tuples from one on, behind those found before.
+  template <class IsWanted, class Take>
+  void AddFar(std::int32_t first, const IsWanted& isWanted, const Take& take) {
+    const HashKey key = HashKey::OfProcess();
+    TupleNumbers<textCase, Tuples> numbers(tuples_);
+    numbers.MakeRoomFor(Count());
+    for (const std::int32_t place : firstPlaces_) numbers.Add(place, HashTuple<textCase>(tuples_, place, key));
+    HashBatch<textCase, Tuples> hashes(tuples_);
+    std::uint64_t chosen[kTupleBatch];
+    for (; first < tuples_.Count(); first = EndOf(first)) {
+      hashes.Fill(first);
+      const Batch batch(first, EndOf(first), isWanted);
+      const std::span<const std::int32_t> places = batch.Places();
+      for (std::size_t i = 0; i < places.size(); ++i) {
+        const std::int32_t place = places[i];
+        const bool isOdd = !hashes.AreOrdinary() && hashes.IsOdd(place - first);
+        chosen[i] = isOdd ? HashOfOdd(place, key) : hashes[place - first];
+      }
+      numbers.MakeRoomFor(batch.Count());
+      if (numbers.Count() > kCachedTuples) numbers.Prefetch({chosen, places.size()});
+      for (std::size_t i = 0; i < places.size(); ++i) take(places[i], numbers.Add(places[i], chosen[i]));
+    }
+    firstPlaces_ = std::move(numbers).TakeFirstPlaces();
   }
 
   const Tuples& tuples_;
-  std::int32_t capacity_ = 0;
-  PlaceIndex index_{0};  ///< of the numbers
-  std::vector<std::int32_t> firstPlaces_;
-  std::vector<std::uint64_t> hashes_;  ///< so that growing looks at no cells
+  ScratchList<std::int32_t> firstPlaces_;
 };
 
 }  // namespace quillmere

@@ -1,34 +1,28 @@
 // Finding by their hashes the places of things that stand in a list.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+
+#include "frame/values/scratch_array.h"
 
 namespace quillmere {
 
 /// In place of a place: none.
 constexpr std::int32_t kNoEntry = -1;
 
-/// Places in a list, 2^30 at most, by the hashes of what stands there, whose comparison is the caller's. A bit filter
-/// before the table tells most hashes that are not in it without a jump, and stays in the cache with many more of them.
-class PlaceIndex {
+/// Places in a list, 2^30 at most, by the hashes of what stands there, whose comparison is the caller's.
+class PlaceTable {
  public:
   /// For so many entries, with places below that number.
-  explicit PlaceIndex(std::int32_t entries)
+  explicit PlaceTable(std::int32_t entries)
       : entries_(static_cast<std::uint32_t>(entries)), placeBits_(std::bit_width(entries_)) {
     const std::uint32_t slots = std::bit_ceil(entries_ * 2 + 2);
     slotMask_ = slots - 1;
-    slots_ = std::make_unique<std::uint32_t[]>(slots);
-    filterMask_ = slots * 8 - 1;
-    filter_ = std::make_unique<std::uint64_t[]>(slots / 8 + std::size_t{1});
-  }
-
-  /// False only when no entry has that hash.
-  bool MayHold(std::uint64_t hash) const noexcept {
-    const std::uint32_t bit = FilterBit(hash);
-    return (filter_[bit / 64] >> bit % 64 & 1) != 0;
+    slots_ = ScratchArray<std::uint32_t>(slots);
+    std::ranges::fill(slots_, 0);
   }
 
   /// Asks for the memory that Find will read first.
@@ -53,19 +47,12 @@ class PlaceIndex {
     return kNoEntry;
   }
 
-  /// Puts in a place whose like is not there.
-  void PutNew(std::uint64_t hash, std::int32_t place) noexcept {
-    std::uint32_t slot = static_cast<std::uint32_t>(hash) & slotMask_;
-    while (slots_[slot] != 0) slot = (slot + 1) & slotMask_;
-    Put(hash, slot, place);
-  }
-
   /// Puts a place in, at the slot that Find told.
   void Put(std::uint64_t hash, std::uint32_t slot, std::int32_t place) noexcept {
     slots_[slot] = Tag(hash) | (static_cast<std::uint32_t>(place) + 1);
-    const std::uint32_t bit = FilterBit(hash);
-    filter_[bit / 64] |= std::uint64_t{1} << bit % 64;
   }
+
+  std::uint32_t Slots() const noexcept { return slotMask_ + 1; }
 
  private:
   /// The upper bits of a slot: those of the hash that its place does not show. The lower bits are the place, from 1.
@@ -74,16 +61,42 @@ class PlaceIndex {
   }
   /// The place that a slot holds; some number beyond all places when it is empty or has another tag.
   static std::uint32_t PlaceIn(std::uint32_t slot, std::uint32_t tag) noexcept { return slot - tag - 1; }
-  std::uint32_t FilterBit(std::uint64_t hash) const noexcept {
-    return static_cast<std::uint32_t>(hash >> 20) & filterMask_;
-  }
 
   std::uint32_t entries_;
   int placeBits_;
   std::uint32_t slotMask_;
+  ScratchArray<std::uint32_t> slots_;
+};
+
+/// The same with a bit filter before the table. It tells most hashes that are not in it without a jump, and stays in
+/// the cache with many more of them.
+class PlaceIndex : public PlaceTable {
+ public:
+  explicit PlaceIndex(std::int32_t entries) : PlaceTable(entries) {
+    filterMask_ = Slots() * 8 - 1;
+    filter_ = ScratchArray<std::uint64_t>(Slots() / 8 + std::size_t{1});
+    std::ranges::fill(filter_, 0);
+  }
+
+  /// False only when no entry has that hash.
+  bool MayHold(std::uint64_t hash) const noexcept {
+    const std::uint32_t bit = FilterBit(hash);
+    return (filter_[bit / 64] >> bit % 64 & 1) != 0;
+  }
+
+  void Put(std::uint64_t hash, std::uint32_t slot, std::int32_t place) noexcept {
+    PlaceTable::Put(hash, slot, place);
+    const std::uint32_t bit = FilterBit(hash);
+    filter_[bit / 64] |= std::uint64_t{1} << bit % 64;
+  }
+
+ private:
+  std::uint32_t FilterBit(std::uint64_t hash) const noexcept {
+    return static_cast<std::uint32_t>(hash >> 20) & filterMask_;
+  }
+
   std::uint32_t filterMask_;
-  std::unique_ptr<std::uint32_t[]> slots_;
-  std::unique_ptr<std::uint64_t[]> filter_;
+  ScratchArray<std::uint64_t> filter_;
 };
 
 }  // namespace quillmere

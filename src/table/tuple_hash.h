@@ -20,6 +20,14 @@ constexpr std::int32_t kTextsAhead = 24;
 /// All parts of so many tuples are hashed before those of the next.
 constexpr std::int32_t kTuplesAtOnce = 64;
 
+/// Whether a cell is a number that is none. It equals every number, so that no hash finds what it equals.
+inline bool IsOddCell(const XLOPER12& cell) { return IsNumberCell(cell) && cell.val.num != cell.val.num; }
+
+/// The hash of a tuple that equals nothing: one of its own, so that many of them do not stand in each other's way.
+inline std::uint64_t HashOfOdd(std::int32_t place, const HashKey& key) noexcept {
+  return key.Of(static_cast<std::uint64_t>(place));
+}
+
 /// The hashes of one batch of tuples.
 template <TextCase textCase, CellTuples Tuples>
 class HashBatch {
@@ -46,7 +54,7 @@ class HashBatch {
   bool AreOrdinary() const noexcept { return areOrdinary_; }
   bool IsOdd(std::int32_t i) const {
     for (std::size_t part = 0; part < tuples_.Parts(); ++part)
-      if (IsNan(*tuples_.CellAt(first_ + i, part))) return true;
+      if (IsOddCell(*tuples_.CellAt(first_ + i, part))) return true;
     return false;
   }
 
@@ -61,14 +69,12 @@ class HashBatch {
       if (i + kCellsAhead < left) PrefetchFarCell(at + kCellsAhead * stride);
       if (i + kTextsAhead < left) PrefetchText(at[kTextsAhead * stride]);
       const XLOPER12& cell = tuples_.Meaning(*at);
-      ordinary &= !IsNan(cell);
+      ordinary &= !IsOddCell(cell);
       const std::uint64_t hash = HashCell<textCase>(cell, key_);
       hashes_[i] = part == 0 ? hash : key_.Joined(hashes_[i], hash);
     }
     return ordinary;
   }
-
-  static bool IsNan(const XLOPER12& cell) { return IsNumberCell(cell) && cell.val.num != cell.val.num; }
 
   const Tuples& tuples_;
   const HashKey key_ = HashKey::OfProcess();

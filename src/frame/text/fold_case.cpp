@@ -52,23 +52,13 @@ inline std::size_t FirstDifference(const XCHAR* a, const XCHAR* b, std::size_t c
 }
 
 template <bool folded>
-inline __m128i EqualLanes(__m128i a, __m128i b) {
-  return folded ? _mm_cmpeq_epi16(FoldBlock(a), FoldBlock(b)) : _mm_cmpeq_epi16(a, b);
-}
-
-template <bool folded>
-inline bool EqualFewBlocks(const FewBlocks& a, const FewBlocks& b) {
-  const __m128i equalFirst =
-      _mm_and_si128(EqualLanes<folded>(a.first, b.first), EqualLanes<folded>(a.second, b.second));
-  const __m128i equalLast = _mm_and_si128(EqualLanes<folded>(a.third, b.third), EqualLanes<folded>(a.last, b.last));
-  return _mm_movemask_epi8(_mm_and_si128(equalFirst, equalLast)) == 0xFFFF;
-}
-
-template <bool folded>
 inline bool Equal(XStringView a, XStringView b) {
   if (a.size() != b.size()) return false;
-  if (a.size() > kTextBlock && a.size() <= kFewBlocks * kTextBlock)
-    return EqualFewBlocks<folded>(FewBlocks(a.data(), a.size()), FewBlocks(b.data(), b.size()));
+  if (a.size() > kTextBlock && a.size() <= kFewBlocks * kTextBlock) {
+    const FewBlocks blocksOfA(a.data(), a.size());
+    const FewBlocks blocksOfB(b.data(), b.size());
+    return folded ? EqualBlocks(FoldBlocks(blocksOfA), FoldBlocks(blocksOfB)) : EqualBlocks(blocksOfA, blocksOfB);
+  }
   return FirstDifference<folded>(a.data(), b.data(), a.size()) == a.size();
 }
 

@@ -27,13 +27,24 @@ inline __m128i LoadEnds(const XCHAR* units, std::size_t count) {
     return _mm_unpacklo_epi32(_mm_loadu_si32(units), _mm_loadu_si32(last));
 }
 
+/// A text of fewer units than a block, in a register that each such text fills in its own way, its length given.
+inline __m128i LoadShort(const XCHAR* text, std::size_t units) {
+  if (units >= 4) return LoadEnds<4>(text, units);
+  if (units >= 2) return LoadEnds<2>(text, units);
+  return _mm_cvtsi32_si128(units == 0 ? 0 : *text);
+}
+
 /// Texts of more than one block and of no more than so many are looked at in the same way, whatever their length: a
 /// processor cannot foresee how long the next one is.
 constexpr std::size_t kFewBlocks = 4;
 
-/// The blocks of such a text, which together are all of it and may overlap.
+/// The blocks of a text of few, in whole all of it; they may overlap, and those of a text of one block are the same.
 struct FewBlocks {
   FewBlocks(const XCHAR* units, std::size_t count) {
+    if (count <= kTextBlock) {
+      first = second = third = last = count < kTextBlock ? LoadShort(units, count) : LoadBlock(units);
+      return;
+    }
     const std::size_t lastAt = count - kTextBlock;
     const std::size_t secondAt = lastAt < kTextBlock ? lastAt : kTextBlock;
     first = LoadBlock(units);
@@ -54,6 +65,20 @@ inline __m128i FoldBlock(__m128i units) {
   const __m128i moved = _mm_add_epi16(units, _mm_set1_epi16(0x8000 - 'A'));
   const __m128i isLetter = _mm_cmplt_epi16(moved, _mm_set1_epi16(-0x8000 + 26));
   return _mm_or_si128(units, _mm_and_si128(isLetter, _mm_set1_epi16(0x20)));
+}
+inline FewBlocks FoldBlocks(FewBlocks blocks) {
+  blocks.first = FoldBlock(blocks.first);
+  blocks.second = FoldBlock(blocks.second);
+  blocks.third = FoldBlock(blocks.third);
+  blocks.last = FoldBlock(blocks.last);
+  return blocks;
+}
+
+/// Whether two texts of few blocks and of equal length are equal.
+inline bool EqualBlocks(const FewBlocks& a, const FewBlocks& b) {
+  const __m128i equalFirst = _mm_and_si128(_mm_cmpeq_epi16(a.first, b.first), _mm_cmpeq_epi16(a.second, b.second));
+  const __m128i equalLast = _mm_and_si128(_mm_cmpeq_epi16(a.third, b.third), _mm_cmpeq_epi16(a.last, b.last));
+  return _mm_movemask_epi8(_mm_and_si128(equalFirst, equalLast)) == 0xFFFF;
 }
 
 }  // namespace quillmere
