@@ -6,9 +6,6 @@
 namespace quillmere::sort {
 namespace {
 
-/// The most items of a call, as DistinctTuples has it.
-constexpr std::int64_t kMostItems = (std::int64_t{1} << 30) - 1;
-
 // The flags of Ignore.
 constexpr std::int32_t kErrors = 1;
 constexpr std::int32_t kBlanks = 2;
@@ -40,6 +37,13 @@ IgnoredItems ReadIgnored(const CXlScalarArgument<ElementKind::kInteger>& ignore)
   const std::int32_t flags = ignore.Read();
   if (flags < 0 || flags > (kErrors | kBlanks | kZeros)) return {};
   return {(flags & kErrors) != 0, (flags & kBlanks) != 0, (flags & kZeros) != 0};
+}
+
+ListOrder ReadOrder(const CXlScalarArgument<ElementKind::kInteger>& sort) {
+  const std::int32_t order = sort.Read();
+  if (order == 1 || order == -1) return {ListOrder::By::kItem, order < 0};
+  if (order == 2 || order == -2) return {ListOrder::By::kFigure, order < 0};
+  return {};
 }
 
 TextCase ReadTextCase(const CXlScalarArgument<ElementKind::kBoolean>& caseSense) {

@@ -5,9 +5,13 @@
 
 #include "frame/convert/argument.h"
 #include "sort/distinct_items.h"
+#include "sort/distinct_list.h"
 #include "table/table_view.h"
 
 namespace quillmere::sort {
+
+/// The most items of a call, as DistinctTuples has it.
+constexpr std::int64_t kMostItems = (std::int64_t{1} << 30) - 1;
 
 /// An argument's data. A view of the argument and of the values that were read of it.
 class DistinctInput {
@@ -35,6 +39,9 @@ class DistinctInput {
 
 /// The flags of Ignore; a number that is no sum of them ignores nothing.
 IgnoredItems ReadIgnored(const CXlScalarArgument<ElementKind::kInteger>& ignore);
+
+/// The order of a list with figures. A number that stands for none leaves it unsorted.
+ListOrder ReadOrder(const CXlScalarArgument<ElementKind::kInteger>& sort);
 
 TextCase ReadTextCase(const CXlScalarArgument<ElementKind::kBoolean>& caseSense);
 

@@ -20,14 +20,6 @@ ListOrder ReadSignedOrder(const IntegerArgument& sort) {
   return {order == 0 ? ListOrder::By::kFirstOccurrence : ListOrder::By::kItem, order < 0};
 }
 
-/// The order of a list with figures. A number that stands for none leaves it unsorted.
-ListOrder ReadOrder(const IntegerArgument& sort) {
-  const std::int32_t order = sort.Read();
-  if (order == 1 || order == -1) return {ListOrder::By::kItem, order < 0};
-  if (order == 2 || order == -2) return {ListOrder::By::kFigure, order < 0};
-  return {};
-}
-
 /// What the codes of FillType stand for.
 CXlOper ReadFill(const IntegerArgument& fillType) {
   switch (fillType.Read()) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -17,8 +16,10 @@ bool IsBlank(const XLOPER12& cell) { return !IsTextCell(cell) || TextOf(cell).em
 
 bool IsZero(const XLOPER12& cell) { return CellNumber(cell) == 0; }
 
-/// Whether an item is ignored. The types of all its cells, taken together, tell for most.
+}  // namespace
+
 bool IsIgnored(std::span<const XLOPER12> item, const IgnoredItems& ignored) {
+  // The types of all cells, taken together, tell for most.
   std::uint32_t types = 0;
   for (const XLOPER12& cell : item) types |= CellType(cell);
   if (ignored.errors && (types & xltypeErr) != 0) return true;
@@ -26,6 +27,8 @@ bool IsIgnored(std::span<const XLOPER12> item, const IgnoredItems& ignored) {
     return true;
   return ignored.zeros && (types & ~(xltypeNum | xltypeInt)) == 0 && std::ranges::all_of(item, IsZero);
 }
+
+namespace {
 
 /// Lengthens a list of zeros, many at once, until it has that place. Where items first occur cannot be foreseen, when
 /// the list is to be lengthened can.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "frame/values/scratch_list.h"
 #include "frame/values/xl_oper.h"
@@ -16,6 +17,9 @@ struct IgnoredItems {
   bool blanks = false;  ///< those whose cells are all empty, or texts of length zero
   bool zeros = false;   ///< those whose cells are all the number 0
 };
+
+/// Whether an item of those cells is.
+bool IsIgnored(std::span<const XLOPER12> item, const IgnoredItems& ignored);
 
 /// Distinct items in the order in which they first occur. Items are numbered from 0 by the rows that they are.
 struct DistinctItems {
