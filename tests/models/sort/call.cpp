@@ -23,4 +23,9 @@ Value ResultOf(const Rows& rows) {
   return array->Size() == 1 ? Value::OfCell(array->At(0, 0)) : Value::OfArray(std::move(array));
 }
 
+double SettingOr(double leftOut, const Value& setting) {
+  if (setting.IsMissing()) return leftOut;
+  return setting.IsBoolean() ? (setting.AsBoolean() ? 1 : 0) : setting.AsNumber();
+}
+
 }  // namespace qcalc::sort

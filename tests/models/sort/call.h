@@ -1,4 +1,4 @@
-// A call of a sort, a distinct list, a join or a comparison, and the plain rows that models work on.
+// A call of a sort or a distinct list, and the plain rows that models work on.
 #pragma once
 
 #include <vector>
@@ -28,5 +28,8 @@ ArrayPtr ArrayOf(const Rows& rows);
 
 /// The same as a result: a single cell is a plain value.
 Value ResultOf(const Rows& rows);
+
+/// What a setting says, TRUE being 1, or what it stands for when it is left out.
+double SettingOr(double leftOut, const Value& setting);
 
 }  // namespace qcalc::sort

@@ -92,6 +92,27 @@ class CallMaker : private models::Draws {
     return std::move(call_);
   }
 
+  Call MakeDistinct() {
+    const DistinctFunction& function = Pick(kDistinctFunctions);
+    call_.function = function.name;
+    const std::int32_t columns = 1 + Below(3), rows = DrawHeight();
+    AddTable(rows, columns);
+    if (function.figure >= Figure::kSum) AddCompanions(rows);
+    const auto set = [&](std::size_t place, Value value) {
+      if (place == kNowhere) return;
+      call_.settings.resize(std::max(call_.settings.size(), place + 1));
+      call_.settings[place] = std::move(value);
+    };
+    set(0, DrawIgnore());
+    set(function.byRows, DrawTruth());
+    set(function.caseSense, DrawTruth());
+    set(function.sort, Value::Number(Below(5) - 2));
+    set(function.fill, DrawNumber({0, 1, 2}));
+    call_.place.rows = Chance(50) ? 1 : 1 + Below(std::min(rows + 4, 60));
+    if (call_.place.rows > 1) call_.place.columns = 1 + Below(columns + 3);
+    return std::move(call_);
+  }
+
  private:
   std::int32_t DrawHeight() {
     return isLarge_ ? kLargeRows : isMiddle_ ? Below(kMiddleRows) + 1 : Chance(10) ? 1 : 1 + Below(30);
@@ -149,6 +170,17 @@ class CallMaker : private models::Draws {
     call_.tables.push_back(ArrayOf(rows));
   }
 
+  /// A column or a row, mostly with a value for each row. What of a sheet is used then says nothing.
+  void AddCompanions(std::int32_t rows) {
+    Row values(static_cast<std::size_t>(rows + (Chance(90) ? 0 : 1)));
+    for (CellView& value : values) value = Pick(ValuesOf(3));
+    Rows column;
+    for (const CellView& value : values) column.push_back({value});
+    const bool isRow = rows < kMiddleRows && Chance(30);
+    call_.isTall = call_.isTall && !isRow && column.size() == static_cast<std::size_t>(rows);
+    call_.tables.push_back(ArrayOf(isRow ? Rows{values} : column));
+  }
+
   Value DrawKey(std::int32_t columns) {
     const std::int32_t sign = Chance(50) ? 1 : -1, column = (1 + Below(columns)) * sign;
     const std::int32_t kind = Below(40);
@@ -157,6 +189,19 @@ class CallMaker : private models::Draws {
     if (kind <= 4) return PickOf({Value::Number(0), Value::Number(-0.5), Value::Missing()});
     if (kind <= 6) return TextValue(sign > 0 ? XTEXT("1") : XTEXT("-1"));
     return Value::Number(kind == 7 ? column + sign * 0.9 : column);
+  }
+
+  Value DrawNumber(std::initializer_list<double> numbers) {
+    if (Chance(30)) return Value::Missing();
+    return Value::Number(numbers.begin()[Below(static_cast<std::int32_t>(numbers.size()))]);
+  }
+
+  Value DrawIgnore() { return DrawNumber({-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 4.9}); }
+
+  Value DrawTruth() {
+    const std::int32_t kind = Below(5);
+    if (kind == 0) return Value::Missing();
+    return kind <= 2 ? Value::Boolean(kind == 1) : Value::Number(kind == 3 ? 0 : 2);
   }
 
   Call call_;
@@ -170,6 +215,10 @@ class CallMaker : private models::Draws {
 
 Call DrawSort(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places) {
   return CallMaker(seed, number, places).MakeSort();
+}
+
+Call DrawDistinct(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places) {
+  return CallMaker(seed, number, places).MakeDistinct();
 }
 
 }  // namespace qcalc::sort

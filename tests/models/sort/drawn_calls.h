@@ -1,4 +1,4 @@
-// Random calls of the sorts: small tables full of equal and nearly equal cells,
+// Random calls of the sorts and distinct lists: small tables full of equal and nearly equal cells,
 // and large ones now and then.
 #pragma once
 
@@ -8,8 +8,9 @@
 
 namespace qcalc::sort {
 
-/// Draws the call of that number. All of it follows from the seed and the number alone. Calls avoid what the rules
+/// Each draws the call of that number. All of it follows from the seed and the number alone. Calls avoid what the rules
 /// leave open, and texts that the native builds of add-in and host order each in its own way.
 Call DrawSort(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places);
+Call DrawDistinct(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places);
 
 }  // namespace qcalc::sort

@@ -1,4 +1,4 @@
-// The sorts, in arrays and in references, on one thread and on eight.
+// The sorts and distinct lists, in arrays and in references, on one thread and on eight.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -76,6 +76,10 @@ std::string WhatIsWrong(std::uint64_t number, Draw& draw, Model& model) {
 
 TEST(SortModels, Sorts) {
   models::TryCalls([](std::uint64_t number) { return WhatIsWrong(number, DrawSort, ExpectedSort); });
+}
+
+TEST(SortModels, DistinctLists) {
+  models::TryCalls([](std::uint64_t number) { return WhatIsWrong(number, DrawDistinct, ExpectedDistinct); });
 }
 
 }  // namespace
