@@ -1,4 +1,4 @@
-// A call of a sort or a distinct list, and the plain rows that models work on.
+// A call of a sort, a distinct list, a join or a comparison, and the plain rows that models work on.
 #pragma once
 
 #include <vector>

@@ -11,7 +11,7 @@ namespace {
 
 // Every so many calls have tables of some hundred rows, or large ones.
 constexpr std::uint64_t kMiddleEvery = 12, kLargeEvery = 300;
-constexpr std::int32_t kMiddleRows = 500, kLargeRows = 20'000;
+constexpr std::int32_t kMiddleRows = 500, kLargeRows = 20'000, kLargeJoinRows = 600;
 
 constexpr XStringView kTexts[] = {
     XTEXT(""),
@@ -65,6 +65,7 @@ constexpr XStringView kTexts[] = {
 constexpr double kNumbers[] = {0,         -0.0, 1,     2,      3,      -1,   -2,           0.5,
                                0.1 + 0.2, 0.3,  1e308, -1e308, 1e-300, 1e15, 4294967296.0, 9007199254740993.0};
 constexpr std::int32_t kErrors[] = {xlerrNull, xlerrDiv0, xlerrValue, xlerrRef, xlerrName, xlerrNum, xlerrNA};
+constexpr XStringView kLabels[] = {XTEXT("Name"), XTEXT("Qty"), XTEXT("Price"), XTEXT("Day 1")};
 
 /// What the values of a column are.
 enum class Kind { kMixed, kFewNumbers, kManyNumbers, kPlainTexts, kLongTexts };
@@ -110,6 +111,23 @@ class CallMaker : private models::Draws {
     set(function.fill, DrawNumber({0, 1, 2}));
     call_.place.rows = Chance(50) ? 1 : 1 + Below(std::min(rows + 4, 60));
     if (call_.place.rows > 1) call_.place.columns = 1 + Below(columns + 3);
+    return std::move(call_);
+  }
+
+  Call MakeJoin() {
+    call_.function = Pick(kJoinFunctions);
+    const bool isJoin = call_.function == kJoinFunctions[0] || call_.function == kJoinFunctions[1];
+    hasHeader_ = isJoin && Chance(40);
+    for (int table = 0; table < 2; ++table)
+      AddTable(isLarge_ ? kLargeJoinRows : Chance(15) ? 1 : 1 + Below(14), 1 + Below(4));
+    if (isJoin) {
+      DrawJoinSettings();
+    } else if (call_.function == kJoinFunctions[2]) {
+      call_.settings = {DrawIgnore(), DrawTruth(), Value::Number(Below(5) - 2)};
+    } else {
+      if (Chance(60)) call_.tables[1] = Varied(*call_.tables[0]);
+      call_.settings = {DrawNumber({0, 1, 1, 2, 2, 2.5, 3}), DrawNumber({0, 0.5, 1, -1, 1e-9}), DrawTruth()};
+    }
     return std::move(call_);
   }
 
@@ -166,6 +184,9 @@ class CallMaker : private models::Draws {
     for (std::int32_t odd = isLarge_ || isMiddle_ ? Below(6) : 0; odd > 0; --odd)
       Pick(Pick(rows)) = DrawCell(Kind::kMixed);
     if (isLarge_ && Chance(40)) rows = SortedRows(rows, {Chance(50) ? 1 : -1}, TextOrder::kUnits);
+    const std::int32_t first = Below(4);
+    for (std::int32_t column = 0; hasHeader_ && column < columns; ++column)
+      rows[0][static_cast<std::size_t>(column)] = CellView::Text(kLabels[(first + column) % 4]);
     if (call_.isTall && rows.back()[0].IsEmpty()) rows.back()[0] = CellView::Number(1);
     call_.tables.push_back(ArrayOf(rows));
   }
@@ -204,9 +225,54 @@ class CallMaker : private models::Draws {
     return kind <= 2 ? Value::Boolean(kind == 1) : Value::Number(kind == 3 ? 0 : 2);
   }
 
+  /// The same cells but for some.
+  ArrayPtr Varied(const Array& table) {
+    Rows rows = RowsOf(table);
+    for (Row& row : rows)
+      for (std::size_t column = 0; column < row.size(); ++column)
+        if (Chance(15)) row[column] = Pick(ValuesOf(column));
+    return ArrayOf(rows);
+  }
+
+  void DrawJoinSettings() {
+    const bool isMatches = call_.function == kJoinFunctions[0];
+    const std::int32_t keys = Chance(65) ? 1 : 2;
+    call_.settings.resize(kJoinSettings, Value::Missing());
+    call_.settings[kMatchType] = isMatches ? DrawNumber({4, 5, 6, 7}) : DrawNumber({1, 2, 3});
+    if (keys > 1 || Chance(60)) call_.settings[kLeftColumns] = DrawColumnNames(keys, *call_.tables[0]);
+    if (Chance(60)) call_.settings[kRightColumns] = DrawColumnNames(keys, *call_.tables[1]);
+    call_.settings[kJoinCase] = DrawTruth();
+    const Row ones(4, CellView::Number(1));
+    if (Chance(60)) call_.settings[kFill] = PickOf({TextValue(XTEXT("")), Value::Number(0), Array1({ones[0]})});
+    const std::int32_t spoilt = Below(60);
+    const Value badColumn = PickOf({Value::Number(0), Value::Number(-1), Value::Number(5), Value::Boolean(true),
+                                    Value::Error(xlerrNA), TextValue(XTEXT("no such label")), Array1(ones)});
+    if (spoilt <= 1) call_.settings[spoilt == 0 ? kLeftColumns : kRightColumns] = badColumn;
+    if (spoilt != 2 && spoilt != 3) return;
+    // Only one thing is wrong.
+    call_.settings[kLeftColumns] = call_.settings[kRightColumns] = Value::Missing();
+    if (spoilt == 2) call_.settings[kMatchType] = Value::Number(isMatches ? 3 : 4);
+    if (spoilt == 3) call_.settings[kFill] = Array1(ones);
+  }
+
+  static Value Array1(const Row& row) { return Value::OfArray(ArrayOf({row})); }
+
+  /// Numbers and, where there is a header, labels in any case, mostly such as the table has.
+  Value DrawColumnNames(std::int32_t keys, const Array& table) {
+    Row names;
+    for (std::int32_t key = 0; key < keys; ++key) {
+      const std::int32_t column = Below(table.Columns());
+      XString label(hasHeader_ && Chance(95) ? table.At(0, column).AsText() : Pick(kLabels));
+      if (Chance(30)) label[1] ^= 0x20;
+      names.push_back(hasHeader_ && Chance(50) ? Keep(label) : CellView::Number(column + 1));
+    }
+    return keys == 1 && Chance(80) ? Value::OfCell(names[0]) : Array1(names);
+  }
+
   Call call_;
   bool isLarge_ = false;
   bool isMiddle_ = false;
+  bool hasHeader_ = false;
   std::vector<std::vector<CellView>> values_;  ///< of each column
   std::deque<XString> texts_;                  ///< of cells until they are stored
 };
@@ -219,6 +285,10 @@ Call DrawSort(std::uint64_t seed, std::uint64_t number, const models::CallingPla
 
 Call DrawDistinct(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places) {
   return CallMaker(seed, number, places).MakeDistinct();
+}
+
+Call DrawJoin(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places) {
+  return CallMaker(seed, number, places).MakeJoin();
 }
 
 }  // namespace qcalc::sort

@@ -1,4 +1,4 @@
-// Random calls of the sorts and distinct lists: small tables full of equal and nearly equal cells,
+// Random calls of the sorts, distinct lists, joins and comparisons: small tables full of equal and nearly equal cells,
 // and large ones now and then.
 #pragma once
 
@@ -12,5 +12,6 @@ namespace qcalc::sort {
 /// leave open, and texts that the native builds of add-in and host order each in its own way.
 Call DrawSort(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places);
 Call DrawDistinct(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places);
+Call DrawJoin(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places);
 
 }  // namespace qcalc::sort

@@ -1,4 +1,4 @@
-// Slow and plain models of the sorts and distinct lists: what a call must give, worked out from the
+// Slow and plain models of the sorts, distinct lists, joins and comparisons: what a call must give, worked out from the
 // rules that the help pages state. They share nothing with the add-in.
 #pragma once
 
@@ -41,6 +41,13 @@ inline constexpr DistinctFunction kDistinctFunctions[] = {
 
 /// Items in a map, in order of their first occurrence. A SumColumn or AvgColumn is a second table.
 Value ExpectedDistinct(const Call& call);
+
+inline constexpr XStringView kJoinFunctions[] = {XTEXT("MATCHES"), XTEXT("MISSMATCHES"), XTEXT("COMPARE.LISTS"),
+                                                 XTEXT("COMPARE")};
+enum JoinSetting : std::size_t { kMatchType, kLeftColumns, kRightColumns, kJoinCase, kFill, kJoinSettings };
+
+/// Every row of one table against every row of the other.
+Value ExpectedJoin(const Call& call);
 
 // Rules that the models share.
 

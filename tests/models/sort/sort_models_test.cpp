@@ -1,4 +1,4 @@
-// The sorts and distinct lists, in arrays and in references, on one thread and on eight.
+// The sorts, distinct lists, joins and comparisons, in arrays and in references, on one thread and on eight.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -80,6 +80,10 @@ TEST(SortModels, Sorts) {
 
 TEST(SortModels, DistinctLists) {
   models::TryCalls([](std::uint64_t number) { return WhatIsWrong(number, DrawDistinct, ExpectedDistinct); });
+}
+
+TEST(SortModels, Joins) {
+  models::TryCalls([](std::uint64_t number) { return WhatIsWrong(number, DrawJoin, ExpectedJoin); });
 }
 
 }  // namespace
