@@ -83,6 +83,7 @@ class RunSorter {
   static constexpr int kBitsBeyondRows = 6;
   /// A key needs so many bits to tell the kinds of its values at least.
   static constexpr int kLeastBits = 3;
+  /// Of so many bits, the codes of all kinds together can be counted.
   static constexpr int kMostBits = 60;
 
   std::span<std::int32_t> RowsOf(const EqualRun& run) noexcept {

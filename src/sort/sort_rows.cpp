@@ -117,9 +117,9 @@ class CellRows {
     LineRanks& ranks = ranks_[run.key];
     std::int32_t& tied = tiedRows_[run.key];
     const std::int32_t enough = Count() / kPartOfLine;
-    const bool wasEnough = tied > enough;
+    if (tied > enough) return;
     tied += run.Count();
-    if (ranks.AreKnown() || wasEnough || tied <= enough) return;
+    if (tied <= enough) return;
     std::vector<XLOPER12> gathered;
     const CellLine line = LineOf(run.key, gathered);
     if (mode_ != SortMode::kOrdinal)

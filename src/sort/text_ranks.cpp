@@ -111,9 +111,9 @@ TextRanks RankPlaces(const CellLine& line, std::span<const std::int32_t> places,
 
 constexpr std::int32_t kOnlyColumn[] = {0};
 
-/// The ranks of a line by those of its distinct texts, which `rankPlaces` is asked for.
-template <class RankPlaces>
-LineRanks RankLine(const CellLine& line, const RankPlaces& rankPlaces) {
+/// The ranks of a line by those of its distinct texts, which `rankDistinct` is asked for.
+template <class RankDistinct>
+LineRanks RankLine(const CellLine& line, const RankDistinct& rankDistinct) {
   const RowTuples tuples({line.first, line.count, static_cast<std::int32_t>(line.stride)}, kOnlyColumn);
   ScratchArray<std::uint32_t> numbers(static_cast<std::size_t>(line.count));
   std::vector<std::int32_t> firstPlaces;
@@ -131,7 +131,7 @@ LineRanks RankLine(const CellLine& line, const RankPlaces& rankPlaces) {
     distinct.AddAll(isText, take);
     firstPlaces.assign(distinct.FirstPlaces().begin(), distinct.FirstPlaces().end());
   }
-  TextRanks ranks = rankPlaces(firstPlaces);
+  TextRanks ranks = rankDistinct(firstPlaces);
   return {texts, std::move(numbers), std::move(firstPlaces), std::move(ranks)};
 }
 
