@@ -37,11 +37,23 @@ double SumOf(const XLOPER12& array) {
   return sum;
 }
 
+/// A cell that calls.
+XLOPER12 OneCell() {
+  XLOPER12 reference{};
+  reference.val.sref.count = 1;
+  reference.xltype = xltypeSRef;
+  return reference;
+}
+
 extern "C" int Answer(int xlfn, int, XLOPER12** arguments, XLOPER12* result) {
+  if (xlfn == xlfCaller) {
+    *result = OneCell();
+    return xlretSuccess;
+  }
   const XLOPER12& first = *arguments[0];
   switch (xlfn) {
     case xlFree:
-      std::free(first.val.array.lparray);
+      if (TypeOf(first) == xltypeMulti) std::free(first.val.array.lparray);
       return xlretSuccess;
     case xlCoerce:
       *result = NumberedCells(first.val.sref.ref);
