@@ -5,29 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "frame/values/cell.h"
 #include "table/cell_type.h"
 #include "table/distinct_tuples.h"
 
 namespace quillmere::sort {
-namespace {
-
-bool IsBlank(const XLOPER12& cell) { return !IsTextCell(cell) || TextOf(cell).empty(); }
-
-bool IsZero(const XLOPER12& cell) { return CellNumber(cell) == 0; }
-
-}  // namespace
-
-bool IsIgnored(std::span<const XLOPER12> item, const IgnoredItems& ignored) {
-  // The types of all cells, taken together, tell for most.
-  std::uint32_t types = 0;
-  for (const XLOPER12& cell : item) types |= CellType(cell);
-  if (ignored.errors && (types & xltypeErr) != 0) return true;
-  if (ignored.blanks && (types & ~(xltypeStr | xltypeNil | xltypeMissing)) == 0 && std::ranges::all_of(item, IsBlank))
-    return true;
-  return ignored.zeros && (types & ~(xltypeNum | xltypeInt)) == 0 && std::ranges::all_of(item, IsZero);
-}
-
 namespace {
 
 /// Lengthens a list of zeros, many at once, until it has that place. Where items first occur cannot be foreseen, when

@@ -2,24 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 #include "frame/values/scratch_list.h"
 #include "frame/values/xl_oper.h"
+#include "sort/ignored_items.h"
 #include "table/cell_hash.h"
 #include "table/cell_line.h"
 
 namespace quillmere::sort {
-
-/// Which items count for nothing.
-struct IgnoredItems {
-  bool errors = false;  ///< those with an error in any of their cells
-  bool blanks = false;  ///< those whose cells are all empty, or texts of length zero
-  bool zeros = false;   ///< those whose cells are all the number 0
-};
-
-/// Whether an item of those cells is.
-bool IsIgnored(std::span<const XLOPER12> item, const IgnoredItems& ignored);
 
 /// Distinct items in the order in which they first occur. Items are numbered from 0 by the rows that they are.
 struct DistinctItems {
