@@ -3,10 +3,10 @@
 // Serves COMPARE.
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "frame/convert/argument.h"
 #include "frame/values/array_builder.h"
+#include "frame/values/scratch_list.h"
 #include "implementations/sort.h"
 #include "table/table_view.h"
 #include "table/tuple_compare.h"
@@ -89,9 +89,9 @@ CXlOper CountDifferences(const ArrayPair<textCase>& arrays) {
 
 template <TextCase textCase>
 CXlOper ListDifferences(const ArrayPair<textCase>& arrays) {
-  std::vector<CellPlace> places;
+  ScratchList<CellPlace> places;
   arrays.ForEachDifference([&](const CellPlace& place) {
-    places.push_back(place);
+    places.Append(place);
     return places.size() <= kXlMaxRows;  // the builder refuses more
   });
   if (places.empty()) return CXlOper::Number(0);

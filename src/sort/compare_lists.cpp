@@ -1,10 +1,11 @@
 // The distinct items of two lists, with how often each occurs in either.
 //
 // Serves COMPARE.LISTS.
-#include <span>
+#include <utility>
 #include <vector>
 
 #include "frame/values/array_builder.h"
+#include "frame/values/scratch_list.h"
 #include "implementations/sort.h"
 #include "sort/distinct_arguments.h"
 #include "sort/sort_rows.h"
@@ -35,48 +36,56 @@ class ListPair {
   CXlCells second_;
 };
 
-/// A distinct item, as it stands where it occurs first, and how often it occurs.
-struct CountedItem {
-  const XLOPER12* cell;
+struct ItemCounts {
   std::int32_t inFirst;
   std::int32_t inSecond;
 };
 
+/// Distinct items in the order in which they first occur.
+struct CountedItems {
+  ScratchList<std::int32_t> firstPlaces;
+  ScratchList<ItemCounts> counts;
+};
+
 template <TextCase textCase>
-std::vector<CountedItem> CountItems(const ListPair& lists, const IgnoredItems& ignored) {
-  std::vector<CountedItem> items;
+CountedItems CountItems(const ListPair& lists, const IgnoredItems& ignored) {
+  CountedItems items;
   DistinctTuples<textCase, ListPair> distinct(lists);
   const auto isWanted = [&](std::int32_t place) { return !IsIgnored({lists.CellAt(place, 0), 1}, ignored); };
   distinct.AddAll(isWanted, [&](std::int32_t place, std::int32_t number) {
     const auto at = static_cast<std::size_t>(number);
-    if (at == items.size()) items.push_back({lists.CellAt(place, 0), 0, 0});
-    ++(lists.IsInFirst(place) ? items[at].inFirst : items[at].inSecond);
+    if (at == items.counts.size()) items.counts.Append({0, 0});
+    ++(lists.IsInFirst(place) ? items.counts[at].inFirst : items.counts[at].inSecond);
   });
+  items.firstPlaces = std::move(distinct).TakeFirstPlaces();
   return items;
 }
 
-/// The positions of the items, in order.
-std::vector<std::int32_t> SortItems(std::span<const CountedItem> items, const ListOrder& order) {
+/// The numbers of the items, in order.
+std::vector<std::int32_t> SortItems(const ListPair& lists, const CountedItems& items, const ListOrder& order) {
   std::vector<XLOPER12> cells;
-  cells.reserve(items.size());
-  for (const CountedItem& item : items)
-    cells.push_back(order.by == ListOrder::By::kItem ? *item.cell : NumberCell(item.inFirst));
+  cells.reserve(items.counts.size());
+  if (order.by == ListOrder::By::kItem)
+    for (const std::int32_t place : items.firstPlaces) cells.push_back(*lists.CellAt(place, 0));
+  else
+    for (const ItemCounts& counts : items.counts) cells.push_back(NumberCell(counts.inFirst));
   const SortKey key{{cells.data(), static_cast<std::int32_t>(cells.size()), 1}, order.isDescending};
   return SortRows({&key, 1}, {}, SortMode::kCollatedByCase);
 }
 
-CXlOper ListItems(std::span<const CountedItem> items, const ListOrder& order) {
-  CheckArraySize(static_cast<std::int64_t>(items.size()), 3);
+CXlOper ListItems(const ListPair& lists, const CountedItems& items, const ListOrder& order) {
+  const std::size_t rows = items.counts.size();
+  CheckArraySize(static_cast<std::int64_t>(rows), 3);
   std::vector<std::int32_t> sorted;
-  if (order.by != ListOrder::By::kFirstOccurrence) sorted = SortItems(items, order);
+  if (order.by != ListOrder::By::kFirstOccurrence) sorted = SortItems(lists, items, order);
 
-  CXlArrayBuilder builder(static_cast<std::int64_t>(items.size()), 3);
+  CXlArrayBuilder builder(static_cast<std::int64_t>(rows), 3);
   XLOPER12* to = builder.Row(0);
-  for (std::size_t row = 0; row < items.size(); ++row) {
-    const CountedItem& item = items[sorted.empty() ? row : static_cast<std::size_t>(sorted[row])];
-    builder.CopyCells(to++, item.cell, 1);
-    *to++ = NumberCell(item.inFirst);
-    *to++ = NumberCell(item.inSecond);
+  for (std::size_t row = 0; row < rows; ++row) {
+    const std::size_t number = sorted.empty() ? row : static_cast<std::size_t>(sorted[row]);
+    builder.CopyCells(to++, lists.CellAt(items.firstPlaces[number], 0), 1);
+    *to++ = NumberCell(items.counts[number].inFirst);
+    *to++ = NumberCell(items.counts[number].inSecond);
   }
   return builder.Finish();
 }
@@ -97,12 +106,12 @@ void Functions::CompareLists(CXlOper& result, const CXlArgument& list1, const CX
   if (std::int64_t{firstItems.rows} + secondItems.rows > kMostItems) throw CXlArrayTooLargeException();
 
   const ListPair lists(firstItems, secondItems);
-  const std::vector<CountedItem> items = textCase == TextCase::kCounts ? CountItems<TextCase::kCounts>(lists, ignored)
-                                                                       : CountItems<TextCase::kIgnored>(lists, ignored);
-  if (items.empty())
+  const auto count = textCase == TextCase::kCounts ? CountItems<TextCase::kCounts> : CountItems<TextCase::kIgnored>;
+  const CountedItems items = count(lists, ignored);
+  if (items.counts.empty())
     result.SetError(xlerrNA);
   else
-    result = ListItems(items, order);
+    result = ListItems(lists, items, order);
 }
 
 }  // namespace quillmere::sort

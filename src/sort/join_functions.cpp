@@ -2,7 +2,6 @@
 //
 // Serves MATCHES, MISSMATCHES.
 #include <algorithm>
-#include <vector>
 
 #include "frame/values/array_builder.h"
 #include "implementations/sort.h"
@@ -82,8 +81,8 @@ void Functions::MissMatches(CXlOper& result, const CXlArgument& leftData, const 
   const bool wantsRight = (plan->matchType & kOfRight) != 0;
 
   const KeyGroups groups = GroupByKeys(plan->left.Keys(), plan->right.Keys(), plan->textCase);
-  std::vector<std::int32_t> leftRows;
-  std::vector<std::int32_t> rightRows;
+  ScratchList<std::int32_t> leftRows;
+  ScratchList<std::int32_t> rightRows;
   if (wantsLeft) leftRows = RowsWithoutPartner(groups.ofFirst, groups.ofSecond, groups.names);
   if (wantsRight) rightRows = RowsWithoutPartner(groups.ofSecond, groups.ofFirst, groups.names);
   if (leftRows.empty() && rightRows.empty()) {
@@ -97,8 +96,8 @@ void Functions::MissMatches(CXlOper& result, const CXlArgument& leftData, const 
   const CXlCells header = leftWidth == width ? plan->left.Header() : plan->right.Header();
   const ArrayPiece pieces[] = {
       PaddedPiece(header, AxisMap::Run(0, header.rows), width),
-      PaddedPiece(plan->left.Data(), AxisMap::By(leftRows), width),
-      PaddedPiece(plan->right.Data(), AxisMap::By(rightRows), width),
+      PaddedPiece(plan->left.Data(), AxisMap::By(leftRows.Values()), width),
+      PaddedPiece(plan->right.Data(), AxisMap::By(rightRows.Values()), width),
   };
   result = PaintStack(pieces, false, *plan->fill);
 }

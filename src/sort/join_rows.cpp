@@ -90,22 +90,24 @@ RowPairs Partners::List() const {
   return pairs;
 }
 
-std::vector<std::int32_t> RowsWithoutPartner(const RowNumbers& groups, const RowNumbers& otherGroups,
+ScratchList<std::int32_t> RowsWithoutPartner(const RowNumbers& groups, const RowNumbers& otherGroups,
                                              std::int32_t names) {
   // Without jumps, since which rows have one may be anybody's guess: those in no group are marked with the others,
   // below.
   constexpr std::int32_t kBelow = -kOddTuple;
-  std::vector<std::uint8_t> isThere(static_cast<std::size_t>(names + kBelow));
-  for (const std::int32_t group : otherGroups) isThere[static_cast<std::size_t>(group + kBelow)] = 1;
-  std::fill_n(isThere.begin(), kBelow, std::uint8_t{0});
-  std::vector<std::int32_t> rows(groups.size());
+  ScratchArray<bool> isThere(static_cast<std::size_t>(names + kBelow));
+  std::ranges::fill(isThere, false);
+  for (const std::int32_t group : otherGroups) isThere[static_cast<std::size_t>(group + kBelow)] = true;
+  std::fill_n(isThere.begin(), kBelow, false);
+  ScratchList<std::int32_t> rows;
+  rows.MakeRoomFor(groups.size());
   std::size_t count = 0;
   std::int32_t row = 0;
   for (const std::int32_t group : groups) {
-    rows[count] = row++;
-    count += isThere[static_cast<std::size_t>(group + kBelow)] ^ 1;
+    rows.Room()[count] = row++;
+    count += isThere[static_cast<std::size_t>(group + kBelow)] ? 0 : 1;
   }
-  rows.resize(count);
+  rows.SetSize(count);
   return rows;
 }
 

@@ -3,9 +3,8 @@
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
-#include "frame/values/scratch_array.h"
+#include "frame/values/scratch_list.h"
 #include "table/cell_hash.h"
 #include "table/cell_tuples.h"
 
@@ -55,7 +54,7 @@ class Partners {
 };
 
 /// The rows of a table that have no partner among those of the other, in order, by the groups of both.
-std::vector<std::int32_t> RowsWithoutPartner(const RowNumbers& groups, const RowNumbers& otherGroups,
+ScratchList<std::int32_t> RowsWithoutPartner(const RowNumbers& groups, const RowNumbers& otherGroups,
                                              std::int32_t names);
 
 }  // namespace quillmere::sort
