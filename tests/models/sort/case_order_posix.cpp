@@ -1,5 +1,5 @@
 #include "host/text/collation.h"
-#include "tests/models/sort/case_order.h"
+#include "tests/models/sort/model.h"
 
 namespace qcalc::sort {
 

@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include "tests/models/sort/case_order.h"
+#include "tests/models/sort/model.h"
 
 namespace qcalc::sort {
 

@@ -1,5 +1,3 @@
-#include "tests/models/sort/drawn_calls.h"
-
 #include <algorithm>
 #include <deque>
 
@@ -64,13 +62,13 @@ constexpr XStringView kTexts[] = {
 };
 constexpr double kNumbers[] = {0,         -0.0, 1,     2,      3,      -1,   -2,           0.5,
                                0.1 + 0.2, 0.3,  1e308, -1e308, 1e-300, 1e15, 4294967296.0, 9007199254740993.0};
-constexpr std::int32_t kErrors[] = {xlerrNull, xlerrDiv0, xlerrValue, xlerrRef, xlerrName, xlerrNum, xlerrNA};
 constexpr XStringView kLabels[] = {XTEXT("Name"), XTEXT("Qty"), XTEXT("Price"), XTEXT("Day 1")};
 
 /// What the values of a column are.
 enum class Kind { kMixed, kFewNumbers, kManyNumbers, kPlainTexts, kLongTexts };
 
 Value TextValue(XStringView text) { return Value::Text(XString(text)); }
+Value RowValue(const Row& row) { return Value::OfArray(ArrayOf({row})); }
 
 class CallMaker : private models::Draws {
  public:
@@ -83,20 +81,20 @@ class CallMaker : private models::Draws {
   }
 
   Call MakeSort() {
-    constexpr std::int32_t kManyColumns = 16;
-    call_.function = Pick(kSortFunctions).name;
+    constexpr std::int32_t kManyColumns = 16, kMostKeys = 15;
     const std::int32_t columns = isLarge_ || Chance(90) ? 1 + Below(4) : kManyColumns;
+    call_.function = Pick(kSortFunctions).name;
     AddTable(DrawHeight(), columns);
-    call_.settings.resize(15, Value::Missing());
-    std::int32_t keys = columns == kManyColumns && Chance(50) ? 15 : Below(4);
+    call_.settings.resize(kMostKeys, Value::Missing());
+    std::int32_t keys = columns == kManyColumns && Chance(50) ? kMostKeys : Below(4);
     while (keys-- > 0) call_.settings[static_cast<std::size_t>(keys)] = DrawKey(columns);
     return std::move(call_);
   }
 
   Call MakeDistinct() {
     const DistinctFunction& function = Pick(kDistinctFunctions);
-    call_.function = function.name;
     const std::int32_t columns = 1 + Below(3), rows = DrawHeight();
+    call_.function = function.name;
     AddTable(rows, columns);
     if (function.figure >= Figure::kSum) AddCompanions(rows);
     const auto set = [&](std::size_t place, Value value) {
@@ -149,16 +147,14 @@ class CallMaker : private models::Draws {
   }
 
   CellView DrawCell(Kind kind) {
-    constexpr Kind kOthers[] = {Kind::kFewNumbers, Kind::kFewNumbers, Kind::kPlainTexts, Kind::kPlainTexts,
-                                Kind::kLongTexts};
-    const std::int32_t drawn = Below(9);
-    if (kind == Kind::kMixed && drawn == 0) return CellView::Boolean(Chance(50));
-    if (kind == Kind::kMixed && drawn == 1) return CellView::Error(Pick(kErrors));
-    if (kind == Kind::kMixed && drawn <= 3) return {};
-    if (kind == Kind::kMixed) kind = Pick(kOthers);
+    const std::int32_t drawn = Below(kind == Kind::kMixed ? 9 : 1);
+    if (drawn == 1) return CellView::Boolean(Chance(50));
+    if (drawn == 2) return CellView::Error(Chance(50) ? xlerrNull : xlerrNA);
+    if (drawn == 3 || drawn == 4) return {};
     if (kind == Kind::kManyNumbers) return CellView::Number((Below(1'000'000) - 400'000) * 0.25);
-    if (kind == Kind::kFewNumbers) return CellView::Number(Pick(kNumbers));
-    return kind == Kind::kPlainTexts ? CellView::Text(Pick(kTexts)) : DrawLongText(Chance(95) ? 30 : 300);
+    if (kind == Kind::kFewNumbers || drawn >= 7) return CellView::Number(Pick(kNumbers));
+    if (kind == Kind::kPlainTexts || drawn >= 5) return CellView::Text(Pick(kTexts));
+    return DrawLongText(Chance(95) ? 30 : 300);
   }
 
   /// The values that a column of any table takes its cells from: few, but in large tables now and then many, and among
@@ -191,7 +187,7 @@ class CallMaker : private models::Draws {
     call_.tables.push_back(ArrayOf(rows));
   }
 
-  /// A column or a row, mostly with a value for each row. What of a sheet is used then says nothing.
+  /// A column or a row, mostly with a value for each row. Tall are only columns of the right length.
   void AddCompanions(std::int32_t rows) {
     Row values(static_cast<std::size_t>(rows + (Chance(90) ? 0 : 1)));
     for (CellView& value : values) value = Pick(ValuesOf(3));
@@ -204,12 +200,18 @@ class CallMaker : private models::Draws {
 
   Value DrawKey(std::int32_t columns) {
     const std::int32_t sign = Chance(50) ? 1 : -1, column = (1 + Below(columns)) * sign;
-    const std::int32_t kind = Below(40);
-    if (kind == 0) return PickOf({Value::Number(columns + 1), Value::Number(-columns - 1), Value::Number(1e10)});
-    if (kind == 1) return PickOf({TextValue(XTEXT("x")), TextValue(XTEXT("")), Value::Error(xlerrNA)});
-    if (kind <= 4) return PickOf({Value::Number(0), Value::Number(-0.5), Value::Missing()});
-    if (kind <= 6) return TextValue(sign > 0 ? XTEXT("1") : XTEXT("-1"));
-    return Value::Number(kind == 7 ? column + sign * 0.9 : column);
+    switch (Below(30)) {
+      case 0:
+        return PickOf({Value::Number(columns + 1), Value::Number(-columns - 1), Value::Number(1e10)});
+      case 1:
+        return PickOf({TextValue(XTEXT("x")), TextValue(XTEXT("")), Value::Error(xlerrNA)});
+      case 2:
+        return PickOf({Value::Number(0), Value::Number(-0.5), Value::Missing()});
+      case 3:
+        return PickOf({TextValue(XTEXT("1")), TextValue(XTEXT("-1")), Value::Number(column + sign * 0.9)});
+      default:
+        return Value::Number(column);
+    }
   }
 
   Value DrawNumber(std::initializer_list<double> numbers) {
@@ -219,11 +221,7 @@ class CallMaker : private models::Draws {
 
   Value DrawIgnore() { return DrawNumber({-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 4.9}); }
 
-  Value DrawTruth() {
-    const std::int32_t kind = Below(5);
-    if (kind == 0) return Value::Missing();
-    return kind <= 2 ? Value::Boolean(kind == 1) : Value::Number(kind == 3 ? 0 : 2);
-  }
+  Value DrawTruth() { return Chance(50) ? DrawNumber({0, 2}) : Value::Boolean(Chance(50)); }
 
   /// The same cells but for some.
   ArrayPtr Varied(const Array& table) {
@@ -237,25 +235,23 @@ class CallMaker : private models::Draws {
   void DrawJoinSettings() {
     const bool isMatches = call_.function == kJoinFunctions[0];
     const std::int32_t keys = Chance(65) ? 1 : 2;
-    call_.settings.resize(kJoinSettings, Value::Missing());
-    call_.settings[kMatchType] = isMatches ? DrawNumber({4, 5, 6, 7}) : DrawNumber({1, 2, 3});
-    if (keys > 1 || Chance(60)) call_.settings[kLeftColumns] = DrawColumnNames(keys, *call_.tables[0]);
-    if (Chance(60)) call_.settings[kRightColumns] = DrawColumnNames(keys, *call_.tables[1]);
-    call_.settings[kJoinCase] = DrawTruth();
+    auto& settings = call_.settings;
+    settings.resize(kJoinSettings, Value::Missing());
+    settings[kMatchType] = isMatches ? DrawNumber({4, 5, 6, 7}) : DrawNumber({1, 2, 3});
+    if (keys > 1 || Chance(60)) settings[kLeftColumns] = DrawColumnNames(keys, *call_.tables[0]);
+    if (Chance(60)) settings[kRightColumns] = DrawColumnNames(keys, *call_.tables[1]);
+    settings[kJoinCase] = DrawTruth();
     const Row ones(4, CellView::Number(1));
-    if (Chance(60)) call_.settings[kFill] = PickOf({TextValue(XTEXT("")), Value::Number(0), Array1({ones[0]})});
-    const std::int32_t spoilt = Below(60);
+    if (Chance(60)) settings[kFill] = PickOf({TextValue(XTEXT("")), Value::Number(0), RowValue({ones[0]})});
     const Value badColumn = PickOf({Value::Number(0), Value::Number(-1), Value::Number(5), Value::Boolean(true),
-                                    Value::Error(xlerrNA), TextValue(XTEXT("no such label")), Array1(ones)});
-    if (spoilt <= 1) call_.settings[spoilt == 0 ? kLeftColumns : kRightColumns] = badColumn;
-    if (spoilt != 2 && spoilt != 3) return;
-    // Only one thing is wrong.
-    call_.settings[kLeftColumns] = call_.settings[kRightColumns] = Value::Missing();
-    if (spoilt == 2) call_.settings[kMatchType] = Value::Number(isMatches ? 3 : 4);
-    if (spoilt == 3) call_.settings[kFill] = Array1(ones);
+                                    Value::Error(xlerrNA), TextValue(XTEXT("no such label")), RowValue(ones)});
+    if (Chance(4)) settings[Chance(50) ? kLeftColumns : kRightColumns] = badColumn;
+    if (!Chance(4)) return;
+    // Nothing else is wrong then.
+    settings[kLeftColumns] = settings[kRightColumns] = Value::Missing();
+    const bool isTypeWrong = Chance(50);
+    settings[isTypeWrong ? kMatchType : kFill] = isTypeWrong ? Value::Number(isMatches ? 3 : 4) : RowValue(ones);
   }
-
-  static Value Array1(const Row& row) { return Value::OfArray(ArrayOf({row})); }
 
   /// Numbers and, where there is a header, labels in any case, mostly such as the table has.
   Value DrawColumnNames(std::int32_t keys, const Array& table) {
@@ -266,7 +262,7 @@ class CallMaker : private models::Draws {
       if (Chance(30)) label[1] ^= 0x20;
       names.push_back(hasHeader_ && Chance(50) ? Keep(label) : CellView::Number(column + 1));
     }
-    return keys == 1 && Chance(80) ? Value::OfCell(names[0]) : Array1(names);
+    return keys == 1 && Chance(80) ? Value::OfCell(names[0]) : RowValue(names);
   }
 
   Call call_;

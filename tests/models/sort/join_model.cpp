@@ -16,31 +16,29 @@ Row CellsOf(const Value& value) { return value.IsArray() ? RowsOf(*value.AsArray
 struct Side {
   Row header;  ///< the first row, whether it counts as one or not
   Rows rows;
-  std::vector<std::size_t> columns;  ///< of the keys
-  std::vector<XString> keys;         ///< of the rows; empty, and equal to none, where a part is missing
+  std::vector<XString> keys;  ///< of the rows; empty, and equal to none, where a part is missing
 };
 
-/// False when a selector names no column.
-bool SelectColumns(const Value& selector, Side& side) {
+/// Nothing when the selector names no column.
+std::optional<Side> ReadSide(const Array& table, const Value& selector, bool hasHeader, bool caseSensitive) {
+  Side side{RowsOf(table)[0], RowsOf(table), {}};
+  if (hasHeader) side.rows.erase(side.rows.begin());
+  std::vector<Row> parts(side.rows.size());
   for (const CellView& name : CellsOf(selector)) {
     const auto label = std::find_if(side.header.begin(), side.header.end(), [&](const CellView& cell) {
       return name.IsText() && cell.IsText() && lookup::EqualLabels(cell.AsText(), name.AsText());
     });
     const double column = name.IsText() ? static_cast<double>(label - side.header.begin()) + 1
                                         : std::trunc(name.IsNumber() ? name.AsNumber() : 0);
-    if (column < 1 || column > static_cast<double>(side.header.size())) return false;
-    side.columns.push_back(static_cast<std::size_t>(column) - 1);
+    if (column < 1 || column > static_cast<double>(side.header.size())) return std::nullopt;
+    for (std::size_t row = 0; row < parts.size(); ++row)
+      parts[row].push_back(side.rows[row][static_cast<std::size_t>(column) - 1]);
   }
-  return true;
-}
-
-void MakeKeys(Side& side, bool caseSensitive) {
-  for (const Row& row : side.rows) {
-    Row parts;
-    for (const std::size_t column : side.columns) parts.push_back(row[column]);
-    const bool isWhole = std::none_of(parts.begin(), parts.end(), [](const CellView& part) { return part.IsEmpty(); });
-    side.keys.push_back(isWhole ? KeyOf(parts, caseSensitive) : XString());
+  for (const Row& key : parts) {
+    const bool isWhole = std::none_of(key.begin(), key.end(), [](const CellView& part) { return part.IsEmpty(); });
+    side.keys.push_back(isWhole ? KeyOf(key, caseSensitive) : XString());
   }
+  return side;
 }
 
 Row Joined(Row left, const Row& right) {
@@ -48,14 +46,15 @@ Row Joined(Row left, const Row& right) {
   return left;
 }
 
-Rows Matched(const Side& leading, const Side& other, bool wantsAll, const CellView& fill) {
+/// `keepsAll`: rows without a partner too, beside fills.
+Rows Matched(const Side& leading, const Side& other, bool keepsAll, const CellView& fill) {
   Rows result;
   for (std::size_t row = 0; row < leading.rows.size(); ++row) {
     const std::size_t before = result.size();
     for (std::size_t partner = 0; partner < other.rows.size(); ++partner)
       if (!leading.keys[row].empty() && leading.keys[row] == other.keys[partner])
         result.push_back(Joined(leading.rows[row], other.rows[partner]));
-    if (result.size() == before && wantsAll)
+    if (result.size() == before && keepsAll)
       result.push_back(Joined(leading.rows[row], Row(other.header.size(), fill)));
   }
   return result;
@@ -68,43 +67,31 @@ void AddUnmatched(const Side& leading, const Side& other, Rows& result) {
 }
 
 Value ExpectedMatches(const Call& call, bool wantsMatches) {
-  const auto type = static_cast<int>(SettingOr(wantsMatches ? 5 : 3, call.settings[kMatchType]));
-  if (wantsMatches ? type < 4 || type > 7 : type < 1 || type > 3)
-    return Told(wantsMatches ? XTEXT("#ERROR: Expected one of 4, 5, 6, 7 for Match_Type")
-                             : XTEXT("#ERROR: Expected one of 1, 2, 3 for Match_Type"));
   const auto given = [&](JoinSetting setting, const Value& leftOut) {
     return call.settings[setting].IsMissing() ? leftOut : call.settings[setting];
   };
+  const auto type = static_cast<int>(SettingOr(wantsMatches ? 5 : 3, call.settings[kMatchType]));
   const Value leftColumns = given(kLeftColumns, Value::Number(1)), rightColumns = given(kRightColumns, leftColumns);
   const Value fill = given(kFill, Value::Error(xlerrNA));
-  if (CellsOf(fill).size() > 1) return Told(XTEXT("#Error: Fill has multiple Values"));
-  bool hasHeader = false;
-  for (const Value& selector : {leftColumns, rightColumns})
-    for (const CellView& name : CellsOf(selector)) hasHeader |= name.IsText();
-  Side left, right;
-  for (const bool isLeft : {true, false}) {
-    Side& side = isLeft ? left : right;
-    side.rows = RowsOf(*call.tables[isLeft ? 0 : 1]);
-    side.header = side.rows[0];
-    if (hasHeader) side.rows.erase(side.rows.begin());
-    if (!SelectColumns(isLeft ? leftColumns : rightColumns, side)) return Value::Error(xlerrValue);
-    MakeKeys(side, SettingOr(0, call.settings[kJoinCase]) != 0);
-  }
-  if (left.columns.size() != right.columns.size()) return Value::Error(xlerrValue);
+  const bool caseSensitive = SettingOr(0, call.settings[kJoinCase]) != 0;
+  const Row names = Joined(CellsOf(leftColumns), CellsOf(rightColumns)), fills = CellsOf(fill);
+  const bool hasHeader = std::any_of(names.begin(), names.end(), [](const CellView& name) { return name.IsText(); });
+  if (wantsMatches && (type < 4 || type > 7)) return Told(XTEXT("#ERROR: Expected one of 4, 5, 6, 7 for Match_Type"));
+  if (!wantsMatches && (type < 1 || type > 3)) return Told(XTEXT("#ERROR: Expected one of 1, 2, 3 for Match_Type"));
+  if (fills.size() > 1) return Told(XTEXT("#Error: Fill has multiple Values"));
+  const auto left = ReadSide(*call.tables[0], leftColumns, hasHeader, caseSensitive);
+  const auto right = ReadSide(*call.tables[1], rightColumns, hasHeader, caseSensitive);
+  if (!left || !right || CellsOf(leftColumns).size() != CellsOf(rightColumns).size()) return Value::Error(xlerrValue);
 
+  const bool isRightFirst = type == 2 || type >= 6 || (type == 3 && left->header.size() < right->header.size());
+  const Side &first = isRightFirst ? *right : *left, &second = isRightFirst ? *left : *right;
+  const Row header = wantsMatches ? Joined(first.header, second.header) : first.header;
   Rows result;
-  const bool isRightFirst = type == 2 || type >= 6 || (type == 3 && left.header.size() < right.header.size());
-  Row header = isRightFirst ? right.header : left.header;
-  if (wantsMatches) {
-    result = type <= 5 ? Matched(left, right, type == 4, CellsOf(fill)[0])
-                       : Matched(right, left, type == 6, CellsOf(fill)[0]);
-    header = Joined(header, isRightFirst ? left.header : right.header);
-  } else {
-    if (type != 2) AddUnmatched(left, right, result);
-    if (type != 1) AddUnmatched(right, left, result);
-  }
+  if (wantsMatches) result = Matched(first, second, type == 4 || type == 6, fills[0]);
+  if (type == 1 || type == 3) AddUnmatched(*left, *right, result);
+  if (type == 2 || type == 3) AddUnmatched(*right, *left, result);
   if (result.empty()) return Value::Error(xlerrNA);
-  for (Row& row : result) row.resize(header.size(), CellsOf(fill)[0]);
+  for (Row& row : result) row.resize(header.size(), fills[0]);
   if (hasHeader) result.insert(result.begin(), header);
   return ResultOf(result);
 }
@@ -135,25 +122,20 @@ Value ExpectedComparison(const Call& call) {
   const double tolerance = std::max(0.0, SettingOr(0, call.settings[1]));
   const bool caseSensitive = SettingOr(0, call.settings[2]) != 0;
   const Array &a = *call.tables[0], &b = *call.tables[1];
-  const auto cellOf = [](const Array& table, std::int32_t row, std::int32_t column) {
-    const bool isThere = row < table.Rows() && column < table.Columns();
-    return isThere ? std::optional(table.At(row, column)) : std::nullopt;
-  };
-  const auto equal = [&](const CellView& left, const CellView& right) {
-    return left.IsNumber() && right.IsNumber() ? std::fabs(left.AsNumber() - right.AsNumber()) <= tolerance
-                                               : KeyOf({left}, caseSensitive) == KeyOf({right}, caseSensitive);
-  };
-  const CellView lacking = CellView::Error(xlerrNA);
   Rows truths, differences;
   for (std::int32_t row = 0; row < std::max(a.Rows(), b.Rows()); ++row) {
     truths.emplace_back();
     for (std::int32_t column = 0; column < std::max(a.Columns(), b.Columns()); ++column) {
-      const auto left = cellOf(a, row, column), right = cellOf(b, row, column);
-      const bool isEqual = left && right && equal(*left, *right);
+      const bool isInA = row < a.Rows() && column < a.Columns(), isInB = row < b.Rows() && column < b.Columns();
+      const CellView left = isInA ? a.At(row, column) : CellView::Error(xlerrNA);
+      const CellView right = isInB ? b.At(row, column) : CellView::Error(xlerrNA);
+      const bool areNumbers = left.IsNumber() && right.IsNumber();
+      const bool isEqual = isInA && isInB &&
+                           (areNumbers ? std::fabs(left.AsNumber() - right.AsNumber()) <= tolerance
+                                       : KeyOf({left}, caseSensitive) == KeyOf({right}, caseSensitive));
       truths.back().push_back(CellView::Boolean(isEqual));
-      if ((left || right) && !isEqual)
-        differences.push_back(
-            {CellView::Number(row + 1), CellView::Number(column + 1), left.value_or(lacking), right.value_or(lacking)});
+      if ((isInA || isInB) && !isEqual)
+        differences.push_back({CellView::Number(row + 1), CellView::Number(column + 1), left, right});
     }
   }
   if (output == 0) return ResultOf(truths);

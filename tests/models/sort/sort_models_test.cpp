@@ -6,7 +6,6 @@
 #include "host/values/literal.h"
 #include "host/values/value_order.h"
 #include "tests/models/random_calls.h"
-#include "tests/models/sort/drawn_calls.h"
 #include "tests/models/sort/model.h"
 
 namespace qcalc::sort {
@@ -51,9 +50,6 @@ std::vector<Value> ReferringOperands(const Call& call, Caller& caller) {
   return operands;
 }
 
-using Draw = Call(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places);
-using Model = Value(const Call& call);
-
 std::string WhatIsWrong(std::uint64_t number, Draw& draw, Model& model) {
   constexpr std::size_t kMostTold = 2'000;
   Caller& caller = models::TheRun().caller;
@@ -74,17 +70,15 @@ std::string WhatIsWrong(std::uint64_t number, Draw& draw, Model& model) {
          (threads > 1 ? "\n  on several threads" : "") + wrong;
 }
 
-TEST(SortModels, Sorts) {
-  models::TryCalls([](std::uint64_t number) { return WhatIsWrong(number, DrawSort, ExpectedSort); });
+void TryCalls(Draw& draw, Model& model) {
+  models::TryCalls([&](std::uint64_t number) { return WhatIsWrong(number, draw, model); });
 }
 
-TEST(SortModels, DistinctLists) {
-  models::TryCalls([](std::uint64_t number) { return WhatIsWrong(number, DrawDistinct, ExpectedDistinct); });
-}
+TEST(SortModels, Sorts) { TryCalls(DrawSort, ExpectedSort); }
 
-TEST(SortModels, Joins) {
-  models::TryCalls([](std::uint64_t number) { return WhatIsWrong(number, DrawJoin, ExpectedJoin); });
-}
+TEST(SortModels, DistinctLists) { TryCalls(DrawDistinct, ExpectedDistinct); }
+
+TEST(SortModels, Joins) { TryCalls(DrawJoin, ExpectedJoin); }
 
 }  // namespace
 }  // namespace qcalc::sort
