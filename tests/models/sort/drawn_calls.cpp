@@ -9,7 +9,7 @@ namespace {
 
 // Every so many calls have tables of some hundred rows, or large ones.
 constexpr std::uint64_t kMiddleEvery = 12, kLargeEvery = 300;
-constexpr std::int32_t kMiddleRows = 500, kLargeRows = 20'000, kLargeJoinRows = 600;
+constexpr std::int32_t kMiddleRows = 500, kLargeRows = 25'000;
 
 constexpr XStringView kTexts[] = {
     XTEXT(""),
@@ -75,6 +75,7 @@ class CallMaker : private models::Draws {
   CallMaker(std::uint64_t seed, std::uint64_t number, const models::CallingPlaces& places) : Draws(seed, number) {
     isLarge_ = number % kLargeEvery == kLargeEvery - 1;
     isMiddle_ = number % kMiddleEvery == kMiddleEvery - 1;
+    hasMany_ = isLarge_ && Chance(50);
     call_.place = Pick(places);
     call_.isReference = Chance(50);
     call_.isTall = Chance(10);
@@ -93,7 +94,7 @@ class CallMaker : private models::Draws {
 
   Call MakeDistinct() {
     const DistinctFunction& function = Pick(kDistinctFunctions);
-    const std::int32_t columns = 1 + Below(3), rows = DrawHeight();
+    const std::int32_t columns = 1 + Below(Chance(90) ? 3 : 10), rows = DrawHeight();
     call_.function = function.name;
     AddTable(rows, columns);
     if (function.figure >= Figure::kSum) AddCompanions(rows);
@@ -117,7 +118,7 @@ class CallMaker : private models::Draws {
     const bool isJoin = call_.function == kJoinFunctions[0] || call_.function == kJoinFunctions[1];
     hasHeader_ = isJoin && Chance(40);
     for (int table = 0; table < 2; ++table)
-      AddTable(isLarge_ ? kLargeJoinRows : Chance(15) ? 1 : 1 + Below(14), 1 + Below(4));
+      AddTable(hasMany_ ? 2'000 : isLarge_ ? 600 : Chance(15) ? 1 : 1 + Below(14), 1 + Below(4));
     if (isJoin) {
       DrawJoinSettings();
     } else if (call_.function == kJoinFunctions[2]) {
@@ -164,7 +165,7 @@ class CallMaker : private models::Draws {
                                Kind::kManyNumbers, Kind::kPlainTexts, Kind::kLongTexts};
     while (values_.size() <= column) {
       const Kind kind = Pick(kKinds);
-      auto& values = values_.emplace_back(static_cast<std::size_t>(isLarge_ && Chance(50) ? 10'000 : 1 + Below(7)));
+      auto& values = values_.emplace_back(static_cast<std::size_t>(hasMany_ && Chance(80) ? 40'000 : 1 + Below(7)));
       for (CellView& value : values) value = DrawCell(kind);
       if (Chance(30)) Pick(values) = DrawCell(Kind::kMixed);
     }
@@ -268,6 +269,7 @@ class CallMaker : private models::Draws {
   Call call_;
   bool isLarge_ = false;
   bool isMiddle_ = false;
+  bool hasMany_ = false;  ///< distinct values
   bool hasHeader_ = false;
   std::vector<std::vector<CellView>> values_;  ///< of each column
   std::deque<XString> texts_;                  ///< of cells until they are stored
