@@ -1,7 +1,6 @@
 // The distinct functions: lists of the distinct items of a range, with what they add up to, and how many there are.
 //
 // Serves LISTDISTINCTS, LISTDISTINCTS.COUNT, LISTDISTINCTS.SUM, LISTDISTINCTS.AVG, COUNTDISTINCTS, COUNTDUPES.
-#include <numeric>
 #include <utility>
 
 #include "implementations/sort.h"
@@ -43,7 +42,7 @@ void Functions::ListDistincts(CXlOper& result, const CXlArgument& inputData, con
   const bool areRows = byRows.Read();
   const ListForm form{ItemFigure::kNone, ReadSignedOrder(sort), ReadFill(fillType), CallingCellsSize()};
   const CXlCells items = input.ReadItems(areRows);
-  result = ListItems(items, FindDistinctItems(items, textCase, ignored, nullptr), form);
+  result = ListItems(items, FindDistinctItems(items, textCase, ignored, form.figure), form);
 }
 
 void Functions::ListDistinctsWithCounts(CXlOper& result, const CXlArgument& inputData, const IntegerArgument& ignore,
@@ -55,7 +54,7 @@ void Functions::ListDistinctsWithCounts(CXlOper& result, const CXlArgument& inpu
   const TextCase textCase = ReadTextCase(caseSense);
   const ListForm form{ItemFigure::kCount, ReadOrder(sort), ReadFill(fillType), CallingCellsSize()};
   const CXlCells items = input.ReadItems(areRows);
-  result = ListItems(items, FindDistinctItems(items, textCase, ignored, nullptr), form);
+  result = ListItems(items, FindDistinctItems(items, textCase, ignored, form.figure), form);
 }
 
 void Functions::ListDistinctsWithTotals(CXlOper& result, bool averages, const CXlArgument& inputData,
@@ -69,7 +68,7 @@ void Functions::ListDistinctsWithTotals(CXlOper& result, bool averages, const CX
   const ItemFigure figure = averages ? ItemFigure::kAverage : ItemFigure::kSum;
   const ListForm form{figure, ReadOrder(sort), ReadFill(fillType), CallingCellsSize()};
   const CXlCells items = input.ReadItems(true);
-  result = ListItems(items, FindDistinctItems(items, textCase, ignored, &values), form);
+  result = ListItems(items, FindDistinctItems(items, textCase, ignored, figure, &values), form);
 }
 
 void Functions::CountDistincts(CXlOper& result, bool countsRepeats, const CXlArgument& inputData,
@@ -79,10 +78,9 @@ void Functions::CountDistincts(CXlOper& result, bool countsRepeats, const CXlArg
   const IgnoredItems ignored = ReadIgnored(ignore);
   const bool areRows = byRows.Read();
   const TextCase textCase = ReadTextCase(caseSense);
-  const DistinctItems found = FindDistinctItems(input.ReadItems(areRows), textCase, ignored, nullptr);
-  const auto distinct = static_cast<std::int64_t>(found.counts.size());
-  const std::int64_t all = std::accumulate(found.counts.begin(), found.counts.end(), std::int64_t{0});
-  result.SetNumber(static_cast<double>(countsRepeats ? all - distinct : distinct));
+  const DistinctItems found = FindDistinctItems(input.ReadItems(areRows), textCase, ignored, ItemFigure::kNone);
+  const auto distinct = static_cast<std::int32_t>(found.firstPlaces.size());
+  result.SetNumber(countsRepeats ? found.all - distinct : distinct);
 }
 
 }  // namespace quillmere::sort

@@ -24,33 +24,38 @@ void ReachTo(std::size_t place, ScratchList<T>& values) {
 }
 
 template <TextCase textCase>
-DistinctItems Find(const CXlCells& items, const IgnoredItems& ignored, const CellLine* values) {
+DistinctItems Find(const CXlCells& items, const IgnoredItems& ignored, ItemFigure figure, const CellLine* values) {
   std::vector<std::int32_t> columns(static_cast<std::size_t>(items.columns));
   std::iota(columns.begin(), columns.end(), 0);
   const RowTuples rows(items, columns);
   DistinctTuples<textCase, RowTuples> distinct(rows);
+  const bool counts = figure == ItemFigure::kCount || figure == ItemFigure::kAverage;
+  const bool sums = figure == ItemFigure::kSum || figure == ItemFigure::kAverage;
   DistinctItems found;
   const auto isWanted = [&](std::int32_t place) { return !IsIgnored({items.Row(place), columns.size()}, ignored); };
   distinct.AddAll(isWanted, [&](std::int32_t place, std::int32_t number) {
     const auto at = static_cast<std::size_t>(number);
-    ReachTo(at, found.counts);
-    ++found.counts[at];
-    if (!values) return;
+    ++found.all;
+    if (counts) {
+      ReachTo(at, found.counts);
+      ++found.counts[at];
+    }
+    if (!sums) return;
     ReachTo(at, found.sums);
     if (CellTypeOf(values->At(place)) == cell_type::kNumber) found.sums[at] += CellNumber(values->At(place));
   });
   found.firstPlaces = std::move(distinct).TakeFirstPlaces();
-  found.counts.SetSize(found.firstPlaces.size());
-  if (values) found.sums.SetSize(found.firstPlaces.size());
+  if (counts) found.counts.SetSize(found.firstPlaces.size());
+  if (sums) found.sums.SetSize(found.firstPlaces.size());
   return found;
 }
 
 }  // namespace
 
 DistinctItems FindDistinctItems(const CXlCells& items, TextCase textCase, const IgnoredItems& ignored,
-                                const CellLine* values) {
-  return textCase == TextCase::kCounts ? Find<TextCase::kCounts>(items, ignored, values)
-                                       : Find<TextCase::kIgnored>(items, ignored, values);
+                                ItemFigure figure, const CellLine* values) {
+  return textCase == TextCase::kCounts ? Find<TextCase::kCounts>(items, ignored, figure, values)
+                                       : Find<TextCase::kIgnored>(items, ignored, figure, values);
 }
 
 }  // namespace quillmere::sort

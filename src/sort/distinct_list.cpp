@@ -15,9 +15,8 @@ namespace {
 
 /// What stands beside a distinct item.
 double FigureOf(const DistinctItems& found, std::size_t number, ItemFigure figure) {
-  const double count = found.counts[number];
-  if (figure == ItemFigure::kCount) return count;
-  return figure == ItemFigure::kSum ? found.sums[number] : found.sums[number] / count;
+  if (figure == ItemFigure::kCount) return found.counts[number];
+  return figure == ItemFigure::kSum ? found.sums[number] : found.sums[number] / found.counts[number];
 }
 
 std::vector<std::int32_t> SortByItem(const CXlCells& items, const DistinctItems& found, bool isDescending) {
@@ -28,7 +27,7 @@ std::vector<std::int32_t> SortByItem(const CXlCells& items, const DistinctItems&
 }
 
 std::vector<std::int32_t> SortByFigure(const DistinctItems& found, ItemFigure figure, bool isDescending) {
-  ScratchArray<XLOPER12> figures(found.counts.size());
+  ScratchArray<XLOPER12> figures(found.firstPlaces.size());
   for (std::size_t number = 0; number < figures.size(); ++number)
     figures[number] = NumberCell(FigureOf(found, number, figure));
   const SortKey key{{figures.data(), static_cast<std::int32_t>(figures.size()), 1}, isDescending};

@@ -9,9 +9,6 @@
 
 namespace quillmere::sort {
 
-/// What stands beside each item of a list.
-enum class ItemFigure { kNone, kCount, kSum, kAverage };
-
 /// In which order a list is.
 struct ListOrder {
   enum class By { kFirstOccurrence, kItem, kFigure };

@@ -22,6 +22,13 @@ class CellNumbers {
   CellNumbers(const Tuples& tuples, std::size_t part) : tuples_(tuples), part_(part) {}
 
   std::int32_t Count() const noexcept { return index_.Count(); }
+  /// The places of the first cells, by their numbers.
+  ScratchList<std::int32_t> FirstPlaces() const {
+    ScratchList<std::int32_t> places;
+    for (const First& first : firsts_) places.Append(first.place);
+    return places;
+  }
+
   void MakeRoomFor(std::int32_t more) {
     index_.MakeRoomFor(more, [this](std::int32_t number) { return FirstOf(number).hash; });
   }

@@ -88,7 +88,7 @@ class DistinctTuples {
   void AskAhead(std::int32_t place) const {
     if (place >= tuples_.Count() - kCellsAhead) return;
     for (std::size_t part = 0; part < tuples_.Parts(); ++part) {
-      __builtin_prefetch(tuples_.CellAt(place + kCellsAhead, part), 0, 2);
+      PrefetchFarNeighbour(tuples_.CellAt(place + kCellsAhead, part));
       PrefetchText(*tuples_.CellAt(place + kTextsAhead, part));
     }
   }

@@ -128,16 +128,9 @@ class NearTuples {
   void Add(std::span<const std::int32_t> places, std::int32_t* numbers) {
     if (cells_.size() == 1) {
       cells_.front().Add(places, numbers);
-    } else {
-      std::int32_t ofCells[kMostParts][kTupleBatch];
-      for (std::size_t part = 0; part < cells_.size(); ++part) cells_[part].Add(places, ofCells[part]);
-      FitBits();
-      std::uint64_t words[kTupleBatch] = {};
-      for (std::size_t part = 0; part < cells_.size(); ++part)
-        for (std::size_t i = 0; i < places.size(); ++i)
-          words[i] = words[i] << bits_[part] | static_cast<std::uint64_t>(ofCells[part][i]);
-      words_.Add({words, places.size()}, numbers);
+      return;
     }
+    AddWords(places, numbers);
     firstPlaces_.MakeRoomFor(places.size());
     std::size_t count = firstPlaces_.size();
     for (std::size_t i = 0; i < places.size(); ++i) {
@@ -148,11 +141,24 @@ class NearTuples {
   }
 
   /// The places that were added first, by their numbers.
-  ScratchList<std::int32_t> TakeFirstPlaces() && noexcept { return std::move(firstPlaces_); }
+  ScratchList<std::int32_t> TakeFirstPlaces() && {
+    return cells_.size() == 1 ? cells_.front().FirstPlaces() : std::move(firstPlaces_);
+  }
 
  private:
   /// So many distinct cells, with what finds them, stay in the cache.
   static constexpr std::size_t kMostCellBits = 14;
+
+  void AddWords(std::span<const std::int32_t> places, std::int32_t* numbers) {
+    std::int32_t ofCells[kMostParts][kTupleBatch];
+    for (std::size_t part = 0; part < cells_.size(); ++part) cells_[part].Add(places, ofCells[part]);
+    FitBits();
+    std::uint64_t words[kTupleBatch] = {};
+    for (std::size_t part = 0; part < cells_.size(); ++part)
+      for (std::size_t i = 0; i < places.size(); ++i)
+        words[i] = words[i] << bits_[part] | static_cast<std::uint64_t>(ofCells[part][i]);
+    words_.Add({words, places.size()}, numbers);
+  }
 
   /// Gives each part the bits that its numbers take, and codes the words that are there anew.
   void FitBits() {
@@ -179,7 +185,7 @@ class NearTuples {
   std::array<std::size_t, kMostParts> bits_{};  ///< that numbers of each part have now, the first part's uppermost
   std::deque<CellNumbers<textCase, Tuples>> cells_;
   WordNumbers words_;
-  ScratchList<std::int32_t> firstPlaces_;
+  ScratchList<std::int32_t> firstPlaces_;  ///< of tuples of several parts
 };
 
 }  // namespace quillmere

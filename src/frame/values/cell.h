@@ -87,6 +87,13 @@ inline void PrefetchFarCell(const XLOPER12* cell) noexcept {
   __builtin_prefetch(&cell->xltype, kForReading, kSecondCache);
 }
 
+/// The same for each cell of a line in turn: the one beside it asks for the rest of it.
+inline void PrefetchFarNeighbour(const XLOPER12* cell) noexcept {
+  constexpr int kForReading = 0;
+  constexpr int kSecondCache = 2;
+  __builtin_prefetch(&cell->val, kForReading, kSecondCache);
+}
+
 /// And for the text of a cell that is there already: it lies elsewhere.
 inline void PrefetchText(const XLOPER12& cell) {
   if (IsTextCell(cell)) __builtin_prefetch(cell.val.str);
