@@ -41,6 +41,7 @@ class LookupKeys {
   /// The same as it was passed, how far the next key's lies, and what such a cell is looked for as.
   const XLOPER12* CellAt(std::int32_t key, std::size_t part) const noexcept { return cells_.Row(key) + part; }
   std::ptrdiff_t Stride() const noexcept { return cells_.columns; }
+  std::int32_t RunEnd(std::int32_t) const noexcept { return cells_.rows; }
   const XLOPER12& Meaning(const XLOPER12& cell) const noexcept { return IsEmptyCell(cell) ? zero_ : cell; }
 
   /// Whether any part of any key can be a pattern: a text with wildcards.

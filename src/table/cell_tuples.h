@@ -21,6 +21,8 @@ concept CellTuples = requires(const T& tuples, std::int32_t place, std::size_t p
   { tuples.CellAt(place, part) } -> std::same_as<const XLOPER12*>;
   /// From such a cell to that of the next tuple, in cells.
   { tuples.Stride() } -> std::same_as<std::ptrdiff_t>;
+  /// The place behind the last tuple that such steps reach from this one.
+  { tuples.RunEnd(place) } -> std::same_as<std::int32_t>;
   /// What a cell of a tuple stands for.
   { tuples.Meaning(cell) } -> std::same_as<const XLOPER12&>;
 };
@@ -46,6 +48,7 @@ class RowTuples {
     return first_ + place * stride_ + columns_[part];
   }
   std::ptrdiff_t Stride() const noexcept { return stride_; }
+  std::int32_t RunEnd(std::int32_t) const noexcept { return count_; }
   const XLOPER12& Meaning(const XLOPER12& cell) const noexcept { return cell; }
 
   const XLOPER12& At(std::int32_t place, std::size_t part) const noexcept { return *CellAt(place, part); }

@@ -59,8 +59,10 @@ class DistinctTuples {
     std::int32_t places_[kTupleBatch];
   };
 
+  /// Where the batch ends that starts at a place.
   std::int32_t EndOf(std::int32_t first) const noexcept {
-    return tuples_.Count() - first < kTupleBatch ? tuples_.Count() : first + kTupleBatch;
+    const std::int32_t end = tuples_.RunEnd(first);
+    return end - first < kTupleBatch ? end : first + kTupleBatch;
   }
 
   /// Adds tuples as long as their parts have few distinct cells each; the place up to which it came.

@@ -34,10 +34,11 @@ class HashBatch {
  public:
   explicit HashBatch(const Tuples& tuples) noexcept : tuples_(tuples) {}
 
-  /// Hashes the batch that starts at `first`.
+  /// Hashes the batch that starts at `first`; it ends where the tuples' run does.
   void Fill(std::int32_t first) {
     first_ = first;
-    count_ = std::min(kTupleBatch, tuples_.Count() - first);
+    left_ = tuples_.RunEnd(first) - first;
+    count_ = std::min(kTupleBatch, left_);
     bool ordinary = true;
     // The parts of a tuple may lie in the same pages of memory.
     for (std::int32_t at = 0; at < count_; at += kTuplesAtOnce)
@@ -64,7 +65,7 @@ class HashBatch {
     bool ordinary = true;
     const XLOPER12* at = tuples_.CellAt(first_ + begin, part);
     const std::ptrdiff_t stride = tuples_.Stride();
-    const std::int32_t left = tuples_.Count() - first_;
+    const std::int32_t left = left_;
     for (std::int32_t i = begin; i < end; ++i, at += stride) {
       if (i + kCellsAhead < left) PrefetchFarCell(at + kCellsAhead * stride);
       if (i + kTextsAhead < left) PrefetchText(at[kTextsAhead * stride]);
@@ -79,6 +80,7 @@ class HashBatch {
   const Tuples& tuples_;
   const HashKey key_ = HashKey::OfProcess();
   std::int32_t first_ = 0;
+  std::int32_t left_ = 0;  ///< from there to the end of the run
   std::int32_t count_ = 0;
   bool areOrdinary_ = true;
   std::uint64_t hashes_[kTupleBatch];

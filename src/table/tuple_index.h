@@ -30,7 +30,7 @@ class TupleIndex {
   void AddAll(std::span<std::int32_t> groups) {
     std::int32_t* group = groups.data();
     HashBatch<textCase, Tuples> hashes(tuples_);
-    for (std::int32_t first = 0; first < tuples_.Count(); first += kTupleBatch) {
+    for (std::int32_t first = 0; first < tuples_.Count(); first += hashes.Count()) {
       hashes.Fill(first);
       for (std::int32_t i = 0; i < hashes.Count(); ++i) places_.PrefetchSlot(hashes[i]);
       for (std::int32_t i = 0; i < hashes.Count(); ++i) PrefetchTuple(tuples_, places_.LikelyPlace(hashes[i]));
@@ -48,7 +48,7 @@ class TupleIndex {
   void FindAll(const Others& others, const Take& take, const TakeOdd& takeOdd) const {
     HashBatch<textCase, Others> hashes(others);
     std::int32_t candidates[kTupleBatch];
-    for (std::int32_t first = 0; first < others.Count(); first += kTupleBatch) {
+    for (std::int32_t first = 0; first < others.Count(); first += hashes.Count()) {
       hashes.Fill(first);
       for (std::int32_t i = 0; !hashes.AreOrdinary() && i < hashes.Count(); ++i)
         if (hashes.IsOdd(i)) takeOdd(first + i);
