@@ -55,6 +55,7 @@ class CellRows {
     }
     RankLines(run);
     const LineRanks& ranks = ranks_[run.key];
+    if (ranks.AreKnown() && ranks.Texts() == Count()) return ReadRanks(ranks, rows, to);
     if (ranks.AreKnown())
       return ReadRanked(run, rows, to, [&](std::size_t i) { return ranks.At(static_cast<std::size_t>(rows[i])); });
     return isOrdinal ? ReadUnits(run, rows, to) : ReadFewRanked(run, rows, to);
@@ -162,6 +163,15 @@ class CellRows {
     ReadCells(run, rows, to, survey, [&](const XLOPER12&, std::size_t i) {
       survey.Put(to, i, kTextWithin, {rankAt(i), 0});
     });
+    return survey;
+  }
+
+  /// The same where all cells are texts: none is looked at.
+  static ValueSurvey ReadRanks(const LineRanks& ranks, std::span<const std::int32_t> rows, const RawValues& to) {
+    ValueSurvey survey;
+    survey.isWholeTexts = true;
+    for (std::size_t i = 0; i < rows.size(); ++i)
+      survey.Put(to, i, kTextWithin, {ranks.At(static_cast<std::size_t>(rows[i])), 0});
     return survey;
   }
 
