@@ -78,16 +78,16 @@ MemoryBlock TakeKept(std::size_t bytes) noexcept {
   return best == count ? MemoryBlock{} : Remove(best);
 }
 
-/// The block that was given back longest ago, if the kept ones and one of `bytes` are too much together; else an empty
-/// one.
+/// The block that was given back longest ago, of those that are no larger, if the kept ones and one of `bytes` are too
+/// much together; else an empty one. A large block is worth more than a small one in its place.
 MemoryBlock TakeExcess(std::size_t bytes) noexcept {
   const Lock lock;
   const std::size_t count = keptCount.load(std::memory_order_relaxed);
   if (count == 0 || keptBytes + bytes <= kMostKeptBytes) return {};
-  std::size_t oldest = 0;
-  for (std::size_t at = 1; at < count; ++at)
-    if (kept[at].number < kept[oldest].number) oldest = at;
-  return Remove(oldest);
+  std::size_t oldest = count;
+  for (std::size_t at = 0; at < count; ++at)
+    if (kept[at].block.bytes <= bytes && (oldest == count || kept[at].number < kept[oldest].number)) oldest = at;
+  return oldest == count ? MemoryBlock{} : Remove(oldest);
 }
 
 /// Whether there was room.

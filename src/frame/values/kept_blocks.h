@@ -12,7 +12,8 @@ namespace quillmere {
 
 /// Blocks of fewer bytes are not kept.
 constexpr std::size_t kLeastKeptBytes = std::size_t{1} << 20;
-/// No more than so many bytes are kept in all; the block given back first goes first.
+/// No more than so many bytes are kept in all; the block given back first goes first, but none for a
+/// smaller one.
 constexpr std::size_t kMostKeptBytes = std::size_t{256} << 20;
 /// Milliseconds without use after which nothing is kept any more.
 constexpr std::uint64_t kMostIdleTime = 10'000;

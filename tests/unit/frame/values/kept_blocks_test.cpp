@@ -58,6 +58,17 @@ TEST_F(KeptBlocks, GoBackOldestFirst) {
   EXPECT_EQ(Live(), 2) << "what is larger than all that may be kept leaves the others alone";
 }
 
+TEST_F(KeptBlocks, GoBackForNoSmallerOne) {
+  void* places[2];
+  TakeAndGive({150, 100}, places);
+  GiveBlock(TakeBlock(40 * kMegabyte));
+  GiveBlock(TakeBlock(150 * kMegabyte));
+  EXPECT_EQ(Live(), 2);
+  const MemoryBlock other = TakeBlock(90 * kMegabyte);
+  EXPECT_EQ(other.memory, places[1]);
+  GiveBlock(other);
+}
+
 TEST_F(KeptBlocks, GoBackWhenUnusedClosedOrWanted) {
   const auto give = [] { GiveBlock(TakeBlock(kMegabyte)); };
   give();
