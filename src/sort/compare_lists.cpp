@@ -62,7 +62,7 @@ CountedItems CountItems(const ListPair& lists, const IgnoredItems& ignored) {
 }
 
 /// The numbers of the items, in order.
-std::vector<std::int32_t> SortItems(const ListPair& lists, const CountedItems& items, const ListOrder& order) {
+RowOrder SortItems(const ListPair& lists, const CountedItems& items, const ListOrder& order) {
   std::vector<XLOPER12> cells;
   cells.reserve(items.counts.size());
   if (order.by == ListOrder::By::kItem)
@@ -76,7 +76,7 @@ std::vector<std::int32_t> SortItems(const ListPair& lists, const CountedItems& i
 CXlOper ListItems(const ListPair& lists, const CountedItems& items, const ListOrder& order) {
   const std::size_t rows = items.counts.size();
   CheckArraySize(static_cast<std::int64_t>(rows), 3);
-  std::vector<std::int32_t> sorted;
+  RowOrder sorted;
   if (order.by != ListOrder::By::kFirstOccurrence) sorted = SortItems(lists, items, order);
 
   CXlArrayBuilder builder(static_cast<std::int64_t>(rows), 3);

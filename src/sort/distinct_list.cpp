@@ -19,14 +19,14 @@ double FigureOf(const DistinctItems& found, std::size_t number, ItemFigure figur
   return figure == ItemFigure::kSum ? found.sums[number] : found.sums[number] / found.counts[number];
 }
 
-std::vector<std::int32_t> SortByItem(const CXlCells& items, const DistinctItems& found, bool isDescending) {
+RowOrder SortByItem(const CXlCells& items, const DistinctItems& found, bool isDescending) {
   std::vector<SortKey> keys;
   for (std::int32_t column = 0; column < items.columns; ++column)
     keys.push_back({ColumnLine(items, column), isDescending});
   return SortRows(keys, found.firstPlaces.Values(), SortMode::kCollatedByCase);
 }
 
-std::vector<std::int32_t> SortByFigure(const DistinctItems& found, ItemFigure figure, bool isDescending) {
+RowOrder SortByFigure(const DistinctItems& found, ItemFigure figure, bool isDescending) {
   ScratchArray<XLOPER12> figures(found.firstPlaces.size());
   for (std::size_t number = 0; number < figures.size(); ++number)
     figures[number] = NumberCell(FigureOf(found, number, figure));
@@ -45,9 +45,8 @@ void Reorder(ScratchList<T>& values, std::span<const std::int32_t> order) {
 void SortItems(const CXlCells& items, DistinctItems& found, const ListForm& form) {
   const ListOrder order = form.order;
   if (order.by == ListOrder::By::kFirstOccurrence || found.firstPlaces.empty()) return;
-  const std::vector<std::int32_t> sorted = order.by == ListOrder::By::kItem
-                                               ? SortByItem(items, found, order.isDescending)
-                                               : SortByFigure(found, form.figure, order.isDescending);
+  const RowOrder sorted = order.by == ListOrder::By::kItem ? SortByItem(items, found, order.isDescending)
+                                                           : SortByFigure(found, form.figure, order.isDescending);
   Reorder(found.firstPlaces, sorted);
   Reorder(found.counts, sorted);
   Reorder(found.sums, sorted);

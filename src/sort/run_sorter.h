@@ -52,9 +52,9 @@ class RunSorter {
         rowBits_(std::max(1, static_cast<int>(std::bit_width(std::max(count_, std::size_t{1}) - 1)))) {}
 
   /// The rows, counted from 0, in order; equal ones in the order of their numbers.
-  std::vector<std::int32_t> Sort() {
+  ScratchArray<std::int32_t> Sort() {
     source_.Begin();
-    rows_.resize(count_);
+    rows_ = ScratchArray<std::int32_t>(count_);
     std::iota(rows_.begin(), rows_.end(), 0);
     if (count_ < 2) return std::move(rows_);
     words_ = ScratchArray<std::uint64_t>(count_);
@@ -71,7 +71,7 @@ class RunSorter {
 
   /// The same, and in `isFirst`, which has a place for each row, whether a row of the order is unequal to the one
   /// before.
-  std::vector<std::int32_t> Sort(std::span<bool> isFirst) {
+  ScratchArray<std::int32_t> Sort(std::span<bool> isFirst) {
     std::ranges::fill(isFirst, false);
     if (!isFirst.empty()) isFirst[0] = true;
     isFirst_ = isFirst.data();
@@ -178,7 +178,7 @@ class RunSorter {
   Source& source_;
   std::size_t count_;
   int rowBits_;
-  std::vector<std::int32_t> rows_;
+  ScratchArray<std::int32_t> rows_;
   std::vector<EqualRun> pending_;
   ScratchArray<std::uint64_t> words_;  ///< or the higher bits of values
   ScratchArray<std::uint64_t> spare_;  ///< or the lower ones

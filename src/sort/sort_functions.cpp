@@ -41,7 +41,7 @@ std::vector<SortKey> ReadKeys(const SortColumns& columns, const CXlCells& cells)
   return keys;
 }
 
-CXlOper ListRows(const std::vector<std::int32_t>& order) {
+CXlOper ListRows(const RowOrder& order) {
   CXlArrayBuilder result(static_cast<std::int64_t>(order.size()), 1);
   XLOPER12* to = result.Row(0);
   for (const std::int32_t row : order) *to++ = NumberCell(row + 1.0);
@@ -51,20 +51,21 @@ CXlOper ListRows(const std::vector<std::int32_t>& order) {
 /// The cells of a column, texts once each, and which of them stands in each row of the result.
 struct DistinctColumn {
   std::vector<XLOPER12> cells;
-  std::vector<std::int32_t> rows;
+  RowOrder rows;
 };
 
-DistinctColumn DistinctTexts(const CellLine& line, const LineRanks& ranks, const std::vector<std::int32_t>& order) {
+DistinctColumn DistinctTexts(const CellLine& line, const LineRanks& ranks, const RowOrder& order) {
   DistinctColumn column;
   for (const std::int32_t place : ranks.FirstPlaces()) column.cells.push_back(line.At(place));
-  column.rows.reserve(order.size());
+  column.rows = RowOrder(order.size());
+  std::int32_t* to = column.rows.data();
   for (const std::int32_t row : order) {
     std::uint32_t number = ranks.Number(static_cast<std::size_t>(row));
     if (number == LineRanks::kNoText) {
       number = static_cast<std::uint32_t>(column.cells.size());
       column.cells.push_back(line.At(row));
     }
-    column.rows.push_back(static_cast<std::int32_t>(number));
+    *to++ = static_cast<std::int32_t>(number);
   }
   return column;
 }

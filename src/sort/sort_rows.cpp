@@ -284,7 +284,7 @@ SortedRows SortRanked(std::span<const SortKey> keys, SortMode mode) {
   return sorted;
 }
 
-std::vector<std::int32_t> SortRows(std::span<const SortKey> keys, std::span<const std::int32_t> places, SortMode mode) {
+RowOrder SortRows(std::span<const SortKey> keys, std::span<const std::int32_t> places, SortMode mode) {
   CellRows rows(keys, places, mode);
   return RunSorter<CellRows>(rows).Sort();
 }

@@ -5,11 +5,15 @@
 #include <span>
 #include <vector>
 
+#include "frame/values/scratch_array.h"
 #include "implementations/sort.h"
 #include "sort/text_ranks.h"
 #include "table/cell_line.h"
 
 namespace quillmere::sort {
+
+/// Rows by their numbers, from 0.
+using RowOrder = ScratchArray<std::int32_t>;
 
 /// One column that rows are sorted by.
 struct SortKey {
@@ -25,11 +29,11 @@ struct SortKey {
 /// kCollated as the user's language does, without regard to case, kCollatedByCase with it, and of texts that it does
 /// not tell apart the shorter comes first. A number that is none comes behind all others. A cell that is none is "Bad
 /// XLOPER type". There is one key at least, and fewer than 2^30 rows.
-std::vector<std::int32_t> SortRows(std::span<const SortKey> keys, std::span<const std::int32_t> places, SortMode mode);
+RowOrder SortRows(std::span<const SortKey> keys, std::span<const std::int32_t> places, SortMode mode);
 
 /// The order of all rows; the keys that tell some of them apart, and what was found out about the texts of each.
 struct SortedRows {
-  std::vector<std::int32_t> order;
+  RowOrder order;
   std::vector<SortKey> keys;
   std::vector<LineRanks> ranks;
 };

@@ -99,7 +99,7 @@ template <class Texts>
 TextRanks RankPlaces(const CellLine& line, std::span<const std::int32_t> places, Texts texts) {
   TextRows<Texts> rows(line, places, std::move(texts));
   ScratchArray<bool> isFirst(places.size());
-  const std::vector<std::int32_t> order = RunSorter<TextRows<Texts>>(rows).Sort(isFirst);
+  const ScratchArray<std::int32_t> order = RunSorter<TextRows<Texts>>(rows).Sort(isFirst);
   TextRanks ranks(places.size());
   std::uint32_t rank = 0;
   for (std::size_t i = 0; i < order.size(); ++i) {
