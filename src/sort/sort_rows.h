@@ -1,4 +1,4 @@
-// The order of rows by up to fifteen of their cells.
+// The order of rows by some of their cells.
 #pragma once
 
 #include <cstdint>

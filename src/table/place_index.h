@@ -13,7 +13,7 @@ namespace quillmere {
 /// In place of a place: none.
 constexpr std::int32_t kNoEntry = -1;
 
-/// Places in a list, 2^30 at most, by the hashes of what stands there, whose comparison is the caller's.
+/// Places in a list, fewer than 2^30, by the hashes of what stands there, whose comparison is the caller's.
 class PlaceTable {
  public:
   /// For so many entries, with places below that number.

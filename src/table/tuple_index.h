@@ -18,7 +18,7 @@ constexpr std::int32_t kNoGroup = kNoEntry;
 /// and whoever looks for what equals it must look at all.
 constexpr std::int32_t kOddTuple = -2;
 
-/// Distinct tuples, 2^30 at most. Equal tuples are one group, named by the place of its first. The tuples that are
+/// Distinct tuples, fewer than 2^30. Equal tuples are one group, named by the place of its first. The tuples that are
 /// indexed are looked at again and must outlive the index. Tuples that count for nothing, such as keys with an empty
 /// part, are passed over by their groups, since equal ones count alike.
 template <TextCase textCase, CellTuples Tuples>
