@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "sort/run_sorter.h"
@@ -80,10 +79,13 @@ class TextRows {
     std::array<Keyed, kFewRows> keyed;
     const std::span<Keyed> used = std::span(keyed).first(few.size());
     for (std::size_t i = 0; i < few.size(); ++i) used[i] = {texts_.Of(CellOf(few[i])), few[i]};
-    std::ranges::sort(used);
+    std::ranges::sort(used, [](const Keyed& a, const Keyed& b) {
+      const int order = OrderOf(a.first, b.first);
+      return order != 0 ? order < 0 : a.second < b.second;
+    });
     for (std::size_t i = 0; i < few.size(); ++i) {
       few[i] = used[i].second;
-      if (i != 0 && used[i].first != used[i - 1].first) isFirst[i] = true;
+      if (i != 0 && OrderOf(used[i - 1].first, used[i].first) != 0) isFirst[i] = true;
     }
   }
 
