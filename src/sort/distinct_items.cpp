@@ -11,16 +11,28 @@
 namespace quillmere::sort {
 namespace {
 
-/// Lengthens a list of zeros, many at once, until it has that place. Where items first occur cannot be foreseen, when
-/// the list is to be lengthened can.
+/// Lengthens a list by zeros, many at once: where items first occur cannot be foreseen, when the list is to be
+/// lengthened can. Not inlined, so that what asks for it is.
 template <class T>
-void ReachTo(std::size_t place, ScratchList<T>& values) {
+[[gnu::noinline]] void Lengthen(ScratchList<T>& values) {
   constexpr std::size_t kAtOnce = 1024;
   const std::size_t size = values.size();
-  if (place < size) return;
   values.MakeRoomFor(kAtOnce);
   std::fill_n(values.Room() + size, kAtOnce, T{});
   values.SetSize(size + kAtOnce);
+}
+
+/// The value of an item, whose list may end right before it.
+template <class T>
+T& ValueOf(ScratchList<T>& values, std::size_t number) {
+  if (number >= values.size()) [[unlikely]]
+    Lengthen(values);
+  return values[number];
+}
+
+[[gnu::noinline]] void AddValue(ScratchList<double>& sums, std::size_t number, const XLOPER12& value) {
+  double& sum = ValueOf(sums, number);
+  if (CellTypeOf(value) == cell_type::kNumber) sum += CellNumber(value);
 }
 
 template <TextCase textCase>
@@ -36,13 +48,8 @@ DistinctItems Find(const CXlCells& items, const IgnoredItems& ignored, ItemFigur
   distinct.AddAll(isWanted, [&](std::int32_t place, std::int32_t number) {
     const auto at = static_cast<std::size_t>(number);
     ++found.all;
-    if (counts) {
-      ReachTo(at, found.counts);
-      ++found.counts[at];
-    }
-    if (!sums) return;
-    ReachTo(at, found.sums);
-    if (CellTypeOf(values->At(place)) == cell_type::kNumber) found.sums[at] += CellNumber(values->At(place));
+    if (counts) ++ValueOf(found.counts, at);
+    if (sums) AddValue(found.sums, at, values->At(place));
   });
   found.firstPlaces = std::move(distinct).TakeFirstPlaces();
   if (counts) found.counts.SetSize(found.firstPlaces.size());
