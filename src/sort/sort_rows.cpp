@@ -10,6 +10,7 @@
 #include "sort/text_ranks.h"
 #include "sort/text_window.h"
 #include "table/cell_type.h"
+#include "table/tuple_compare.h"
 #include "table/tuple_hash.h"
 
 namespace quillmere::sort {
@@ -243,13 +244,6 @@ class CellRows {
   std::vector<std::int32_t> tiedRows_;  ///< rows whose values at a key were looked at
 };
 
-/// Whether two cells are equal at a glance; equal ones may look otherwise.
-bool LookEqual(const XLOPER12& a, const XLOPER12& b) {
-  if (a.xltype != b.xltype) return false;
-  if (IsTextCell(a)) return EqualExact(TextOf(a), TextOf(b));
-  return IsNumberCell(a) ? a.val.num == b.val.num : IsEmptyCell(a);
-}
-
 /// The keys that may tell rows apart, of which the first is always one. Neighbouring columns lie in the same lines of
 /// the cache: to find all those that hold one value in one go spares a walk down the table for each.
 std::vector<std::uint32_t> TellingKeys(std::span<const SortKey> keys) {
@@ -257,7 +251,7 @@ std::vector<std::uint32_t> TellingKeys(std::span<const SortKey> keys) {
   std::vector<std::uint32_t> telling;
   std::vector<std::uint32_t> candidates;
   const auto isLikeFirst = [&](std::uint32_t key, std::int32_t row) {
-    return LookEqual(keys[key].cells.At(0), keys[key].cells.At(row));
+    return CellsEqual<TextCase::kCounts>(keys[key].cells.At(0), keys[key].cells.At(row));
   };
   const std::int32_t rows = keys.front().cells.count;
   for (std::uint32_t key = 1; key < keys.size(); ++key) {
