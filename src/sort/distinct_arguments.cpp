@@ -1,6 +1,5 @@
 #include "sort/distinct_arguments.h"
 
-#include "frame/callbacks/used_range.h"
 #include "frame/errors/exceptions.h"
 
 namespace quillmere::sort {
@@ -14,7 +13,7 @@ constexpr std::int32_t kZeros = 4;
 }  // namespace
 
 DistinctInput::DistinctInput(const CXlArgument& argument)
-    : passedRows_(TableView(argument.Value()).Rows()), used_(CutToUsedRows(argument.Value())), table_(used_) {}
+    : passedRows_(TableView(argument.Value()).Rows()), table_(TableView::OfUsedRows(argument.Value())) {}
 
 CXlCells DistinctInput::ReadItems(bool byRows) {
   const std::int64_t count = std::int64_t{table_.Rows()} * table_.Columns();

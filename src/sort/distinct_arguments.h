@@ -31,7 +31,6 @@ class DistinctInput {
 
  private:
   std::int32_t passedRows_;
-  CXlOper used_;
   TableView table_;
   CXlOper itemCells_;
   CXlOper valueCells_;
