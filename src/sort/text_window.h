@@ -23,7 +23,7 @@ constexpr std::int32_t kSampledRows = 32;
 /// plain loads: no function of the C library is called on it.
 inline __m128i LoadPadded(const XCHAR* units, std::size_t count) {
   const auto loadFour = [](const XCHAR* from) {
-    return static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from))));
+    return LowerWord(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from)));
   };
   std::uint64_t low = 0;
   std::uint64_t high = 0;
@@ -47,8 +47,7 @@ inline WideBits UnitsAt(XStringView text, std::size_t at) {
   // The first unit becomes the highest of its word.
   constexpr int kReversed = 0x1B;
   block = _mm_shufflehi_epi16(_mm_shufflelo_epi16(block, kReversed), kReversed);
-  return {static_cast<std::uint64_t>(_mm_cvtsi128_si64(block)),
-          static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(block, block)))};
+  return {LowerWord(block), UpperWord(block)};
 }
 inline WideBits UnitsAt(std::string_view key, std::size_t at) {
   std::uint64_t words[2] = {};

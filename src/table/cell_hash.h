@@ -14,9 +14,6 @@ namespace quillmere {
 /// Whether texts that differ by the case of A to Z alone are taken as equal.
 enum class TextCase { kIgnored, kCounts };
 
-inline std::uint64_t LowerWord(__m128i block) { return static_cast<std::uint64_t>(_mm_cvtsi128_si64(block)); }
-inline std::uint64_t UpperWord(__m128i block) { return LowerWord(_mm_unpackhi_epi64(block, block)); }
-
 /// The hash of a text of so many units, few blocks at most, which are folded where case is ignored.
 inline std::uint64_t HashBlocks(const FewBlocks& blocks, std::size_t count, const HashKey& key) {
   const std::uint64_t hash = key.StartOf(count);

@@ -6,6 +6,7 @@
 #include <emmintrin.h>
 
 #include <cstddef>
+#include <cstdint>
 
 #include "xlcall/xchar.h"
 
@@ -14,6 +15,8 @@ namespace quillmere {
 constexpr std::size_t kTextBlock = 8;  ///< units of one register
 
 inline __m128i LoadBlock(const XCHAR* units) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units)); }
+inline std::uint64_t LowerWord(__m128i block) { return static_cast<std::uint64_t>(_mm_cvtsi128_si64(block)); }
+inline std::uint64_t UpperWord(__m128i block) { return LowerWord(_mm_unpackhi_epi64(block, block)); }
 inline void StoreBlock(XCHAR* to, __m128i units) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), units); }
 
 /// The first and the last `kUnits` (2 or 4) of `count` units, which may overlap, side by side in one register.
