@@ -17,8 +17,8 @@ struct PlaceRun {
   std::int32_t count;
 };
 
-/// Places of a table's rows, or of its columns, from 0, in the order in which they were picked, some perhaps twice. They
-/// are kept as runs: a million neighbouring rows take the room of one.
+/// Places of a table's rows, or of its columns, from 0, in the order in which they were picked, some perhaps twice.
+/// They are kept as runs: a million neighbouring rows take the room of one.
 class Slice {
  public:
   /// A slice of at most so many places.

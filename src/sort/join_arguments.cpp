@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "frame/convert/single_value.h"
 #include "table/column_selector.h"
+#include "table/fill_argument.h"
 #include "table/table_view.h"
 
 namespace quillmere::sort {
@@ -43,11 +43,8 @@ std::optional<JoinPlan> ReadJoin(const JoinArguments& arguments, CXlOper& result
   if (leftKeys.columns.size() != rightKeys.columns.size()) throw CXlErrorException(xlerrValue);
 
   const TextCase textCase = arguments.caseSense.Read() ? TextCase::kCounts : TextCase::kIgnored;
-  const XLOPER12* const fill = OnlyCell(arguments.fill.Value());
-  if (!fill) {
-    result.SetText(XTEXT("#Error: Fill has multiple Values"));
-    return std::nullopt;
-  }
+  const XLOPER12* const fill = ReadFill(result, arguments.fill);
+  if (!fill) return std::nullopt;
   const std::int32_t headerRows = leftKeys.headerUsed || rightKeys.headerUsed ? 1 : 0;
   return JoinPlan{ReadTable(left, leftKeys, headerRows), ReadTable(right, rightKeys, headerRows), matchType, textCase,
                   fill};
