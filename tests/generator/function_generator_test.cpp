@@ -25,9 +25,10 @@ setting = [
   { name = "mode", type = "Mode", values = ["First", "All"] },
   { name = "caseSensitive", type = "bool" },
   { name = "position", type = "int" },
+  { name = "ownName", type = "name" },
 ]
 implementation = [
-  { name = "Search", settings = ["mode", "caseSensitive", "position"] },
+  { name = "Search", settings = ["mode", "caseSensitive", "position", "ownName"] },
   { name = "Tell" },
 ]
 
@@ -137,10 +138,14 @@ TEST(FunctionGenerator, WritesWhatDiffersInShape) {
   EXPECT_THAT(outcome.files["implementations/sample.h"], HasSubstr("struct Functions {\n" + entry));
 
   const std::string& exports = outcome.files["exports.cpp"];
-  EXPECT_THAT(exports, HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, false, -3, "));
+  EXPECT_THAT(
+      exports,
+      HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, false, -3, FIND_FIRSTDeclaration.name, "));
   EXPECT_THAT(exports, HasSubstr("CXlArgumentRun<6>(arguments + 3, FIND_FIRSTArguments + 3), "
                                  "CXlArgument(arguments[9], FIND_FIRSTArguments[9])); }"));
-  EXPECT_THAT(exports, HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, true, -3, "));
+  EXPECT_THAT(
+      exports,
+      HasSubstr("{ sample::Functions::Search(result, sample::Mode::kFirst, true, -3, Case_FINDDeclaration.name, "));
   EXPECT_THAT(exports, HasSubstr("XLOPER* FIND_FIRST_4(Parameter4<ArgumentKind::kValue, false, false> a0, "
                                  "Parameter4<ArgumentKind::kInt, true, true> a1, "));
   EXPECT_THAT(exports, Not(HasSubstr("FIND_ALL_4")));
@@ -205,11 +210,12 @@ constexpr std::string_view kMistakes = R"cases(
     repeat = 3 => repeat = 14 -> -53 'FIND.FIRST' has 32 arguments; an 8-bit entry point takes 30
     , values = ["First", "All"] => -> an enumeration lists its values
     settings = ["mode", => settings = ["mood", -> no [[setting]] 'mood' stands in this table
-    "caseSensitive", "position" => "caseSensitive" -> +18 'Search' takes no setting 'position'
+    "caseSensitive", "position", => "caseSensitive", -> +18 'Search' takes no setting 'position'
     like = "FIND.FIRST" => like = "FIND.LAST" -> no function 'FIND.LAST' stands above
     mode = "All", => -> 'FIND.ALL' gives no setting 'mode'
     mode = "All" => mode = "None" -> the setting 'mode' is no Mode
     position = 0 => position = 3000000000 -> the setting 'position' is no int
+    position = 0 => position = 0, ownName = "A" -> the setting 'ownName' is the name of 'FIND.ALL'
     implementation = "Tell" => implementation = "Say" -> no [[implementation]] 'Say' stands in this table
     { name = "Tell" } => { name = "Tell" }, { name = "Mute" } -> no function uses the implementation 'Mute'
     "Lookup_Values", "Other" => "Other" -> -5 'Search' takes an argument, an argument, an argument, a run of 6, an argument in 'FIND.FIRST' (sample.toml:)cases";
@@ -239,7 +245,7 @@ TEST(FunctionGenerator, FamiliesMayNotMeet) {
   const std::string text = Generate({{"one.toml", same}, {"two.toml", same}}).diagnostics.Text();
   for (const char* message :
        {"the name 'FIND.ALL' is taken: one.toml:", "the help id '100' is taken: one.toml:",
-        "the enumeration 'Mode' is taken", "two.toml:12: error: the help ids meet those of one.toml"}) {
+        "the enumeration 'Mode' is taken", "two.toml:13: error: the help ids meet those of one.toml"}) {
     EXPECT_THAT(text, HasSubstr(message));
   }
   for (const auto& [name, message] : {std::pair("FIND_FIRST", "the export name 'FIND_FIRST' is taken"),

@@ -12,12 +12,15 @@
 
 namespace quillmere::generator {
 
-/// A value that entries hand to an implementation: "bool", "int" or an enumeration with its words.
+/// A value that entries hand to an implementation: "bool", "int", "name" (their own, which they do not say) or an
+/// enumeration with its words.
 struct Setting {
   std::string name;
   std::string type;
   std::vector<std::string> values;
   Place place;
+
+  bool IsOwnName() const { return type == "name"; }
 };
 
 struct Implementation {

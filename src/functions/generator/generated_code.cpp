@@ -117,9 +117,9 @@ std::string ParameterClass(const ArgumentGroup& group) {
 }
 
 std::string SettingType(const Family& family, const std::string& name) {
-  return std::find_if(family.settings.begin(), family.settings.end(),
-                      [&](const Setting& each) { return each.name == name; })
-      ->type;
+  const Setting& setting = *std::find_if(family.settings.begin(), family.settings.end(),
+                                         [&](const Setting& each) { return each.name == name; });
+  return setting.IsOwnName() ? "XStringView" : setting.type;
 }
 
 GeneratedFile ImplementationsHeader(const Family& family) {

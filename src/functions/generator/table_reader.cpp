@@ -64,7 +64,7 @@ class FamilyReader {
     const StrictTable fields = Fields(table, "[[setting]]", {"name", "type", "values"});
     Setting setting{fields.Text("name"), fields.Text("type"), fields.OptionalTexts("values"), fields.OwnPlace()};
     if (!IsIdentifier(setting.name)) fields.ComplainAt("name", "'" + setting.name + "' cannot name a parameter");
-    const bool plain = setting.type == "bool" || setting.type == "int";
+    const bool plain = setting.type == "bool" || setting.type == "int" || setting.IsOwnName();
     if (!plain && !IsIdentifier(setting.type)) {
       fields.ComplainAt("type", "'" + setting.type + "' cannot name an enumeration");
     }
@@ -174,11 +174,15 @@ class FamilyReader {
       const toml::node* value = given ? given->get(name) : nullptr;
       const auto kept =
           std::find_if(takenOver.begin(), takenOver.end(), [&](const auto& setting) { return setting.first == name; });
-      if (!value && kept != takenOver.end()) {
+      const Setting* setting = FindSetting(name);
+      if (setting && setting->IsOwnName()) {
+        if (value) fields.Complain(*value, "the setting '" + name + "' is the name of '" + function.name + "'");
+        function.settings.emplace_back(name, function.Procedure() + "Declaration.name");
+      } else if (!value && kept != takenOver.end()) {
         function.settings.push_back(*kept);
       } else if (!value) {
         fields.ComplainAt("settings", "'" + function.name + "' gives no setting '" + name + "'");
-      } else if (const Setting* setting = FindSetting(name)) {
+      } else if (setting) {
         function.settings.emplace_back(name, SettingValue(*setting, *value, fields));
       }
     }
