@@ -28,12 +28,14 @@ class Slice {
   /// may have, and then it is as it was.
   void Append(const PlaceRun& run) {
     if (run.count == 0) return;
-    if (run.count > most_ - count_) throw CXlArrayTooLargeException();
-    if (!runs_.empty() && run.first == Last() + 1)
+    if (run.count > most_ - count_) [[unlikely]]
+      throw CXlArrayTooLargeException();
+    if (run.first == next_)
       runs_[runs_.size() - 1].count += run.count;
     else
       runs_.Append(run);
     count_ += run.count;
+    next_ = run.first + run.count;
   }
 
   std::int32_t Count() const noexcept { return count_; }
@@ -42,10 +44,7 @@ class Slice {
   /// Whether each place is the one before plus one.
   bool IsContiguous() const noexcept { return runs_.size() <= 1; }
   /// The place that was picked last; there is one at least.
-  std::int32_t Last() const noexcept {
-    const PlaceRun& run = runs_[runs_.size() - 1];
-    return run.first + run.count - 1;
-  }
+  std::int32_t Last() const noexcept { return next_ - 1; }
 
   /// Every place.
   ScratchArray<std::int32_t> Places() const {
@@ -61,6 +60,7 @@ class Slice {
  private:
   std::int32_t most_;
   std::int32_t count_ = 0;
+  std::int32_t next_ = -1;  ///< behind the last
   ScratchList<PlaceRun> runs_;
 };
 

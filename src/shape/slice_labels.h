@@ -18,7 +18,6 @@ class SliceLabels {
  public:
   /// A label to be looked for, perhaps again.
   void Want(const XLOPER12& label);
-  bool AreWanted() const noexcept { return !places_.empty(); }
 
   /// Looks at cells, the first of which is at place `first`; a line may come in several stretches, in order.
   void LookAt(const CellLine& cells, std::int32_t first);

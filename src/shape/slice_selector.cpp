@@ -66,13 +66,12 @@ std::span<const XLOPER12> CellsOf(const CXlOper& values) {
   return {cells.first, static_cast<std::size_t>(cells.Count())};
 }
 
-/// Where the labels among the items stand. The table is read only where there are some.
-SliceLabels FindLabels(const std::vector<CXlOper>& items, const TableView& table, SliceAxis axis) {
+/// Where the labels among the items stand.
+SliceLabels FindLabels(std::span<const CXlOper> items, const TableView& table, SliceAxis axis) {
   SliceLabels labels;
   for (const CXlOper& area : items)
     for (const XLOPER12& item : CellsOf(area))
       if (IsTextCell(item)) labels.Want(item);
-  if (!labels.AreWanted()) return labels;
   if (axis == SliceAxis::kColumns) {
     const CXlOper headers = table.SomeRows(0, 1).ReadAll();
     labels.LookAt(RowLine(headers.Cells(), 0), 0);
@@ -87,29 +86,38 @@ SliceLabels FindLabels(const std::vector<CXlOper>& items, const TableView& table
   return labels;
 }
 
-/// Makes a slice of the items of a selector.
+/// Picks what the items of a selector say.
 class ItemPicker {
  public:
-  ItemPicker(Slice& slice, std::int32_t length, SliceLabels& labels) noexcept
-      : slice_(slice), length_(length), labels_(labels) {}
+  ItemPicker(const TableView& table, SliceAxis axis, std::span<const CXlOper> items) noexcept
+      : table_(table), axis_(axis), items_(items), length_(Length(table, axis)) {}
 
-  /// Picks what the next item says; what is wrong with it, if anything is.
-  XStringView Take(const XLOPER12& item) {
-    const std::uint32_t type = CellType(item);
-    if (type == xltypeNum || type == xltypeInt) return TakeNumber(CellNumber(item));
-    if (hasMark_) PickUpTo(length_ - 1);
-    if (type != xltypeStr) return kInvalidItem;
-    for (const PlaceRun& run : labels_.PlacesOf(item)) slice_.Append(run);
+  /// What is wrong with one of the items, if anything is; the slice is then no good.
+  XStringView PickInto(Slice& slice) {
+    for (const CXlOper& area : items_)
+      for (const XLOPER12& item : CellsOf(area)) {
+        // Most items are positions from the first on, and there may be a million.
+        if (IsNumberCell(item) && item.val.num >= 1 && item.val.num <= length_ && !hasMark_) [[likely]]
+          slice.Append({static_cast<std::int32_t>(item.val.num) - 1, 1});
+        else if (const XStringView fault = Take(item, slice); !fault.empty())
+          return fault;
+      }
+    if (hasMark_) PickUpTo(length_ - 1, slice);
     return {};
   }
 
-  /// Behind the last item.
-  void Finish() {
-    if (hasMark_) PickUpTo(length_ - 1);
+ private:
+  XStringView Take(const XLOPER12& item, Slice& slice) {
+    const std::uint32_t type = CellType(item);
+    if (type == xltypeNum || type == xltypeInt) return TakeNumber(CellNumber(item), slice);
+    if (hasMark_) PickUpTo(length_ - 1, slice);
+    if (type != xltypeStr) return kInvalidItem;
+    if (!labels_) labels_ = FindLabels(items_, table_, axis_);
+    for (const PlaceRun& run : labels_->PlacesOf(item)) slice.Append(run);
+    return {};
   }
 
- private:
-  XStringView TakeNumber(double number) {
+  XStringView TakeNumber(double number, Slice& slice) {
     std::int32_t place = 0;
     if (!TruncateToInteger(number, place)) return kOutside;
     if (place == 0 && !hasMark_) {
@@ -120,35 +128,25 @@ class ItemPicker {
     const std::int64_t at = place > 0 ? std::int64_t{place} - 1 : std::int64_t{length_} + (place == 0 ? -1 : place);
     if (at < 0 || at >= length_) return kOutside;
     if (hasMark_)
-      PickUpTo(static_cast<std::int32_t>(at));
+      PickUpTo(static_cast<std::int32_t>(at), slice);
     else
-      slice_.Append({static_cast<std::int32_t>(at), 1});
+      slice.Append({static_cast<std::int32_t>(at), 1});
     return {};
   }
 
-  void PickUpTo(std::int32_t last) {
-    const std::int32_t first = slice_.Count() == 0 ? 0 : slice_.Last() + 1;
-    slice_.Append({first, std::max(last - first + 1, 0)});
+  void PickUpTo(std::int32_t last, Slice& slice) {
+    const std::int32_t first = slice.Count() == 0 ? 0 : slice.Last() + 1;
+    slice.Append({first, std::max(last - first + 1, 0)});
     hasMark_ = false;
   }
 
-  Slice& slice_;
+  const TableView& table_;
+  SliceAxis axis_;
+  std::span<const CXlOper> items_;
   std::int32_t length_;
-  SliceLabels& labels_;
-  bool hasMark_ = false;  ///< a range has begun, its end is the next item's to say
+  bool hasMark_ = false;               ///< a range has begun, its end is the next item's to say
+  std::optional<SliceLabels> labels_;  ///< once there is one
 };
-
-/// Picks what the items say; what is wrong with one of them, if anything is.
-XStringView PickItems(Slice& slice, const TableView& table, SliceAxis axis, const CXlOper& selector) {
-  const std::vector<CXlOper> items = ReadItems(selector);
-  SliceLabels labels = FindLabels(items, table, axis);
-  ItemPicker picker(slice, Length(table, axis), labels);
-  for (const CXlOper& area : items)
-    for (const XLOPER12& item : CellsOf(area))
-      if (const XStringView fault = picker.Take(item); !fault.empty()) return fault;
-  picker.Finish();
-  return {};
-}
 
 }  // namespace
 
@@ -158,10 +156,12 @@ std::optional<Slice> SelectSlice(CXlOper& result, const TableView& table, SliceA
   const CXlOper& value = selector.Value();
   const bool isByPlace = value.IsReference() && table.IsReference();
   XStringView fault;
-  if (isByPlace)
+  if (isByPlace) {
     PickCovered(slice, table, axis, value);
-  else
-    fault = PickItems(slice, table, axis, value);
+  } else {
+    const std::vector<CXlOper> items = ReadItems(value);
+    fault = ItemPicker(table, axis, items).PickInto(slice);
+  }
   if (fault.empty() && slice.Count() == 0) fault = isByPlace ? kNotCovered : kOutside;
   if (fault.empty()) return slice;
 

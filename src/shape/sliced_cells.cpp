@@ -80,6 +80,7 @@ SlicedCells::Axis SlicedCells::Among(std::span<const PlaceRun> read, const Slice
     total += run.count;
   }
   const auto among = [&](std::int32_t place) {
+    if (read.size() == 1) return place - read[0].first;
     const auto behind = std::ranges::upper_bound(read, place, {}, &PlaceRun::first);
     const std::size_t at = static_cast<std::size_t>(behind - read.begin()) - 1;
     return before[at] + place - read[at].first;
@@ -95,7 +96,14 @@ SlicedCells::Axis SlicedCells::Among(std::span<const PlaceRun> read, const Slice
 }
 
 AxisMap SlicedCells::Axis::Map() const noexcept {
-  return places.empty() ? AxisMap::Run(run.first, run.count) : AxisMap::By({places.data(), places.size()});
+  if (places.empty()) return AxisMap::Run(run.first, run.count);
+  // Even steps, backwards above all, need no list: the processor then sees what is read next.
+  const auto isUneven = [step = places[1] - places[0]](std::int32_t a, std::int32_t b) { return b - a != step; };
+  if (std::adjacent_find(places.begin(), places.end(), isUneven) != places.end())
+    return AxisMap::By({places.data(), places.size()});
+  AxisMap even = AxisMap::Run(places[0], static_cast<std::int32_t>(places.size()));
+  even.step = places[1] - places[0];
+  return even;
 }
 
 ArrayPiece SlicedCells::Piece() const noexcept { return {cells_, rows_.Map(), columns_.Map()}; }
