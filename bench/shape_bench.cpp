@@ -1,0 +1,69 @@
+// What the functions that cut and extend arrays cost beside a plain copy of as many cells and texts as their results
+// have into fresh memory. A benchmark's argument is the number of rows of a table of five columns (number, text, text,
+// number, boolean).
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+#include "bench/stack_call.h"
+#include "exports.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kColumns = 5;
+constexpr int kTextColumns = 2;
+
+Blocks MixedTable(int rows) {
+  Blocks blocks;
+  blocks.push_back(std::make_unique<HostArray>(rows, kColumns));
+  HostArray& table = *blocks.back();
+  for (int at = 0; at < rows * kColumns; ++at) {
+    const int column = at % kColumns;
+    if (column == 1 || column == 2)
+      table.SetText(at, CountedText(XTEXT('K'), at * std::int64_t{7919} % 9'999'991));
+    else
+      table.cells[at] = column == 4 ? BooleanCell(at % 2 == 0) : NumberCell(at * 0.25);
+  }
+  return blocks;
+}
+
+void AllSizes(benchmark::internal::Benchmark* benchmark) {
+  for (const int rows : {1'000, 100'000, 1'000'000}) benchmark->Arg(rows);
+  benchmark->Unit(benchmark::kMillisecond);
+}
+
+/// The floor: cells and texts copied one by one, nothing checked, into memory never touched before.
+void PlainTableCopy(benchmark::State& state) {
+  const auto rows = static_cast<int>(state.range(0));
+  const Blocks table = MixedTable(rows);
+  for (auto _ : state) {
+    const auto cells = std::make_unique_for_overwrite<XLOPER12[]>(std::size_t{kColumns} * rows);
+    const auto texts = std::make_unique_for_overwrite<XCHAR[]>(std::size_t{kTextColumns} * 9 * rows);
+    CopyPlainly(table, cells.get(), texts.get());
+    benchmark::DoNotOptimize(cells.get());
+    benchmark::DoNotOptimize(texts.get());
+  }
+}
+BENCHMARK(PlainTableCopy)->Apply(AllSizes);
+
+/// The table four times, from a quarter of the rows: twice down, twice across.
+void RepeatTable(benchmark::State& state) {
+  const Blocks table = MixedTable(static_cast<int>(state.range(0)) / 4);
+  const XLOPER12 two = NumberCell(2);
+  for (auto _ : state) CallAsExcel(&REPEAT_12, &table[0]->value, two, two);
+}
+BENCHMARK(RepeatTable)->Apply(AllSizes);
+
+void ReverseTable(benchmark::State& state, bool rows, bool columns) {
+  const Blocks table = MixedTable(static_cast<int>(state.range(0)));
+  const XLOPER12 reverseRows = BooleanCell(rows);
+  const XLOPER12 reverseColumns = BooleanCell(columns);
+  for (auto _ : state) CallAsExcel(&REVERSE_ARRAY_12, &table[0]->value, reverseRows, reverseColumns);
+}
+BENCHMARK_CAPTURE(ReverseTable, Rows, true, false)->Apply(AllSizes);
+BENCHMARK_CAPTURE(ReverseTable, Columns, false, true)->Apply(AllSizes);
+BENCHMARK_CAPTURE(ReverseTable, Both, true, true)->Apply(AllSizes);
+
+}  // namespace
+}  // namespace quillmere
