@@ -2,20 +2,17 @@
 //
 // Serves VSTACK, VSTACKF, HSTACK, HSTACKF, HDR.VSTACK, HDR.HSTACK, ROW.ARRAY, COL.ARRAY.
 //
-// Both directions are one piece of code. `along` is the axis the blocks follow each other on (rows when stacking down),
-// a lane is a row or column of the result that runs that way.
+// Both directions are one piece of code: shape/stacked_lines.h has its words.
 #include <algorithm>
 #include <optional>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "frame/convert/argument.h"
 #include "frame/convert/single_value.h"
 #include "frame/text/integer_text.h"
 #include "frame/values/array_builder.h"
-#include "implementations/shape.h"
-#include "table/array_painter.h"
+#include "shape/stacked_lines.h"
 #include "table/header_index.h"
 
 namespace quillmere::shape {
@@ -51,25 +48,9 @@ StackArguments ReadArguments(const CXlArgument& fill, const CXlArgumentRun<29>& 
   return read;
 }
 
-bool IsAcross(StackDirection direction) { return direction == StackDirection::kAcross; }
-
-std::int32_t Along(const CXlCells& cells, StackDirection direction) {
-  return IsAcross(direction) ? cells.columns : cells.rows;
-}
-
-std::int32_t Lanes(const CXlCells& cells, StackDirection direction) {
-  return IsAcross(direction) ? cells.rows : cells.columns;
-}
-
 /// A block's first line across the lanes.
 CellLine Headers(const CXlCells& cells, StackDirection direction) {
   return IsAcross(direction) ? ColumnLine(cells, 0) : RowLine(cells, 0);
-}
-
-ArrayPiece Piece(const Block& block, const AxisMap& along, const AxisMap& lanes, StackDirection direction) {
-  ArrayPiece piece{block.cells, along, lanes};
-  if (IsAcross(direction)) std::swap(piece.rows, piece.columns);
-  return piece;
 }
 
 void CheckSize(std::int64_t along, std::int64_t lanes, StackDirection direction) {
@@ -123,7 +104,7 @@ void Functions::Stack(CXlOper& result, StackDirection direction, ScalarBlock sca
     const std::int32_t length = Along(block.cells, direction);
     const bool isRepeated = block.isSingleValue && scalarBlock == ScalarBlock::kRepeated;
     const AxisMap across = isRepeated ? AxisMap::Repeated(lanes) : AxisMap::Run(0, Lanes(block.cells, direction));
-    pieces.push_back(Piece(block, AxisMap::Run(0, length), across.PaddedTo(lanes), direction));
+    pieces.push_back(PieceOf(block.cells, AxisMap::Run(0, length), across.PaddedTo(lanes), direction));
   }
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
 }
@@ -152,7 +133,7 @@ void Functions::StackByHeader(CXlOper& result, StackDirection direction, const C
   std::vector<ArrayPiece> pieces;
   pieces.reserve(arguments.blocks.size() + 1);
   std::vector<std::vector<std::int32_t>> matches(arguments.blocks.size());
-  pieces.push_back(Piece(first, AxisMap::Run(0, firstLength), AxisMap::Run(0, lanes), direction));
+  pieces.push_back(PieceOf(first.cells, AxisMap::Run(0, firstLength), AxisMap::Run(0, lanes), direction));
   for (const Block& block : later) {
     const AxisMap positions = DataPositions(block, direction);
     if (positions.length == 0) continue;
@@ -162,9 +143,9 @@ void Functions::StackByHeader(CXlOper& result, StackDirection direction, const C
       SetNoMatch(result, block.argumentNumber);
       return;
     }
-    pieces.push_back(Piece(block, positions, *matched, direction));
+    pieces.push_back(PieceOf(block.cells, positions, *matched, direction));
   }
-  if (left != 0) pieces.push_back(Piece(first, AxisMap().PaddedTo(left), AxisMap().PaddedTo(lanes), direction));
+  if (left != 0) pieces.push_back(PieceOf(first.cells, AxisMap().PaddedTo(left), AxisMap().PaddedTo(lanes), direction));
   result = PaintStack(pieces, IsAcross(direction), arguments.fill);
 }
 
