@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <type_traits>
 
+#include "frame/convert/convert_array.h"
 #include "frame/convert/convert_scalar.h"
 #include "frame/convert/element_kind.h"
+#include "frame/convert/single_value.h"
 #include "frame/registration/function_declaration.h"
 #include "frame/values/xl_oper.h"
 
@@ -39,12 +42,31 @@ class CXlArgument {
   /// declared as required), 29 (does not convert), 64 (none of the codes that are allowed).
   template <ElementKind kind>
   ElementOf<kind> As() const {
-    CScalarConvertParams<kind> params(Name());
-    if constexpr (std::is_integral_v<ElementOf<kind>>) params.OneOf(declaration_.allowedCodes);
-    return ConvertArgument(Value(), params);
+    return ConvertArgument(Value(), ScalarParams<kind>());
+  }
+
+  /// The value as a list: a single value, that of an array of one too, as As; of other arrays and of references all
+  /// cells but the empty ones, row by row. Further messages: 12 (one of several does not convert), 13 (none is there).
+  template <ElementKind kind>
+  CElementArray<kind> AsList() const {
+    if (OnlyCell(Value())) {
+      CElementArray<kind> one{1, 1, std::make_unique<ElementOf<kind>[]>(1)};
+      one.values[0] = As<kind>();
+      return one;
+    }
+    CVectorConvertParams<kind> params(Name(), CVectorConvertParamsBase::Shape::kList);
+    CElementArray<kind> list = ConvertArgument(Value(), params);
+    for (const ElementOf<kind>& value : list.Values()) CheckAllowed(value, ScalarParams<kind>());
+    return list;
   }
 
  private:
+  template <ElementKind kind>
+  CScalarConvertParams<kind> ScalarParams() const {
+    CScalarConvertParams<kind> params(Name());
+    if constexpr (std::is_integral_v<ElementOf<kind>>) params.OneOf(declaration_.allowedCodes);
+    return params;
+  }
   void CheckRequired() const;
 
   const CXlOper& passed_;

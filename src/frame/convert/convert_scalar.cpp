@@ -47,19 +47,25 @@ ElementOf<kind> ConvertTo(const CXlOper& value, bool strict) {
 }
 
 template <ElementKind kind>
+void CheckAllowed(const ElementOf<kind>& value, const CScalarConvertParams<kind>& params) {
+  if constexpr (kind != ElementKind::kNumber && kind != ElementKind::kBoolean)
+    if (!IsAllowed(value, params.AllowedValues())) params.ThrowNotOneOf(params.AllowedValues());
+}
+
+template <ElementKind kind>
 ElementOf<kind> ConvertArgument(const CXlOper& argument, const CScalarConvertParams<kind>& params) {
   if (argument.IsAbsent()) params.ThrowScalarNotInitialized(kind);
   ElementOf<kind> result{};
   const CXlOper cell = TopLeftValue(argument);
   if (!cell.IsSet() || !ConvertCellTo<kind>(cell.Raw(), TextReading::kAskExcel, result))
     params.ThrowFailedToConvert(cell.Raw(), TypeName(kind));
-  if constexpr (kind != ElementKind::kNumber && kind != ElementKind::kBoolean)
-    if (!IsAllowed(result, params.AllowedValues())) params.ThrowNotOneOf(params.AllowedValues());
+  CheckAllowed(result, params);
   return result;
 }
 
-#define INSTANTIATE(kind)                                         \
-  template ElementOf<kind> ConvertTo<kind>(const CXlOper&, bool); \
+#define INSTANTIATE(kind)                                                                      \
+  template ElementOf<kind> ConvertTo<kind>(const CXlOper&, bool);                              \
+  template void CheckAllowed<kind>(const ElementOf<kind>&, const CScalarConvertParams<kind>&); \
   template ElementOf<kind> ConvertArgument<kind>(const CXlOper&, const CScalarConvertParams<kind>&);
 FOR_EACH_ELEMENT_KIND(INSTANTIATE)
 #undef INSTANTIATE

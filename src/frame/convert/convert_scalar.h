@@ -19,6 +19,10 @@ CXlOper TopLeftValue(const CXlOper& value);
 template <ElementKind kind>
 ElementOf<kind> ConvertTo(const CXlOper& value, bool strict);
 
+/// Message 64 for a value that is none of those allowed.
+template <ElementKind kind>
+void CheckAllowed(const ElementOf<kind>& value, const CScalarConvertParams<kind>& params);
+
 /// Converts an argument: message 45 when it was left out, message 29 when it does not convert, message 64 when its
 /// value is none of those allowed.
 template <ElementKind kind>
