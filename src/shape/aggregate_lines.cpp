@@ -1,0 +1,195 @@
+#include "shape/aggregate_lines.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
+
+#include "frame/values/array_builder.h"
+#include "table/row_blocks.h"
+
+namespace quillmere::shape {
+namespace {
+
+/// Cells that are gone over together: so many are still in the processor's nearest cache when the next column is.
+constexpr std::int32_t kTileCells = 1024;
+constexpr std::int32_t kLeastTileRows = 16;
+
+/// Cells that are sooner read with those around them than left out, which takes another callback.
+constexpr std::int32_t kCellsWorthACallback = 256;
+
+/// Rows that are read together, and the runs that are picked of them.
+struct Stretch {
+  std::int32_t first;
+  std::int32_t end;
+  std::span<const PlaceRun> runs;
+};
+
+/// The rows of the first of `runs`, and of those behind it as far as they lie close and fit into one block with it, in
+/// whatever order. Of an array all rows are at hand.
+Stretch FirstStretch(const TableView& table, std::span<const PlaceRun> runs, std::int32_t columns) {
+  if (!table.IsReference()) return {0, table.Rows(), runs};
+  const std::int32_t mostRows = RowBlocks::kBlockCells / columns;
+  const std::int32_t mostBetween = kCellsWorthACallback / columns;
+  std::int32_t first = runs[0].first;
+  std::int32_t end = first + runs[0].count;
+  std::size_t count = 1;
+  for (; count < runs.size(); ++count) {
+    const PlaceRun& run = runs[count];
+    const std::int32_t runEnd = run.first + run.count;
+    const std::int32_t between = std::max(run.first - end, first - runEnd);
+    if (between > mostBetween || std::max(end, runEnd) - std::min(first, run.first) > mostRows) break;
+    first = std::min(first, run.first);
+    end = std::max(end, runEnd);
+  }
+  return {first, end, runs.first(count)};
+}
+
+/// Calls `take(blocks, run)` for runs of picked rows, in the order in which they were picked; `run` counts from the
+/// first row of the block, whose columns are `columns`.
+template <class Take>
+void ForEachRun(const TableSlice& slice, std::span<const std::int32_t> columns, const Take& take) {
+  std::span<const PlaceRun> left = slice.rows.Runs();
+  while (!left.empty()) {
+    const Stretch stretch = FirstStretch(slice.table, left, static_cast<std::int32_t>(columns.size()));
+    left = left.subspan(stretch.runs.size());
+    const TableView rows = slice.table.SomeRows(stretch.first, stretch.end - stretch.first);
+    // Several runs stand in one block: they may then go up and down in it.
+    for (RowBlocks blocks(rows, columns); blocks.Next();) {
+      const std::int32_t blockFirst = stretch.first + blocks.FirstRow();
+      for (const PlaceRun& run : stretch.runs) {
+        const std::int32_t first = std::max(run.first - blockFirst, 0);
+        const std::int32_t end = std::min(run.first + run.count - blockFirst, blocks.Rows());
+        take(blocks, PlaceRun{first, end - first});
+      }
+    }
+  }
+}
+
+/// Writes the results of one line after the other.
+class ResultWriter {
+ public:
+  ResultWriter(std::span<const AggregateFunction> functions, const AggregateResults& results)
+      : functions_(functions), results_(results), next_(results.first) {}
+
+  void Write(LineAggregate& line) {
+    const bool isWithout = results_.withoutNumber && !line.HoldsNumber();
+    XLOPER12* to = next_;
+    for (const AggregateFunction function : functions_) {
+      *to = isWithout ? *results_.withoutNumber : line.Result(function);
+      to += results_.functionStep;
+    }
+    next_ += results_.lineStep;
+  }
+
+ private:
+  std::span<const AggregateFunction> functions_;
+  AggregateResults results_;
+  XLOPER12* next_;
+};
+
+/// Goes down the picked rows by tiles, which are gone over column by column.
+void AggregateColumns(const TableSlice& slice, const Measures& measures, ResultWriter& writer) {
+  const ScratchArray<std::int32_t> columns = slice.columns.Places();
+  const std::int32_t tileRows = std::max(kTileCells / slice.columns.Count(), kLeastTileRows);
+  GatheredCells cells(static_cast<std::size_t>(tileRows));
+  std::vector<LineAggregate> lines;
+  lines.reserve(columns.size());
+  for (std::size_t column = 0; column < columns.size(); ++column) lines.emplace_back(measures);
+  ForEachRun(slice, {columns.data(), columns.size()}, [&](const RowBlocks& blocks, const PlaceRun& run) {
+    const std::int32_t end = run.first + run.count;
+    for (std::int32_t row = run.first; row < end; row += tileRows) {
+      const std::int32_t rows = std::min(tileRows, end - row);
+      for (std::size_t column = 0; column < lines.size(); ++column) {
+        cells.Clear();
+        cells.Gather(&blocks.At(row, column), rows, blocks.Column(column).stride);
+        lines[column].Take(cells);
+      }
+    }
+  });
+  for (LineAggregate& line : lines) writer.Write(line);
+}
+
+/// Calls `take(first, count)` for the cells of picked columns that follow each other, in a row of a block.
+template <class Take>
+void ForEachPart(const TableSlice& slice, const RowBlocks& blocks, std::int32_t row, const Take& take) {
+  std::size_t column = 0;
+  for (const PlaceRun& run : slice.columns.Runs()) {
+    take(&blocks.At(row, column), run.count);
+    column += static_cast<std::size_t>(run.count);
+  }
+}
+
+void AggregateRows(const TableSlice& slice, const Measures& measures, ResultWriter& writer) {
+  const ScratchArray<std::int32_t> columns = slice.columns.Places();
+  GatheredCells cells(columns.size());
+  LineAggregate line(measures);
+  ForEachRun(slice, {columns.data(), columns.size()}, [&](const RowBlocks& blocks, const PlaceRun& run) {
+    for (std::int32_t row = run.first; row < run.first + run.count; ++row) {
+      cells.Clear();
+      ForEachPart(slice, blocks, row,
+                  [&](const XLOPER12* first, std::int32_t count) { cells.Gather(first, count, 1); });
+      line.Clear();
+      line.Take(cells);
+      writer.Write(line);
+    }
+  });
+}
+
+void AggregateAll(const TableSlice& slice, const Measures& measures, ResultWriter& writer) {
+  const ScratchArray<std::int32_t> columns = slice.columns.Places();
+  GatheredCells cells(std::max<std::size_t>(columns.size(), kTileCells));
+  LineAggregate line(measures);
+  ForEachRun(slice, {columns.data(), columns.size()}, [&](const RowBlocks& blocks, const PlaceRun& run) {
+    for (std::int32_t row = run.first; row < run.first + run.count; ++row) {
+      ForEachPart(slice, blocks, row, [&](const XLOPER12* first, std::int32_t count) {
+        if (!cells.HasRoomFor(static_cast<std::size_t>(count))) {
+          line.Take(cells);
+          cells.Clear();
+        }
+        cells.Gather(first, count, 1);
+      });
+    }
+  });
+  line.Take(cells);
+  writer.Write(line);
+}
+
+}  // namespace
+
+std::int32_t TableSlice::Lines(AggregateBy by) const noexcept {
+  switch (by) {
+    case AggregateBy::kColumns:
+      return columns.Count();
+    case AggregateBy::kRows:
+      return rows.Count();
+    case AggregateBy::kAll:
+      break;
+  }
+  return 1;
+}
+
+void AggregateLines(const TableSlice& slice, AggregateBy by, std::span<const AggregateFunction> functions,
+                    const AggregateResults& results) {
+  const Measures measures(functions);
+  ResultWriter writer(functions, results);
+  switch (by) {
+    case AggregateBy::kAll:
+      return AggregateAll(slice, measures, writer);
+    case AggregateBy::kColumns:
+      return AggregateColumns(slice, measures, writer);
+    case AggregateBy::kRows:
+      return AggregateRows(slice, measures, writer);
+  }
+}
+
+CXlOper AggregateArray(const TableSlice& slice, AggregateBy by, std::span<const AggregateFunction> functions) {
+  const std::int32_t lines = slice.Lines(by);
+  const auto count = static_cast<std::int64_t>(functions.size());
+  const bool isDown = by == AggregateBy::kRows;
+  CXlArrayBuilder builder(isDown ? lines : count, isDown ? count : lines);
+  AggregateLines(slice, by, functions,
+                 isDown ? AggregateResults{builder.Row(0), count, 1} : AggregateResults{builder.Row(0), 1, lines});
+  return builder.FinishCollapsed();
+}
+
+}  // namespace quillmere::shape
