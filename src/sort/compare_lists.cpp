@@ -10,6 +10,7 @@
 #include "sort/distinct_arguments.h"
 #include "sort/sort_rows.h"
 #include "table/distinct_tuples.h"
+#include "table/ignored_items.h"
 
 namespace quillmere::sort {
 namespace {

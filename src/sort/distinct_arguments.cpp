@@ -3,14 +3,6 @@
 #include "frame/errors/exceptions.h"
 
 namespace quillmere::sort {
-namespace {
-
-// The flags of Ignore.
-constexpr std::int32_t kErrors = 1;
-constexpr std::int32_t kBlanks = 2;
-constexpr std::int32_t kZeros = 4;
-
-}  // namespace
 
 DistinctInput::DistinctInput(const CXlArgument& argument)
     : passedRows_(TableView(argument.Value()).Rows()), table_(TableView::OfUsedRows(argument.Value())) {}
@@ -30,12 +22,6 @@ CellLine DistinctInput::ReadValues(const CXlArgument& argument) {
     throw CXlErrorException(xlerrValue);
   valueCells_ = values.SomeRows(0, isColumn ? table_.Rows() : 1).ReadAll();
   return isColumn ? ColumnLine(valueCells_.Cells(), 0) : RowLine(valueCells_.Cells(), 0);
-}
-
-IgnoredItems ReadIgnored(const CXlScalarArgument<ElementKind::kInteger>& ignore) {
-  const std::int32_t flags = ignore.Read();
-  if (flags < 0 || flags > (kErrors | kBlanks | kZeros)) return {};
-  return {(flags & kErrors) != 0, (flags & kBlanks) != 0, (flags & kZeros) != 0};
 }
 
 ListOrder ReadOrder(const CXlScalarArgument<ElementKind::kInteger>& sort) {

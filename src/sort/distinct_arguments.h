@@ -36,9 +36,6 @@ class DistinctInput {
   CXlOper valueCells_;
 };
 
-/// The flags of Ignore; a number that is no sum of them ignores nothing.
-IgnoredItems ReadIgnored(const CXlScalarArgument<ElementKind::kInteger>& ignore);
-
 /// The order of a list with figures. A number that stands for none leaves it unsorted.
 ListOrder ReadOrder(const CXlScalarArgument<ElementKind::kInteger>& sort);
 

@@ -6,6 +6,7 @@
 #include "implementations/sort.h"
 #include "sort/distinct_arguments.h"
 #include "sort/distinct_list.h"
+#include "table/ignored_items.h"
 
 namespace quillmere::sort {
 namespace {

@@ -5,9 +5,9 @@
 
 #include "frame/values/scratch_list.h"
 #include "frame/values/xl_oper.h"
-#include "sort/ignored_items.h"
 #include "table/cell_hash.h"
 #include "table/cell_line.h"
+#include "table/ignored_items.h"
 
 namespace quillmere::sort {
 

@@ -5,9 +5,10 @@
 #include <cstdint>
 #include <span>
 
+#include "frame/convert/argument.h"
 #include "frame/values/cell.h"
 
-namespace quillmere::sort {
+namespace quillmere {
 
 struct IgnoredItems {
   bool errors = false;  ///< those with an error in any of their cells
@@ -29,4 +30,7 @@ inline bool IsIgnored(std::span<const XLOPER12> item, const IgnoredItems& ignore
   return ignored.zeros && (types & ~kZeroTypes) == 0 && std::ranges::all_of(item, isZero);
 }
 
-}  // namespace quillmere::sort
+/// The flags of an Ignore argument; a number that is no sum of them ignores nothing.
+IgnoredItems ReadIgnored(const CXlScalarArgument<ElementKind::kInteger>& ignore);
+
+}  // namespace quillmere
