@@ -43,7 +43,7 @@ class GatheredCells {
   }
   /// Takes in cells that stand `stride` cells apart, behind those that it has; there must be room. What is no cell:
   /// "Bad XLOPER type".
-  void Gather(const XLOPER12* first, std::int32_t count, std::ptrdiff_t stride);
+  void Gather(const XLOPER12* first, std::int32_t count, std::ptrdiff_t stride, std::ptrdiff_t ahead = 0);
   bool HasRoomFor(std::size_t count) const noexcept { return count <= numbers_.size() - count_; }
 
   std::span<const double> Numbers() const noexcept { return {numbers_.data(), count_}; }
@@ -66,11 +66,11 @@ class GatheredCells {
 class CompensatedSum {
  public:
   void Add(std::span<const double> numbers) noexcept;
-  double Value() const noexcept { return sum_ + correction_; }
+  double Value() const noexcept { return sum_ + lost_; }
 
  private:
   double sum_ = 0;
-  double correction_ = 0;
+  double lost_ = 0;  ///< by its additions
 };
 
 /// The mean, and the squares of the deviations from it. Each block of numbers is passed twice, once for its mean and
@@ -112,13 +112,13 @@ class LineAggregate {
 
   /// Whether there is a number among the cells, or an error, which might have been one.
   bool HoldsNumber() const noexcept { return count_ != 0 || error_.has_value(); }
-  /// A number, or an error: that of the first erroneous cell, unless cells are counted, or what a function gives that
-  /// has too few numbers. The function is one of those that the measures are for.
-  XLOPER12 Result(AggregateFunction function);
+  /// Writes a number, or an error: that of the first erroneous cell, unless cells are counted, or what a function gives
+  /// that has too few numbers. The function is one of those that the measures are for.
+  void WriteResult(AggregateFunction function, XLOPER12& to);
 
  private:
-  XLOPER12 Variance(bool ofSample, bool asDeviation) const noexcept;
-  XLOPER12 Median();
+  void WriteVariance(bool ofSample, bool asDeviation, XLOPER12& to) const;
+  void WriteMedian(XLOPER12& to);
 
   Measures measures_;
   std::int64_t count_ = 0;

@@ -75,7 +75,10 @@ class ResultWriter {
     const bool isWithout = results_.withoutNumber && !line.HoldsNumber();
     XLOPER12* to = next_;
     for (const AggregateFunction function : functions_) {
-      *to = isWithout ? *results_.withoutNumber : line.Result(function);
+      if (isWithout)
+        *to = *results_.withoutNumber;
+      else
+        line.WriteResult(function, *to);
       to += results_.functionStep;
     }
     next_ += results_.lineStep;
@@ -101,7 +104,8 @@ void AggregateColumns(const TableSlice& slice, const Measures& measures, ResultW
       const std::int32_t rows = std::min(tileRows, end - row);
       for (std::size_t column = 0; column < lines.size(); ++column) {
         cells.Clear();
-        cells.Gather(&blocks.At(row, column), rows, blocks.Column(column).stride);
+        cells.Gather(&blocks.At(row, column), rows, blocks.Column(column).stride,
+                     tileRows * blocks.Column(column).stride);
         lines[column].Take(cells);
       }
     }
@@ -109,25 +113,38 @@ void AggregateColumns(const TableSlice& slice, const Measures& measures, ResultW
   for (LineAggregate& line : lines) writer.Write(line);
 }
 
-/// Calls `take(first, count)` for the cells of picked columns that follow each other, in a row of a block.
-template <class Take>
-void ForEachPart(const TableSlice& slice, const RowBlocks& blocks, std::int32_t row, const Take& take) {
-  std::size_t column = 0;
-  for (const PlaceRun& run : slice.columns.Runs()) {
-    take(&blocks.At(row, column), run.count);
-    column += static_cast<std::size_t>(run.count);
+/// The picked cells of one row after the other.
+class RowCells {
+ public:
+  explicit RowCells(const TableSlice& slice)
+      : runs_(slice.columns.Runs()), rowsAhead_(kTileCells / slice.columns.Count() + 1) {}
+
+  /// Gathers those of a row of a block. Before each run of them `makeRoom` is told how many they are.
+  template <class MakeRoom>
+  void Gather(GatheredCells& cells, const RowBlocks& blocks, std::int32_t row, const MakeRoom& makeRoom) const {
+    std::size_t column = 0;
+    for (const PlaceRun& run : runs_) {
+      const CellLine& line = blocks.Column(column);
+      makeRoom(static_cast<std::size_t>(run.count));
+      cells.Gather(&line.At(row), run.count, 1, rowsAhead_ * line.stride);
+      column += static_cast<std::size_t>(run.count);
+    }
   }
-}
+
+ private:
+  std::span<const PlaceRun> runs_;
+  std::ptrdiff_t rowsAhead_;
+};
 
 void AggregateRows(const TableSlice& slice, const Measures& measures, ResultWriter& writer) {
   const ScratchArray<std::int32_t> columns = slice.columns.Places();
+  const RowCells rowCells(slice);
   GatheredCells cells(columns.size());
   LineAggregate line(measures);
   ForEachRun(slice, {columns.data(), columns.size()}, [&](const RowBlocks& blocks, const PlaceRun& run) {
     for (std::int32_t row = run.first; row < run.first + run.count; ++row) {
       cells.Clear();
-      ForEachPart(slice, blocks, row,
-                  [&](const XLOPER12* first, std::int32_t count) { cells.Gather(first, count, 1); });
+      rowCells.Gather(cells, blocks, row, [](std::size_t) {});
       line.Clear();
       line.Take(cells);
       writer.Write(line);
@@ -137,18 +154,17 @@ void AggregateRows(const TableSlice& slice, const Measures& measures, ResultWrit
 
 void AggregateAll(const TableSlice& slice, const Measures& measures, ResultWriter& writer) {
   const ScratchArray<std::int32_t> columns = slice.columns.Places();
+  const RowCells rowCells(slice);
   GatheredCells cells(std::max<std::size_t>(columns.size(), kTileCells));
   LineAggregate line(measures);
+  const auto makeRoom = [&](std::size_t count) {
+    if (cells.HasRoomFor(count)) return;
+    line.Take(cells);
+    cells.Clear();
+  };
   ForEachRun(slice, {columns.data(), columns.size()}, [&](const RowBlocks& blocks, const PlaceRun& run) {
-    for (std::int32_t row = run.first; row < run.first + run.count; ++row) {
-      ForEachPart(slice, blocks, row, [&](const XLOPER12* first, std::int32_t count) {
-        if (!cells.HasRoomFor(static_cast<std::size_t>(count))) {
-          line.Take(cells);
-          cells.Clear();
-        }
-        cells.Gather(first, count, 1);
-      });
-    }
+    for (std::int32_t row = run.first; row < run.first + run.count; ++row)
+      rowCells.Gather(cells, blocks, row, makeRoom);
   });
   line.Take(cells);
   writer.Write(line);
