@@ -41,10 +41,8 @@ Decision DecideByOther(const XLOPER12& item, bool decider);
 /// cannot be foreseen. True when the item is an error, and the first that counts.
 template <bool decider>
 inline bool Combine(Decision& decision, const XLOPER12& item) {
-  if (IsNumberCell(item)) {
-    decision |= (item.val.num != 0) == decider ? kDecided : kOpen;
-  } else if (IsBooleanCell(item)) {
-    decision |= (item.val.xbool != 0) == decider ? kDecided : kOpen;
+  if (HasPlainTruth(item)) {
+    decision |= PlainTruth(item) == decider ? kDecided : kOpen;
   } else if (decision == kOpen) {
     decision = DecideByOther(item, decider);
     return decision == kErroneous;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "frame/values/cell.h"
 
@@ -11,6 +12,22 @@ enum class TruthValue : std::int8_t { kNone, kFalse, kTrue };
 
 constexpr TruthValue AsTruth(bool value) noexcept { return value ? TruthValue::kTrue : TruthValue::kFalse; }
 
+/// Whether a cell is a number or a boolean: the truth of those takes no call, and no branch for which of the two it is.
+inline bool HasPlainTruth(const XLOPER12& cell) {
+  constexpr std::uint32_t kPlainTypes = 1U << xltypeNum | 1U << xltypeBool;
+  const std::uint32_t type = TypeOf(cell);
+  return type <= xltypeBool && (kPlainTypes >> type & 1) != 0;
+}
+
+/// The truth of such a cell.
+inline bool PlainTruth(const XLOPER12& cell) {
+  // A number is 0 when at most its first bit, the sign, is set; of a boolean the lower half counts.
+  const std::uint32_t upperBits = TypeOf(cell) / xltypeBool * 31 + 1;
+  std::uint64_t bits;
+  std::memcpy(&bits, &cell.val, sizeof bits);
+  return bits << upperBits != 0;
+}
+
 /// TruthOf for any kind but a number or a boolean.
 TruthValue TruthOfOther(const XLOPER12& cell);
 
@@ -19,9 +36,7 @@ TruthValue TruthOfOther(const XLOPER12& cell);
 /// text has one, nor has a cell that is empty or missing, nor an error: who must pass errors on looks for them first.
 /// Nothing is asked of Excel. What is no single cell is "Bad XLOPER type".
 inline TruthValue TruthOf(const XLOPER12& cell) {
-  if (IsNumberCell(cell)) return AsTruth(cell.val.num != 0);
-  if (IsBooleanCell(cell)) return AsTruth(cell.val.xbool != 0);
-  return TruthOfOther(cell);
+  return HasPlainTruth(cell) ? AsTruth(PlainTruth(cell)) : TruthOfOther(cell);
 }
 
 }  // namespace quillmere

@@ -17,6 +17,10 @@ TEST(TruthValue, ReadsEveryKindOfCell) {
                 {NumberCell(-2), kTrue},  {BooleanCell(true), kTrue}, {BooleanCell(false), kFalse},
                 {IntegerCell(0), kFalse}, {IntegerCell(7), kTrue},    {EmptyCell(), kNone},
                 {MissingCell(), kNone},   {ErrorCell(xlerrNA), kNone}};
+  XLOPER12 dirty = NumberCell(-7.5);  // what Excel leaves behind a boolean is none of it
+  dirty.val.xbool = 0;
+  dirty.xltype = xltypeBool | xlbitXLFree;
+  EXPECT_EQ(TruthOf(dirty), kFalse);
   for (const auto& [cell, truth] : values) EXPECT_EQ(TruthOf(cell), truth) << TypeOf(cell);
 
   const struct {
