@@ -49,12 +49,15 @@ std::vector<Value> Caller::CallOnThreads(int threads, XStringView function, cons
   const auto* registered = static_cast<const RegisteredFunction*>(session_.ItsAddin().Find(function));
   if (!registered) throw AddinFailure(ToUtf8(function) + " is not registered");
   EXPECT_EQ(operands.size(), registered->operands.size()) << ToUtf8(function);
+  std::vector<Value> passed = operands;
+  for (std::size_t i = 0; i < operands.size(); ++i)
+    if (registered->operands[i] != OperandKind::kReference) passed[i] = session_.Contents(operands[i]);
   const EvaluationContext context{&session_.ItsWorkbooks(), &session_.CurrentSheet(), &session_.Names(),
                                   &session_.ItsAddin(), ReferenceTo(place)};
   const EvaluationWatch watch(session_.Host(), false);
   std::vector<Value> results(static_cast<std::size_t>(threads));
   session_.Host().mainThread.RunOnThreads(threads, [&](int thread) {
-    results[static_cast<std::size_t>(thread)] = session_.ItsAddin().Call(*registered, operands, context);
+    results[static_cast<std::size_t>(thread)] = session_.ItsAddin().Call(*registered, passed, context);
   });
   return results;
 }
@@ -76,8 +79,12 @@ std::string Caller::Describe(XStringView function, const std::vector<Value>& ope
                              const CallingPlace& place) const {
   std::string text = "=" + ToUtf8(function) + "(";
   for (const Value& operand : operands)
-    text += (text.back() == '(' ? "" : ",") + (operand.IsMissing() ? "" : PrintLiteral(operand));
+    text += (text.back() == '(' ? "" : ",") + (operand.IsMissing() ? "" : Print(operand));
   return text + ")\n  called from " + At(ReferenceTo(place));
+}
+
+std::string Caller::Print(const Value& value) const {
+  return value.IsReference() ? At(value.AsReference()) : PrintLiteral(value);
 }
 
 std::string Caller::DescribeTable() const {

@@ -20,7 +20,8 @@ class Caller {
   /// `rowsBelow` empty rows under it. The table before it is gone.
   Value PutInSheet(const ArrayPtr& table, std::int32_t rowsBelow);
 
-  /// Calls the function that is registered by that name; there is an operand for each of its arguments.
+  /// Calls the function that is registered by that name; there is an operand for each of its arguments. A reference
+  /// is passed on where the function takes one, else what it holds.
   Value Call(XStringView function, const std::vector<Value>& operands, const CallingPlace& place);
 
   /// The same call on several threads at once: a result each.
@@ -35,6 +36,9 @@ class Caller {
 
   /// The call as a formula, with where it was made from.
   std::string Describe(XStringView function, const std::vector<Value>& operands, const CallingPlace& place) const;
+
+  /// A value as a formula writes it.
+  std::string Print(const Value& value) const;
 
   /// Where the last table stands, and how it was handed over.
   std::string DescribeTable() const;

@@ -1,0 +1,115 @@
+#include "tests/models/field_calls.h"
+
+#include <algorithm>
+
+#include "tests/models/random_calls.h"
+
+namespace qcalc::models {
+namespace {
+
+// Every so many calls are made on all threads at once.
+constexpr std::uint64_t kParallelEvery = 20;
+constexpr int kThreads = 8;
+constexpr std::int32_t kMostUncutRows = 100'000;
+
+}  // namespace
+
+Value Grid::Result() const {
+  if (cells.size() == 1) return Value::OfCell(cells[0]);
+  ArrayBuilder array(rows, columns);
+  for (std::int32_t row = 0; row < rows; ++row)
+    for (std::int32_t column = 0; column < columns; ++column) array.Set(row, column, At(row, column));
+  return Value::OfArray(array.Finish());
+}
+
+Grid FieldCall::CellsOf(const Value& operand) const {
+  if (operand.IsMissing()) return {};
+  if (operand.IsArray()) {
+    const Array& array = *operand.AsArray();
+    return {array.Rows(), array.Columns(), {array.Cells().begin(), array.Cells().end()}};
+  }
+  if (!operand.IsReference()) return {1, 1, {operand.AsCell()}};
+  const Reference& reference = operand.AsReference();
+  if (reference.areas.size() > 1) return {};
+  Area area = reference.areas[0];
+  const Area& all = where.areas[0];
+  if (area.Rows() > kMostUncutRows) area.lastRow = all.lastRow;
+  return Grid::Of(area.Rows(), area.Columns(), [&](std::int32_t row, std::int32_t column) {
+    row += area.firstRow, column += area.firstColumn;
+    const bool isInField = reference.sheet == where.sheet && all.Contains(row, column);
+    return isInField ? field->At(row - all.firstRow, column - all.firstColumn) : CellView();
+  });
+}
+
+CellView FieldCall::Cell(std::size_t operand, const CellView& leftOut) const {
+  return operands[operand].IsMissing() ? leftOut : Cells(operand).cells[0];
+}
+
+std::int32_t FieldCall::Number(std::size_t operand, std::int32_t leftOut) const {
+  const CellView cell = Cell(operand, CellView::Number(leftOut));
+  return cell.IsBoolean() ? cell.AsBoolean() : static_cast<std::int32_t>(cell.AsNumber());
+}
+
+FieldDraws::FieldDraws(std::uint64_t number, std::span<const CellView> values) : Draws(TheRun().settings.seed, number) {
+  ArrayBuilder field(1 + Below(9), 1 + Below(7));
+  for (CellView& cell : field.Cells()) cell = Pick(values);
+  Caller& caller = TheRun().caller;
+  call_.field = field.Finish();
+  call_.where = caller.PutInSheet(call_.field, 0).AsReference();
+  call_.place = Pick(caller.Places());
+  call_.place.rows = call_.place.columns = 1;
+}
+
+Area FieldDraws::DrawArea(std::int32_t rows, std::int32_t columns) {
+  const std::int32_t mostRows = call_.field->Rows(), mostColumns = call_.field->Columns();
+  if (rows == 0) rows = 1 + Below(mostRows);
+  if (columns == 0) columns = 1 + Below(mostColumns);
+  return Area::OfSize(Below(mostRows - rows + 1), Below(mostColumns - columns + 1), rows, columns);
+}
+
+Value FieldDraws::ReferTo(const Area& area) const {
+  const Area& all = call_.where.areas[0];
+  return Value::OfReference(
+      {call_.where.sheet,
+       {Area::OfSize(all.firstRow + area.firstRow, all.firstColumn + area.firstColumn, area.Rows(), area.Columns())}});
+}
+
+Value FieldDraws::DrawCells(const Area& area) {
+  const Value reference = ReferTo(area);
+  return Chance(50) ? reference : call_.CellsOf(reference).Result();
+}
+
+Value FieldDraws::DrawTallCells(const Area& area) {
+  Reference reference = ReferTo(area).AsReference();
+  const auto cells = call_.field->Cells();
+  const bool isLastRowUsed = std::any_of(cells.end() - call_.field->Columns(), cells.end(),
+                                         [](const CellView& cell) { return !cell.IsEmpty(); });
+  if (!isLastRowUsed || reference.areas[0].firstRow > kMostUncutRows || !Chance(10)) return DrawCells(area);
+  reference.areas[0].lastRow = kXlMaxRows - 1;
+  return Value::OfReference(reference);
+}
+
+void FieldDraws::DrawPlace(int percent) {
+  if (Chance(percent)) call_.place.rows = 1 + Below(11);
+  if (Chance(percent)) call_.place.columns = 1 + Below(9);
+}
+
+void TryFieldCalls(const std::function<FieldCall(std::uint64_t number)>& draw,
+                   const std::function<Value(const FieldCall& call)>& model, const Tolerance& tolerance) {
+  Caller& caller = TheRun().caller;
+  TryCalls([&](std::uint64_t number) -> std::string {
+    const FieldCall call = draw(number);
+    const Value expected = model(call);
+    std::string wrong;
+    for (const Value& actual :
+         caller.CallOnThreads(number % kParallelEvery == 0 ? kThreads : 1, call.function, call.operands, call.place))
+      if (!SameValue(expected, actual, tolerance))
+        wrong = "\n  expected " + caller.Print(expected) + "\n  got      " + caller.Print(actual);
+    wrong = caller.Complaints() + wrong;
+    if (wrong.empty()) return "";
+    return caller.Describe(call.function, call.operands, call.place) + "\n  with " +
+           caller.Print(Value::OfArray(call.field)) + " in " + caller.DescribeTable() + wrong;
+  });
+}
+
+}  // namespace qcalc::models

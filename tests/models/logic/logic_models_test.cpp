@@ -1,0 +1,150 @@
+// The logical functions on truth values, texts, errors and empty cells, against a slow and plain model of their rules:
+// what a random call must give, worked out cell by cell. It shares nothing with the add-in.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/models/field_calls.h"
+#include "tests/models/random_calls.h"
+
+namespace qcalc::logic {
+namespace {
+
+using models::FieldCall;
+using models::Grid;
+
+constexpr std::size_t kArguments = 28;
+constexpr XStringView kCombining[] = {XTEXT("AND.CELLS"), XTEXT("OR.CELLS"), XTEXT("AND.ROWS"),
+                                      XTEXT("OR.ROWS"),   XTEXT("AND.COLS"), XTEXT("OR.COLS"),
+                                      XTEXT("ALL"),       XTEXT("ANY"),      XTEXT("NONE")};
+
+constexpr CellView kTrue[] = {
+    CellView::Boolean(true),       CellView::Number(1),           CellView::Text(XTEXT("true")),
+    CellView::Text(XTEXT("TrUe")), CellView::Text(XTEXT("-3.5")), CellView::Number(-1e-300),
+    CellView::Text(XTEXT(" 7 ")),  CellView::Text(XTEXT("2e3")),  CellView::Number(1e300),
+    CellView::Text(XTEXT(".5")),   CellView::Text(XTEXT("+1"))};
+constexpr CellView kNotTrue[] = {CellView::Boolean(false),        CellView::Number(0),
+                                 CellView::Text(XTEXT("False")),  CellView::Text(XTEXT("0")),
+                                 CellView::Text(XTEXT("yes")),    CellView::Text(XTEXT("")),
+                                 CellView::Text(XTEXT("  ")),     CellView::Text(XTEXT("-0.0")),
+                                 CellView::Text(XTEXT("0e5")),    CellView(),
+                                 CellView::Text(XTEXT(" true ")), CellView::Number(-0.0),
+                                 CellView::Text(XTEXT("$5")),     CellView::Text(XTEXT("1,000")),
+                                 CellView::Text(XTEXT("1/2")),    CellView::Text(XTEXT("TRUE1"))};
+constexpr CellView kErrors[] = {CellView::Error(xlerrNA), CellView::Error(xlerrValue), CellView::Error(xlerrDiv0)};
+
+bool IsTrue(const CellView& cell) {
+  return std::any_of(std::begin(kTrue), std::end(kTrue), [&](const CellView& one) { return SameContent(cell, one); });
+}
+
+/// What walking over cells comes to: the first error or cell that decides, else the start. AND decides by what is not
+/// true.
+CellView Combined(const std::vector<CellView>& cells, bool isAnd) {
+  for (const CellView& cell : cells) {
+    if (cell.IsError()) return cell;
+    if (IsTrue(cell) != isAnd) return CellView::Boolean(!isAnd);
+  }
+  return CellView::Boolean(isAnd);
+}
+
+Value ExpectedCombination(const FieldCall& call) {
+  const bool isAnd = call.function.starts_with(XTEXT("A")) && call.function != XTEXT("ANY");
+  const bool isByRows = call.function.ends_with(XTEXT("ROWS")), isByColumns = call.function.ends_with(XTEXT("COLS"));
+  const bool isCells = call.function.ends_with(XTEXT("CELLS"));
+  std::vector<Grid> grids;
+  for (const Value& operand : call.operands)
+    if (!operand.IsMissing()) grids.push_back(call.CellsOf(operand));
+  if (call.operands[0].IsMissing()) return Value::Error(xlerrValue);
+  if (!isByRows && !isByColumns && !isCells) {
+    std::vector<CellView> all;
+    for (const Grid& grid : grids) all.insert(all.end(), grid.cells.begin(), grid.cells.end());
+    const CellView result = Combined(all, isAnd);
+    const bool isTurned = call.function == XTEXT("NONE") && !result.IsError();
+    return isTurned ? Value::Boolean(!result.AsBoolean()) : Value::OfCell(result);
+  }
+  for (const Grid& grid : grids)
+    if ((grid.rows != grids[0].rows && !isByColumns) || (grid.columns != grids[0].columns && !isByRows))
+      return Value::Error(xlerrValue);
+  const auto cut = [](std::int32_t size, std::int32_t calling) { return calling > 1 ? std::min(size, calling) : size; };
+  return Grid::Of(isByColumns ? 1 : cut(grids[0].rows, call.place.rows),
+                  isByRows ? 1 : cut(grids[0].columns, call.place.columns),
+                  [&](std::int32_t row, std::int32_t column) {
+                    std::vector<CellView> cells;
+                    for (const Grid& grid : grids) {
+                      if (isCells) cells.push_back(grid.At(row, column));
+                      const Grid& lines = isByColumns ? grid.Turned() : grid;
+                      const auto line = lines.Row(isByColumns ? column : row);
+                      if (!isCells) cells.insert(cells.end(), line.begin(), line.end());
+                    }
+                    return Combined(cells, isAnd);
+                  })
+      .Result();
+}
+
+Value ExpectedReplacement(const FieldCall& call) {
+  Grid cells = call.Cells(0);
+  if (cells.rows == 0) return Value::Error(xlerrValue);
+  for (CellView& cell : cells.cells) {
+    const bool isKept = cell.IsError() && ((cell.AsError() == xlerrNA && call.Number(2, 0) != 0) ||
+                                           (cell.AsError() == xlerrValue && call.Number(3, 0) != 0));
+    if (cell.IsError() && !isKept) cell = call.Cell(1, {});
+  }
+  return cells.Result();
+}
+
+class CallMaker : private models::FieldDraws {
+ public:
+  CallMaker(std::uint64_t number, std::span<const CellView> values) : FieldDraws(number, values) { DrawPlace(30); }
+
+  FieldCall MakeCombination() {
+    call_.function = Pick(kCombining);
+    call_.operands.resize(kArguments, Value::Missing());
+    const Area first = DrawArea();
+    const std::int32_t last = Chance(95) ? Below(4) : Below(kArguments);
+    for (std::int32_t argument = 0; argument <= last; ++argument) {
+      const bool hasRows = !call_.function.ends_with(XTEXT("COLS")),
+                 hasColumns = !call_.function.ends_with(XTEXT("ROWS"));
+      // Those of the same row may all reach down to the sheet's end, and have as many rows then as well.
+      Area area = DrawArea(hasRows ? first.Rows() : 0, hasColumns ? first.Columns() : 0);
+      if (Chance(3)) area = DrawArea();
+      if (!Chance(argument == 0 ? 2 : 15)) call_.operands[static_cast<std::size_t>(argument)] = DrawTallCells(area);
+    }
+    return std::move(call_);
+  }
+
+  FieldCall MakeReplacement() {
+    call_.function = XTEXT("IFERRORX");
+    call_.operands = {Chance(2) ? Value::Missing() : DrawCells(DrawArea()),
+                      DrawCells(DrawArea(Chance(80), Chance(80)))};
+    for (int flag = 0; flag < 2; ++flag)
+      call_.operands.push_back(Chance(40)   ? Value::Missing()
+                               : Chance(50) ? Value::Boolean(Chance(50))
+                                            : Value::Number(Below(3)));
+    return std::move(call_);
+  }
+};
+
+/// Values of which so many each 100 are true, and some are errors.
+FieldCall Draw(std::uint64_t number, FieldCall (CallMaker::*make)()) {
+  models::Draws draws(models::TheRun().settings.seed + 1, number);
+  std::vector<CellView> values(60);
+  const int percentOfTrue = draws.Below(3) * 45 + 5, percentOfErrors = draws.Below(3) * 8;
+  for (CellView& value : values) {
+    value = draws.Chance(percentOfTrue) ? draws.Pick(kTrue) : draws.Pick(kNotTrue);
+    if (draws.Chance(percentOfErrors)) value = draws.Pick(kErrors);
+  }
+  return (CallMaker(number, values).*make)();
+}
+
+TEST(LogicModels, Combining) {
+  models::TryFieldCalls([](std::uint64_t number) { return Draw(number, &CallMaker::MakeCombination); },
+                        ExpectedCombination);
+}
+
+TEST(LogicModels, Replacing) {
+  models::TryFieldCalls([](std::uint64_t number) { return Draw(number, &CallMaker::MakeReplacement); },
+                        ExpectedReplacement);
+}
+
+}  // namespace
+}  // namespace qcalc::logic
