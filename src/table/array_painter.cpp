@@ -116,10 +116,19 @@ void ArrayPainter::PaintTile(const ArrayPiece& piece, std::span<const ColumnRun>
   const AxisMap rows = piece.rows;
   const CXlCells cells = piece.cells;
   const std::int32_t width = piece.columns.length;
+  if (width == 0) return;
   const std::int32_t stride = builder_->Columns();
-  const std::int32_t firstColumn = runs.empty() ? 0 : std::max(runs.front().from, 0);
+  const std::int32_t firstColumn = std::max(runs.front().from, 0);
   const std::int32_t toAskFor = rows.places.empty() ? 0 : rows.length - kRowsAhead;
   const std::int32_t asked = std::min({cells.columns - firstColumn, width, kCellsAskedFor});
+  // Rows of one cell that follow each other: a call for each would cost more than the cell.
+  if (width == 1 && runs[0].from >= 0 && rows.places.empty() && rows.step != 0 && row < rows.supplied) {
+    const std::int32_t count = std::min(rows.supplied, end) - row;
+    builder_->CopyCells(to, cells.Row(rows.At(row)) + firstColumn, static_cast<std::size_t>(count), stride,
+                        std::ptrdiff_t{rows.step} * cells.columns);
+    row += count;
+    to += std::ptrdiff_t{count} * stride;
+  }
   std::int32_t above = row == 0 ? -1 : rows.At(row - 1);
   for (; row < end; ++row, to += stride) {
     if (row < toAskFor) {
