@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "bench/excel_answers.h"
 #include "bench/stack_call.h"
 #include "exports.h"
 
@@ -64,6 +65,72 @@ void ReverseTable(benchmark::State& state, bool rows, bool columns) {
 BENCHMARK_CAPTURE(ReverseTable, Rows, true, false)->Apply(AllSizes);
 BENCHMARK_CAPTURE(ReverseTable, Columns, false, true)->Apply(AllSizes);
 BENCHMARK_CAPTURE(ReverseTable, Both, true, true)->Apply(AllSizes);
+
+/// A row replaced in the middle: two cuts of whole rows.
+void SpliceTableRows(benchmark::State& state) {
+  const auto rows = static_cast<int>(state.range(0));
+  const Blocks table = MixedTable(rows);
+  const XLOPER12 after = NumberCell(rows / 2);
+  const XLOPER12 one = NumberCell(1);
+  for (auto _ : state) CallAsExcel(&SPLICEROWS_12, &table[0]->value, after, one, one, nullptr);
+}
+BENCHMARK(SpliceTableRows)->Apply(AllSizes);
+
+/// A column replaced by another.
+void SpliceTableColumns(benchmark::State& state) {
+  const auto rows = static_cast<int>(state.range(0));
+  const Blocks table = MixedTable(rows);
+  HostArray column(rows, 1);
+  for (int row = 0; row < rows; ++row) column.cells[row] = NumberCell(row);
+  const XLOPER12 three = NumberCell(3);
+  const XLOPER12 one = NumberCell(1);
+  for (auto _ : state) CallAsExcel(&SPLICECOLS_12, &table[0]->value, three, one, &column.value, nullptr);
+}
+BENCHMARK(SpliceTableColumns)->Apply(AllSizes);
+
+/// A cell replaced.
+void SpliceTableCells(benchmark::State& state) {
+  const Blocks table = MixedTable(static_cast<int>(state.range(0)));
+  const XLOPER12 one = NumberCell(1);
+  const auto call = [&]<class... Rest>(Rest... left) {
+    CallAsExcel(&SPLICECELLS_12, &table[0]->value, one, one, one, left...);
+  };
+  for (auto _ : state)
+    call(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+}
+BENCHMARK(SpliceTableCells)->Apply(AllSizes);
+
+/// A column of zeros beside the others.
+void PadTable(benchmark::State& state) {
+  InstallExcelAnswers();
+  const auto rows = static_cast<int>(state.range(0));
+  const Blocks table = MixedTable(rows);
+  const XLOPER12 columns = NumberCell(kColumns + 1);
+  for (auto _ : state) CallAsExcel(&PAD_ARRAY_12, nullptr, &table[0]->value, nullptr, columns);
+}
+BENCHMARK(PadTable)->Apply(AllSizes);
+
+/// Five columns of values under five texts, beside a text: a fifth as many rows give as many of three cells.
+void UnpivotTable(benchmark::State& state) {
+  const auto rows = static_cast<int>(state.range(0)) / 5 + 1;
+  HostArray table(rows, 6);
+  for (int row = 0; row < rows; ++row) {
+    for (int column = 0; column < 6; ++column) {
+      if (row == 0 || column == 0)
+        table.SetText(std::size_t{6} * row + column, CountedText(XTEXT('K'), row + column));
+      else
+        table.At(row, column) = NumberCell(row);
+    }
+  }
+  for (auto _ : state) CallAsExcel(&UNPIVOT_12, &table.value, nullptr, nullptr, nullptr);
+}
+BENCHMARK(UnpivotTable)->Apply(AllSizes);
+
+void CountRows(benchmark::State& state) {
+  const XLOPER12 count = NumberCell(static_cast<double>(state.range(0)));
+  for (auto _ : state) CallAsExcel(&VECTOR_12, count, nullptr, nullptr, nullptr);
+}
+BENCHMARK(CountRows)->Apply(AllSizes);
 
 }  // namespace
 }  // namespace quillmere

@@ -25,7 +25,14 @@ void Functions::Vector(CXlOper& result, const CXlScalarArgument<ElementKind::kNu
   const auto numbers = static_cast<std::int32_t>(std::min(wanted, kTooMany));
   CXlArrayBuilder builder(isColumn ? numbers : 1, isColumn ? 1 : numbers);
   XLOPER12* const to = builder.Row(0);
-  for (std::int32_t at = 0; at < numbers; ++at) to[at] = NumberCell(first + at * change);
+  const XLOPER12 cell = NumberCell(0);  // written as it is, since one put together for each would be waited for
+  for (std::int32_t at = 0; at < numbers; ++at) {
+    const double number = first + at * change;
+    to[at] = cell;
+    to[at].val.num = number;
+    if (!std::isfinite(number)) [[unlikely]]
+      to[at] = NumberCell(number);
+  }
   result = builder.FinishCollapsed();
 }
 
