@@ -69,7 +69,7 @@ void GatheredCells::GatherOthers(const XLOPER12* first, std::int32_t count, std:
     if (type == xltypeInt)
       numbers_[count_++] = cell.val.w;
     else if (!error_)
-      error_ = cell.val.err;
+      error_ = KnownErrorCode(cell.val.err);
   }
 }
 

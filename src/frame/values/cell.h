@@ -67,6 +67,12 @@ inline bool CellBoolean(const XLOPER12& cell) {
   return cell.val.xbool != 0;
 }
 
+/// The code as it is where it can be one of Excel's, newer ones included; what is none must not reach a cell.
+constexpr std::int32_t KnownErrorCode(std::int32_t code) {
+  constexpr std::int32_t kMost = 255;
+  return code >= 0 && code <= kMost ? code : xlerrValue;
+}
+
 inline std::int32_t CellErrorCode(const XLOPER12& cell) {
   if (!IsErrorCell(cell)) [[unlikely]]
     ThrowBadOperType();

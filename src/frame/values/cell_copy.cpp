@@ -51,12 +51,6 @@ constexpr std::size_t kAhead = 12;
 
 constexpr std::uint64_t kExponentBits = 0x7FF0'0000'0000'0000;
 
-/// The code as it is where it can be one of Excel's, newer ones included; what is none must not reach a cell.
-inline std::uint64_t KnownErrorCode(std::int32_t code) {
-  constexpr std::int32_t kMost = 255;
-  return static_cast<std::uint64_t>(code >= 0 && code <= kMost ? code : xlerrValue);
-}
-
 /// Writes a cell word by word: one that is put together elsewhere and moved in larger pieces waits for its own stores.
 inline void WriteCell(XLOPER12* to, std::uint64_t first, std::uint32_t type) {
   char* const bytes = reinterpret_cast<char*>(to);
@@ -109,7 +103,7 @@ __attribute__((noipa)) void CopyCells(TextArena& texts, XLOPER12* to, const XLOP
     } else {
       const std::uint32_t kind = CellType(*from);
       if (kind == xltypeBool) first = from->val.xbool != 0 ? 1 : 0;
-      if (kind == xltypeErr) first = KnownErrorCode(from->val.err);
+      if (kind == xltypeErr) first = static_cast<std::uint64_t>(KnownErrorCode(from->val.err));
       WriteCell(to, first, kind == xltypeMissing ? std::uint32_t{xltypeNil} : kind);
     }
   }
