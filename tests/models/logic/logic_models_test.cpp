@@ -47,13 +47,14 @@ CellView Combined(const std::vector<CellView>& cells, bool isAnd) {
   return CellView::Boolean(isAnd);
 }
 
+/// Columns are rows of what is turned.
 Value ExpectedCombination(const FieldCall& call) {
   const bool isAnd = call.function.starts_with(XTEXT("A")) && call.function != XTEXT("ANY");
   const bool isByRows = call.function.ends_with(XTEXT("ROWS")), isByColumns = call.function.ends_with(XTEXT("COLS"));
   const bool isCells = call.function.ends_with(XTEXT("CELLS"));
   std::vector<Grid> grids;
   for (const Value& operand : call.operands)
-    if (!operand.IsMissing()) grids.push_back(call.CellsOf(operand));
+    if (!operand.IsMissing()) grids.push_back(isByColumns ? call.CellsOf(operand).Turned() : call.CellsOf(operand));
   if (call.operands[0].IsMissing()) return Value::Error(xlerrValue);
   if (!isByRows && !isByColumns && !isCells) {
     std::vector<CellView> all;
@@ -63,22 +64,19 @@ Value ExpectedCombination(const FieldCall& call) {
     return isTurned ? Value::Boolean(!result.AsBoolean()) : Value::OfCell(result);
   }
   for (const Grid& grid : grids)
-    if ((grid.rows != grids[0].rows && !isByColumns) || (grid.columns != grids[0].columns && !isByRows))
-      return Value::Error(xlerrValue);
+    if (grid.rows != grids[0].rows || (isCells && grid.columns != grids[0].columns)) return Value::Error(xlerrValue);
   const auto cut = [](std::int32_t size, std::int32_t calling) { return calling > 1 ? std::min(size, calling) : size; };
-  return Grid::Of(isByColumns ? 1 : cut(grids[0].rows, call.place.rows),
-                  isByRows ? 1 : cut(grids[0].columns, call.place.columns),
-                  [&](std::int32_t row, std::int32_t column) {
-                    std::vector<CellView> cells;
-                    for (const Grid& grid : grids) {
-                      if (isCells) cells.push_back(grid.At(row, column));
-                      const Grid& lines = isByColumns ? grid.Turned() : grid;
-                      const auto line = lines.Row(isByColumns ? column : row);
-                      if (!isCells) cells.insert(cells.end(), line.begin(), line.end());
-                    }
-                    return Combined(cells, isAnd);
-                  })
-      .Result();
+  const std::int32_t rows = cut(grids[0].rows, isByColumns ? call.place.columns : call.place.rows);
+  const std::int32_t columns = isCells ? cut(grids[0].columns, call.place.columns) : 1;
+  const Grid result = Grid::Of(rows, columns, [&](std::int32_t row, std::int32_t column) {
+    std::vector<CellView> cells;
+    for (const Grid& grid : grids) {
+      if (isCells) cells.push_back(grid.At(row, column));
+      if (!isCells) cells.insert(cells.end(), grid.Row(row).begin(), grid.Row(row).end());
+    }
+    return Combined(cells, isAnd);
+  });
+  return (isByColumns ? result.Turned() : result).Result();
 }
 
 Value ExpectedReplacement(const FieldCall& call) {
