@@ -34,6 +34,47 @@ class CallMaker : private models::FieldDraws {
     return std::move(call_);
   }
 
+  FieldCall MakeReshape() {
+    call_.function = Pick(kReshapes);
+    const auto is = [&](XStringView name) { return call_.function == name; };
+    DrawPlace(is(XTEXT("RESIZE")) || is(XTEXT("PAD.ARRAY")) ? 30 : 10);
+    const std::int32_t rows = table_.Rows(), columns = table_.Columns();
+    std::vector<Value>& operands = call_.operands;
+    operands = {Chance(98) ? DrawCells(table_) : Value::Missing()};
+    if (is(XTEXT("RESIZE"))) {
+      operands = {DrawTable(false),
+                  DrawNumber(-1, rows + 3),
+                  DrawNumber(-1, columns + 3),
+                  DrawNumber(Chance(96), rows + 2),
+                  DrawNumber(Chance(96), columns + 2),
+                  DrawFill()};
+    } else if (is(XTEXT("PAD.ARRAY"))) {
+      operands = {DrawFill(), operands[0], DrawNumber(-1, rows + 3), DrawNumber(-1, columns + 3)};
+    } else if (is(XTEXT("SPLICEROWS")) || is(XTEXT("SPLICECOLS"))) {
+      const std::int32_t size = is(XTEXT("SPLICEROWS")) ? rows : columns;
+      operands = {operands[0], DrawNumber(-2, size + 1), DrawNumber(-2, size + 1),
+                  Chance(30) ? Value::Missing() : DrawCells(DrawArea()), DrawFill()};
+    } else if (is(XTEXT("SPLICECELLS"))) {
+      for (int triple = 0; triple < 5; ++triple)
+        for (const std::int32_t most : {rows, columns, 0})
+          operands.push_back(Chance(most == 0 ? 50 : 10) ? Value::Missing()
+                             : most == 0                 ? DrawCells(DrawArea(Chance(80), Chance(80)))
+                             : Chance(1)                 ? DrawCells(DrawArea())
+                                                         : DrawNumber(Chance(98) ? 1 : 0, most, Chance(50)));
+    } else if (is(XTEXT("UNPIVOT"))) {
+      operands = {DrawTable(true), DrawNumber(Chance(5) ? -1 : 0, std::min(columns, 4)),
+                  DrawNumber(Chance(5) ? -1 : 0, std::min(rows, 4)), DrawNumber(0, 7)};
+    } else if (is(XTEXT("INTERSECT"))) {
+      operands = {ReferTo(table_), DrawSelecting()};
+    } else {
+      for (int number = 0; number < 2; ++number)
+        operands.push_back(is(XTEXT("REPEAT")) ? DrawNumber(0, 4)
+                                               : PickOf({Value::Missing(), Value::Boolean(true), Value::Boolean(false),
+                                                         Value::Number(0), Value::Number(2)}));
+    }
+    return std::move(call_);
+  }
+
   FieldCall MakeTotals() {
     call_.function = Pick(kTotals);
     call_.operands = {DrawTable(true)};
@@ -108,6 +149,8 @@ class CallMaker : private models::FieldDraws {
 }  // namespace
 
 FieldCall DrawSlices(std::uint64_t number) { return CallMaker(number, kMixed).MakeSlices(); }
+
+FieldCall DrawReshape(std::uint64_t number) { return CallMaker(number, kMixed).MakeReshape(); }
 
 FieldCall DrawTotals(std::uint64_t number) {
   return CallMaker(number, number % 4 == 0 ? std::span<const CellView>(kMixed) : kFigures).MakeTotals();

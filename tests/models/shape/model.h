@@ -1,5 +1,6 @@
-// Slow and plain models of the slices and of the totals over rows and columns: what a random call must give, worked out
-// from the rules that the help pages state. They share nothing with the add-in.
+// Slow and plain models of the functions that cut, extend, insert into and repeat arrays, and of the totals over rows
+// and columns: what a random call must give, worked out from the rules that the help pages state. They share nothing
+// with the add-in.
 #pragma once
 
 #include <optional>
@@ -13,12 +14,17 @@ using models::Grid;
 
 /// Draws the call of a number, which all follows from. What the rules leave open is avoided.
 FieldCall DrawSlices(std::uint64_t number);
+FieldCall DrawReshape(std::uint64_t number);
 FieldCall DrawTotals(std::uint64_t number);
 
 /// What a call must give.
 Value ExpectedSlices(const FieldCall& call);
+Value ExpectedReshape(const FieldCall& call);
 Value ExpectedTotals(const FieldCall& call);
 
+inline constexpr XStringView kReshapes[] = {XTEXT("RESIZE"),        XTEXT("PAD.ARRAY"),   XTEXT("SPLICEROWS"),
+                                            XTEXT("SPLICECOLS"),    XTEXT("SPLICECELLS"), XTEXT("REPEAT"),
+                                            XTEXT("REVERSE.ARRAY"), XTEXT("UNPIVOT"),     XTEXT("INTERSECT")};
 inline constexpr XStringView kTotals[] = {XTEXT("SUMCOLS"), XTEXT("AVERAGECOLS"), XTEXT("COUNTCOLS"),
                                           XTEXT("SUMROWS"), XTEXT("AVERAGEROWS"), XTEXT("COUNTROWS"),
                                           XTEXT("TOTALS"),  XTEXT("HTOTALS"),     XTEXT("AGGREGATES")};

@@ -1,4 +1,4 @@
-// The slices and the totals, on arrays and on references.
+// The functions that cut, extend, insert into and repeat arrays, and the totals, on arrays and on references.
 #include <gtest/gtest.h>
 
 #include "tests/models/shape/model.h"
@@ -7,6 +7,8 @@ namespace qcalc::shape {
 namespace {
 
 TEST(ShapeModels, Slices) { models::TryFieldCalls(DrawSlices, ExpectedSlices); }
+
+TEST(ShapeModels, Reshapes) { models::TryFieldCalls(DrawReshape, ExpectedReshape); }
 
 TEST(ShapeModels, Totals) { models::TryFieldCalls(DrawTotals, ExpectedTotals, {1e-12, 1e-12}); }
 
