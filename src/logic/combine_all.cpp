@@ -1,7 +1,6 @@
 // All truth values combined into one.
 //
 // Serves ALL, ANY, NONE.
-#include "frame/values/array_builder.h"
 #include "implementations/logic.h"
 #include "logic/decisions.h"
 #include "logic/logical_arguments.h"
@@ -9,13 +8,6 @@
 
 namespace quillmere::logic {
 namespace {
-
-/// The error as a result: put into an array first, which lets no code through that is none of Excel's.
-CXlOper PassedOn(const XLOPER12& error) {
-  CXlArrayBuilder builder(1, 1);
-  builder.Put(0, 0, error);
-  return builder.FinishCollapsed();
-}
 
 /// Combines the cells of a table. The result receives the error, if there is one.
 template <bool decider>
@@ -25,7 +17,7 @@ Decision CombineTable(const TableView& table, CXlOper& result) {
     // All columns are read, so all cells of a block follow each other.
     const XLOPER12* error = nullptr;
     decision = CombineRun<decider>(&blocks.At(0, 0), std::int64_t{blocks.Rows()} * table.Columns(), error);
-    if (error) result = PassedOn(*error);
+    if (error) result.SetError(KnownErrorCode(CellErrorCode(*error)));
   }
   return decision;
 }
