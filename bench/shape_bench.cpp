@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <memory>
+#include <utility>
 
 #include "bench/excel_answers.h"
 #include "bench/stack_call.h"
@@ -125,6 +126,50 @@ void UnpivotTable(benchmark::State& state) {
   for (auto _ : state) CallAsExcel(&UNPIVOT_12, &table.value, nullptr, nullptr, nullptr);
 }
 BENCHMARK(UnpivotTable)->Apply(AllSizes);
+
+/// All rows by their numbers, the last first: the numbers are read as well, as many as there are rows.
+void SliceEveryRow(benchmark::State& state, bool inEvenSteps) {
+  const auto rows = static_cast<int>(state.range(0));
+  const Blocks table = MixedTable(rows);
+  HostArray numbers(rows, 1);
+  for (int row = 0; row < rows; ++row) numbers.cells[row] = NumberCell(rows - row);
+  if (!inEvenSteps) std::swap(numbers.cells[0], numbers.cells[rows - 1]);
+  for (auto _ : state) CallAsExcel(&SLICES_12, &table[0]->value, &numbers.value, nullptr);
+}
+BENCHMARK_CAPTURE(SliceEveryRow, Backwards, true)->Apply(AllSizes);
+BENCHMARK_CAPTURE(SliceEveryRow, Anyhow, false)->Apply(AllSizes);
+
+/// The columns the other way round, by five numbers.
+void SliceColumns(benchmark::State& state) {
+  const Blocks table = MixedTable(static_cast<int>(state.range(0)));
+  HostArray numbers(1, kColumns);
+  for (int column = 0; column < kColumns; ++column) numbers.cells[column] = NumberCell(kColumns - column);
+  for (auto _ : state) CallAsExcel(&SLICES_12, &table[0]->value, nullptr, &numbers.value);
+}
+BENCHMARK(SliceColumns)->Apply(AllSizes);
+
+/// A row by a label that stands far down, which all labels are held against.
+void SliceByLabel(benchmark::State& state) {
+  const auto rows = static_cast<int>(state.range(0));
+  HostArray table(rows, 2);
+  for (int row = 0; row < rows; ++row) {
+    table.SetText(std::size_t{2} * row, CountedText(XTEXT('k'), row));
+    table.At(row, 1) = NumberCell(row);
+  }
+  HostArray label(1, 1);
+  label.SetText(0, CountedText(XTEXT('K'), rows - 1));
+  for (auto _ : state) CallAsExcel(&SLICES_12, &table.value, &label.value, nullptr);
+}
+BENCHMARK(SliceByLabel)->Apply(AllSizes);
+
+/// A column more, of zeros.
+void ResizeTable(benchmark::State& state) {
+  InstallExcelAnswers();
+  const Blocks table = MixedTable(static_cast<int>(state.range(0)));
+  const XLOPER12 columns = NumberCell(kColumns + 1);
+  for (auto _ : state) CallAsExcel(&RESIZE_12, &table[0]->value, nullptr, columns, nullptr, nullptr, nullptr);
+}
+BENCHMARK(ResizeTable)->Apply(AllSizes);
 
 void CountRows(benchmark::State& state) {
   const XLOPER12 count = NumberCell(static_cast<double>(state.range(0)));

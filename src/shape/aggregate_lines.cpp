@@ -17,6 +17,13 @@ constexpr std::int32_t kLeastTileRows = 16;
 /// Cells that are sooner read with those around them than left out, which takes another callback.
 constexpr std::int32_t kCellsWorthACallback = 256;
 
+/// Whether a reference is picked from all over, so that all of it takes less than the callbacks for its pieces would.
+bool IsSoonerReadWhole(const TableSlice& slice) {
+  const std::int64_t cells = std::int64_t{slice.table.Rows()} * slice.table.Columns();
+  const std::int64_t pieces = static_cast<std::int64_t>(slice.rows.Runs().size());
+  return slice.table.IsReference() && pieces > 1 && cells <= pieces * kCellsWorthACallback;
+}
+
 /// Rows that are read together, and the runs that are picked of them.
 struct Stretch {
   std::int32_t first;
@@ -186,6 +193,10 @@ std::int32_t TableSlice::Lines(AggregateBy by) const noexcept {
 
 void AggregateLines(const TableSlice& slice, AggregateBy by, std::span<const AggregateFunction> functions,
                     const AggregateResults& results) {
+  if (IsSoonerReadWhole(slice)) {
+    const CXlOper cells = slice.table.ReadAll();
+    return AggregateLines({TableView(cells), slice.rows, slice.columns}, by, functions, results);
+  }
   const Measures measures(functions);
   ResultWriter writer(functions, results);
   switch (by) {

@@ -31,6 +31,7 @@ class SliceLabels {
   UpperLabel upper_;
   std::unordered_map<XString, Slice, TextHash<TextCase::kCounts>> places_;
   std::uint64_t lengths_ = 0;     ///< of those wanted: a bit each, long ones the last
+  std::uint64_t endings_ = 0;     ///< their last units: a bit each, which some share
   bool someLookNumeric_ = false;  ///< some begin as the text form of a number does
 };
 

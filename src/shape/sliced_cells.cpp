@@ -96,14 +96,7 @@ SlicedCells::Axis SlicedCells::Among(std::span<const PlaceRun> read, const Slice
 }
 
 AxisMap SlicedCells::Axis::Map() const noexcept {
-  if (places.empty()) return AxisMap::Run(run.first, run.count);
-  // Even steps, backwards above all, need no list: the processor then sees what is read next.
-  const auto isUneven = [step = places[1] - places[0]](std::int32_t a, std::int32_t b) { return b - a != step; };
-  if (std::adjacent_find(places.begin(), places.end(), isUneven) != places.end())
-    return AxisMap::By({places.data(), places.size()});
-  AxisMap even = AxisMap::Run(places[0], static_cast<std::int32_t>(places.size()));
-  even.step = places[1] - places[0];
-  return even;
+  return places.empty() ? AxisMap::Run(run.first, run.count) : AxisMap::By({places.data(), places.size()});
 }
 
 ArrayPiece SlicedCells::Piece() const noexcept { return {cells_, rows_.Map(), columns_.Map()}; }
