@@ -1,18 +1,18 @@
 // Truth values combined item by item into results, until each is decided.
 //
-// AND and OR are one thing but for the truth that decides: FALSE decides AND, TRUE decides OR. Whatever else an item
-// is, no truth value included, leaves the result open; what is open at the end has the other truth. An error among the
-// items that are looked at is the result from there on.
+// AND and OR are one thing but for the truth that decides: FALSE decides AND, TRUE decides OR. The other truth leaves
+// the result open, and is the result when nothing decides. An item without a truth value counts as FALSE; an error
+// among the items that are looked at is the result from there on.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <utility>
 
 #include "frame/values/array_builder.h"
 #include "frame/values/cell.h"
 #include "frame/values/scratch_array.h"
+#include "logic/prefetch_ahead.h"
 #include "table/truth_value.h"
 
 namespace quillmere::logic {
@@ -22,17 +22,6 @@ using Decision = std::uint8_t;
 inline constexpr Decision kOpen = 0;
 inline constexpr Decision kDecided = 1;
 inline constexpr Decision kErroneous = 2;
-
-/// Asks for the memory that is to be read, or written, some kilobytes later, so that a walk does not halt where a page
-/// ends. Behind the last cell there is nothing to ask for, and asking does no harm.
-template <bool toWrite>
-inline void PrefetchAhead(const XLOPER12* cell) noexcept {
-  constexpr std::uintptr_t kBytesAhead = toWrite ? 4'096 : 8'192;
-  constexpr int kSecondCache = 2;
-  // An address, since no pointer may lead out of its array.
-  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(cell) + kBytesAhead), toWrite,
-                     kSecondCache);
-}
 
 /// Of an item that is neither a number nor a boolean. What is no single cell is "Bad XLOPER type".
 Decision DecideByOther(const XLOPER12& item, bool decider);

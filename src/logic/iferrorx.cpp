@@ -6,6 +6,7 @@
 #include "frame/convert/argument.h"
 #include "frame/values/array_builder.h"
 #include "implementations/logic.h"
+#include "logic/prefetch_ahead.h"
 
 namespace quillmere::logic {
 namespace {
@@ -23,14 +24,18 @@ struct ReplacedErrors {
 CXlOper ReplaceErrors(const CXlCells& cells, const XLOPER12& replacement, const ReplacedErrors& replaced) {
   CXlArrayBuilder builder(cells.rows, cells.columns);
   const XLOPER12 stored = builder.Store(replacement);
-  // Copied as they come, errors too, by so many that they are still in the cache when the errors are looked for.
-  constexpr std::int64_t kCellsAtOnce = 512;
+  // Copied as they come, errors too, by so many that they are still in the cache when the errors are looked for, which
+  // leaves the time to ask for the next ones.
+  constexpr std::int64_t kCellsAtOnce = kCellsAhead;
   XLOPER12* const to = builder.Row(0);
   for (std::int64_t first = 0; first < cells.Count(); first += kCellsAtOnce) {
     const std::int64_t end = std::min(first + kCellsAtOnce, cells.Count());
     builder.CopyCells(to + first, cells.first + first, static_cast<std::size_t>(end - first));
-    for (std::int64_t at = first; at < end; ++at)
+    for (std::int64_t at = first; at < end; ++at) {
+      PrefetchAhead<false>(cells.first + at);
+      PrefetchAhead<true>(to + at);
       if (replaced.Has(cells.first[at])) to[at] = stored;
+    }
   }
   return builder.FinishCollapsed();
 }
