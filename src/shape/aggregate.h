@@ -28,6 +28,7 @@ enum class AggregateFunction : std::int32_t {
   kPopulationVariance = 11,
   kMedian = 12,
 };
+inline constexpr std::size_t kMostFunction = 12;
 
 /// Cells on their way into aggregates: their numbers beside each other, and what else was met. Each cell is looked at
 /// once, however many functions there are.

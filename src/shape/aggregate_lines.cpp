@@ -1,6 +1,7 @@
 #include "shape/aggregate_lines.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <vector>
 
@@ -72,20 +73,29 @@ void ForEachRun(const TableSlice& slice, std::span<const std::int32_t> columns, 
   }
 }
 
-/// Writes the results of one line after the other.
+/// Writes the results of one line after the other. A function that is asked for again is worked out once a line.
 class ResultWriter {
  public:
   ResultWriter(std::span<const AggregateFunction> functions, const AggregateResults& results)
-      : functions_(functions), results_(results), next_(results.first) {}
+      : functions_(functions), results_(results), next_(results.first), firstPlaces_(functions.size()) {
+    std::array<std::size_t, kMostFunction + 1> places{};  // behind the first of each function
+    for (std::size_t place = 0; place < functions.size(); ++place) {
+      std::size_t& behind = places[static_cast<std::size_t>(functions[place])];
+      if (behind == 0) behind = place + 1;
+      firstPlaces_[place] = behind - 1;
+    }
+  }
 
   void Write(LineAggregate& line) {
     const bool isWithout = results_.withoutNumber && !line.HoldsNumber();
     XLOPER12* to = next_;
-    for (const AggregateFunction function : functions_) {
+    for (std::size_t place = 0; place < functions_.size(); ++place) {
       if (isWithout)
         *to = *results_.withoutNumber;
+      else if (firstPlaces_[place] != place)
+        *to = next_[static_cast<std::ptrdiff_t>(firstPlaces_[place]) * results_.functionStep];
       else
-        line.WriteResult(function, *to);
+        line.WriteResult(functions_[place], *to);
       to += results_.functionStep;
     }
     next_ += results_.lineStep;
@@ -95,6 +105,7 @@ class ResultWriter {
   std::span<const AggregateFunction> functions_;
   AggregateResults results_;
   XLOPER12* next_;
+  ScratchArray<std::size_t> firstPlaces_;  ///< of each function in the list, where it stands first
 };
 
 /// Goes down the picked rows by tiles, which are gone over column by column.
