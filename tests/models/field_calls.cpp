@@ -8,8 +8,8 @@ namespace qcalc::models {
 namespace {
 
 // Every so many calls are made on all threads at once, or have a field of many cells, which is read by parts.
-constexpr std::uint64_t kParallelEvery = 20, kMiddleEvery = 50, kLargeEvery = 1'000;
-constexpr std::int32_t kMiddle = 1'500, kLarge = 12'000;
+constexpr std::uint64_t kParallelEvery = 20, kLargeEvery = 60;
+constexpr std::int32_t kLarge = 20'000;
 constexpr int kThreads = 8;
 constexpr std::size_t kMostTold = 2'000;
 constexpr std::int32_t kMostUncutRows = 100'000;
@@ -53,9 +53,9 @@ std::int32_t FieldCall::Number(std::size_t operand, std::int32_t leftOut) const 
 }
 
 FieldDraws::FieldDraws(std::uint64_t number, std::span<const CellView> values) : Draws(TheRun().settings.seed, number) {
-  const std::int32_t most = number % kLargeEvery == 7 ? kLarge : number % kMiddleEvery == 3 ? kMiddle : 0;
+  const std::int32_t most = number % kLargeEvery == 7 ? kLarge : 0;
   const bool isWide = Chance(30);
-  ArrayBuilder field(1 + Below(9) + (isWide ? 0 : Below(most)), 1 + Below(7) + (isWide ? Below(most / 10) : 0));
+  ArrayBuilder field(1 + Below(9) + (isWide ? 0 : Below(most)), 1 + Below(7) + (isWide ? Below(most / 20) : 0));
   for (CellView& cell : field.Cells()) cell = Pick(values);
   Caller& caller = TheRun().caller;
   call_.field = field.Finish();

@@ -122,15 +122,16 @@ class CallMaker : private models::FieldDraws {
   }
 };
 
-/// Values of which so many each 100 are true, and some are errors.
+/// Some kinds of values more than others; now and then one alone among many of another kind.
 FieldCall Draw(std::uint64_t number, FieldCall (CallMaker::*make)()) {
   models::Draws draws(models::TheRun().settings.seed + 1, number);
-  std::vector<CellView> values(60);
-  const int percentOfTrue = draws.Below(3) * 45 + 5, percentOfErrors = draws.Below(3) * 8;
+  std::vector<CellView> values(draws.Chance(50) ? 60 : 5'000);
+  const int percentOfTrue = draws.Below(3) * 50, percentOfErrors = draws.Chance(60) ? 0 : 10;
   for (CellView& value : values) {
     value = draws.Chance(percentOfTrue) ? draws.Pick(kTrue) : draws.Pick(kNotTrue);
     if (draws.Chance(percentOfErrors)) value = draws.Pick(kErrors);
   }
+  draws.Pick(values) = draws.PickOf({Value::Boolean(true), Value::Boolean(false), Value::Error(xlerrNA)}).AsCell();
   return (CallMaker(number, values).*make)();
 }
 
