@@ -13,9 +13,9 @@ namespace quillmere {
 /// more cells than memory holds.
 void CheckArraySize(std::int64_t rows, std::int64_t columns);
 
-/// An array under construction. Its cells are unset until put: every cell must be put, once, before Finish. An
-/// exception midway frees everything. Places are zero-based; one outside the array, or anything put or stored after
-/// Finish, raises CXlOutOfRangeException and leaves the array as it was.
+/// An array under construction. Its cells are unset until put: every cell must be put before Finish, and one that is
+/// put again holds the last value. An exception midway frees everything. Places are zero-based; one outside the array,
+/// or anything put or stored after Finish, raises CXlOutOfRangeException and leaves the array as it was.
 class CXlArrayBuilder {
  public:
   /// Takes the memory for the cells: CheckArraySize's exceptions (before any memory is taken), std::bad_alloc.
