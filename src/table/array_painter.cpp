@@ -121,11 +121,16 @@ void ArrayPainter::PaintTile(const ArrayPiece& piece, std::span<const ColumnRun>
   const std::int32_t firstColumn = std::max(runs.front().from, 0);
   const std::int32_t toAskFor = rows.places.empty() ? 0 : rows.length - kRowsAhead;
   const std::int32_t asked = std::min({cells.columns - firstColumn, width, kCellsAskedFor});
-  // Rows of one cell that follow each other: a call for each would cost more than the cell.
-  if (width == 1 && runs[0].from >= 0 && rows.places.empty() && rows.step != 0 && row < rows.supplied) {
+  // Rows at even steps are copied by one call: one for each of them would cost as much as a cell or two.
+  const bool isOneRun = runs.size() == 1 && runs[0].from >= 0 && (runs[0].step != 0 || width == 1);
+  if (isOneRun && rows.places.empty() && rows.step != 0 && row < rows.supplied) {
     const std::int32_t count = std::min(rows.supplied, end) - row;
-    builder_->CopyCells(to, cells.Row(rows.At(row)) + firstColumn, static_cast<std::size_t>(count), stride,
-                        std::ptrdiff_t{rows.step} * cells.columns);
+    const XLOPER12* const from = cells.Row(rows.At(row)) + firstColumn;
+    const std::ptrdiff_t fromStride = std::ptrdiff_t{rows.step} * cells.columns;
+    if (width == 1)
+      builder_->CopyCells(to, from, static_cast<std::size_t>(count), stride, fromStride);
+    else
+      builder_->CopyRows(to, from, count, width, fromStride, runs[0].step);
     row += count;
     to += std::ptrdiff_t{count} * stride;
   }

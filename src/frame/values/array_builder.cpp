@@ -79,6 +79,12 @@ void CXlArrayBuilder::CopyCells(XLOPER12* to, const XLOPER12* from, std::size_t 
   quillmere::CopyCells(texts_, to, from, count, toStride, fromStride);
 }
 
+void CXlArrayBuilder::CopyRows(XLOPER12* to, const XLOPER12* from, std::int32_t rows, std::int32_t columns,
+                               std::ptrdiff_t fromStride, std::ptrdiff_t step) {
+  CheckRun(to, static_cast<std::size_t>(rows - 1) * columns_ + columns, 1);
+  quillmere::CopyRows(texts_, {to, columns_, from, fromStride, step, rows, columns});
+}
+
 void CXlArrayBuilder::Fill(XLOPER12* to, std::size_t count, std::ptrdiff_t stride, const XLOPER12& value) {
   if (count == 0) return;
   CheckRun(to, count, stride);

@@ -47,6 +47,10 @@ class CXlArrayBuilder {
   /// and below the cells written must lie in the array; with a count of 0, `to` may be anything.
   void CopyCells(XLOPER12* to, const XLOPER12* from, std::size_t count, std::ptrdiff_t toStride = 1,
                  std::ptrdiff_t fromStride = 1);
+  /// The same for rows of cells, one at least, from `to` on: `step` is from cell to cell of a row, `fromStride` from
+  /// row to row of those that are copied.
+  void CopyRows(XLOPER12* to, const XLOPER12* from, std::int32_t rows, std::int32_t columns, std::ptrdiff_t fromStride,
+                std::ptrdiff_t step);
   /// Writes `value` to `count` cells; a text is stored once and shared by them. Refusals as Put.
   void Fill(XLOPER12* to, std::size_t count, std::ptrdiff_t stride, const XLOPER12& value);
   /// Stores the text of `value`, if it is one: what comes back may be repeated in this array. Refusals as Put.

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "frame/values/value_memory.h"
 #include "xlcall/xlcall.h"
@@ -25,5 +26,20 @@ void CopyBytes(char* to, const char* from, std::size_t count);
 /// from there on are then left unset.
 void CopyCells(TextArena& texts, XLOPER12* to, const XLOPER12* from, std::size_t count, std::ptrdiff_t toStride,
                std::ptrdiff_t fromStride);
+
+/// Rows of an array, and where their cells come from. Strides, from row to row, and the step from cell to cell count
+/// cells; there is one row and one column at least.
+struct CellRows {
+  XLOPER12* to;
+  std::ptrdiff_t toStride;
+  const XLOPER12* from;
+  std::ptrdiff_t fromStride;
+  std::ptrdiff_t step;
+  std::int32_t rows;
+  std::int32_t columns;
+};
+
+/// The same for rows, which would take a call each.
+void CopyRows(TextArena& texts, const CellRows& rows);
 
 }  // namespace quillmere
