@@ -1,6 +1,7 @@
 // All truth values combined into one.
 //
 // Serves ALL, ANY, NONE.
+#include "frame/values/reference.h"
 #include "implementations/logic.h"
 #include "logic/decisions.h"
 #include "logic/logical_arguments.h"
@@ -29,7 +30,7 @@ Decision CombineValue(const CXlOper& value, CXlOper& result) {
     return CombineTable<decider>(TableView::OfUsedRows(value), result);
   Decision decision = kOpen;
   for (const XLREF12& area : value.Areas()) {
-    const CXlOper reference = CXlOper::Reference(value.Sheet(), {&area, 1});
+    const CXlOper reference = ReferenceOnSheetOf(value, area);
     decision = CombineTable<decider>(TableView::OfUsedRows(reference), result);
     if (decision != kOpen) break;
   }

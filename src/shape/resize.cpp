@@ -42,7 +42,7 @@ CXlOper Reference(const CXlOper& range, const Cut& rows, const Cut& columns) {
   if (!ResizeArea(area, rows.requested, columns.requested, kLimits) ||
       !OffsetArea(area, rows.first, columns.first, kLimits))
     return CXlOper::Error(xlerrRef);
-  return range.Type() == xltypeSRef ? CXlOper::Reference(area) : CXlOper::Reference(range.Sheet(), {&area, 1});
+  return ReferenceOnSheetOf(range, area);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "frame/callbacks/same_sheet.h"
 #include "frame/convert/convert_cell.h"
+#include "frame/values/reference.h"
 #include "shape/slice_labels.h"
 #include "table/row_blocks.h"
 
@@ -54,8 +55,7 @@ std::vector<CXlOper> ReadItems(const CXlOper& selector) {
     return areas;
   }
   for (const XLREF12& area : selector.Areas()) {
-    const CXlOper place =
-        selector.Type() == xltypeSRef ? CXlOper::Reference(area) : CXlOper::Reference(selector.Sheet(), {&area, 1});
+    const CXlOper place = ReferenceOnSheetOf(selector, area);
     areas.push_back(TableView::OfUsedRows(place).ReadAll());
   }
   return areas;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <atomic>
 
+#include "frame/values/reference.h"
+
 namespace quillmere {
 namespace {
 
@@ -22,7 +24,7 @@ CXlOper CutToUsedRows(const CXlOper& value) {
   const std::optional<std::int32_t> lastUsed = reader->LastUsedRow(value);
   if (!lastUsed || *lastUsed >= area.rwLast) return whole;
   area.rwLast = std::max(*lastUsed, area.rwFirst);
-  return value.Type() == xltypeSRef ? CXlOper::Reference(area) : CXlOper::Reference(value.Sheet(), {&area, 1});
+  return ReferenceOnSheetOf(value, area);
 }
 
 }  // namespace quillmere

@@ -43,4 +43,8 @@ bool ResizeArea(XLREF12& area, std::int64_t rows, std::int64_t columns, const Sh
   return Replace(area, area.rwFirst, EndOf(area.rwFirst, rows), area.colFirst, EndOf(area.colFirst, columns), limits);
 }
 
+CXlOper ReferenceOnSheetOf(const CXlOper& reference, const XLREF12& area) {
+  return reference.Type() == xltypeSRef ? CXlOper::Reference(area) : CXlOper::Reference(reference.Sheet(), {&area, 1});
+}
+
 }  // namespace quillmere

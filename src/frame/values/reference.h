@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "xlcall/xlcall.h"
+#include "frame/values/xl_oper.h"
 
 namespace quillmere {
 
@@ -28,5 +28,8 @@ bool OffsetArea(XLREF12& area, std::int64_t rows, std::int64_t columns, const Sh
 /// Makes the rectangle that many rows and columns large, from its top-left cell; a negative count extends it upwards or
 /// to the left. False, and the rectangle as it was, when it would leave the sheet, or when a count is 0.
 bool ResizeArea(XLREF12& area, std::int64_t rows, std::int64_t columns, const SheetLimits& limits) noexcept;
+
+/// A reference to an area on the sheet of another reference, in the form in which that names its sheet.
+CXlOper ReferenceOnSheetOf(const CXlOper& reference, const XLREF12& area);
 
 }  // namespace quillmere
