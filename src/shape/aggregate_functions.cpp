@@ -17,10 +17,9 @@ namespace {
 CXlOper AggregatesOf(const TableView& table, AggregateBy by, std::span<const AggregateFunction> functions,
                      const CXlArgument& sliceRows, const CXlArgument& sliceColumns, XStringView functionName) {
   CXlOper result;
-  const XString prefix = XString(functionName) + XTEXT(" ");
-  const std::optional<Slice> rows = SelectSlice(result, table, SliceAxis::kRows, sliceRows, prefix);
+  const std::optional<Slice> rows = SelectSlice(result, table, SliceAxis::kRows, sliceRows, functionName);
   if (!rows) return result;
-  const std::optional<Slice> columns = SelectSlice(result, table, SliceAxis::kColumns, sliceColumns, prefix);
+  const std::optional<Slice> columns = SelectSlice(result, table, SliceAxis::kColumns, sliceColumns, functionName);
   if (!columns) return result;
   return AggregateArray({table, *rows, *columns}, by, functions);
 }

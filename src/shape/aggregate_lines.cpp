@@ -15,9 +15,6 @@ namespace {
 constexpr std::int32_t kTileCells = 1024;
 constexpr std::int32_t kLeastTileRows = 16;
 
-/// Cells that are sooner read with those around them than left out, which takes another callback.
-constexpr std::int32_t kCellsWorthACallback = 256;
-
 /// Whether a reference is picked from all over, so that all of it takes less than the callbacks for its pieces would.
 bool IsSoonerReadWhole(const TableSlice& slice) {
   const std::int64_t cells = std::int64_t{slice.table.Rows()} * slice.table.Columns();

@@ -151,7 +151,7 @@ class ItemPicker {
 }  // namespace
 
 std::optional<Slice> SelectSlice(CXlOper& result, const TableView& table, SliceAxis axis, const CXlArgument& selector,
-                                 XStringView messagePrefix) {
+                                 XStringView prefix) {
   Slice slice(axis == SliceAxis::kRows ? kXlMaxRows : kXlMaxColumns);
   const CXlOper& value = selector.Value();
   const bool isByPlace = value.IsReference() && table.IsReference();
@@ -166,8 +166,8 @@ std::optional<Slice> SelectSlice(CXlOper& result, const TableView& table, SliceA
   if (fault.empty()) return slice;
 
   XString text = XTEXT("#Error: ");
-  text += messagePrefix;
-  text += axis == SliceAxis::kRows ? XTEXT("Rows") : XTEXT("Cols");
+  text += prefix;
+  text += axis == SliceAxis::kRows ? XTEXT(" Rows") : XTEXT(" Cols");
   text += fault;
   result.SetText(text);
   return std::nullopt;

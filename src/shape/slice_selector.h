@@ -22,11 +22,11 @@ enum class SliceAxis : std::int8_t { kRows, kColumns };
 ///   a text     every row whose cell in the first column (column, in the first row) bears that label, as UpperLabel has
 ///              it; none perhaps
 ///
-/// Where it fails, `result` holds a text that says why, "#Error: " and `messagePrefix` in front, and nothing comes
+/// Where it fails, `result` holds a text that says why, "#Error: ", `prefix` and a blank in front, and nothing comes
 /// back: for a place outside the table, an item of another kind, a reference that covers nothing, and for nothing
 /// picked. More places than a sheet has are CXlArrayTooLargeException; a callback that fails is CXlErrorException with
 /// #VALUE!.
 std::optional<Slice> SelectSlice(CXlOper& result, const TableView& table, SliceAxis axis, const CXlArgument& selector,
-                                 XStringView messagePrefix);
+                                 XStringView prefix);
 
 }  // namespace quillmere::shape

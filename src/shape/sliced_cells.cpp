@@ -7,9 +7,6 @@
 namespace quillmere::shape {
 namespace {
 
-/// So many cells more are read as soon as Excel is called once more.
-constexpr std::int32_t kCellsOfCallback = 256;
-
 /// The runs that hold all places of a slice, ascending and apart by more than `gap`.
 std::vector<PlaceRun> RunsAround(const Slice& slice, std::int32_t gap) {
   std::vector<PlaceRun> sorted(slice.Runs().begin(), slice.Runs().end());
@@ -37,8 +34,8 @@ SlicedCells::SlicedCells(const TableView& table, const Slice& rows, const Slice&
   std::vector<PlaceRun> rowsRead{{0, table.Rows()}};
   std::vector<PlaceRun> columnsRead{{0, table.Columns()}};
   if (table.IsReference()) {
-    columnsRead = RunsAround(columns, kCellsOfCallback / rows.Count());
-    rowsRead = RunsAround(rows, kCellsOfCallback / TotalOf(columnsRead));
+    columnsRead = RunsAround(columns, kCellsWorthACallback / rows.Count());
+    rowsRead = RunsAround(rows, kCellsWorthACallback / TotalOf(columnsRead));
     Read(table, rowsRead, columnsRead);
   } else {
     cells_ = table.Cells();

@@ -13,7 +13,7 @@ namespace quillmere::shape {
 void Functions::Slices(CXlOper& result, const CXlArgument& rangeArray, const CXlArgument& sliceRows,
                        const CXlArgument& sliceColumns) {
   const TableView table(rangeArray.Value());
-  constexpr XStringView kPrefix = XTEXT("Slices ");
+  constexpr XStringView kPrefix = XTEXT("Slices");
   const std::optional<Slice> rows = SelectSlice(result, table, SliceAxis::kRows, sliceRows, kPrefix);
   if (!rows) return;
   const std::optional<Slice> columns = SelectSlice(result, table, SliceAxis::kColumns, sliceColumns, kPrefix);

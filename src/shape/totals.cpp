@@ -60,8 +60,7 @@ void Functions::RowTotals(CXlOper& result, XStringView ownName, const CXlArgumen
   const AggregateFunction functions[] = {AggregateFunction{function.Read()}};
   const XLOPER12* const labelCell = OnlyCell(label.Value());
   if (!labelCell) return;
-  const std::optional<Slice> columns =
-      SelectSlice(result, range, SliceAxis::kColumns, sliceColumns, XString(ownName) + XTEXT(" "));
+  const std::optional<Slice> columns = SelectSlice(result, range, SliceAxis::kColumns, sliceColumns, ownName);
   if (!columns) return;
   CheckArraySize(range.Rows(), std::int64_t{range.Columns()} + 1);
 
