@@ -54,12 +54,7 @@ CXlArrayBuilder::~CXlArrayBuilder() {
 
 void CXlArrayBuilder::PutText(std::int64_t row, std::int64_t column, XStringView text) {
   XLOPER12* const to = At(row, column);
-  if (text.size() > kXlMaxText) ThrowStringTooLong();
-  XLOPER12 cell{};
-  cell.val.str = texts_.Allocate(text.size());
-  cell.xltype = xltypeStr;
-  CopyText(cell.val.str, text.data(), text.size());
-  *to = cell;
+  CopyUnits(NewText(to, text.size()), text.data(), text.size());
 }
 
 void CXlArrayBuilder::Put(std::int64_t row, std::int64_t column, const XLOPER12& cell) {

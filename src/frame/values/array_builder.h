@@ -39,6 +39,17 @@ class CXlArrayBuilder {
   void PutEmpty(std::int64_t row, std::int64_t column) { *At(row, column) = EmptyCell(); }
   /// CXlStringTooLongException above 32,767 units.
   void PutText(std::int64_t row, std::int64_t column, XStringView text);
+  /// Makes a cell of the array a text of `units` units and returns where they are to be written.
+  /// CXlStringTooLongException above 32,767.
+  XCHAR* NewText(XLOPER12* to, std::size_t units) {
+    if (units > kXlMaxText) [[unlikely]]
+      ThrowStringTooLong();
+    XCHAR* const text = texts_.Allocate(units);
+    *text = static_cast<XCHAR>(units);
+    to->val.str = text;
+    to->xltype = xltypeStr;
+    return text + 1;
+  }
   /// A copy of a cell; of anything but a single cell: "Right-hand side of cell assignment must be a scalar value".
   void Put(std::int64_t row, std::int64_t column, const XLOPER12& cell);
   void Put(std::int64_t row, std::int64_t column, const CXlOper& value);

@@ -93,9 +93,7 @@ __attribute__((noipa)) void CopyText(XCHAR* to, const XCHAR* from, std::size_t u
   MoveText(to + 1, from, units);
 }
 
-__attribute__((noipa)) static void CopyUnits(XCHAR* to, const XCHAR* from, std::size_t units) {
-  MoveText(to, from, units);
-}
+__attribute__((noipa)) void CopyUnits(XCHAR* to, const XCHAR* from, std::size_t units) { MoveText(to, from, units); }
 
 void AssignText(XString& to, XStringView text) {
   to.resize(text.size());

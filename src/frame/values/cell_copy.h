@@ -15,6 +15,9 @@ namespace quillmere {
 /// Writes a counted text: to[0] becomes `units`, then `units` units from `from`.
 void CopyText(XCHAR* to, const XCHAR* from, std::size_t units);
 
+/// Copies `units` units of a text.
+void CopyUnits(XCHAR* to, const XCHAR* from, std::size_t units);
+
 /// Makes `to` a copy of a text, in the room that it has where that suffices.
 void AssignText(XString& to, XStringView text);
 
