@@ -1,10 +1,9 @@
 #include "text/regex/regex.h"
 
 #include "frame/entry/thread_stack.h"
-#include "frame/locale/regex_traits.h"
 #include "frame/values/cell_copy.h"
+#include "text/regex/compiled_regex.h"
 #include "text/regex/lookbehind.h"
-#include "text/regex/regex_steps.h"
 
 namespace quillmere::text {
 namespace {
@@ -22,12 +21,6 @@ bool MayCall(XStringView expression) {
 }
 
 }  // namespace
-
-struct Regex::Compiled {
-  LibraryRegex expression;
-  StepLength stepLength;
-  boost::match_results<RegexPlace> match;
-};
 
 Regex::Regex(XStringView expression, LetterCase letterCase) : compiled_(std::make_unique<Compiled>()) {
   // A copy: the host's memory is read here alone, and the library looks at the unit behind the last.
@@ -50,6 +43,14 @@ bool Regex::IsFoundIn(XStringView text, RegexBudget& budget) const {
   return MatchByLibrary([&] {
     return boost::regex_search(RegexPlace(text.data(), steps), RegexPlace(text.data() + text.size(), steps),
                                compiled_->match, compiled_->expression, boost::regex_constants::match_any);
+  });
+}
+
+bool Regex::IsWholeOf(XStringView text, RegexBudget& budget) const {
+  RegexSteps steps(text.size(), compiled_->stepLength, budget);
+  return MatchByLibrary([&] {
+    return boost::regex_match(RegexPlace(text.data(), steps), RegexPlace(text.data() + text.size(), steps),
+                              compiled_->match, compiled_->expression);
   });
 }
 

@@ -20,11 +20,16 @@ class Regex {
   Regex& operator=(Regex&&) noexcept;
   ~Regex();
 
-  /// Whether the expression is found anywhere in a text, which is viewed in place. CXlRegexLimitException when that
-  /// takes more than the budget has, or more than the library allows.
+  // Texts are viewed in place. CXlRegexLimitException when matching one takes more than the budget has, or more than
+  // the library allows.
+
+  /// Whether the expression is found anywhere in a text.
   bool IsFoundIn(XStringView text, RegexBudget& budget) const;
+  /// Whether it matches the whole of a text.
+  bool IsWholeOf(XStringView text, RegexBudget& budget) const;
 
  private:
+  friend class RegexMatches;
   struct Compiled;
   std::unique_ptr<Compiled> compiled_;
 };
