@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 #include "text/bounded_text.h"
@@ -33,6 +34,13 @@ class RegexMatches {
   /// The next match, which begins where the one before ended, or behind; nothing when there is none.
   /// CXlRegexLimitException as for Regex.
   std::optional<RegexMatch> Next();
+
+  /// The n-th match from here on, 1 for the next.
+  std::optional<RegexMatch> Nth(std::int32_t nth) {
+    std::optional<RegexMatch> match = Next();
+    while (match && --nth > 0) match = Next();
+    return match;
+  }
 
   /// Appends what a format in Perl's syntax ($& is the match, $1 its first group) makes of the latest match.
   void AppendFormatted(XStringView format, BoundedText& to);

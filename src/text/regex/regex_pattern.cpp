@@ -2,13 +2,14 @@
 
 namespace quillmere::text {
 
-RegexPattern::RegexPattern(XStringView expression, RegexBudget& budget, LetterCase letterCase)
-    : regex_(expression, letterCase), required_(expression, letterCase), budget_(budget) {
+RegexPattern::RegexPattern(XStringView expression, RegexBudget& budget, LetterCase letterCase, RegexExtent extent)
+    : regex_(expression, letterCase), required_(expression, letterCase), budget_(budget), extent_(extent) {
   RejectBy({required_.Least(), XStringView::npos});
 }
 
 bool RegexPattern::MatchesInFull(XStringView text) const {
-  return required_.AreIn(text) && regex_.IsFoundIn(text, budget_);
+  if (!required_.AreIn(text)) return false;
+  return extent_ == RegexExtent::kWhole ? regex_.IsWholeOf(text, budget_) : regex_.IsFoundIn(text, budget_);
 }
 
 }  // namespace quillmere::text

@@ -10,12 +10,19 @@
 
 namespace quillmere::text {
 
-/// An expression that a text matches when it is found anywhere in it. CXlBadRegexException for one that does not
-/// compile; when the call is past its budget, matching a text that takes more than its own steps is
+/// How much of a text an expression must match.
+enum class RegexExtent { kAnyPart, kWhole };
+
+/// An expression that a text matches when it is found in it: anywhere, or as the whole of it. CXlBadRegexException for
+/// one that does not compile; when the call is past its budget, matching a text that takes more than its own steps is
 /// CXlRegexLimitException.
 class RegexPattern : public TextMatcher {
  public:
-  RegexPattern(XStringView expression, RegexBudget& budget, LetterCase letterCase = LetterCase::kIgnored);
+  RegexPattern(XStringView expression, RegexBudget& budget, LetterCase letterCase = LetterCase::kIgnored,
+               RegexExtent extent = RegexExtent::kAnyPart);
+
+  const Regex& Expression() const noexcept { return regex_; }
+  RegexBudget& Budget() const noexcept { return budget_; }
 
  private:
   bool MatchesInFull(XStringView text) const override;
@@ -23,6 +30,7 @@ class RegexPattern : public TextMatcher {
   Regex regex_;
   RequiredUnits required_;
   RegexBudget& budget_;
+  RegexExtent extent_;
 };
 
 }  // namespace quillmere::text

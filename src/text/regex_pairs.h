@@ -1,0 +1,85 @@
+// Texts and expressions that meet cell by cell, the common frame of the functions that tell something of each text.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+
+#include "frame/convert/argument.h"
+#include "frame/convert/cell_text.h"
+#include "frame/errors/attempt.h"
+#include "frame/values/array_builder.h"
+#include "text/paired_cells.h"
+#include "text/regex/pattern_cache.h"
+
+namespace quillmere::text {
+
+inline LetterCase ReadLetterCase(const CXlScalarArgument<ElementKind::kBoolean>& caseSensitive) {
+  return caseSensitive.Read() ? LetterCase::kCounts : LetterCase::kIgnored;
+}
+
+/// The texts and the expressions of a call.
+class RegexPairs {
+ public:
+  /// What the arguments view must outlive it. `others` are further cells that the result is as large as.
+  RegexPairs(const CXlCells& texts, const CXlCells& expressions, LetterCase letterCase,
+             RegexExtent extent = RegexExtent::kAnyPart, std::initializer_list<PairedCells> others = {})
+      : texts_(texts),
+        expressions_(expressions),
+        cache_(budget_, letterCase, extent),
+        rows_(std::max(texts.rows, expressions.rows)),
+        columns_(std::max(texts.columns, expressions.columns)) {
+    for (const PairedCells& cells : others) {
+      rows_ = std::max(rows_, cells.Rows());
+      columns_ = std::max(columns_, cells.Columns());
+    }
+  }
+
+  std::int32_t Rows() const noexcept { return rows_; }
+  std::int32_t Columns() const noexcept { return columns_; }
+
+  /// Row by row, calls match(place, text, pattern) where a text, or another value's text form, meets an expression, and
+  /// tell(place, error) where no answer can be had: with an error that stands there, with #VALUE! for an expression
+  /// that does not compile, and with #N/A where only one of both stands. Texts last until the call is back.
+  template <class Match, class Tell>
+  void ForEach(const Match& match, const Tell& tell) {
+    for (ResultPlace place{0, 0}; place.row < rows_; ++place.row)
+      for (place.column = 0; place.column < columns_; ++place.column) Meet(place, match, tell);
+  }
+
+  /// The result in which put(array, place, text, pattern) writes the cells of the pairs, and errors stand as they are
+  /// told: #VALUE! alone when the call is past its budget.
+  template <class Put>
+  CXlOper Build(const Put& put) {
+    CXlArrayBuilder array(rows_, columns_);
+    const bool isDone = RunsWithout<CXlRegexLimitException>([&] {
+      ForEach([&](const ResultPlace& place, XStringView text,
+                  const RegexPattern& pattern) { put(array, place, text, pattern); },
+              [&](const ResultPlace& place, const XLOPER12& error) { *array.At(place.row, place.column) = error; });
+    });
+    return isDone ? array.FinishCollapsed() : CXlOper::Error(xlerrValue);
+  }
+
+ private:
+  template <class Match, class Tell>
+  void Meet(const ResultPlace& place, const Match& match, const Tell& tell) {
+    const XLOPER12* const text = texts_.At(place);
+    const XLOPER12* const expression = expressions_.At(place);
+    if (!text || !expression) return tell(place, ErrorCell(xlerrNA));
+    if (IsErrorCell(*text)) return tell(place, *text);
+    if (IsErrorCell(*expression)) return tell(place, *expression);
+    const RegexPattern* const pattern = cache_.Find(*expression);
+    if (!pattern) return tell(place, ErrorCell(xlerrValue));
+    NumberTextBuffer number;
+    match(place, IsTextCell(*text) ? TextOf(*text) : TextForm(*text, number), *pattern);
+  }
+
+  PairedCells texts_;
+  PairedCells expressions_;
+  RegexBudget budget_;
+  PatternCache cache_;
+  std::int32_t rows_;
+  std::int32_t columns_;
+};
+
+}  // namespace quillmere::text

@@ -1,0 +1,61 @@
+// Replacing what regular expressions match in texts.
+//
+// Serves Rgx.SUBSTITUTE.
+#include <algorithm>
+#include <optional>
+
+#include "implementations/text.h"
+#include "text/bounded_text.h"
+#include "text/regex/regex_matches.h"
+#include "text/regex_pairs.h"
+
+namespace quillmere::text {
+namespace {
+
+/// Writes a text with all matches replaced, or the n-th alone. Whether there was one.
+bool Replace(XStringView text, const RegexPattern& pattern, XStringView format, std::int32_t nth, BoundedText& to) {
+  RegexMatches matches(pattern.Expression(), text, nth == 0 ? AfterEmptyMatch::kSamePlace : AfterEmptyMatch::kStep,
+                       pattern.Budget());
+  std::optional<RegexMatch> match = matches.Nth(std::max(nth, 1));
+  if (!match) return false;
+  to.Clear();
+  std::size_t copied = 0;
+  do {
+    to.Append(text.substr(copied, match->place - copied));
+    matches.AppendFormatted(format, to);
+    copied = match->place + match->units;
+    match = nth == 0 ? matches.Next() : std::nullopt;
+  } while (match);
+  to.Append(text.substr(copied));
+  return true;
+}
+
+}  // namespace
+
+void Functions::RegexSubstitute(CXlOper& result, const CXlArgument& text, const CXlArgument& regExp,
+                                const CXlArgument& newText, const CXlScalarArgument<ElementKind::kInteger>& nth,
+                                const CXlScalarArgument<ElementKind::kBoolean>& caseSensitive) {
+  result.SetError(xlerrValue);
+  const CXlCells texts = text.Value().Cells();
+  const CXlCells expressions = regExp.Value().Cells();
+  const PairedCells formats(newText.Value().Cells());
+  const std::int32_t wanted = nth.Read();
+  const LetterCase letterCase = ReadLetterCase(caseSensitive);
+  if (wanted < 0) return;
+
+  RegexPairs pairs(texts, expressions, letterCase, RegexExtent::kAnyPart, {formats});
+  BoundedText replaced;
+  result = pairs.Build(
+      [&](CXlArrayBuilder& array, const ResultPlace& place, XStringView units, const RegexPattern& pattern) {
+        const XLOPER12* const format = formats.At(place);
+        if (!format || IsErrorCell(*format)) {
+          *array.At(place.row, place.column) = format ? *format : ErrorCell(xlerrNA);
+          return;
+        }
+        NumberTextBuffer number;
+        const bool isChanged = Replace(units, pattern, TextForm(*format, number), wanted, replaced);
+        array.PutText(place.row, place.column, isChanged ? replaced.View() : units);
+      });
+}
+
+}  // namespace quillmere::text
