@@ -9,6 +9,9 @@
 
 namespace quillmere::text {
 
+/// How much of a text an expression must match.
+enum class RegexExtent { kAnyPart, kWhole };
+
 /// An expression in Perl's syntax. ^ and $ match at line breaks inside a text too, and . matches one. One thread uses
 /// it, for one text after the other, since it keeps what the library needs room for.
 class Regex {

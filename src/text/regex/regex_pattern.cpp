@@ -3,12 +3,12 @@
 namespace quillmere::text {
 
 RegexPattern::RegexPattern(XStringView expression, RegexBudget& budget, LetterCase letterCase, RegexExtent extent)
-    : regex_(expression, letterCase), required_(expression, letterCase), budget_(budget), extent_(extent) {
+    : regex_(expression, letterCase), required_(expression, letterCase, extent), budget_(budget), extent_(extent) {
   RejectBy({required_.Least(), XStringView::npos});
 }
 
 bool RegexPattern::MatchesInFull(XStringView text) const {
-  if (!required_.AreIn(text)) return false;
+  if (!required_.MayBeOf(text)) return false;
   return extent_ == RegexExtent::kWhole ? regex_.IsWholeOf(text, budget_) : regex_.IsFoundIn(text, budget_);
 }
 

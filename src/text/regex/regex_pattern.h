@@ -4,14 +4,11 @@
 #include "frame/locale/collation.h"
 #include "text/regex/regex.h"
 #include "text/regex/regex_budget.h"
-#include "text/regex/required_units.h"
+#include "text/regex/required_ends.h"
 #include "text/text_matcher.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::text {
-
-/// How much of a text an expression must match.
-enum class RegexExtent { kAnyPart, kWhole };
 
 /// An expression that a text matches when it is found in it: anywhere, or as the whole of it. CXlBadRegexException for
 /// one that does not compile; when the call is past its budget, matching a text that takes more than its own steps is
@@ -28,7 +25,7 @@ class RegexPattern : public TextMatcher {
   bool MatchesInFull(XStringView text) const override;
 
   Regex regex_;
-  RequiredUnits required_;
+  RequiredEnds required_;
   RegexBudget& budget_;
   RegexExtent extent_;
 };

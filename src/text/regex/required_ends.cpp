@@ -1,0 +1,124 @@
+#include "text/regex/required_ends.h"
+
+#include <optional>
+
+#include "frame/text/text_block.h"
+
+namespace quillmere::text {
+namespace {
+
+constexpr XCHAR kAnyUnit = 0;  ///< in place of a literal
+constexpr XCHAR kFirstPlain = 0x20;
+constexpr XCHAR kBehindPlain = 0x7F;
+
+bool IsOneOf(XCHAR unit, XStringView units) { return units.find(unit) != XStringView::npos; }
+
+/// The units of a set at the beginning of `text`, brackets included; 0 for one that holds more than plain members.
+std::size_t PlainSet(XStringView text) {
+  const std::size_t first = text.substr(1, 1) == XTEXT("^") ? 2 : 1;
+  const std::size_t end = text.find_first_of(XTEXT("[]\\"), first);
+  return end != XStringView::npos && end > first && text[end] == XTEXT(']') ? end + 1 : 0;
+}
+
+/// One unit or class of an expression, with how often it is repeated.
+struct Element {
+  XCHAR literal = kAnyUnit;
+  std::size_t least = 1;
+  bool isExact = true;  ///< whether it is repeated just so often
+};
+
+/// Takes {n}, {n,} or {n,m} with n of one digit from the rest; false for any other bounds.
+bool TakeBounds(XStringView& rest, Element& element) {
+  const std::size_t end = rest.find(XTEXT('}'));
+  if (end == XStringView::npos || end < 2 || rest[1] < XTEXT('0') || rest[1] > XTEXT('9')) return false;
+  const XStringView further = rest.substr(2, end - 2);
+  if (!further.empty() &&
+      (further.front() != XTEXT(',') || further.find_first_not_of(XTEXT("0123456789"), 1) != XStringView::npos))
+    return false;
+  element.least = static_cast<std::size_t>(rest[1] - XTEXT('0'));
+  element.isExact = further.empty();
+  rest.remove_prefix(end + 1);
+  return true;
+}
+
+/// Takes the next element from the rest; nothing where there is something that is not read here.
+std::optional<Element> TakeElement(XStringView& rest) {
+  Element element;
+  std::size_t units = 1;
+  if (rest.front() == XTEXT('[')) {
+    units = PlainSet(rest);
+    if (units == 0) return std::nullopt;
+  } else if (rest.front() == XTEXT('\\')) {
+    units = 2;
+    if (rest.size() < 2 || !IsOneOf(rest[1], XTEXT("dDwWsS.^$|()[]{}*+?\\-/"))) return std::nullopt;
+    if (!IsOneOf(rest[1], XTEXT("dDwWsS"))) element.literal = rest[1];
+  } else if (IsOneOf(rest.front(), XTEXT("^$|(){}]*+?"))) {
+    return std::nullopt;
+  } else if (rest.front() != XTEXT('.')) {
+    element.literal = rest.front();
+  }
+  rest.remove_prefix(units);
+
+  if (rest.empty() || !IsOneOf(rest.front(), XTEXT("*+?{"))) return element;
+  if (rest.front() == XTEXT('{')) {
+    if (!TakeBounds(rest, element)) return std::nullopt;
+  } else {
+    element.least = rest.front() == XTEXT('+') ? 1 : 0;
+    element.isExact = false;
+    rest.remove_prefix(1);
+  }
+  if (!rest.empty() && IsOneOf(rest.front(), XTEXT("+?"))) rest.remove_prefix(1);  // possessive, or as few as will do
+  return element;
+}
+
+}  // namespace
+
+RequiredEnds::RequiredEnds(XStringView expression, LetterCase letterCase, RegexExtent extent) {
+  if (Read(expression, letterCase, extent)) return;
+  ends_ = QuickReject();
+  least_ = 0;
+}
+
+/// False where the expression holds what is not read here.
+bool RequiredEnds::Read(XStringView rest, LetterCase letterCase, RegexExtent extent) {
+  const bool caseSensitive = letterCase == LetterCase::kCounts;
+  const auto require = [&](std::ptrdiff_t place, XCHAR unit) {
+    if (unit != kAnyUnit) ends_.Require(place, unit, caseSensitive);
+  };
+  const bool isAnchored = rest.starts_with(XTEXT('^'));
+  if (isAnchored) rest.remove_prefix(1);
+  bool isPlaceKnown = isAnchored || extent == RegexExtent::kWhole;
+  XString last;  // the units that come one behind another up to here
+  while (!rest.empty() && rest != XTEXT("$")) {
+    const std::optional<Element> element = TakeElement(rest);
+    if (!element) return false;
+    if (!element->isExact) last.clear();
+    for (std::size_t each = 0; each < element->least; ++each) {
+      if (isPlaceKnown) require(static_cast<std::ptrdiff_t>(least_), element->literal);
+      ++least_;
+      last += element->literal;
+    }
+    isPlaceKnown = isPlaceKnown && element->isExact;
+  }
+  if (rest.empty() && extent == RegexExtent::kAnyPart) return true;
+  for (std::size_t back = 1; back <= last.size(); ++back)
+    require(-static_cast<std::ptrdiff_t>(back), last[last.size() - back]);
+  return true;
+}
+
+bool RequiredEnds::IsPlain(XStringView text) {
+  const auto isPlain = [](__m128i units) {
+    // SSE2 compares signed: plain units are moved to the lowest numbers.
+    const __m128i moved = _mm_add_epi16(units, _mm_set1_epi16(static_cast<short>(0x8000 - kFirstPlain)));
+    const __m128i plain = _mm_cmplt_epi16(moved, _mm_set1_epi16(-0x8000 + (kBehindPlain - kFirstPlain)));
+    return _mm_movemask_epi8(plain) == 0xFFFF;
+  };
+  const XCHAR* const units = text.data();
+  const std::size_t count = text.size();
+  if (count < kTextBlock) return count >= 2 && isPlain(LoadShort(units, count));
+  for (std::size_t at = 0; at + kTextBlock < count; at += kTextBlock)
+    if (!isPlain(LoadBlock(units + at))) return false;
+  return isPlain(LoadBlock(units + count - kTextBlock));
+}
+
+}  // namespace quillmere::text
