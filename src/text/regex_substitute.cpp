@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "frame/values/cell_copy.h"
 #include "implementations/text.h"
 #include "text/bounded_text.h"
 #include "text/regex/regex_matches.h"
@@ -13,7 +14,7 @@ namespace quillmere::text {
 namespace {
 
 /// Writes a text with all matches replaced, or the n-th alone. Whether there was one.
-bool Replace(XStringView text, const RegexPattern& pattern, XStringView format, std::int32_t nth, BoundedText& to) {
+bool Replace(XStringView text, const RegexPattern& pattern, const XString& format, std::int32_t nth, BoundedText& to) {
   RegexMatches matches(pattern.Expression(), text, nth == 0 ? AfterEmptyMatch::kSamePlace : AfterEmptyMatch::kStep,
                        pattern.Budget());
   std::optional<RegexMatch> match = matches.Nth(std::max(nth, 1));
@@ -44,6 +45,7 @@ void Functions::RegexSubstitute(CXlOper& result, const CXlArgument& text, const 
   if (wanted < 0) return;
 
   RegexPairs pairs(texts, expressions, letterCase, RegexExtent::kAnyPart, {formats});
+  XString ownFormat;
   BoundedText replaced;
   result = pairs.Build(
       [&](CXlArrayBuilder& array, const ResultPlace& place, XStringView units, const RegexPattern& pattern) {
@@ -53,7 +55,8 @@ void Functions::RegexSubstitute(CXlOper& result, const CXlArgument& text, const 
           return;
         }
         NumberTextBuffer number;
-        const bool isChanged = Replace(units, pattern, TextForm(*format, number), wanted, replaced);
+        AssignText(ownFormat, TextForm(*format, number));
+        const bool isChanged = Replace(units, pattern, ownFormat, wanted, replaced);
         array.PutText(place.row, place.column, isChanged ? replaced.View() : units);
       });
 }

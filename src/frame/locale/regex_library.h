@@ -15,11 +15,16 @@ void put_mem_block(void* block);
 }  // namespace boost::BOOST_REGEX_DETAIL_NS
 
 #include <boost/regex.hpp>
+#include <cstdint>
+#include <limits>
 
 #include "frame/errors/exceptions.h"
 #include "frame/text/ansi_text.h"
 
 namespace quillmere {
+
+/// The most that the library may read a number as: it makes an int of a group's, and adds 2.
+inline constexpr std::intmax_t kMostRegexNumber = std::numeric_limits<int>::max() - 2;
 
 /// Compiles by `step`; CXlBadRegexException where the expression is none.
 template <class Step>

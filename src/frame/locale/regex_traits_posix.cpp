@@ -179,7 +179,7 @@ bool RegexTraits::isctype(XCHAR unit, char_class_type classes) const {
 }
 
 std::intmax_t RegexTraits::toi(const XCHAR*& begin, const XCHAR* end, int radix) const {
-  return library::global_toi(begin, end, radix, *this);
+  return std::min(library::global_toi(begin, end, radix, *this), kMostRegexNumber);
 }
 
 int RegexTraits::value(XCHAR unit, int radix) const {

@@ -36,6 +36,11 @@ inline std::string w32_regex_traits<wchar_t>::get_catalog_name() {
   return {};
 }
 
+template <>
+inline std::intmax_t w32_regex_traits<wchar_t>::toi(const wchar_t*& begin, const wchar_t* end, int radix) const {
+  return std::min(BOOST_REGEX_DETAIL_NS::global_toi(begin, end, radix, *this), quillmere::kMostRegexNumber);
+}
+
 namespace BOOST_REGEX_DETAIL_NS {
 
 template <>

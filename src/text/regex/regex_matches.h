@@ -42,8 +42,10 @@ class RegexMatches {
     return match;
   }
 
-  /// Appends what a format in Perl's syntax ($& is the match, $1 its first group) makes of the latest match.
-  void AppendFormatted(XStringView format, BoundedText& to);
+  /// Appends what a format in Perl's syntax ($& is the match, $1 its first group) makes of the latest match. The
+  /// library looks at the unit behind the format's last, which must be there, and copies what it likes of it: none of
+  /// the host's.
+  void AppendFormatted(const XString& format, BoundedText& to);
 
  private:
   const Regex& regex_;
