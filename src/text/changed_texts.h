@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "frame/values/array_builder.h"
+#include "text/prefetch_ahead.h"
 
 namespace quillmere::text {
 
@@ -11,12 +12,11 @@ namespace quillmere::text {
 /// becomes of each text.
 template <class Change>
 CXlOper ChangeTexts(const CXlCells& cells, const Change& change) {
-  constexpr std::int64_t kTextsAhead = 24;  // whose memory is asked for before they are read
   CXlArrayBuilder changed(cells.rows, cells.columns);
   XLOPER12* const to = changed.Row(0);
   const std::int64_t count = cells.Count();
   for (std::int64_t at = 0; at < count;) {
-    if (at + kTextsAhead < count) PrefetchText(cells.first[at + kTextsAhead]);
+    PrefetchAhead(cells, at);
     if (IsTextCell(cells.first[at])) [[likely]] {
       change(changed, to + at, TextOf(cells.first[at]));
       ++at;

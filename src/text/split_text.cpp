@@ -11,6 +11,7 @@
 #include "frame/values/array_builder.h"
 #include "frame/values/cell_copy.h"
 #include "implementations/text.h"
+#include "text/prefetch_ahead.h"
 #include "text/tokens.h"
 
 namespace quillmere::text {
@@ -22,10 +23,12 @@ struct Splitting {
   EmptyTokens empty;
 };
 
-/// The tokens of each text that are wanted: `count` from `first` on, counted from 0.
+/// Which tokens of each text are wanted: the first ones up to `last`, counted from 1, or the last of these alone.
 struct WantedTokens {
-  std::int64_t first;
-  std::int64_t count;
+  std::int64_t last;
+  bool lastAlone;
+
+  std::int64_t Count() const noexcept { return lastAlone ? 1 : last; }
 };
 
 void AddDelimiters(DelimiterSet& delimiters, const CXlCells& cells) {
@@ -39,12 +42,6 @@ void AddDelimiters(DelimiterSet& delimiters, const CXlCells& cells) {
 /// What is split of a cell that is no error, a view of it or of `number`.
 inline XStringView SplitText(const XLOPER12& cell, NumberTextBuffer& number) {
   return IsTextCell(cell) ? TextOf(cell) : TextForm(cell, number);
-}
-
-/// Asks for the memory of a text that comes later.
-inline void PrefetchAhead(const CXlCells& cells, std::int64_t at) {
-  constexpr std::int64_t kTextsAhead = 24;
-  if (at + kTextsAhead < cells.Count()) PrefetchText(cells.first[at + kTextsAhead]);
 }
 
 /// The most tokens that a text has; an error takes the place of one.
@@ -67,42 +64,62 @@ struct TokenCells {
   std::ptrdiff_t stride;
 };
 
-/// Writes the wanted tokens of a text, and empty texts behind the last. Whether the text has any token.
-bool WriteTokens(CXlArrayBuilder& builder, const TokenCells& to, Tokens tokens, const WantedTokens& wanted,
-                 const XLOPER12& emptyText) {
-  std::int64_t at = -wanted.first;
+/// Writes the first tokens of a text, `last` at most, and returns how many it has. The text is copied once; the unit in
+/// front of a token, a delimiter, then takes the token's length.
+std::int64_t WriteFirstTokens(CXlArrayBuilder& builder, const TokenCells& to, XStringView text,
+                              const Splitting& splitting, std::int64_t last) {
+  XCHAR* const counted = builder.RoomForTexts(text.size() + 1);
+  CopyUnits(counted + 1, text.data(), text.size());
   XLOPER12* cell = to.first;
-  for (; at < wanted.count && tokens.Next(); ++at) {
-    if (at < 0) continue;
-    const XStringView token = tokens.Token();
-    CopyUnits(builder.NewText(cell, token.size()), token.data(), token.size());
+  std::int64_t left = last;
+  ForEachToken(text, splitting.delimiters, splitting.empty, [&](std::size_t begin, std::size_t end) {
+    counted[begin] = static_cast<XCHAR>(end - begin);
+    cell->val.str = counted + begin;
+    cell->xltype = xltypeStr;
     cell += to.stride;
-  }
-  const bool hasAny = at > -wanted.first;
-  for (at = std::max<std::int64_t>(at, 0); at < wanted.count; ++at, cell += to.stride) *cell = emptyText;
-  return hasAny;
+    return --left != 0;
+  });
+  return last - left;
+}
+
+/// Writes the token of that number, where the text has it, and returns how many it has up to that one.
+std::int64_t WriteToken(CXlArrayBuilder& builder, XLOPER12* to, XStringView text, const Splitting& splitting,
+                        std::int64_t number) {
+  std::int64_t left = number;
+  ForEachToken(text, splitting.delimiters, splitting.empty, [&](std::size_t begin, std::size_t end) {
+    if (--left != 0) return true;
+    CopyUnits(builder.NewText(to, end - begin), text.data() + begin, end - begin);
+    return false;
+  });
+  return number - left;
 }
 
 /// Splits each text of a column into a row, each of a row into a column. Never set when no text has a token.
 CXlOper SplitTexts(const CXlCells& cells, const Splitting& splitting, const WantedTokens& wanted) {
   const bool downwards = cells.rows == 1 && cells.columns > 1;
-  CXlArrayBuilder builder(downwards ? wanted.count : cells.rows, downwards ? cells.columns : wanted.count);
+  const std::int64_t count = wanted.Count();
+  CXlArrayBuilder builder(downwards ? count : cells.rows, downwards ? cells.columns : count);
   XLOPER12 emptyText;
   builder.NewText(&emptyText, 0);
   bool hasAny = false;
-  for (std::int64_t at = 0; at < cells.Count(); ++at) {
+  TokenCells to{builder.Row(0), downwards ? cells.columns : 1};
+  for (std::int64_t at = 0; at < cells.Count(); ++at, to.first += downwards ? 1 : count) {
     PrefetchAhead(cells, at);
-    const TokenCells to = downwards ? TokenCells{builder.At(0, at), cells.columns} : TokenCells{builder.Row(at), 1};
     NumberTextBuffer number;
     const XLOPER12& cell = cells.first[at];
+    std::int64_t written = 1;
     if (IsErrorCell(cell)) [[unlikely]] {
       builder.CopyCells(to.first, &cell, 1);
-      builder.Repeat(to.first + to.stride, static_cast<std::size_t>(wanted.count - 1), to.stride, emptyText);
       hasAny = true;
-      continue;
+    } else {
+      const XStringView text = SplitText(cell, number);
+      const std::int64_t found = wanted.lastAlone ? WriteToken(builder, to.first, text, splitting, wanted.last)
+                                                  : WriteFirstTokens(builder, to, text, splitting, wanted.last);
+      hasAny |= found != 0;
+      written = wanted.lastAlone ? std::int64_t{found == wanted.last} : found;
     }
-    const Tokens tokens(SplitText(cell, number), splitting.delimiters, splitting.empty);
-    hasAny |= WriteTokens(builder, to, tokens, wanted, emptyText);
+    for (XLOPER12* rest = to.first + written * to.stride; written < count; ++written, rest += to.stride)
+      *rest = emptyText;
   }
   return hasAny ? builder.FinishCollapsed() : CXlOper();
 }
@@ -124,10 +141,8 @@ void Functions::SplitText(CXlOper& result, const CXlArgument& text, const CXlArg
     result.SetError(KnownErrorCode(cells.first->val.err));
     return;
   }
-  WantedTokens wanted{0, std::abs(number)};
-  if (number > 0) wanted = {number - 1, 1};
-  if (number == 0) wanted.count = MostTokens(cells, splitting);
-  if (wanted.count == 0) return;
+  const WantedTokens wanted{number == 0 ? MostTokens(cells, splitting) : std::abs(number), number > 0};
+  if (wanted.last == 0) return;
   CXlOper split = SplitTexts(cells, splitting, wanted);
   if (split.IsSet()) result = std::move(split);
 }

@@ -50,6 +50,8 @@ class CXlArrayBuilder {
     to->xltype = xltypeStr;
     return text + 1;
   }
+  /// Room for counted texts, `units` units with their lengths, that cells of the array may point to.
+  XCHAR* RoomForTexts(std::size_t units) { return texts_.Allocate(units - 1); }
   /// A copy of a cell; of anything but a single cell: "Right-hand side of cell assignment must be a scalar value".
   void Put(std::int64_t row, std::int64_t column, const XLOPER12& cell);
   void Put(std::int64_t row, std::int64_t column, const CXlOper& value);
