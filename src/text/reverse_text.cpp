@@ -3,12 +3,12 @@
 // Serves REVERSE.TEXT.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 #include "frame/convert/argument.h"
 #include "frame/text/text_block.h"
 #include "implementations/text.h"
 #include "text/changed_texts.h"
+#include "text/text_ends.h"
 
 namespace quillmere::text {
 namespace {
@@ -33,13 +33,6 @@ inline void WriteReversed(XCHAR* to, XStringView text) {
   StoreBlock(to + count - kTextBlock, ReverseBlock(LoadBlock(units)));
 }
 
-/// That many units of a text: the last ones, or, below 0, the first; all of it for 0, and where it has no more.
-inline XStringView EndOfText(XStringView text, std::int64_t units) {
-  const auto wanted = static_cast<std::size_t>(std::abs(units));
-  if (wanted == 0 || wanted >= text.size()) return text;
-  return units > 0 ? text.substr(text.size() - wanted) : text.substr(0, wanted);
-}
-
 }  // namespace
 
 void Functions::ReverseText(CXlOper& result, const CXlArgument& text,
@@ -47,7 +40,7 @@ void Functions::ReverseText(CXlOper& result, const CXlArgument& text,
   const CXlCells cells = text.Value().Cells();
   const std::int64_t wanted = numChars.Read();
   result = ChangeTexts(cells, [wanted](CXlArrayBuilder& reversed, XLOPER12* to, XStringView whole) {
-    const XStringView part = EndOfText(whole, wanted);
+    const XStringView part = EndOf(whole, -wanted);
     WriteReversed(reversed.NewText(to, part.size()), part);
   });
 }
