@@ -14,8 +14,8 @@ struct EveryPlace {
   std::size_t operator[](std::size_t place) const noexcept { return place; }
 };
 
-/// A pattern made ready, once for a pattern and a call. It does not change after that, and matching allocates nothing.
-/// Of many texts those that the quick reject tells cost no call.
+/// A pattern made ready, once for a pattern and a call; one thread uses it, since it may keep what it learns of the
+/// texts that it is matched against. Of many texts those that the quick reject tells cost no call.
 class TextMatcher {
  public:
   TextMatcher(const TextMatcher&) = delete;

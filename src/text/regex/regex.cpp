@@ -32,6 +32,7 @@ Regex::Regex(XStringView expression, LetterCase letterCase) : compiled_(std::mak
   compiled_->stepLength = MayCall(own) ? StepLength::kAny : StepLength::kShort;
   const auto anyCase = letterCase == LetterCase::kIgnored ? boost::regex_constants::icase : 0;
   CompileByLibrary([&] { compiled_->expression.assign(own, boost::regex_constants::perl | anyCase); });
+  compiled_->linear = LinearMatcher::Make(own, compiled_->expression);
 }
 
 Regex::Regex(Regex&&) noexcept = default;
@@ -39,6 +40,7 @@ Regex& Regex::operator=(Regex&&) noexcept = default;
 Regex::~Regex() = default;
 
 bool Regex::IsFoundIn(XStringView text, RegexBudget& budget) const {
+  if (compiled_->linear) return compiled_->linear->IsFoundIn(text);
   RegexSteps steps(text.size(), compiled_->stepLength, budget);
   return MatchByLibrary([&] {
     return boost::regex_search(RegexPlace(text.data(), steps), RegexPlace(text.data() + text.size(), steps),
@@ -47,6 +49,7 @@ bool Regex::IsFoundIn(XStringView text, RegexBudget& budget) const {
 }
 
 bool Regex::IsWholeOf(XStringView text, RegexBudget& budget) const {
+  if (compiled_->linear) return compiled_->linear->IsWholeOf(text);
   RegexSteps steps(text.size(), compiled_->stepLength, budget);
   return MatchByLibrary([&] {
     return boost::regex_match(RegexPlace(text.data(), steps), RegexPlace(text.data() + text.size(), steps),

@@ -13,7 +13,8 @@ namespace quillmere::text {
 enum class RegexExtent { kAnyPart, kWhole };
 
 /// An expression in Perl's syntax. ^ and $ match at line breaks inside a text too, and . matches one. One thread uses
-/// it, for one text after the other, since it keeps what the library needs room for.
+/// it, for one text after the other, since it keeps what matching needs room for. Ordinary
+/// expressions are matched in a time that grows with the text alone, all others by the library.
 class Regex {
  public:
   /// Where case is ignored, it is that of every letter. CXlBadRegexException for what is no expression, and for what

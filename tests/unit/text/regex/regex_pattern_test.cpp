@@ -122,9 +122,9 @@ bool GivesUp(const RegexPattern& pattern, XStringView text) {
 TEST(RegexPattern, EndsInTimeAndAnswersOrdinaryTextsAllTheSame) {
   const XString letters(30'000, XTEXT('a'));
   const Endless endless[] = {
-      {XTEXT("(a+)+$"), letters + XTEXT("!")},
+      {XTEXT("(a+)+(?=$)"), letters + XTEXT("!")},
       {XTEXT("(?:(?=(a+))a)*b"), letters},
-      {Repeated(XTEXT("(?:a|b|c|d)?"), 46) + XTEXT("(a+)+$"), letters.substr(0, 3'000) + XTEXT("!")},
+      {Repeated(XTEXT("(?:a|b|c|d)?"), 46) + XTEXT("(a+)+(?=$)"), letters.substr(0, 3'000) + XTEXT("!")},
       {XTEXT("(?>a+)+b"), letters},
       {XTEXT("(a?(?1)?a)b"), letters},
       {Repeated(XTEXT("(?:|)"), 2'000) + XTEXT("\\b"), {}},
@@ -141,6 +141,10 @@ TEST(RegexPattern, EndsInTimeAndAnswersOrdinaryTextsAllTheSame) {
     for (int text = 0; text < 1'000; ++text) EXPECT_TRUE(Finds(ordinary, XTEXT("k1727773")));
   }
   EXPECT_GE(spent, 5);
+
+  RegexBudget budget;
+  EXPECT_FALSE(Finds(RegexPattern(XTEXT("(a+)+$"), budget), letters + XTEXT("!")));
+  EXPECT_TRUE(Finds(RegexPattern(XTEXT("(?:a|b)*a(?:a|b){14}c"), budget), XTEXT("b") + letters + XTEXT("c")));
 }
 
 }  // namespace
