@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "lookup/array_bisection.h"
 #include "lookup/array_index.h"
 #include "lookup/array_rows.h"
 #include "lookup/match_walk.h"
+#include "lookup/scanned_rows.h"
 
 namespace quillmere::lookup {
 namespace {
@@ -67,18 +69,32 @@ class IndexedRows {
   Key key_;
 };
 
-void SearchUnsorted(const RowTuples& rows, const LookupKeys& keys, std::int32_t position, FoundRows& found) {
+/// The keys from `first` on that can be patterns and are not scanned for yet, as many as should be at a time.
+std::vector<std::int32_t> NextPatternKeys(const LookupKeys& keys, std::int32_t first, const ScannedRows& scanned) {
+  std::vector<std::int32_t> next;
+  for (std::int32_t i = first; i < keys.Count() && std::ssize(next) < ScannedRows::kKeysAtOnce; ++i)
+    if (keys.HasPattern(i) && !scanned.IsScanned(i)) next.push_back(i);
+  return next;
+}
+
+void SearchUnsorted(const LookupPlan& plan, const RowTuples& rows, const LookupKeys& keys, FoundRows& found) {
+  std::optional<ScannedRows> scanned;
+  if (keys.AnyPatterns()) scanned.emplace(plan, keys, keys.Parts());
   std::optional<ArrayIndex> index;
-  if (ArrayIndex::Pays(rows.Count(), keys.Count())) index.emplace(rows, keys, position);
+  if (ArrayIndex::Pays(rows.Count(), keys.Count())) index.emplace(rows, keys, plan.position);
   KeyRoom room;
   for (std::int32_t i = 0; i < keys.Count(); ++i) {
-    const bool isIndexed = index && !keys.HasPattern(i);
-    if (isIndexed && index->Record(i, found)) continue;
-    const Key key = room.Prepare(keys, i, keys.Parts());
-    if (isIndexed && !index->IsOddKey(i))
-      WalkMatches(IndexedRows(*index, i, rows, key), position, found);
+    if (keys.HasPattern(i)) {
+      if (!scanned->IsScanned(i)) scanned->Scan(NextPatternKeys(keys, i, *scanned));
+      scanned->Record(i, found);
+      continue;
+    }
+    if (index && index->Record(i, found)) continue;
+    const Key key = room.Prepare(keys, i);
+    if (index && !index->IsOddKey(i))
+      WalkMatches(IndexedRows(*index, i, rows, key), plan.position, found);
     else
-      ScanRows(rows, key, position, found);
+      ScanRows(rows, key, plan.position, found);
   }
 }
 
@@ -89,7 +105,7 @@ FoundRows SearchArray(const LookupPlan& plan, const LookupKeys& keys, const Matc
   FoundRows found;
   found.reserve(static_cast<std::size_t>(keys.Count()));
   if (rules.order == SortOrder::kUnsorted || keys.AnyPatterns())
-    SearchUnsorted(rows, keys, plan.position, found);
+    SearchUnsorted(plan, rows, keys, found);
   else
     BisectArray(rows, keys, rules, plan.position, found);
   return found;

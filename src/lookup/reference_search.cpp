@@ -1,10 +1,13 @@
 #include "lookup/reference_search.h"
 
 #include <algorithm>
+#include <optional>
+#include <vector>
 
 #include "frame/callbacks/callbacks.h"
 #include "lookup/bisection.h"
 #include "lookup/match_walk.h"
+#include "lookup/scanned_rows.h"
 
 namespace quillmere::lookup {
 namespace {
@@ -148,21 +151,89 @@ class SortedSearch : public CellSearch {
   }
 };
 
-/// The unsorted search of one key, a remembered row first.
-template <class Search>
-void SearchUnsorted(const Search& search, const LookupPlan& plan, std::int32_t key, LookupMemory& memory,
-                    FoundRows& found) {
-  const bool remembers = plan.position == wanted_match::kDefault && memory.IsInUse();
-  if (remembers) {
-    const std::optional<std::int32_t> remembered = memory.Recall(key);
-    if (remembered && *remembered >= 1 && *remembered <= plan.data.Rows() && search.Matches(*remembered - 1)) {
-      AddFoundRow(found, *remembered - 1);
-      return;
-    }
-  }
-  WalkMatches(search, plan.position, found);
-  if (remembers && found.back() != kNoRow) memory.Remember(key, found.back() + 1);
+bool Remembers(const LookupPlan& plan, const LookupMemory& memory) {
+  return plan.position == wanted_match::kDefault && memory.IsInUse();
 }
+
+/// The row remembered for a key, if it is one of the data and passes `matches(row)`; else kNoRow.
+template <class Matches>
+std::int32_t RememberedRow(const LookupPlan& plan, LookupMemory& memory, std::int32_t key, const Matches& matches) {
+  if (!Remembers(plan, memory)) return kNoRow;
+  const std::optional<std::int32_t> position = memory.Recall(key);
+  if (!position || *position < 1 || *position > plan.data.Rows() || !matches(*position - 1)) return kNoRow;
+  return *position - 1;
+}
+
+/// The unsorted search of a key, a remembered row first, by Excel's MATCH.
+void SearchByMatch(const MatchSearch& search, const LookupPlan& plan, std::int32_t key, LookupMemory& memory,
+                   FoundRows& found) {
+  const auto matches = [&search](std::int32_t row) { return search.Matches(row); };
+  const std::int32_t remembered = RememberedRow(plan, memory, key, matches);
+  if (remembered != kNoRow) return AddFoundRow(found, remembered);
+  WalkMatches(search, plan.position, found);
+  if (Remembers(plan, memory) && found.back() != kNoRow) memory.Remember(key, found.back() + 1);
+}
+
+/// Whether Excel cannot look for a key.
+bool MustBeRead(const LookupKeys& keys, std::int32_t key) {
+  return keys.AreExpressions() || !CanExcelSearch(keys.At(key, 0));
+}
+
+/// The unsorted search of such keys: many at a time, a remembered row of each first.
+class ReadingSearch {
+ public:
+  ReadingSearch(const LookupPlan& plan, const LookupKeys& keys, const MatchRules& rules, LookupMemory& memory)
+      : plan_(plan),
+        keys_(keys),
+        rules_(rules),
+        memory_(memory),
+        // What Excel has no say in is matched as it would match it: the first part by its pattern unless case counts.
+        scanned_(plan, keys,
+                 keys.AreExpressions() ? keys.Parts()
+                 : rules.caseSensitive ? 0
+                                       : 1) {}
+
+  void Search(std::int32_t key, FoundRows& found) {
+    const std::int32_t remembered = Remembered(key);
+    if (remembered != kNoRow) return AddFoundRow(found, remembered);
+    if (!scanned_.IsScanned(key)) ScanFrom(key);
+    scanned_.Record(key, found);
+    if (Remembers(plan_, memory_) && found.back() != kNoRow) memory_.Remember(key, found.back() + 1);
+  }
+
+ private:
+  /// The row last remembered for a key, and whether it matches.
+  struct TestedRow {
+    std::int32_t row = kNoRow;
+    bool matches = false;
+  };
+
+  std::int32_t Remembered(std::int32_t key) {
+    return RememberedRow(plan_, memory_, key, [&](std::int32_t row) {
+      tested_.resize(static_cast<std::size_t>(keys_.Count()));
+      TestedRow& tested = tested_[static_cast<std::size_t>(key)];
+      if (tested.row != row) tested = {row, CellSearch(plan_, scanned_.Prepare(key), rules_).MatchesParts(row, 0)};
+      return tested.matches;
+    });
+  }
+
+  /// Scans for a key, and along with it for others that will be asked for. What is remembered for those may be another
+  /// row by then.
+  void ScanFrom(std::int32_t key) {
+    std::vector<std::int32_t> next{key};
+    const std::int32_t end = key + std::min(ScannedRows::kKeysAtOnce, keys_.Count() - key);
+    for (std::int32_t i = key + 1; i < end; ++i)
+      if (MustBeRead(keys_, i) && Remembered(i) == kNoRow) next.push_back(i);
+    scanned_.Scan(next);
+  }
+
+  const LookupPlan& plan_;
+  const LookupKeys& keys_;
+  const MatchRules& rules_;
+  LookupMemory& memory_;
+  ScannedRows scanned_;
+  std::vector<TestedRow> tested_;  ///< of each key
+};
 
 }  // namespace
 
@@ -187,24 +258,22 @@ FoundRows SearchReference(const LookupPlan& plan, const LookupKeys& keys, const 
   FoundRows found;
   found.reserve(static_cast<std::size_t>(keys.Count()));
   LookupMemory memory(plan.memory);
+  std::optional<ReadingSearch> reading;
   KeyRoom room;
   const bool isUnsorted = rules.order == SortOrder::kUnsorted || keys.AnyPatterns();
   for (std::int32_t i = 0; i < keys.Count(); ++i) {
-    const bool canExcelSearch = CanExcelSearch(keys.At(i, 0));
-    // What Excel has no say in is matched as it would match it: the first part by its pattern unless case counts.
-    const std::size_t patternParts = canExcelSearch || rules.caseSensitive ? 0 : 1;
-    const Key key = room.Prepare(keys, i, patternParts);
-    if (plan.data.Rows() == 0) {
-      AddFoundRow(found, kNoRow);
-    } else if (!isUnsorted) {
-      RecordRun(SortedSearch(plan, key, rules).FindRun(plan.position), plan.position, rules.exact, found);
-    } else if (canExcelSearch) {
-      SearchUnsorted(MatchSearch(plan, key, rules), plan, i, memory, found);
-    } else {
-      const CellSearch cells(plan, key, rules);
-      const auto matches = [&cells](std::int32_t row) { return cells.MatchesParts(row, 0); };
-      SearchUnsorted(RowScan(plan.data.Rows(), matches), plan, i, memory, found);
+    if (isUnsorted && MustBeRead(keys, i)) {
+      if (!reading) reading.emplace(plan, keys, rules, memory);
+      reading->Search(i, found);
+      continue;
     }
+    const Key key = room.Prepare(keys, i);
+    if (plan.data.Rows() == 0)
+      AddFoundRow(found, kNoRow);
+    else if (isUnsorted)
+      SearchByMatch(MatchSearch(plan, key, rules), plan, i, memory, found);
+    else
+      RecordRun(SortedSearch(plan, key, rules).FindRun(plan.position), plan.position, rules.exact, found);
   }
   return found;
 }

@@ -15,9 +15,10 @@ bool IsPlainVlookup(const LookupPlan& plan, const LookupKeys& keys, const MatchR
 CXlOper CallVlookup(const LookupPlan& plan, const LookupKeys& keys, const MatchRules& rules);
 
 /// The wanted rows of every key. Unsorted cells, and all cells where any key has wildcards, are searched by Excel's
-/// MATCH for the first part of the key, the rows that it names being verified here; a remembered row is tried first.
-/// Sorted cells are searched by MATCH where it does just that, and by bisection, cell by cell, else. A callback that
-/// fails is CXlErrorException with #VALUE!.
+/// MATCH for the first part of the key, the rows that it names being verified here; for regular expressions, and for
+/// texts too long for MATCH, the lookup columns are read instead. A remembered row is tried first. Sorted cells are
+/// searched by MATCH where it does just that, and by bisection, cell by cell, else. A callback that fails is
+/// CXlErrorException with #VALUE!.
 FoundRows SearchReference(const LookupPlan& plan, const LookupKeys& keys, const MatchRules& rules);
 
 }  // namespace quillmere::lookup
