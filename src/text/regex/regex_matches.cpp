@@ -59,33 +59,54 @@ RegexMatches::RegexMatches(const Regex& regex, XStringView text, AfterEmptyMatch
 
 std::optional<RegexMatch> RegexMatches::Next() {
   if (next_ > text_.size()) return std::nullopt;
-  const auto placeAt = [this](std::size_t unit) { return RegexPlace(text_.data() + unit, steps_); };
-  auto flags = boost::regex_constants::match_default;
-  if (wasEmpty_ && afterEmpty_ == AfterEmptyMatch::kSamePlace) flags |= boost::regex_constants::match_not_initial_null;
-  Regex::Compiled& compiled = *regex_.compiled_;
-  const bool isFound = MatchByLibrary([&] {
-    return boost::regex_search(placeAt(next_), placeAt(text_.size()), compiled.match, compiled.expression, flags,
-                               placeAt(0));
-  });
-  if (!isFound) {
+  from_ = next_;
+  needsUnits_ = wasEmpty_ && afterEmpty_ == AfterEmptyMatch::kSamePlace;
+  std::optional<RegexMatch> match;
+  if (regex_.compiled_->linear) {
+    if (const auto found = regex_.compiled_->linear->Find(text_, from_, needsUnits_, steps_))
+      match = {found->begin, found->end - found->begin};
+  } else {
+    match = NextByLibrary();
+  }
+  if (!match) {
     next_ = text_.size() + 1;
     return std::nullopt;
   }
+  const bool isEmpty = match->units == 0;
+  const std::size_t end = match->place + match->units;
+  const bool advances = isEmpty && (afterEmpty_ == AfterEmptyMatch::kStep || (wasEmpty_ && end == from_));
+  wasEmpty_ = isEmpty;
+  next_ = end + advances;
+  return match;
+}
+
+/// What the library finds next, with the groups of it.
+std::optional<RegexMatch> RegexMatches::NextByLibrary() {
+  const auto placeAt = [this](std::size_t unit) { return RegexPlace(text_.data() + unit, steps_); };
+  auto flags = boost::regex_constants::match_default;
+  if (needsUnits_) flags |= boost::regex_constants::match_not_initial_null;
+  Regex::Compiled& compiled = *regex_.compiled_;
+  const bool isFound = MatchByLibrary([&] {
+    return boost::regex_search(placeAt(from_), placeAt(text_.size()), compiled.match, compiled.expression, flags,
+                               placeAt(0));
+  });
+  if (!isFound) return std::nullopt;
 
   // An expression can set its beginning back (\K in a lookbehind), or behind its end (in a lookahead): what was walked
   // through stays behind, and nothing ends before it begins, which the formatter would walk through all the same.
   const auto unitOf = [this](const RegexPlace& place) { return static_cast<std::size_t>(place.Unit() - text_.data()); };
-  const std::size_t end = std::max(unitOf(compiled.match[0].second), next_);
-  const std::size_t begin = std::clamp(unitOf(compiled.match[0].first), next_, end);
+  const std::size_t end = std::max(unitOf(compiled.match[0].second), from_);
+  const std::size_t begin = std::clamp(unitOf(compiled.match[0].first), from_, end);
   compiled.match.set_first(placeAt(begin), 0, true);
-  const bool isEmpty = begin == end;
-  const bool advances = isEmpty && (afterEmpty_ == AfterEmptyMatch::kStep || (wasEmpty_ && end == next_));
-  wasEmpty_ = isEmpty;
-  next_ = end + advances;
   return RegexMatch{begin, end - begin};
 }
 
 void RegexMatches::AppendFormatted(const XString& format, BoundedText& to) {
+  if (regex_.compiled_->linear) {
+    // Only the library knows the groups of a match.
+    if (format.find_first_of(XTEXT("$\\")) == XString::npos) return to.Append(format);
+    NextByLibrary();
+  }
   const std::size_t before = to.View().size();
   std::size_t looks = 0;
   MatchByLibrary([&] {

@@ -48,12 +48,16 @@ class RegexMatches {
   void AppendFormatted(const XString& format, BoundedText& to);
 
  private:
+  std::optional<RegexMatch> NextByLibrary();
+
   const Regex& regex_;
   XStringView text_;
   AfterEmptyMatch afterEmpty_;
   RegexSteps steps_;
   std::size_t next_ = 0;
   bool wasEmpty_ = false;
+  std::size_t from_ = 0;     ///< where the latest search began
+  bool needsUnits_ = false;  ///< whether it was for no empty match there
 };
 
 }  // namespace quillmere::text

@@ -1,7 +1,5 @@
 #include "text/regex/linear/linear_matcher.h"
 
-#include "text/regex/linear/syntax_tree.h"
-
 namespace quillmere::text {
 namespace {
 
@@ -25,9 +23,10 @@ Automaton& MadeOnce(std::optional<Automaton>& automaton, const Program& program,
 
 std::unique_ptr<LinearMatcher> LinearMatcher::Make(XStringView spelling, const LibraryRegex& expression) {
   std::unique_ptr<LinearMatcher> made(new LinearMatcher(expression));
-  const auto tree = ReadSyntaxTree(spelling, made->classes_);
+  auto tree = ReadSyntaxTree(spelling, made->classes_);
   if (!tree) return nullptr;
-  made->forward_ = MakeProgram(*tree, Direction::kForward);
+  made->tree_ = std::move(*tree);
+  made->forward_ = MakeProgram(made->tree_, Direction::kForward);
   return made->forward_.steps.empty() ? nullptr : std::move(made);
 }
 
@@ -37,6 +36,48 @@ bool LinearMatcher::IsFoundIn(XStringView text) {
 
 bool LinearMatcher::IsWholeOf(XStringView text) {
   return Answer(MadeOnce(whole_, forward_, classes_, Question::kIsWhole, Direction::kForward), text);
+}
+
+std::optional<LinearMatcher::Found> LinearMatcher::Find(XStringView text, std::size_t from, bool needsUnits,
+                                                        RegexSteps& steps) {
+  const auto end = EndOfFirst(text, from, needsUnits, steps);
+  if (!end) return std::nullopt;
+  return Found{BeginOfLongest(text, from, *end, steps), *end};
+}
+
+/// Where the match ends that is to be found.
+std::optional<std::size_t> LinearMatcher::EndOfFirst(XStringView text, std::size_t from, bool needsUnits,
+                                                     RegexSteps& steps) {
+  Automaton& automaton = MadeOnce(first_, forward_, classes_, Question::kFirst, Direction::kForward);
+  const UnitClass before = from == 0 ? kBeginClass : classes_.Of(text[from - 1]);
+  std::optional<std::size_t> end;
+  Automaton::Way state = automaton.Begin(before, needsUnits);
+  for (std::size_t at = from; !automaton.IsOver(state); ++at) {
+    steps.Count();
+    const bool isAtEnd = at == text.size();
+    const Automaton::Way way = isAtEnd ? automaton.NextByClass(state, kEndClass) : automaton.Next(state, text[at]);
+    if (Automaton::IsMatched(way)) end = at;
+    if (isAtEnd) break;
+    state = Automaton::StateOf(way);
+  }
+  return end;
+}
+
+/// Where it begins. No match begins further left, so that it is the longest of those that end there.
+std::size_t LinearMatcher::BeginOfLongest(XStringView text, std::size_t from, std::size_t end, RegexSteps& steps) {
+  if (backward_.steps.empty()) backward_ = MakeProgram(tree_, Direction::kBackward);
+  Automaton& automaton = MadeOnce(longest_, backward_, classes_, Question::kLongest, Direction::kBackward);
+  std::size_t begin = end;
+  Automaton::Way state = automaton.Begin(end == text.size() ? kEndClass : classes_.Of(text[end]));
+  for (std::size_t at = end; !automaton.IsOver(state); --at) {
+    steps.Count();
+    const Automaton::Way way =
+        at == 0 ? automaton.NextByClass(state, kBeginClass) : automaton.Next(state, text[at - 1]);
+    if (Automaton::IsMatched(way)) begin = at;
+    if (at == from) break;
+    state = Automaton::StateOf(way);
+  }
+  return begin;
 }
 
 }  // namespace quillmere::text

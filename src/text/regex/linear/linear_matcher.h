@@ -7,7 +7,9 @@
 
 #include "text/regex/linear/automaton.h"
 #include "text/regex/linear/program.h"
+#include "text/regex/linear/syntax_tree.h"
 #include "text/regex/linear/unit_classes.h"
+#include "text/regex/regex_steps.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::text {
@@ -24,13 +26,29 @@ class LinearMatcher {
   bool IsFoundIn(XStringView text);
   bool IsWholeOf(XStringView text);
 
+  /// A match from its first unit to behind its last.
+  struct Found {
+    std::size_t begin;
+    std::size_t end;
+  };
+  /// The leftmost match that begins at `from` or behind, of those there the one that Perl's rules prefer. With
+  /// `needsUnits` an empty match at `from` is none. Each unit that is looked at is counted.
+  std::optional<Found> Find(XStringView text, std::size_t from, bool needsUnits, RegexSteps& steps);
+
  private:
   explicit LinearMatcher(const LibraryRegex& expression) : classes_(expression) {}
 
+  std::optional<std::size_t> EndOfFirst(XStringView text, std::size_t from, bool needsUnits, RegexSteps& steps);
+  std::size_t BeginOfLongest(XStringView text, std::size_t from, std::size_t end, RegexSteps& steps);
+
   UnitClasses classes_;
+  SyntaxTree tree_;
   Program forward_;
+  Program backward_;  ///< made when it is first needed
   std::optional<Automaton> search_;
   std::optional<Automaton> whole_;
+  std::optional<Automaton> first_;
+  std::optional<Automaton> longest_;
 };
 
 }  // namespace quillmere::text

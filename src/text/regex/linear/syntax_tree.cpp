@@ -172,7 +172,9 @@ class Reader {
     node.isLazy = Skip(XTEXT("?"));
     node.mayBeEmpty = node.least == 0;
     const bool isRepeatedAgain = !rest_.empty() && IsOneOf(rest_.front(), XTEXT("*+?{"));
-    if (tree_[item].mayBeEmpty || isRepeatedAgain) return Fail();
+    // Behind a search that begins with one the library goes on too far on, where its bound would have ended it.
+    const bool isLazyWithBound = node.isLazy && node.most > 1 && node.most != SyntaxNode::kEndless;
+    if (tree_[item].mayBeEmpty || isRepeatedAgain || isLazyWithBound) return Fail();
     const std::uint16_t repeat = Add(node);
     Append(repeat, item);
     return repeat;
