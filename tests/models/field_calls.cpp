@@ -56,7 +56,8 @@ FieldDraws::FieldDraws(std::uint64_t number, std::span<const CellView> values) :
   const std::int32_t most = number % kLargeEvery == 7 ? kLarge : 0;
   const bool isWide = Chance(30);
   ArrayBuilder field(1 + Below(9) + (isWide ? 0 : Below(most)), 1 + Below(7) + (isWide ? Below(most / 20) : 0));
-  for (CellView& cell : field.Cells()) cell = Pick(values);
+  for (std::int32_t row = 0; row < field.Rows(); ++row)
+    for (std::int32_t column = 0; column < field.Columns(); ++column) field.Set(row, column, Pick(values));
   Caller& caller = TheRun().caller;
   call_.field = field.Finish();
   call_.where = caller.PutInSheet(call_.field, 0).AsReference();
