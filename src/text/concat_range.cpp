@@ -30,15 +30,15 @@ BlankCells ReadBlankCells(const CXlArgument& skipReplace) {
 /// Writes numbers, by the format where there is one.
 class NumberWriter {
  public:
-  explicit NumberWriter(const CXlArgument& format)
-      : format_(CXlOper::BorrowCell(*format.Value().Cells().first)),
-        isFormatted_(!format_.IsAbsent() && !format_.IsEmpty()) {}
+  explicit NumberWriter(const CXlArgument& format) {
+    if (format.IsGiven()) format_ = CXlOper::BorrowCell(*format.Value().Cells().first);
+  }
 
   /// The text of a cell that is no error, viewed until the next one is asked for. An error that Excel's TEXT answers
   /// with is CXlErrorException.
   XStringView Text(const XLOPER12& cell) {
     const bool isNumber = IsNumberCell(cell) || TypeOf(cell) == xltypeInt;
-    if (!isFormatted_ || !isNumber) return TextForm(cell, plain_);
+    if (!isNumber || format_.IsAbsent() || format_.IsEmpty()) return TextForm(cell, plain_);
     formatted_ = CallExcelOrValueError(xlfText, NumberCell(CellNumber(cell)), format_);
     if (formatted_.IsError()) throw CXlErrorException(formatted_.AsErrorCode());
     return formatted_.AsText();
@@ -46,7 +46,6 @@ class NumberWriter {
 
  private:
   CXlOper format_;
-  bool isFormatted_;
   NumberTextBuffer plain_;
   CXlOper formatted_;
 };
