@@ -160,7 +160,7 @@ class TokenArray {
 /// All tokens of the texts. What the first ones have is mostly what all have, so that the others are not counted before
 /// one has more.
 CXlOper SplitInFull(const CXlCells& cells, const Splitting& splitting) {
-  constexpr std::int64_t kTextsCounted = 1024;
+  constexpr std::int64_t kTextsCounted = 128;
   const std::int64_t count = cells.Count();
   std::int64_t width = std::max<std::int64_t>(1, MostTokens(cells, 0, std::min(count, kTextsCounted), splitting));
   for (;;) {
