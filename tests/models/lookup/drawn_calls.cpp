@@ -7,6 +7,7 @@
 
 #include "tests/models/draws.h"
 #include "tests/models/lookup/model_matching.h"
+#include "tests/models/text/plain_regex.h"
 
 namespace qcalc::lookup {
 namespace {
@@ -48,7 +49,9 @@ class CallMaker : private models::Draws {
 
   LookupCall Make() {
     call_.function = &Pick(kLookupFunctions);
-    order_ = Chance(50) ? 0 : Chance(50) ? 1 : -1;
+    call_.byExpression = Chance(30);
+    call_.caseSensitive = Chance(50);
+    order_ = call_.byExpression || Chance(50) ? 0 : Chance(50) ? 1 : -1;
     hasHeader_ = Chance(25);
     DrawSizes();
     if (call_.isReference && rows_ > 0 && Chance(10)) call_.rowsBelow = 1 + Below(5);
@@ -71,7 +74,7 @@ class CallMaker : private models::Draws {
     keyColumns_ = Chance(60) ? 1 : 1 + Below(std::min(columns_, 3));
     if (hasHeader_ && Chance(5)) rows_ = 0;
     if (!isLarge_) return;
-    const std::int32_t work = call_.isReference ? kReferenceWork : kArrayWork;
+    const std::int32_t work = call_.isReference || call_.byExpression ? kReferenceWork : kArrayWork;
     constexpr std::array kManyRows = {300, 1'000, 5'000};
     rows_ = Pick(kManyRows);
     keyRows_ = Chance(30) ? 1 + Below(3) : std::min(work / rows_, 2'000);
@@ -97,13 +100,14 @@ class CallMaker : private models::Draws {
 
   /// Texts of large tables are many; those that Excel may have to order are plain.
   CellView DrawText() {
-    if (Chance(2))
+    if (!call_.byExpression && Chance(2))
       return CellView::Text(texts_.emplace_back(kExcelMatchUnits + 1, Chance(50) ? XTEXT('k') : XTEXT('K')));
     if (isLarge_) {
       XString& text = texts_.emplace_back(Chance(50) ? XTEXT("key") : XTEXT("KEY"));
       for (std::int32_t rest = Below(rows_); rest > 0; rest /= 26) text += static_cast<XCHAR>(XTEXT('a') + rest % 26);
       return CellView::Text(text);
     }
+    if (call_.byExpression && Chance(70)) return CellView::Text(texts_.emplace_back(text::DrawText(*this)));
     return CellView::Text(IsOrderedByExcel() ? Pick(kOrderedTexts) : Pick(kTexts));
   }
 
@@ -153,7 +157,7 @@ class CallMaker : private models::Draws {
                      [&](const auto& a, const auto& b) {
                        for (const std::int32_t column : lookupColumns_) {
                          const auto at = static_cast<std::size_t>(column);
-                         const int side = Compare(a[at], b[at], call_.function->caseSensitive);
+                         const int side = Compare(a[at], b[at], call_.caseSensitive);
                          if (side != 0) return side * order_ < 0;
                        }
                        return false;
@@ -172,6 +176,7 @@ class CallMaker : private models::Draws {
         if (key.IsText() && Chance(30)) key = SwapCase(key.AsText());
         if (arePatterns && Chance(60))
           key = CellView::Text(IsOrderedByExcel() ? Pick(kOrderedPatterns) : Pick(kPatterns));
+        if (call_.byExpression && Chance(80)) key = CellView::Text(texts_.emplace_back(text::DrawExpression(*this)));
         if (!call_.isReference && key.IsText() && key.AsText().empty() && Chance(50)) key = {};
         keys.Set(row, part, key);
       }

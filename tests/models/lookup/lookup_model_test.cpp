@@ -14,7 +14,9 @@ using models::Caller;
 std::vector<Value> Operands(const LookupCall& call, const Value& table) {
   std::vector<Value> operands = {call.keys, table};
   if (call.function->returnsValues) operands.push_back(call.answerColumns);
-  operands.insert(operands.end(), {call.sorted, call.exactMatch, call.lookupColumns});
+  if (!call.byExpression) operands.push_back(call.sorted);
+  if (!call.byExpression || call.function->wanted != Wanted::kAll) operands.push_back(call.exactMatch);
+  operands.push_back(call.lookupColumns);
   if (call.function->wanted == Wanted::kFirst) operands.push_back(call.memory);
   if (call.function->wanted == Wanted::kNth)
     operands.push_back(call.position ? Value::Number(*call.position) : Value::Missing());
@@ -23,8 +25,7 @@ std::vector<Value> Operands(const LookupCall& call, const Value& table) {
 
 /// The call as a formula with its table written out, and where that table stands.
 std::string Describe(const LookupCall& call, const Caller& caller) {
-  const std::string text =
-      caller.Describe(call.function->name, Operands(call, Value::OfArray(call.table)), call.caller);
+  const std::string text = caller.Describe(call.Name(), Operands(call, Value::OfArray(call.table)), call.caller);
   if (!call.isReference) return text;
   return text + ", the table" + (call.rowsBelow ? ", empty rows below it, in " : " in ") + caller.DescribeTable();
 }
@@ -42,7 +43,7 @@ class LookupModel : public testing::Test {
     const LookupCall call = DrawCall(models::TheRun().settings.seed, number, kind, caller.Places());
     const Value expected = Expected(call, memory_);
     const Value table = call.isReference ? caller.PutInSheet(call.table, call.rowsBelow) : Value::OfArray(call.table);
-    const Value actual = caller.Call(call.function->name, Operands(call, table), call.caller);
+    const Value actual = caller.Call(call.Name(), Operands(call, table), call.caller);
     std::string wrong = caller.Complaints();
     if (!SameValue(expected, actual))
       wrong += "\n  expected " + PrintLiteral(expected) + "\n  got      " + PrintLiteral(actual);

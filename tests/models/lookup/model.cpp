@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/values/conversion.h"
 #include "tests/models/lookup/model_matching.h"
+#include "tests/models/text/plain_regex.h"
 
 namespace qcalc::lookup {
 namespace {
@@ -52,6 +54,19 @@ std::int32_t ReadOrder(const Value& sorted) {
   for (const XStringView word : {XTEXT("asc"), XTEXT("tru"), XTEXT("yes")})
     if (EqualLabels(start, word)) return 1;
   return EqualLabels(start, XTEXT("des")) ? -1 : 0;
+}
+
+/// What goes for keys without a match: any value, but no error. All expressions must be some.
+bool ReadExpressions(const LookupCall& call, Question& question) {
+  const bool isGiven = call.function->wanted != Wanted::kAll && !call.exactMatch.IsMissing();
+  if (isGiven) question.notFound = At(call.exactMatch, 0, 0);
+  if (isGiven && question.notFound.IsError()) question.notFound = CellView::Error(xlerrValue);
+  for (std::int32_t row = 0; row < SizesOf(call.keys).rows; ++row)
+    for (std::int32_t column = 0; column < SizesOf(call.keys).columns; ++column) {
+      const CellView key = At(call.keys, row, column);
+      if (key.IsText() && !text::Compile(key.AsText(), call.caseSensitive)) return false;
+    }
+  return true;
 }
 
 /// False for an error value.
@@ -113,10 +128,11 @@ std::optional<Question> ReadQuestion(const LookupCall& call) {
   if (lookups.rows > 1 || (lookups.rows == 1 && lookups.columns != keys.columns)) return std::nullopt;
   if (call.function->wanted == Wanted::kAll) question.position = kAll;
   if (call.function->wanted == Wanted::kNth) question.position = call.position.value_or(kDefault);
-  if (question.position < kAll || call.sorted.IsError()) return std::nullopt;
-  question.order = ReadOrder(call.sorted);
+  if (question.position < kAll || (!call.byExpression && call.sorted.IsError())) return std::nullopt;
+  question.order = call.byExpression ? 0 : ReadOrder(call.sorted);
   if (call.function->wanted == Wanted::kFirst && !ReadMemory(call.memory, question)) return std::nullopt;
-  if (!ReadExactMatch(call.exactMatch, question)) return std::nullopt;
+  if (!(call.byExpression ? ReadExpressions(call, question) : ReadExactMatch(call.exactMatch, question)))
+    return std::nullopt;
   if (call.function->returnsValues && !ReadColumns(call.answerColumns, call, question, question.answerColumns))
     return std::nullopt;
   if (!ReadColumns(call.lookupColumns, call, question, question.lookupColumns)) return std::nullopt;
@@ -137,10 +153,12 @@ class Finder {
 
   /// The key's rows in the order in which they are returned; kNowhere alone when there is none.
   std::vector<std::int32_t> Find(std::int32_t keyRow, MemoryModel& memory) {
-    key_.clear();
+    key_.clear(), expressions_.clear();
     for (std::int32_t part = 0; part < SizesOf(call_.keys).columns; ++part) {
       const CellView cell = At(call_.keys, keyRow, part);
       key_.push_back(cell.IsEmpty() ? CellView::Number(0) : cell);
+      expressions_.emplace_back();
+      if (call_.byExpression && cell.IsText()) expressions_.back() = text::Compile(cell.AsText(), call_.caseSensitive);
     }
     const bool isSearched = question_.order == 0 || question_.hasWildcards;
     std::vector<std::int32_t> found = isSearched ? FindSearching(keyRow, memory) : FindSorted();
@@ -152,8 +170,8 @@ class Finder {
   std::optional<Value> AskVlookup() {
     const bool isOneCell = SizesOf(call_.keys).rows == 1 && SizesOf(call_.keys).columns == 1 &&
                            question_.answerColumns.size() == 1 && question_.lookupColumns[0] == 0;
-    if (!call_.isReference || !call_.function->returnsValues || call_.function->caseSensitive || !isOneCell ||
-        rows_ == 0)
+    if (call_.byExpression || !call_.isReference || !call_.function->returnsValues || call_.caseSensitive ||
+        !isOneCell || rows_ == 0)
       return std::nullopt;
     const bool isApproximate =
         question_.order > 0 && !question_.isExact && (question_.position == kDefault || question_.position == kLast);
@@ -176,19 +194,23 @@ class Finder {
  private:
   /// Whether the first part of the key is something that Excel is asked for.
   bool AsksExcel() const {
-    return call_.isReference && !(key_[0].IsText() && key_[0].AsText().size() > kExcelMatchUnits);
+    return call_.isReference && !call_.byExpression &&
+           !(key_[0].IsText() && key_[0].AsText().size() > kExcelMatchUnits);
   }
 
   /// Whether the row is what an unsorted search looks for.
   bool Matches(std::int32_t row) const {
     for (std::size_t part = 0; part < key_.size(); ++part) {
       const CellView& cell = Cell(row, question_.lookupColumns[part]);
-      const bool isEqual = Compare(cell, key_[part], call_.function->caseSensitive) == 0;
-      if (part == 0 && AsksExcel()) {
-        if (!ExcelMatches(cell, key_[part]) || (call_.function->caseSensitive && !isEqual)) return false;
-      } else if (!call_.isReference) {
+      const bool isEqual = Compare(cell, key_[part], call_.caseSensitive) == 0;
+      if (expressions_[part]) {
+        const bool hasText = !cell.IsError() && !cell.IsEmpty();
+        if (!hasText || !boost::regex_search(ToText(cell, {}).AsText(), *expressions_[part])) return false;
+      } else if (part == 0 && AsksExcel()) {
+        if (!ExcelMatches(cell, key_[part]) || (call_.caseSensitive && !isEqual)) return false;
+      } else if (!call_.isReference && !call_.byExpression) {
         const bool isPattern = HasWildcards(key_[part]);
-        if (isPattern ? !FitsPattern(cell, key_[part], call_.function->caseSensitive) : !isEqual) return false;
+        if (isPattern ? !FitsPattern(cell, key_[part], call_.caseSensitive) : !isEqual) return false;
       } else if (!isEqual) {
         return false;
       }
@@ -199,9 +221,10 @@ class Finder {
   /// Whether a remembered row is taken: all parts are equal as they stand, but for a first one with wildcards; a first
   /// one that is an error never is.
   bool StillMatches(std::int32_t row) const {
+    if (call_.byExpression) return Matches(row);
     if (key_[0].IsError()) return false;
-    const bool isPattern = !call_.function->caseSensitive && key_[0].IsText() &&
-                           key_[0].AsText().find_first_of(XTEXT("*?~")) != XStringView::npos;
+    const bool isPattern =
+        !call_.caseSensitive && key_[0].IsText() && key_[0].AsText().find_first_of(XTEXT("*?~")) != XStringView::npos;
     return isPattern ? Matches(row) : CompareRow(row) == 0;
   }
 
@@ -233,7 +256,7 @@ class Finder {
   std::vector<std::int32_t> FindSorted() const {
     const std::int32_t defaultPosition = question_.order > 0 ? kLast : kFirst;
     const bool isSingle = question_.position == kDefault || question_.position == defaultPosition;
-    const bool asksExcel = AsksExcel() && !call_.function->caseSensitive && key_.size() == 1 && isSingle;
+    const bool asksExcel = AsksExcel() && !call_.caseSensitive && key_.size() == 1 && isSingle;
     if (asksExcel && key_[0].IsError()) return {};
     std::vector<std::int32_t> equal;
     for (std::int32_t row = 1; row <= rows_; ++row)
@@ -268,7 +291,7 @@ class Finder {
   int CompareRow(std::int32_t row) const {
     for (std::size_t part = 0; part < key_.size(); ++part) {
       const CellView& cell = Cell(row, question_.lookupColumns[part]);
-      if (const int side = Compare(cell, key_[part], call_.function->caseSensitive)) return side;
+      if (const int side = Compare(cell, key_[part], call_.caseSensitive)) return side;
     }
     return 0;
   }
@@ -289,6 +312,7 @@ class Finder {
   const Question& question_;
   std::int32_t rows_;
   std::vector<CellView> key_;
+  std::vector<std::optional<text::PlainRegex>> expressions_;  ///< of its parts
 };
 
 /// Numbers, booleans, errors, empty cells, texts.

@@ -23,30 +23,33 @@ struct LookupFunction {
   XStringView name;
   Wanted wanted;
   bool returnsValues;  ///< from answer columns; else row numbers
-  bool caseSensitive;
 };
 inline constexpr LookupFunction kLookupFunctions[] = {
-    {XTEXT("AVLOOKUP2"), Wanted::kFirst, true, false},     {XTEXT("AVLOOKUPS2"), Wanted::kAll, true, false},
-    {XTEXT("AVLOOKUPNTH"), Wanted::kNth, true, false},     {XTEXT("AMATCH2"), Wanted::kFirst, false, false},
-    {XTEXT("AMATCHES2"), Wanted::kAll, false, false},      {XTEXT("AMATCHNTH"), Wanted::kNth, false, false},
-    {XTEXT("Case.AVLOOKUP2"), Wanted::kFirst, true, true}, {XTEXT("Case.AVLOOKUPS2"), Wanted::kAll, true, true},
-    {XTEXT("Case.AVLOOKUPNTH"), Wanted::kNth, true, true}, {XTEXT("Case.AMATCH2"), Wanted::kFirst, false, true},
-    {XTEXT("Case.AMATCHES2"), Wanted::kAll, false, true},  {XTEXT("Case.AMATCHNTH"), Wanted::kNth, false, true}};
+    {XTEXT("AVLOOKUP2"), Wanted::kFirst, true}, {XTEXT("AVLOOKUPS2"), Wanted::kAll, true},
+    {XTEXT("AVLOOKUPNTH"), Wanted::kNth, true}, {XTEXT("AMATCH2"), Wanted::kFirst, false},
+    {XTEXT("AMATCHES2"), Wanted::kAll, false},  {XTEXT("AMATCHNTH"), Wanted::kNth, false}};
 
 /// One call with all its arguments; those that are left out are missing values.
 struct LookupCall {
   const LookupFunction* function = nullptr;
+  bool byExpression = false;  ///< texts of keys are regular expressions, and no table is taken for sorted
+  bool caseSensitive = false;
   Value keys;
   ArrayPtr table;              ///< its cells, a header row included
   bool isReference = false;    ///< the table stands in a sheet
   std::int32_t rowsBelow = 0;  ///< empty rows that the reference has below the table's cells
   Value answerColumns = Value::Missing();
   Value sorted = Value::Missing();
-  Value exactMatch = Value::Missing();
+  Value exactMatch = Value::Missing();  ///< or what is returned where no expression matches
   Value lookupColumns = Value::Missing();
   Value memory = Value::Missing();
   std::optional<std::int32_t> position;
   models::CallingPlace caller;
+
+  XString Name() const {
+    return (byExpression ? XTEXT("Rgx.") : XString()) + (caseSensitive ? XTEXT("Case.") : XString()) +
+           XString(function->name);
+  }
 };
 
 /// Where a cell comes in a sorted table compared with what is looked for: below 0 before it, 0 equal, above 0 after.
