@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <ranges>
 #include <span>
 #include <vector>
 
@@ -80,8 +81,10 @@ std::vector<std::int32_t> NextPatternKeys(const LookupKeys& keys, std::int32_t f
 void SearchUnsorted(const LookupPlan& plan, const RowTuples& rows, const LookupKeys& keys, FoundRows& found) {
   std::optional<ScannedRows> scanned;
   if (keys.AnyPatterns()) scanned.emplace(plan, keys, keys.Parts());
+  const auto isCompared = [&keys](std::int32_t key) { return !keys.HasPattern(key); };
+  const auto compared = std::ranges::count_if(std::views::iota(0, keys.Count()), isCompared);
   std::optional<ArrayIndex> index;
-  if (ArrayIndex::Pays(rows.Count(), keys.Count())) index.emplace(rows, keys, plan.position);
+  if (ArrayIndex::Pays(rows.Count(), compared)) index.emplace(rows, keys, plan.position);
   KeyRoom room;
   for (std::int32_t i = 0; i < keys.Count(); ++i) {
     if (keys.HasPattern(i)) {

@@ -100,33 +100,37 @@ class KeyScan {
   /// Tries a key on the rows of a chunk; false when it wants no more.
   bool TryKey(const RowChunk& chunk, std::int32_t place) {
     const Key key = keys_[static_cast<std::size_t>(place)];
-    const KeyPart& first = key[0];
-    if (first.pattern) {
-      if (!std::exchange(textsAreRead_, true)) texts_->Read(chunk.Column(0), scope_);
-      return Walk(chunk, place, [&texts = *texts_, &pattern = *first.pattern](std::int32_t row) {
-        const XStringView text = texts.At(row);
-        return text.data() != nullptr && pattern.Matches(text);
+    // A part that is compared comes first: that is cheap, and few cells are equal to it.
+    const auto compared = std::ranges::find_if(key, [](const KeyPart& part) { return !part.pattern; });
+    if (compared != key.end()) {
+      const auto part = static_cast<std::size_t>(compared - key.begin());
+      const CellLine cells = chunk.Column(part);
+      return Walk(chunk, place, part, [&cells, &value = compared->value](std::int32_t row) {
+        return EqualsLookupValue(cells.At(row), value);
       });
     }
-    const CellLine cells = chunk.Column(0);
-    return Walk(chunk, place,
-                [&cells, &first](std::int32_t row) { return EqualsLookupValue(cells.At(row), first.value); });
+    if (!std::exchange(textsAreRead_, true)) texts_->Read(chunk.Column(0), scope_);
+    return Walk(chunk, place, 0, [&texts = *texts_, &pattern = *key[0].pattern](std::int32_t row) {
+      const XStringView text = texts.At(row);
+      return text.data() != nullptr && pattern.Matches(text);
+    });
   }
 
-  template <class FirstTest>
-  bool Walk(const RowChunk& chunk, std::int32_t place, const FirstTest& firstMatches) {
+  /// Takes the rows whose cell in one part passes `isMet(row)` and whose others match the key.
+  template <class Test>
+  bool Walk(const RowChunk& chunk, std::int32_t place, std::size_t part, const Test& isMet) {
     const Key key = keys_[static_cast<std::size_t>(place)];
     const std::int32_t step = isBackward_ ? -1 : 1;
     const std::int32_t end = isBackward_ ? -1 : chunk.rows;
     for (std::int32_t row = isBackward_ ? chunk.rows - 1 : 0; row != end; row += step)
-      if (firstMatches(row) && MatchesRest(chunk, row, key) && !collector_.Add(place, chunk.firstRow + row))
+      if (isMet(row) && MatchesOthers(chunk, row, key, part) && !collector_.Add(place, chunk.firstRow + row))
         return false;
     return true;
   }
 
-  static bool MatchesRest(const RowChunk& chunk, std::int32_t row, Key key) {
-    for (std::size_t part = 1; part < key.size(); ++part)
-      if (!key[part].Matches(chunk.At(row, part))) return false;
+  static bool MatchesOthers(const RowChunk& chunk, std::int32_t row, Key key, std::size_t but) {
+    for (std::size_t part = 0; part < key.size(); ++part)
+      if (part != but && !key[part].Matches(chunk.At(row, part))) return false;
     return true;
   }
 
