@@ -8,7 +8,7 @@ RegexPattern::RegexPattern(XStringView expression, RegexBudget& budget, LetterCa
 }
 
 bool RegexPattern::MatchesInFull(XStringView text) const {
-  if (!required_.MayBeOf(text)) return false;
+  if (!required_.AreIn(text)) return false;
   return extent_ == RegexExtent::kWhole ? regex_.IsWholeOf(text, budget_) : regex_.IsFoundIn(text, budget_);
 }
 

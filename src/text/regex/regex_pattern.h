@@ -4,7 +4,7 @@
 #include "frame/locale/collation.h"
 #include "text/regex/regex.h"
 #include "text/regex/regex_budget.h"
-#include "text/regex/required_ends.h"
+#include "text/regex/required_units.h"
 #include "text/text_matcher.h"
 #include "xlcall/xchar.h"
 
@@ -25,7 +25,7 @@ class RegexPattern : public TextMatcher {
   bool MatchesInFull(XStringView text) const override;
 
   Regex regex_;
-  RequiredEnds required_;
+  RequiredUnits required_;
   RegexBudget& budget_;
   RegexExtent extent_;
 };

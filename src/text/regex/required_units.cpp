@@ -1,4 +1,4 @@
-#include "text/regex/required_ends.h"
+#include "text/regex/required_units.h"
 
 #include <optional>
 
@@ -10,6 +10,7 @@ namespace {
 constexpr XCHAR kAnyUnit = 0;  ///< in place of a literal
 constexpr XCHAR kFirstPlain = 0x20;
 constexpr XCHAR kBehindPlain = 0x7F;
+constexpr XCHAR kBehindAscii = 0x80;
 
 bool IsOneOf(XCHAR unit, XStringView units) { return units.find(unit) != XStringView::npos; }
 
@@ -71,20 +72,50 @@ std::optional<Element> TakeElement(XStringView& rest) {
   return element;
 }
 
+/// The longest run of literals that come one behind another.
+class LongestRun {
+ public:
+  explicit LongestRun(bool caseSensitive) : caseSensitive_(caseSensitive) {}
+
+  void Extend(const Element& element) {
+    Append(element);
+    if (element.isExact) return;
+    run_.clear();  // so many are next to what follows, wherever the repeat began
+    Append(element);
+  }
+  const XString& Units() const noexcept { return longest_; }
+
+ private:
+  void Append(const Element& element) {
+    const bool isTold = element.literal != kAnyUnit && (caseSensitive_ || element.literal < kBehindAscii);
+    if (isTold && element.least > 0)
+      run_.append(element.least, element.literal);
+    else
+      run_.clear();
+    if (run_.size() > longest_.size()) longest_ = run_;
+  }
+
+  bool caseSensitive_;
+  XString run_;
+  XString longest_;
+};
+
 }  // namespace
 
-RequiredEnds::RequiredEnds(XStringView expression, LetterCase letterCase, RegexExtent extent) {
+RequiredUnits::RequiredUnits(XStringView expression, LetterCase letterCase, RegexExtent extent) {
   if (Read(expression, letterCase, extent)) return;
   ends_ = QuickReject();
+  run_ = RequiredRun();
   least_ = 0;
 }
 
 /// False where the expression holds what is not read here.
-bool RequiredEnds::Read(XStringView rest, LetterCase letterCase, RegexExtent extent) {
+bool RequiredUnits::Read(XStringView rest, LetterCase letterCase, RegexExtent extent) {
   const bool caseSensitive = letterCase == LetterCase::kCounts;
   const auto require = [&](std::ptrdiff_t place, XCHAR unit) {
     if (unit != kAnyUnit) ends_.Require(place, unit, caseSensitive);
   };
+  LongestRun run(caseSensitive);
   const bool isAnchored = rest.starts_with(XTEXT('^'));
   if (isAnchored) rest.remove_prefix(1);
   bool isPlaceKnown = isAnchored || extent == RegexExtent::kWhole;
@@ -93,6 +124,7 @@ bool RequiredEnds::Read(XStringView rest, LetterCase letterCase, RegexExtent ext
     const std::optional<Element> element = TakeElement(rest);
     if (!element) return false;
     if (!element->isExact) last.clear();
+    run.Extend(*element);
     for (std::size_t each = 0; each < element->least; ++each) {
       if (isPlaceKnown) require(static_cast<std::ptrdiff_t>(least_), element->literal);
       ++least_;
@@ -100,13 +132,15 @@ bool RequiredEnds::Read(XStringView rest, LetterCase letterCase, RegexExtent ext
     }
     isPlaceKnown = isPlaceKnown && element->isExact;
   }
+  // Too many texts have a single unit for a look at it to pay.
+  if (run.Units().size() > 1) run_ = RequiredRun(run.Units(), !caseSensitive);
   if (rest.empty() && extent == RegexExtent::kAnyPart) return true;
   for (std::size_t back = 1; back <= last.size(); ++back)
     require(-static_cast<std::ptrdiff_t>(back), last[last.size() - back]);
   return true;
 }
 
-bool RequiredEnds::IsPlain(XStringView text) {
+bool RequiredUnits::IsPlain(XStringView text) {
   const auto isPlain = [](__m128i units) {
     // SSE2 compares signed: plain units are moved to the lowest numbers.
     const __m128i moved = _mm_add_epi16(units, _mm_set1_epi16(static_cast<short>(0x8000 - kFirstPlain)));
