@@ -5,7 +5,8 @@
 
 namespace quillmere {
 
-/// Bytes between the caller's frame and the end of the calling thread's stack; 0 where the system does not tell.
-std::size_t StackLeft() noexcept;
+/// Bytes between the caller's frame and the end of the calling thread's stack. std::bad_alloc where the system takes
+/// memory to tell and has none.
+std::size_t StackLeft();
 
 }  // namespace quillmere
