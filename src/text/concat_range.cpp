@@ -61,7 +61,7 @@ void AppendItems(BoundedText& joined, const CXlCells& cells, XStringView divider
     const bool isText = IsTextCell(cell);
     const bool isBlank = isText ? TextOf(cell).empty() : TypeOf(cell) == xltypeNil || TypeOf(cell) == xltypeMissing;
     if (isBlank && blanks.areSkipped) continue;
-    if (!isFirst) joined.Append(divider);
+    if (!isFirst && !divider.empty()) joined.Append(divider);
     isFirst = false;
     joined.Append(isBlank ? blanks.replacement : isText ? TextOf(cell) : numbers.Text(cell));
   }

@@ -30,19 +30,14 @@ void ForEachToken(XStringView text, const DelimiterSet& delimiters, EmptyTokens 
   if (text.size() != begin || keepsEmpty) visit(begin, text.size());
 }
 
-/// How many tokens a text has: counted without going from one to the next.
+/// How many tokens a text has.
 inline std::size_t CountTokens(XStringView text, const DelimiterSet& delimiters, EmptyTokens empty) {
   std::size_t count = 0;
-  std::uint64_t parted = 1;  // whether a delimiter, or the beginning, stands before the units looked at
-  for (std::size_t at = 0; at < text.size(); at += DelimiterSet::kUnitsAtOnce) {
-    const std::size_t units = std::min(text.size() - at, DelimiterSet::kUnitsAtOnce);
-    const std::uint64_t places = delimiters.PlacesIn(text.data() + at, units);
-    const std::uint64_t all = ~std::uint64_t{0} >> (DelimiterSet::kUnitsAtOnce - units);
-    const std::uint64_t begins = ~places & (places << 1 | parted) & all;
-    count += static_cast<std::size_t>(std::popcount(empty == EmptyTokens::kKept ? places : begins));
-    parted = places >> (DelimiterSet::kUnitsAtOnce - 1);
-  }
-  return empty == EmptyTokens::kKept ? count + 1 : count;
+  ForEachToken(text, delimiters, empty, [&count](std::size_t, std::size_t) {
+    ++count;
+    return true;
+  });
+  return count;
 }
 
 }  // namespace quillmere::text
