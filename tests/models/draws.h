@@ -3,13 +3,23 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <deque>
 #include <initializer_list>
 #include <iterator>
 #include <random>
+#include <string_view>
+#include <vector>
 
-#include "host/values/value.h"
+#include "host/values/literal.h"
 
 namespace qcalc::models {
+
+/// The cells of an array's literal, for good.
+inline std::vector<CellView> CellsIn(std::string_view literal) {
+  static std::deque<Value> kept;
+  const auto cells = kept.emplace_back(*ParseLiteral(literal)).AsArray()->Cells();
+  return {cells.begin(), cells.end()};
+}
 
 /// The random choices of one call. All of them follow from the seed and the call's number alone.
 class Draws {

@@ -18,20 +18,11 @@ constexpr XStringView kCombining[] = {XTEXT("AND.CELLS"), XTEXT("OR.CELLS"), XTE
                                       XTEXT("OR.ROWS"),   XTEXT("AND.COLS"), XTEXT("OR.COLS"),
                                       XTEXT("ALL"),       XTEXT("ANY"),      XTEXT("NONE")};
 
-constexpr CellView kTrue[] = {
-    CellView::Boolean(true),       CellView::Number(1),           CellView::Text(XTEXT("true")),
-    CellView::Text(XTEXT("TrUe")), CellView::Text(XTEXT("-3.5")), CellView::Number(-1e-300),
-    CellView::Text(XTEXT(" 7 ")),  CellView::Text(XTEXT("2e3")),  CellView::Number(1e300),
-    CellView::Text(XTEXT(".5")),   CellView::Text(XTEXT("+1"))};
-constexpr CellView kNotTrue[] = {CellView::Boolean(false),        CellView::Number(0),
-                                 CellView::Text(XTEXT("False")),  CellView::Text(XTEXT("0")),
-                                 CellView::Text(XTEXT("yes")),    CellView::Text(XTEXT("")),
-                                 CellView::Text(XTEXT("  ")),     CellView::Text(XTEXT("-0.0")),
-                                 CellView::Text(XTEXT("0e5")),    CellView(),
-                                 CellView::Text(XTEXT(" true ")), CellView::Number(-0.0),
-                                 CellView::Text(XTEXT("$5")),     CellView::Text(XTEXT("1,000")),
-                                 CellView::Text(XTEXT("1/2")),    CellView::Text(XTEXT("TRUE1"))};
-constexpr CellView kErrors[] = {CellView::Error(xlerrNA), CellView::Error(xlerrValue), CellView::Error(xlerrDiv0)};
+const std::vector<CellView> kTrue =
+    models::CellsIn(R"({TRUE,1,"true","TrUe","-3.5",-1e-300," 7 ","2e3",1e300,".5","+1"})");
+const std::vector<CellView> kNotTrue = models::CellsIn(
+    R"({FALSE,0,"False","0","yes","","  ","-0.0","0e5",empty," true ",-0.0,"$5","1,000","1/2","TRUE1"})");
+const std::vector<CellView> kErrors = models::CellsIn(R"({#N/A,#VALUE!,#DIV/0!})");
 
 bool IsTrue(const CellView& cell) {
   return std::any_of(std::begin(kTrue), std::end(kTrue), [&](const CellView& one) { return SameContent(cell, one); });

@@ -5,23 +5,11 @@
 namespace qcalc::shape {
 namespace {
 
-constexpr CellView kMixed[] = {
-    CellView::Number(1),           CellView::Number(2),           CellView::Number(-1),
-    CellView::Number(0),           CellView::Number(2.25),        CellView::Number(-7.5),
-    CellView::Number(0),           CellView::Number(3),           CellView::Text(XTEXT("Qty")),
-    CellView::Text(XTEXT("qTY")),  CellView::Text(XTEXT("2")),    CellView::Text(XTEXT("café")),
-    CellView::Text(XTEXT("CAFÉ")), CellView::Text(XTEXT("")),     CellView::Text(XTEXT("true")),
-    CellView::Boolean(true),       CellView::Error(xlerrNA),      CellView(),
-    CellView::Error(xlerrDiv0),    CellView::Text(XTEXT("#n/a")), CellView()};
+const std::vector<CellView> kMixed = models::CellsIn(
+    R"({1,2,-1,0,2.25,-7.5,0,3,"Qty","qTY","2","café","CAFÉ","","true",TRUE,#N/A,empty,#DIV/0!,"#n/a",empty})");
 // Halves and the like, whose differences from a mean of equal ones are exactly 0.
-constexpr CellView kFigures[] = {CellView::Number(1),          CellView::Number(2.5),   CellView::Number(-4),
-                                 CellView::Number(0.125),      CellView::Number(7),     CellView::Number(1e100),
-                                 CellView::Text(XTEXT("Qty")), CellView::Boolean(true), CellView(),
-                                 CellView::Number(-0.5),       CellView::Number(1e6),   CellView::Number(1000003)};
-constexpr CellView kItems[] = {CellView::Number(0),   CellView::Number(0),      CellView::Number(0),
-                               CellView::Number(0.4), CellView::Number(-0.0),   CellView::Text(XTEXT("QTY")),
-                               CellView::Number(0),   CellView::Number(1e300),  CellView::Text(XTEXT("none")),
-                               CellView::Number(-99), CellView::Error(xlerrNA), CellView::Boolean(true)};
+const std::vector<CellView> kFigures = models::CellsIn(R"({1,2.5,-4,0.125,7,1e100,"Qty",TRUE,empty,-0.5,1e6,1000003})");
+const std::vector<CellView> kItems = models::CellsIn(R"({0,0,0,0.4,-0.0,"QTY",0,1e300,"none",-99,#N/A,TRUE})");
 
 class CallMaker : private models::FieldDraws {
  public:

@@ -11,55 +11,15 @@ namespace {
 constexpr std::uint64_t kMiddleEvery = 12, kLargeEvery = 300;
 constexpr std::int32_t kMiddleRows = 500, kLargeRows = 25'000;
 
-constexpr XStringView kTexts[] = {
-    XTEXT(""),
-    XTEXT("a"),
-    XTEXT("A"),
-    XTEXT("b"),
-    XTEXT("B"),
-    XTEXT("ab"),
-    XTEXT("aB"),
-    XTEXT("Ab"),
-    XTEXT("AB"),
-    XTEXT("ab "),
-    XTEXT(" a"),
-    XTEXT("a b"),
-    XTEXT("1"),
-    XTEXT("10"),
-    XTEXT("2"),
-    XTEXT("é"),
-    XTEXT("É"),
-    XTEXT("e"),
-    XTEXT("ea"),
-    XTEXT("éa"),
-    XTEXT("eb"),
-    XTEXT("z"),
-    XTEXT("Zz"),
-    XTEXT("côte"),
-    XTEXT("coté"),
-    XTEXT("cote"),
-    XTEXT("a\u00ADb"),
-    XTEXT("a\u0001b"),
-    XTEXT("_"),
-    XTEXT("TRUE"),
-    XTEXT("ﬀ"),
-    XTEXT("abcdefg"),
-    XTEXT("abcdefG"),
-    XTEXT("abcdefgh"),
-    XTEXT("e\u0301"),
-    XTEXT("ß"),
-    XTEXT("ss"),
-    XTEXT("æ"),
-    XTEXT("Ä"),
+const std::vector<CellView> kTexts = models::CellsIn(
+    R"({"","a","A","b","B","ab","aB","Ab","AB","ab "," a","a b","1","10","2","é","É","e","ea","éa","eb",)"
+    R"("z","Zz","côte","coté","cote","a"U+00AD"b","a"U+0001"b","_",)"
+    R"("TRUE","ﬀ","abcdefg","abcdefG","abcdefgh","e"U+0301,"ß","ss","æ","Ä")"
 #ifdef _WIN32
     // Natively the host orders these as Windows does, the add-in does not.
-    XTEXT("co-op"),
-    XTEXT("coop"),
-    XTEXT("CO-OP"),
-    XTEXT("it's"),
-    XTEXT("its"),
+    R"(,"co-op","coop","CO-OP","it's","its")"
 #endif
-};
+    "}");
 constexpr double kNumbers[] = {0,         -0.0, 1,     2,      3,      -1,   -2,           0.5,
                                0.1 + 0.2, 0.3,  1e308, -1e308, 1e-300, 1e15, 4294967296.0, 9007199254740993.0};
 constexpr XStringView kLabels[] = {XTEXT("Name"), XTEXT("Qty"), XTEXT("Price"), XTEXT("Day 1")};
@@ -154,7 +114,7 @@ class CallMaker : private models::Draws {
     if (drawn == 3 || drawn == 4) return {};
     if (kind == Kind::kManyNumbers) return CellView::Number((Below(1'000'000) - 400'000) * 0.25);
     if (kind == Kind::kFewNumbers || drawn >= 7) return CellView::Number(Pick(kNumbers));
-    if (kind == Kind::kPlainTexts || drawn >= 5) return CellView::Text(Pick(kTexts));
+    if (kind == Kind::kPlainTexts || drawn >= 5) return Pick(kTexts);
     return DrawLongText(Chance(95) ? 30 : 300);
   }
 

@@ -23,26 +23,9 @@ using Texts = std::vector<XString>;
 
 const Value kValueError = Value::Error(xlerrValue);
 
-constexpr CellView kValues[] = {CellView::Text(XTEXT("a,,b")),
-                                CellView::Text(XTEXT("x1.25y")),
-                                CellView::Text(XTEXT("ab12cd345")),
-                                CellView::Text(XTEXT(",")),
-                                CellView::Text(XTEXT("")),
-                                CellView::Text(XTEXT(" é;B ;")),
-                                CellView::Text(XTEXT("a\nb")),
-                                CellView::Text(XTEXT("Z")),
-                                CellView::Text(XTEXT(" a ")),
-                                CellView::Text(XTEXT("\xD83D,1\xDE00")),
-                                CellView::Text(XTEXT("12345")),
-                                CellView::Number(1),
-                                CellView::Number(-20.5),
-                                CellView::Number(1e20),
-                                CellView::Number(0.25),
-                                CellView::Boolean(true),
-                                CellView::Boolean(false),
-                                CellView(),
-                                CellView(),
-                                CellView::Error(xlerrNA)};
+const std::vector<CellView> kValues = models::CellsIn(
+    R"({"a,,b","x1.25y","ab12cd345",",",""," é;B ;","a"U+000A"b","Z"," a ",""U+D83D",1"U+DE00,"12345",1,-20.5,1e20,0.25,TRUE,)"
+    "FALSE,empty,empty,#N/A}");
 // Of CONCAT.RANGE a single error is all that is left.
 constexpr std::size_t kErrors = 1;
 
