@@ -16,10 +16,13 @@ constexpr std::int32_t kChunkRows = 1024;
 /// Of a sheet no more are read at first: most keys that are there are found early.
 constexpr std::int32_t kRowsReadFirst = 1024;
 
+/// For so many keys it pays to make the pairs of the texts.
+constexpr std::size_t kKeysForPairs = 4;
+
 /// What patterns are tried on in some cells of a column.
 class ColumnTexts {
  public:
-  void Read(const CellLine& cells, PatternScope scope) {
+  void Read(const CellLine& cells, PatternScope scope, bool withPairs) {
     constexpr std::int32_t kCellsAhead = 16;
     for (std::int32_t i = 0; i < cells.count; ++i) {
       if (i + kCellsAhead < cells.count) PrefetchCell(&cells.At(i + kCellsAhead));
@@ -32,12 +35,22 @@ class ColumnTexts {
       if (!numbers_) numbers_ = std::make_unique_for_overwrite<NumberTextBuffer[]>(kChunkRows);
       texts_[i] = PatternText(cell, scope, numbers_[static_cast<std::size_t>(i)]);
     }
+    hasPairs_ = withPairs;
+    for (std::int32_t i = 0; withPairs && i < cells.count; ++i) pairs_[i] = text::UnitPairsOf(texts_[i]);
   }
 
-  XStringView At(std::int32_t row) const noexcept { return texts_[row]; }
+  bool HasPairs() const noexcept { return hasPairs_; }
+  bool HasPairs(std::int32_t row, text::UnitPairs pairs) const noexcept { return (pairs_[row] & pairs) == pairs; }
+
+  bool Match(std::int32_t row, const text::TextMatcher& pattern) const {
+    const XStringView text = texts_[row];
+    return text.data() != nullptr && pattern.Matches(text);
+  }
 
  private:
   XStringView texts_[kChunkRows];
+  text::UnitPairs pairs_[kChunkRows];
+  bool hasPairs_ = false;
   std::unique_ptr<NumberTextBuffer[]> numbers_;  ///< room for their texts, once one was met
 };
 
@@ -109,11 +122,14 @@ class KeyScan {
         return EqualsLookupValue(cells.At(row), value);
       });
     }
-    if (!std::exchange(textsAreRead_, true)) texts_->Read(chunk.Column(0), scope_);
-    return Walk(chunk, place, 0, [&texts = *texts_, &pattern = *key[0].pattern](std::int32_t row) {
-      const XStringView text = texts.At(row);
-      return text.data() != nullptr && pattern.Matches(text);
-    });
+    if (!std::exchange(textsAreRead_, true)) texts_->Read(chunk.Column(0), scope_, live_.size() >= kKeysForPairs);
+    const ColumnTexts& texts = *texts_;
+    const text::TextMatcher& pattern = *key[0].pattern;
+    const text::UnitPairs pairs = pattern.RequiredPairs();
+    if (!texts.HasPairs() || pairs == 0)
+      return Walk(chunk, place, 0, [&](std::int32_t row) { return texts.Match(row, pattern); });
+    return Walk(chunk, place, 0,
+                [&](std::int32_t row) { return texts.HasPairs(row, pairs) && texts.Match(row, pattern); });
   }
 
   /// Takes the rows whose cell in one part passes `isMet(row)` and whose others match the key.

@@ -5,6 +5,7 @@
 
 #include "frame/values/cell.h"
 #include "text/quick_reject.h"
+#include "text/unit_pairs.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::text {
@@ -24,6 +25,10 @@ class TextMatcher {
 
   /// Whether a text matches. Texts are a cell's, 32,767 units at most.
   bool Matches(XStringView text) const { return reject_.Passes(text) && MatchesInFull(text); }
+
+  /// What the UnitPairsOf every text have that matches. Whoever tests many texts against many patterns makes those of
+  /// the texts once, and asks for a match only where none is lacking.
+  UnitPairs RequiredPairs() const noexcept { return pairs_; }
 
   /// Tests `count` cells of a column, `stride` cells apart from `first` on: those at `places`, counted from 0, a
   /// pointer to numbers or EveryPlace. The places of the texts that match are written to `kept`, in their order, and so
@@ -61,6 +66,7 @@ class TextMatcher {
 
   /// For the constructors of patterns of whose texts something is known beforehand.
   void RejectBy(const QuickReject& reject) noexcept { reject_ = reject; }
+  void RequirePairs(UnitPairs pairs) noexcept { pairs_ = pairs; }
 
  private:
   /// Whether a text that was not rejected matches.
@@ -70,6 +76,7 @@ class TextMatcher {
   static constexpr std::size_t kTextsAhead = 24;  ///< whose memory is asked for before they are read
 
   QuickReject reject_;
+  UnitPairs pairs_ = 0;
 };
 
 }  // namespace quillmere::text

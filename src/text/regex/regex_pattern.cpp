@@ -5,6 +5,7 @@ namespace quillmere::text {
 RegexPattern::RegexPattern(XStringView expression, RegexBudget& budget, LetterCase letterCase, RegexExtent extent)
     : regex_(expression, letterCase), required_(expression, letterCase, extent), budget_(budget), extent_(extent) {
   RejectBy({required_.Least(), XStringView::npos});
+  RequirePairs(required_.Pairs());
 }
 
 bool RegexPattern::MatchesInFull(XStringView text) const {

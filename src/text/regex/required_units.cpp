@@ -8,8 +8,6 @@ namespace quillmere::text {
 namespace {
 
 constexpr XCHAR kAnyUnit = 0;  ///< in place of a literal
-constexpr XCHAR kFirstPlain = 0x20;
-constexpr XCHAR kBehindPlain = 0x7F;
 constexpr XCHAR kBehindAscii = 0x80;
 
 bool IsOneOf(XCHAR unit, XStringView units) { return units.find(unit) != XStringView::npos; }
@@ -107,6 +105,7 @@ RequiredUnits::RequiredUnits(XStringView expression, LetterCase letterCase, Rege
   ends_ = QuickReject();
   run_ = RequiredRun();
   least_ = 0;
+  pairs_ = 0;
 }
 
 /// False where the expression holds what is not read here.
@@ -128,6 +127,8 @@ bool RequiredUnits::Read(XStringView rest, LetterCase letterCase, RegexExtent ex
     for (std::size_t each = 0; each < element->least; ++each) {
       if (isPlaceKnown) require(static_cast<std::ptrdiff_t>(least_), element->literal);
       ++least_;
+      if (!last.empty() && IsPlainUnit(last.back()) && IsPlainUnit(element->literal))
+        pairs_ |= UnitPair(last.back(), element->literal);
       last += element->literal;
     }
     isPlaceKnown = isPlaceKnown && element->isExact;
@@ -143,8 +144,8 @@ bool RequiredUnits::Read(XStringView rest, LetterCase letterCase, RegexExtent ex
 bool RequiredUnits::IsPlain(XStringView text) {
   const auto isPlain = [](__m128i units) {
     // SSE2 compares signed: plain units are moved to the lowest numbers.
-    const __m128i moved = _mm_add_epi16(units, _mm_set1_epi16(static_cast<short>(0x8000 - kFirstPlain)));
-    const __m128i plain = _mm_cmplt_epi16(moved, _mm_set1_epi16(-0x8000 + (kBehindPlain - kFirstPlain)));
+    const __m128i moved = _mm_add_epi16(units, _mm_set1_epi16(static_cast<short>(0x8000 - kFirstPlainUnit)));
+    const __m128i plain = _mm_cmplt_epi16(moved, _mm_set1_epi16(-0x8000 + (kLastPlainUnit + 1 - kFirstPlainUnit)));
     return _mm_movemask_epi8(plain) == 0xFFFF;
   };
   const XCHAR* const units = text.data();

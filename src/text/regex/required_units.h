@@ -7,18 +7,22 @@
 #include "text/quick_reject.h"
 #include "text/regex/regex.h"
 #include "text/regex/required_run.h"
+#include "text/unit_pairs.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::text {
 
-/// The length, the literal units at the anchored ends and the longest run of literal units of an expression that is a
-/// plain row of units, classes and their repeats. Of one with groups, alternatives or rarer things nothing is known.
+/// The length, the literal units at the anchored ends and those side by side of an expression that is a plain row of
+/// units, classes and their repeats. Of one with groups, alternatives or rarer things nothing is known.
 class RequiredUnits {
  public:
   RequiredUnits(XStringView expression, LetterCase letterCase, RegexExtent extent);
 
   /// How many units are in a text that matches, at least.
   std::size_t Least() const noexcept { return least_; }
+
+  /// What the UnitPairsOf such a text have, at least.
+  UnitPairs Pairs() const noexcept { return pairs_; }
 
   /// False only for a text that does not match.
   bool AreIn(XStringView text) const {
@@ -33,6 +37,7 @@ class RequiredUnits {
   QuickReject ends_;
   RequiredRun run_;
   std::size_t least_ = 0;
+  UnitPairs pairs_ = 0;
 };
 
 }  // namespace quillmere::text
