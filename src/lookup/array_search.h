@@ -7,9 +7,9 @@
 
 namespace quillmere::lookup {
 
-/// The wanted rows of every key. Sorted arrays are bisected; in unsorted ones, and where any key has wildcards, one or
-/// two keys are scanned for and more are found by an index. A text key with wildcards matches text cells by its
-/// pattern.
+/// The wanted rows of every key. Sorted arrays are bisected, unless any key has wildcards. In unsorted ones, keys with
+/// patterns are scanned for, many at a time; of the others one or two are, and more are found by an index. Wildcards
+/// match text cells alone, regular expressions the text form of numbers and booleans too.
 FoundRows SearchArray(const LookupPlan& plan, const LookupKeys& keys, const MatchRules& rules);
 
 }  // namespace quillmere::lookup
