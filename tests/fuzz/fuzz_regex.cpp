@@ -15,7 +15,9 @@ int PlainSearch(XStringView expression, XStringView text, LetterCase letterCase)
   try {
     const auto anyCase = letterCase == LetterCase::kIgnored ? boost::regex_constants::icase : 0;
     const LibraryRegex plain(XString(expression), boost::regex_constants::perl | anyCase);
-    return boost::regex_search(text.begin(), text.end(), plain);
+    // Asked for no more than whether there is a match, the library passes over some.
+    boost::match_results<XStringView::const_iterator> place;
+    return boost::regex_search(text.begin(), text.end(), place, plain);
   } catch (const boost::regex_error&) {
     return -1;
   }

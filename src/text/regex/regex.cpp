@@ -42,9 +42,10 @@ Regex::~Regex() = default;
 bool Regex::IsFoundIn(XStringView text, RegexBudget& budget) const {
   if (compiled_->linear) return compiled_->linear->IsFoundIn(text);
   RegexSteps steps(text.size(), compiled_->stepLength, budget);
+  // Asked for any match alone, the library passes over some: behind a repeat with a bound it begins too far on.
   return MatchByLibrary([&] {
     return boost::regex_search(RegexPlace(text.data(), steps), RegexPlace(text.data() + text.size(), steps),
-                               compiled_->match, compiled_->expression, boost::regex_constants::match_any);
+                               compiled_->match, compiled_->expression);
   });
 }
 
