@@ -1,6 +1,7 @@
 // The one interface of all that texts are matched against.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 
 #include "frame/values/cell.h"
@@ -54,15 +55,26 @@ class TextMatcher {
     for (; i < count; ++i) keepUnlessRejected(static_cast<Place>(places[i]));
 
     std::size_t matched = 0;
-    for (i = 0; i < left; ++i) {
-      const XLOPER12& cell = first[kept[i] * stride];
-      if (IsTextCell(cell) ? MatchesInFull(TextOf(cell)) : others(cell)) kept[matched++] = kept[i];
+    for (i = 0; i < left;) {
+      XStringView texts[kTextsAtOnce];
+      bool matches[kTextsAtOnce] = {};
+      std::size_t textCount = 0;
+      const std::size_t end = std::min(left, i + kTextsAtOnce);
+      for (std::size_t at = i; at < end; ++at)
+        if (const XLOPER12& cell = first[kept[at] * stride]; IsTextCell(cell)) texts[textCount++] = TextOf(cell);
+      MatchInFull(texts, textCount, matches);
+      for (const bool* match = matches; i < end; ++i) {
+        const XLOPER12& cell = first[kept[i] * stride];
+        if (IsTextCell(cell) ? *match++ : others(cell)) kept[matched++] = kept[i];
+      }
     }
     return matched;
   }
 
  protected:
   TextMatcher() = default;
+
+  static constexpr std::size_t kTextsAtOnce = 32;
 
   /// For the constructors of patterns of whose texts something is known beforehand.
   void RejectBy(const QuickReject& reject) noexcept { reject_ = reject; }
@@ -71,6 +83,10 @@ class TextMatcher {
  private:
   /// Whether a text that was not rejected matches.
   virtual bool MatchesInFull(XStringView text) const = 0;
+  /// The same of several texts, kTextsAtOnce at most.
+  virtual void MatchInFull(const XStringView* texts, std::size_t count, bool* matches) const {
+    for (std::size_t text = 0; text < count; ++text) matches[text] = MatchesInFull(texts[text]);
+  }
 
   static constexpr std::size_t kCellsAhead = 128;
   static constexpr std::size_t kTextsAhead = 24;  ///< whose memory is asked for before they are read

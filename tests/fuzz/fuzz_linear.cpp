@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <span>
+#include <vector>
 
 #include "frame/errors/exceptions.h"
 #include "frame/locale/regex_traits.h"
@@ -13,6 +14,8 @@
 using namespace quillmere;
 
 namespace {
+
+constexpr std::size_t kMostUnits = 24;
 
 /// Takes bytes one by one; zeros behind the last.
 class Bytes {
@@ -151,12 +154,23 @@ void Judge(const XString& expression, XStringView searched, LetterCase letterCas
   const text::Regex regex(expression, letterCase);
   const LibraryRegex plain(expression, boost::regex_constants::perl | anyCase);
   if (!text::LinearMatcher::Make(expression, plain)) return;
-  for (std::size_t begin = 0; begin <= searched.size(); begin += 3) {
-    const XStringView part = searched.substr(begin);
-    text::RegexBudget budget;
-    Hold(ByLibrary([&] { return boost::regex_search(part.begin(), part.end(), plain); }),
-         regex.IsFoundIn(part, budget));
-    Hold(ByLibrary([&] { return boost::regex_match(part.begin(), part.end(), plain); }), regex.IsWholeOf(part, budget));
+  std::vector<XStringView> parts;
+  for (std::size_t begin = 0; begin <= searched.size(); begin += 3) parts.push_back(searched.substr(begin));
+  text::RegexBudget budget;
+  bool found[kMostUnits];
+  bool whole[kMostUnits];
+  regex.AreMatched(text::RegexExtent::kAnyPart, parts.data(), parts.size(), found, budget);
+  regex.AreMatched(text::RegexExtent::kWhole, parts.data(), parts.size(), whole, budget);
+  for (std::size_t at = 0; at < parts.size(); ++at) {
+    const XStringView part = parts[at];
+    // Asked for no more than whether there is a match, the library passes over some.
+    boost::match_results<XStringView::const_iterator> place;
+    const Verdict search = ByLibrary([&] { return boost::regex_search(part.begin(), part.end(), place, plain); });
+    const Verdict match = ByLibrary([&] { return boost::regex_match(part.begin(), part.end(), plain); });
+    Hold(search, regex.IsFoundIn(part, budget));
+    Hold(search, found[at]);
+    Hold(match, regex.IsWholeOf(part, budget));
+    Hold(match, whole[at]);
   }
   for (const auto afterEmpty : {text::AfterEmptyMatch::kStep, text::AfterEmptyMatch::kSamePlace})
     CompareMatches(regex, plain, searched, afterEmpty);
@@ -165,7 +179,6 @@ void Judge(const XString& expression, XStringView searched, LetterCase letterCas
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  constexpr std::size_t kMostUnits = 24;
   Bytes bytes({data, size});
   const LetterCase letterCase = bytes.Take() % 2 ? LetterCase::kCounts : LetterCase::kIgnored;
   const XString expression = Grammar(bytes).Choice(3);

@@ -1,6 +1,7 @@
 // The one place where regular expressions are compiled and run.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
 #include "frame/locale/collation.h"
@@ -31,6 +32,9 @@ class Regex {
   bool IsFoundIn(XStringView text, RegexBudget& budget) const;
   /// Whether it matches the whole of a text.
   bool IsWholeOf(XStringView text, RegexBudget& budget) const;
+  /// The one or the other for each of several texts.
+  void AreMatched(RegexExtent extent, const XStringView* texts, std::size_t count, bool* answers,
+                  RegexBudget& budget) const;
 
  private:
   friend class RegexMatches;

@@ -13,4 +13,19 @@ bool RegexPattern::MatchesInFull(XStringView text) const {
   return extent_ == RegexExtent::kWhole ? regex_.IsWholeOf(text, budget_) : regex_.IsFoundIn(text, budget_);
 }
 
+void RegexPattern::MatchInFull(const XStringView* texts, std::size_t count, bool* matches) const {
+  XStringView left[kTextsAtOnce];
+  bool answers[kTextsAtOnce];
+  std::size_t leftCount = 0;
+  for (std::size_t text = 0; text < count; ++text) {
+    matches[text] = required_.AreIn(texts[text]);
+    left[leftCount] = texts[text];
+    leftCount += matches[text];
+  }
+  regex_.AreMatched(extent_, left, leftCount, answers, budget_);
+  const bool* answer = answers;
+  for (std::size_t text = 0; text < count; ++text)
+    if (matches[text]) matches[text] = *answer++;
+}
+
 }  // namespace quillmere::text

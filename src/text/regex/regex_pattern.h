@@ -23,6 +23,7 @@ class RegexPattern : public TextMatcher {
 
  private:
   bool MatchesInFull(XStringView text) const override;
+  void MatchInFull(const XStringView* texts, std::size_t count, bool* matches) const override;
 
   Regex regex_;
   RequiredUnits required_;

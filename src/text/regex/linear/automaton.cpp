@@ -70,6 +70,60 @@ void Automaton::WidenFor(UnitClass unitClass, Way& state) {
   state = StateOfCollected(kept.before);
 }
 
+bool Automaton::Answer(XStringView text) {
+  Way state = Begin(kBeginClass);
+  const Way* table = table_.data();
+  for (const XCHAR unit : text) {
+    Way next = table[state + classes_.Known(unit)];
+    if (IsOver(next)) [[unlikely]] {
+      if (next == kUnknown) next = Find(state, classes_.Of(unit));
+      if (IsOver(next)) return next == foundState_;
+      table = table_.data();
+    }
+    state = next;
+  }
+  return NextByClass(state, kEndClass) == foundState_;
+}
+
+void Automaton::Answer(const XStringView* texts, std::size_t count, bool* answers) {
+  std::size_t at = 0;
+  for (; at + kTextsSideBySide <= count; at += kTextsSideBySide) AnswerSideBySide(texts + at, answers + at);
+  for (; at < count; ++at) answers[at] = Answer(texts[at]);
+}
+
+void Automaton::AnswerSideBySide(const XStringView* texts, bool* answers) {
+  static_assert(kTextsSideBySide == 4);
+  Way a = Begin(kBeginClass);
+  Way b = a, c = a, d = a;
+  const Way* const table = table_.data();
+  const UnitClasses& classes = classes_;
+  const std::size_t common = std::min({texts[0].size(), texts[1].size(), texts[2].size(), texts[3].size()});
+  const XCHAR* const ofA = texts[0].data();
+  const XCHAR* const ofB = texts[1].data();
+  const XCHAR* const ofC = texts[2].data();
+  const XCHAR* const ofD = texts[3].data();
+  // What is not known yet leads nowhere, like what is over.
+  constexpr std::size_t kUnitsBetweenLooks = 16;
+  for (std::size_t at = 0; at < common && !IsOver(std::max({a, b, c, d}));) {
+    for (const std::size_t end = std::min(common, at + kUnitsBetweenLooks); at < end; ++at) {
+      a = table[a + classes.Known(ofA[at])];
+      b = table[b + classes.Known(ofB[at])];
+      c = table[c + classes.Known(ofC[at])];
+      d = table[d + classes.Known(ofD[at])];
+    }
+  }
+  Way states[] = {a, b, c, d};
+  for (std::size_t text = 0; text < kTextsSideBySide; ++text) {
+    Way& state = states[text];
+    for (std::size_t at = common; at < texts[text].size() && !IsOver(state); ++at)
+      state = table[state + classes.Known(texts[text][at])];
+    state = table[state + kEndClass];
+  }
+  // Only now anything new is learnt: all states may be given up with that.
+  for (std::size_t text = 0; text < kTextsSideBySide; ++text)
+    answers[text] = states[text] == kUnknown ? Answer(texts[text]) : states[text] == foundState_;
+}
+
 Automaton::Way Automaton::Find(Way state, UnitClass unitClass) {
   WidenFor(unitClass, state);
   if (const Way known = table_[state + unitClass]; known != kUnknown) return known;
@@ -82,7 +136,8 @@ Automaton::Way Automaton::Find(Way state, UnitClass unitClass) {
   else if (question_ == Question::kIsWhole && unitClass == kEndClass)
     way = isMatched ? foundState_ : static_cast<Way>(stride_);
   else
-    way = StateOfCollected(classes_.AskedOf(unitClass)) | (isMatched ? kMatched : 0);
+    way = StateOfCollected(classes_.AskedOf(unitClass));
+  if (isMatched && (question_ == Question::kFirst || question_ == Question::kLongest)) way |= kMatched;
   if (round == round_) table_[state + unitClass] = way;
   return way;
 }
@@ -175,8 +230,8 @@ Automaton::Way Automaton::StateOfCollected(UnitRow before) {
   for (std::size_t at = 0; at < states_.size(); ++at)
     if (IsSame(states_[at], hash, before)) return static_cast<Way>((at + kSinks) * stride_);
 
-  if (states_.size() == kMostStates || table_.size() + stride_ > std::max(kMostWays, (kSinks + 4) * stride_))
-    Clear(stride_);
+  const bool hasRoom = states_.size() < kMostStates && table_.size() < kMostWays && places_.size() < kMostPlaces;
+  if (!hasRoom && !states_.empty()) Clear(stride_);
   const auto way = static_cast<Way>(table_.size());
   table_.resize(table_.size() + stride_);
   states_.push_back(

@@ -35,8 +35,12 @@ class Automaton {
 
   /// Whether nothing more can change: there is no match, or none further on.
   bool IsOver(Way state) const noexcept { return state < firstState_; }
-  /// Whether kIsFound is answered. Such a state is over, too.
-  bool IsFound(Way state) const noexcept { return state == foundState_; }
+
+  /// The answer to kIsFound or kIsWhole for a text.
+  bool Answer(XStringView text);
+  /// The answers for many texts, several of them walked through side by side, so that one waits for memory while the
+  /// others go on.
+  void Answer(const XStringView* texts, std::size_t count, bool* answers);
 
   /// The state where a walk begins, behind what is of a class. With `needsUnits` a match is none if it has no unit.
   Way Begin(UnitClass before, bool needsUnits = false);
@@ -54,9 +58,11 @@ class Automaton {
   }
 
  private:
+  static constexpr std::size_t kTextsSideBySide = 4;
   static constexpr Way kUnknown = 0;
   static constexpr std::size_t kMostStates = 500;
-  static constexpr std::size_t kMostWays = 1 << 17;
+  static constexpr std::size_t kMostWays = 1 << 15;
+  static constexpr std::size_t kMostPlaces = 1 << 13;
   static constexpr std::size_t kSinks = 3;  ///< states from which no way leads: unknown, dead, found
 
   struct State {
@@ -83,6 +89,7 @@ class Automaton {
   void Clear(std::size_t stride);
   void WidenFor(UnitClass unitClass, Way& state);
   Way Find(Way state, UnitClass unitClass);
+  void AnswerSideBySide(const XStringView* texts, bool* answers);
   bool Decide(const State& state, UnitRow after);
   bool Holds(Assertion assertion, UnitRow before, UnitRow after) const;
   void Collect(StepPlace place);

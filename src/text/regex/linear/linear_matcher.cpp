@@ -3,16 +3,6 @@
 namespace quillmere::text {
 namespace {
 
-/// Walks through a text from edge to edge, or until nothing more can change. Returns whether there was a match.
-bool Answer(Automaton& automaton, XStringView text) {
-  Automaton::Way state = automaton.Begin(kBeginClass);
-  for (const XCHAR unit : text) {
-    if (automaton.IsOver(state)) return automaton.IsFound(state);
-    state = Automaton::StateOf(automaton.Next(state, unit));
-  }
-  return automaton.IsFound(automaton.NextByClass(state, kEndClass));
-}
-
 /// An automaton, made when it is first asked.
 Automaton& MadeOnce(std::optional<Automaton>& automaton, const Program& program, UnitClasses& classes,
                     Question question, Direction direction) {
@@ -30,12 +20,12 @@ std::unique_ptr<LinearMatcher> LinearMatcher::Make(XStringView spelling, const L
   return made->forward_.steps.empty() ? nullptr : std::move(made);
 }
 
-bool LinearMatcher::IsFoundIn(XStringView text) {
-  return Answer(MadeOnce(search_, forward_, classes_, Question::kIsFound, Direction::kForward), text);
+Automaton& LinearMatcher::Search() {
+  return MadeOnce(search_, forward_, classes_, Question::kIsFound, Direction::kForward);
 }
 
-bool LinearMatcher::IsWholeOf(XStringView text) {
-  return Answer(MadeOnce(whole_, forward_, classes_, Question::kIsWhole, Direction::kForward), text);
+Automaton& LinearMatcher::Whole() {
+  return MadeOnce(whole_, forward_, classes_, Question::kIsWhole, Direction::kForward);
 }
 
 std::optional<LinearMatcher::Found> LinearMatcher::Find(XStringView text, std::size_t from, bool needsUnits,

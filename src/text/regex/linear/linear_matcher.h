@@ -23,8 +23,10 @@ class LinearMatcher {
   /// only the library can match.
   static std::unique_ptr<LinearMatcher> Make(XStringView spelling, const LibraryRegex& expression);
 
-  bool IsFoundIn(XStringView text);
-  bool IsWholeOf(XStringView text);
+  /// Whether the expression is found anywhere in a text.
+  Automaton& Search();
+  /// Whether it matches the whole of a text.
+  Automaton& Whole();
 
   /// A match from its first unit to behind its last.
   struct Found {
