@@ -5,6 +5,7 @@
 
 #include "frame/text/fold_case.h"
 #include "frame/text/text_block.h"
+#include "text/plain_text.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::text {
@@ -17,6 +18,10 @@ class QuickReject {
   QuickReject() = default;
   /// Lets texts of `least` to `most` units pass.
   QuickReject(std::size_t least, std::size_t most) noexcept : least_(least), span_(most - least) {}
+
+  /// From now on plain texts alone (text/plain_text.h) are told by their ends: in others the units that are required
+  /// may stand elsewhere, or in another form.
+  void TellPlainTextsAlone() noexcept { tellsPlainAlone_ = true; }
 
   /// From now on texts have that unit at `place`: 0 is the first unit of a text, -1 the last. Nothing is tested beyond
   /// four units from an end, and, where case does not count, no unit beyond ASCII, since more than one other may be its
@@ -37,12 +42,15 @@ class QuickReject {
     if (text.size() - least_ > span_) return false;
     if (text.size() < kEndUnits) return true;
     const __m128i ends = _mm_and_si128(LoadEnds<kEndUnits>(text.data(), text.size()), LoadBlock(mask_));
-    return _mm_movemask_epi8(_mm_cmpeq_epi16(ends, LoadBlock(wanted_))) == 0xFFFF;
+    const bool hasEnds = _mm_movemask_epi8(_mm_cmpeq_epi16(ends, LoadBlock(wanted_))) == 0xFFFF;
+    if (tellsPlainAlone_) return hasEnds || !IsPlainText(text);
+    return hasEnds;  // no branch is taken on it: it is as good as random
   }
 
  private:
   static constexpr std::size_t kEndUnits = kTextBlock / 2;
 
+  bool tellsPlainAlone_ = false;
   std::size_t least_ = 0;
   std::size_t span_ = XStringView::npos;
   XCHAR mask_[kTextBlock] = {};    ///< of the first units, then of the last: the bits that are tested

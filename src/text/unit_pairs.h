@@ -5,17 +5,13 @@
 #include <cstdint>
 
 #include "frame/text/fold_case.h"
+#include "text/plain_text.h"
 #include "xlcall/xchar.h"
 
 namespace quillmere::text {
 
 /// Pairs of neighbouring units, A to Z in any case. Each is one of 64 bits, which it shares with many.
 using UnitPairs = std::uint64_t;
-
-/// Printable ASCII. In any other unit there may be more than meets the eye: a letter whose other case is in ASCII.
-inline constexpr XCHAR kFirstPlainUnit = 0x20;
-inline constexpr XCHAR kLastPlainUnit = 0x7E;
-constexpr bool IsPlainUnit(XCHAR unit) noexcept { return unit >= kFirstPlainUnit && unit <= kLastPlainUnit; }
 
 /// The pair of two plain units.
 inline UnitPairs UnitPair(XCHAR unit, XCHAR next) noexcept {

@@ -1,15 +1,19 @@
 #include "text/regex/regex_pattern.h"
 
+#include "text/regex/required_units.h"
+
 namespace quillmere::text {
 
 RegexPattern::RegexPattern(XStringView expression, RegexBudget& budget, LetterCase letterCase, RegexExtent extent)
-    : regex_(expression, letterCase), required_(expression, letterCase, extent), budget_(budget), extent_(extent) {
-  RejectBy({required_.Least(), XStringView::npos});
-  RequirePairs(required_.Pairs());
+    : regex_(expression, letterCase), budget_(budget), extent_(extent) {
+  const RequiredUnits required(expression, letterCase, extent);
+  RejectBy(required.Reject());
+  RequirePairs(required.Pairs());
+  run_ = required.Run();
 }
 
 bool RegexPattern::MatchesInFull(XStringView text) const {
-  if (!required_.AreIn(text)) return false;
+  if (!run_.MayBeIn(text)) return false;
   return extent_ == RegexExtent::kWhole ? regex_.IsWholeOf(text, budget_) : regex_.IsFoundIn(text, budget_);
 }
 
@@ -18,7 +22,7 @@ void RegexPattern::MatchInFull(const XStringView* texts, std::size_t count, bool
   bool answers[kTextsAtOnce];
   std::size_t leftCount = 0;
   for (std::size_t text = 0; text < count; ++text) {
-    matches[text] = required_.AreIn(texts[text]);
+    matches[text] = run_.MayBeIn(texts[text]);
     left[leftCount] = texts[text];
     leftCount += matches[text];
   }

@@ -4,7 +4,7 @@
 #include "frame/locale/collation.h"
 #include "text/regex/regex.h"
 #include "text/regex/regex_budget.h"
-#include "text/regex/required_units.h"
+#include "text/regex/required_run.h"
 #include "text/text_matcher.h"
 #include "xlcall/xchar.h"
 
@@ -26,7 +26,7 @@ class RegexPattern : public TextMatcher {
   void MatchInFull(const XStringView* texts, std::size_t count, bool* matches) const override;
 
   Regex regex_;
-  RequiredUnits required_;
+  RequiredRun run_;  ///< that every text has which matches
   RegexBudget& budget_;
   RegexExtent extent_;
 };

@@ -1,8 +1,7 @@
 #include "text/regex/required_units.h"
 
+#include <cstddef>
 #include <optional>
-
-#include "frame/text/text_block.h"
 
 namespace quillmere::text {
 namespace {
@@ -102,58 +101,48 @@ class LongestRun {
 
 RequiredUnits::RequiredUnits(XStringView expression, LetterCase letterCase, RegexExtent extent) {
   if (Read(expression, letterCase, extent)) return;
-  ends_ = QuickReject();
+  reject_ = QuickReject();
   run_ = RequiredRun();
-  least_ = 0;
   pairs_ = 0;
 }
 
 /// False where the expression holds what is not read here.
 bool RequiredUnits::Read(XStringView rest, LetterCase letterCase, RegexExtent extent) {
   const bool caseSensitive = letterCase == LetterCase::kCounts;
-  const auto require = [&](std::ptrdiff_t place, XCHAR unit) {
-    if (unit != kAnyUnit) ends_.Require(place, unit, caseSensitive);
-  };
   LongestRun run(caseSensitive);
   const bool isAnchored = rest.starts_with(XTEXT('^'));
   if (isAnchored) rest.remove_prefix(1);
   bool isPlaceKnown = isAnchored || extent == RegexExtent::kWhole;
-  XString last;  // the units that come one behind another up to here
+  std::size_t least = 0;
+  XString first;  // the units at the beginning of a text
+  XString last;   // those that come one behind another up to here
   while (!rest.empty() && rest != XTEXT("$")) {
     const std::optional<Element> element = TakeElement(rest);
     if (!element) return false;
     if (!element->isExact) last.clear();
     run.Extend(*element);
     for (std::size_t each = 0; each < element->least; ++each) {
-      if (isPlaceKnown) require(static_cast<std::ptrdiff_t>(least_), element->literal);
-      ++least_;
+      if (isPlaceKnown) first += element->literal;
       if (!last.empty() && IsPlainUnit(last.back()) && IsPlainUnit(element->literal))
         pairs_ |= UnitPair(last.back(), element->literal);
       last += element->literal;
     }
+    least += element->least;
     isPlaceKnown = isPlaceKnown && element->isExact;
   }
+  const bool isEndKnown = !rest.empty() || extent == RegexExtent::kWhole;
+
+  reject_ = QuickReject(least, XStringView::npos);
+  reject_.TellPlainTextsAlone();
+  const auto require = [&](std::ptrdiff_t place, XCHAR unit) {
+    if (unit != kAnyUnit) reject_.Require(place, unit, caseSensitive);
+  };
+  for (std::size_t at = 0; at < first.size(); ++at) require(static_cast<std::ptrdiff_t>(at), first[at]);
+  for (std::size_t back = 1; isEndKnown && back <= last.size(); ++back)
+    require(-static_cast<std::ptrdiff_t>(back), last[last.size() - back]);
   // Too many texts have a single unit for a look at it to pay.
   if (run.Units().size() > 1) run_ = RequiredRun(run.Units(), !caseSensitive);
-  if (rest.empty() && extent == RegexExtent::kAnyPart) return true;
-  for (std::size_t back = 1; back <= last.size(); ++back)
-    require(-static_cast<std::ptrdiff_t>(back), last[last.size() - back]);
   return true;
-}
-
-bool RequiredUnits::IsPlain(XStringView text) {
-  const auto isPlain = [](__m128i units) {
-    // SSE2 compares signed: plain units are moved to the lowest numbers.
-    const __m128i moved = _mm_add_epi16(units, _mm_set1_epi16(static_cast<short>(0x8000 - kFirstPlainUnit)));
-    const __m128i plain = _mm_cmplt_epi16(moved, _mm_set1_epi16(-0x8000 + (kLastPlainUnit + 1 - kFirstPlainUnit)));
-    return _mm_movemask_epi8(plain) == 0xFFFF;
-  };
-  const XCHAR* const units = text.data();
-  const std::size_t count = text.size();
-  if (count < kTextBlock) return count >= 2 && isPlain(LoadShort(units, count));
-  for (std::size_t at = 0; at + kTextBlock < count; at += kTextBlock)
-    if (!isPlain(LoadBlock(units + at))) return false;
-  return isPlain(LoadBlock(units + count - kTextBlock));
 }
 
 }  // namespace quillmere::text
