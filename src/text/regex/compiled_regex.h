@@ -11,6 +11,12 @@
 namespace quillmere::text {
 
 struct Regex::Compiled {
+  /// The matcher that goes before the library, or none.
+  LinearMatcher* Linear() {
+    if (linear && linear->IsWornOut()) linear.reset();
+    return linear.get();
+  }
+
   LibraryRegex expression;
   std::unique_ptr<LinearMatcher> linear;  ///< none where only the library can match the expression
   StepLength stepLength;

@@ -40,7 +40,7 @@ Regex& Regex::operator=(Regex&&) noexcept = default;
 Regex::~Regex() = default;
 
 bool Regex::IsFoundIn(XStringView text, RegexBudget& budget) const {
-  if (compiled_->linear) return compiled_->linear->Search().Answer(text);
+  if (LinearMatcher* const linear = compiled_->Linear()) return linear->Search().Answer(text);
   RegexSteps steps(text.size(), compiled_->stepLength, budget);
   // Asked for any match alone, the library passes over some: behind a repeat with a bound it begins too far on.
   return MatchByLibrary([&] {
@@ -50,7 +50,7 @@ bool Regex::IsFoundIn(XStringView text, RegexBudget& budget) const {
 }
 
 bool Regex::IsWholeOf(XStringView text, RegexBudget& budget) const {
-  if (compiled_->linear) return compiled_->linear->Whole().Answer(text);
+  if (LinearMatcher* const linear = compiled_->Linear()) return linear->Whole().Answer(text);
   RegexSteps steps(text.size(), compiled_->stepLength, budget);
   return MatchByLibrary([&] {
     return boost::regex_match(RegexPlace(text.data(), steps), RegexPlace(text.data() + text.size(), steps),
@@ -61,10 +61,8 @@ bool Regex::IsWholeOf(XStringView text, RegexBudget& budget) const {
 void Regex::AreMatched(RegexExtent extent, const XStringView* texts, std::size_t count, bool* answers,
                        RegexBudget& budget) const {
   const bool isWhole = extent == RegexExtent::kWhole;
-  if (compiled_->linear) {
-    (isWhole ? compiled_->linear->Whole() : compiled_->linear->Search()).Answer(texts, count, answers);
-    return;
-  }
+  if (LinearMatcher* const linear = compiled_->Linear())
+    return (isWhole ? linear->Whole() : linear->Search()).Answer(texts, count, answers);
   for (std::size_t text = 0; text < count; ++text)
     answers[text] = isWhole ? IsWholeOf(texts[text], budget) : IsFoundIn(texts[text], budget);
 }

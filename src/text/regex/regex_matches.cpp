@@ -62,8 +62,10 @@ std::optional<RegexMatch> RegexMatches::Next() {
   from_ = next_;
   needsUnits_ = wasEmpty_ && afterEmpty_ == AfterEmptyMatch::kSamePlace;
   std::optional<RegexMatch> match;
-  if (regex_.compiled_->linear) {
-    if (const auto found = regex_.compiled_->linear->Find(text_, from_, needsUnits_, steps_))
+  LinearMatcher* const linear = regex_.compiled_->Linear();
+  hasGroups_ = linear == nullptr;
+  if (linear) {
+    if (const auto found = linear->Find(text_, from_, needsUnits_, steps_))
       match = {found->begin, found->end - found->begin};
   } else {
     match = NextByLibrary();
@@ -102,10 +104,11 @@ std::optional<RegexMatch> RegexMatches::NextByLibrary() {
 }
 
 void RegexMatches::AppendFormatted(const XString& format, BoundedText& to) {
-  if (regex_.compiled_->linear) {
+  if (!hasGroups_) {
     // Only the library knows the groups of a match.
     if (format.find_first_of(XTEXT("$\\")) == XString::npos) return to.Append(format);
     NextByLibrary();
+    hasGroups_ = true;
   }
   const std::size_t before = to.View().size();
   std::size_t looks = 0;

@@ -58,6 +58,7 @@ class RegexMatches {
   bool wasEmpty_ = false;
   std::size_t from_ = 0;     ///< where the latest search began
   bool needsUnits_ = false;  ///< whether it was for no empty match there
+  bool hasGroups_ = false;   ///< whether the library found it
 };
 
 }  // namespace quillmere::text

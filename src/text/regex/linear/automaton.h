@@ -36,6 +36,10 @@ class Automaton {
   /// Whether nothing more can change: there is no match, or none further on.
   bool IsOver(Way state) const noexcept { return state < firstState_; }
 
+  /// Whether states were given up so often that keeping them is of no use: most units then lead to a new one, which
+  /// takes as long as the program is.
+  bool IsWornOut() const noexcept { return round_ > kMostRounds; }
+
   /// The answer to kIsFound or kIsWhole for a text.
   bool Answer(XStringView text);
   /// The answers for many texts, several of them walked through side by side, so that one waits for memory while the
@@ -60,6 +64,7 @@ class Automaton {
  private:
   static constexpr std::size_t kTextsSideBySide = 4;
   static constexpr Way kUnknown = 0;
+  static constexpr std::size_t kMostRounds = 200;
   static constexpr std::size_t kMostStates = 500;
   static constexpr std::size_t kMostWays = 1 << 15;
   static constexpr std::size_t kMostPlaces = 1 << 13;

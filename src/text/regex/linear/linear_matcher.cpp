@@ -20,6 +20,11 @@ std::unique_ptr<LinearMatcher> LinearMatcher::Make(XStringView spelling, const L
   return made->forward_.steps.empty() ? nullptr : std::move(made);
 }
 
+bool LinearMatcher::IsWornOut() const noexcept {
+  const auto isWornOut = [](const std::optional<Automaton>& automaton) { return automaton && automaton->IsWornOut(); };
+  return isWornOut(search_) || isWornOut(whole_) || isWornOut(first_) || isWornOut(longest_);
+}
+
 Automaton& LinearMatcher::Search() {
   return MadeOnce(search_, forward_, classes_, Question::kIsFound, Direction::kForward);
 }

@@ -23,6 +23,10 @@ class LinearMatcher {
   /// only the library can match.
   static std::unique_ptr<LinearMatcher> Make(XStringView spelling, const LibraryRegex& expression);
 
+  /// Whether texts and expression are such that the library is the better choice from now on: its budget ends at least
+  /// what takes too long.
+  bool IsWornOut() const noexcept;
+
   /// Whether the expression is found anywhere in a text.
   Automaton& Search();
   /// Whether it matches the whole of a text.
