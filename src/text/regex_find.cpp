@@ -70,12 +70,12 @@ void Functions::RegexFind(CXlOper& result, RegexAspect aspect, const CXlArgument
   RegexPairs pairs(texts, expressions, letterCase);
   result =
       pairs.Build([&](CXlArrayBuilder& array, const ResultPlace& place, XStringView text, const RegexPattern& pattern) {
-        XLOPER12& to = *array.At(place.row, place.column);
         const std::optional<RegexMatch> match = FindNth(pattern, text, wanted);
         if (!match)
-          to = ErrorCell(xlerrNA);
+          array.PutError(place.row, place.column, xlerrNA);
         else
-          to = NumberCell(static_cast<double>(aspect == RegexAspect::kPlace ? match->place + 1 : match->units));
+          array.PutNumber(place.row, place.column,
+                          static_cast<double>(aspect == RegexAspect::kPlace ? match->place + 1 : match->units));
       });
 }
 
@@ -100,7 +100,7 @@ void Functions::RegexMid(CXlOper& result, const CXlArgument& text, const CXlArgu
         if (match)
           array.PutText(place.row, place.column, units.substr(match->place, match->units));
         else
-          *array.At(place.row, place.column) = ErrorCell(xlerrNA);
+          array.PutError(place.row, place.column, xlerrNA);
       });
 }
 

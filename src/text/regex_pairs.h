@@ -10,6 +10,7 @@
 #include "frame/errors/attempt.h"
 #include "frame/values/array_builder.h"
 #include "text/paired_cells.h"
+#include "text/prefetch_ahead.h"
 #include "text/regex/pattern_cache.h"
 
 namespace quillmere::text {
@@ -24,7 +25,8 @@ class RegexPairs {
   /// What the arguments view must outlive it. `others` are further cells that the result is as large as.
   RegexPairs(const CXlCells& texts, const CXlCells& expressions, LetterCase letterCase,
              RegexExtent extent = RegexExtent::kAnyPart, std::initializer_list<PairedCells> others = {})
-      : texts_(texts),
+      : textCells_(texts),
+        texts_(texts),
         expressions_(expressions),
         cache_(budget_, letterCase, extent),
         rows_(std::max(texts.rows, expressions.rows)),
@@ -64,6 +66,7 @@ class RegexPairs {
   template <class Match, class Tell>
   void Meet(const ResultPlace& place, const Match& match, const Tell& tell) {
     const XLOPER12* const text = texts_.At(place);
+    if (text) PrefetchAhead(textCells_, text - textCells_.first);
     const XLOPER12* const expression = expressions_.At(place);
     if (!text || !expression) return tell(place, ErrorCell(xlerrNA));
     if (IsErrorCell(*text)) return tell(place, *text);
@@ -74,6 +77,7 @@ class RegexPairs {
     match(place, IsTextCell(*text) ? TextOf(*text) : TextForm(*text, number), *pattern);
   }
 
+  CXlCells textCells_;
   PairedCells texts_;
   PairedCells expressions_;
   RegexBudget budget_;

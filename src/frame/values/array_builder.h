@@ -1,6 +1,7 @@
 // Building an array result once, at its final size.
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -34,8 +35,25 @@ class CXlArrayBuilder {
     return cells_ + row * columns_ + column;
   }
 
-  void PutNumber(std::int64_t row, std::int64_t column, double number) { *At(row, column) = NumberCell(number); }
-  void PutBoolean(std::int64_t row, std::int64_t column, bool value) { *At(row, column) = BooleanCell(value); }
+  // Written in place: a cell that is put together elsewhere is read back before its stores are done.
+
+  void PutNumber(std::int64_t row, std::int64_t column, double number) {
+    XLOPER12* const to = At(row, column);
+    if (!std::isfinite(number)) [[unlikely]]
+      return PutError(row, column, xlerrNum);  // Excel takes no other numbers
+    to->val.num = number;
+    to->xltype = xltypeNum;
+  }
+  void PutBoolean(std::int64_t row, std::int64_t column, bool value) {
+    XLOPER12* const to = At(row, column);
+    to->val.xbool = value ? 1 : 0;
+    to->xltype = xltypeBool;
+  }
+  void PutError(std::int64_t row, std::int64_t column, std::int32_t code) {
+    XLOPER12* const to = At(row, column);
+    to->val.err = code;
+    to->xltype = xltypeErr;
+  }
   void PutEmpty(std::int64_t row, std::int64_t column) { *At(row, column) = EmptyCell(); }
   /// CXlStringTooLongException above 32,767 units.
   void PutText(std::int64_t row, std::int64_t column, XStringView text);
