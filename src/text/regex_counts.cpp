@@ -39,7 +39,8 @@ CXlOper CountBy(const CXlCells& expressions, LetterCase letterCase, const Count&
     XLOPER12* to = counts.Row(0);
     for (const XLOPER12& cell : std::span(expressions.first, static_cast<std::size_t>(expressions.Count()))) {
       const RegexPattern* const pattern = IsErrorCell(cell) ? nullptr : patterns.Find(cell);
-      *to++ = pattern ? NumberCell(count(*pattern)) : IsErrorCell(cell) ? cell : ErrorCell(xlerrValue);
+      const std::int32_t error = IsErrorCell(cell) ? KnownErrorCode(cell.val.err) : xlerrValue;
+      *to++ = pattern ? NumberCell(count(*pattern)) : ErrorCell(error);
     }
   });
   return isDone ? counts.FinishCollapsed() : CXlOper::Error(xlerrValue);

@@ -31,7 +31,7 @@ CXlOper ListMatches(RegexPairs& pairs) {
     widest = std::max(widest, found.size() - before);
     ends.Append(found.size());
   };
-  pairs.ForEach(collect, [&](const ResultPlace&, const XLOPER12&) { ends.Append(found.size()); });
+  pairs.ForEach(collect, [&](const ResultPlace&, std::int32_t) { ends.Append(found.size()); });
 
   CXlArrayBuilder lists(static_cast<std::int64_t>(ends.size()), static_cast<std::int64_t>(widest));
   const XLOPER12 nothing = lists.Store(CXlOper::Text({}).Raw());
@@ -47,8 +47,8 @@ CXlOper ListMatches(RegexPairs& pairs) {
       lists.PutText(row, column, text.substr(found[next].place, found[next].units));
     fillRest(column);
   };
-  const auto tell = [&](const ResultPlace&, const XLOPER12& error) {
-    *lists.Row(row) = error;
+  const auto tell = [&](const ResultPlace&, std::int32_t error) {
+    lists.PutError(row, 0, error);
     fillRest(1);
   };
   pairs.ForEach(write, tell);

@@ -41,7 +41,7 @@ class RegexPairs {
   std::int32_t Columns() const noexcept { return columns_; }
 
   /// Row by row, calls match(place, text, pattern) where a text, or another value's text form, meets an expression, and
-  /// tell(place, error) where no answer can be had: with an error that stands there, with #VALUE! for an expression
+  /// tell(place, code) where no answer can be had: with the error that stands there, with #VALUE! for an expression
   /// that does not compile, and with #N/A where only one of both stands. Texts last until the call is back.
   template <class Match, class Tell>
   void ForEach(const Match& match, const Tell& tell) {
@@ -57,7 +57,7 @@ class RegexPairs {
     const bool isDone = RunsWithout<CXlRegexLimitException>([&] {
       ForEach([&](const ResultPlace& place, XStringView text,
                   const RegexPattern& pattern) { put(array, place, text, pattern); },
-              [&](const ResultPlace& place, const XLOPER12& error) { *array.At(place.row, place.column) = error; });
+              [&](const ResultPlace& place, std::int32_t error) { array.PutError(place.row, place.column, error); });
     });
     return isDone ? array.FinishCollapsed() : CXlOper::Error(xlerrValue);
   }
@@ -68,11 +68,11 @@ class RegexPairs {
     const XLOPER12* const text = texts_.At(place);
     if (text) PrefetchAhead(textCells_, text - textCells_.first);
     const XLOPER12* const expression = expressions_.At(place);
-    if (!text || !expression) return tell(place, ErrorCell(xlerrNA));
-    if (IsErrorCell(*text)) return tell(place, *text);
-    if (IsErrorCell(*expression)) return tell(place, *expression);
+    if (!text || !expression) return tell(place, xlerrNA);
+    if (IsErrorCell(*text)) return tell(place, text->val.err);
+    if (IsErrorCell(*expression)) return tell(place, expression->val.err);
     const RegexPattern* const pattern = cache_.Find(*expression);
-    if (!pattern) return tell(place, ErrorCell(xlerrValue));
+    if (!pattern) return tell(place, xlerrValue);
     NumberTextBuffer number;
     match(place, IsTextCell(*text) ? TextOf(*text) : TextForm(*text, number), *pattern);
   }

@@ -51,7 +51,7 @@ void Functions::RegexSubstitute(CXlOper& result, const CXlArgument& text, const 
       [&](CXlArrayBuilder& array, const ResultPlace& place, XStringView units, const RegexPattern& pattern) {
         const XLOPER12* const format = formats.At(place);
         if (!format || IsErrorCell(*format)) {
-          *array.At(place.row, place.column) = format ? *format : ErrorCell(xlerrNA);
+          array.PutError(place.row, place.column, format ? format->val.err : xlerrNA);
           return;
         }
         NumberTextBuffer number;

@@ -10,6 +10,7 @@
 #include "frame/text/error_text.h"
 #include "frame/text/fold_case.h"
 #include "frame/text/number_reading.h"
+#include "frame/values/cell_copy.h"
 
 namespace quillmere {
 namespace {
@@ -96,7 +97,7 @@ bool ConvertCell(const XLOPER12& cell, TextReading, XString& result) {
   const std::uint32_t type = CellType(cell);
   if (type == xltypeErr || type == xltypeMissing || (type == xltypeNum && !std::isfinite(cell.val.num))) return false;
   NumberTextBuffer buffer;
-  result = TextForm(cell, buffer);
+  AssignText(result, TextForm(cell, buffer));
   return true;
 }
 

@@ -49,9 +49,10 @@ class CXlArrayBuilder {
     to->val.xbool = value ? 1 : 0;
     to->xltype = xltypeBool;
   }
+  /// A code that is none of Excel's becomes #VALUE!.
   void PutError(std::int64_t row, std::int64_t column, std::int32_t code) {
     XLOPER12* const to = At(row, column);
-    to->val.err = code;
+    to->val.err = KnownErrorCode(code);
     to->xltype = xltypeErr;
   }
   void PutEmpty(std::int64_t row, std::int64_t column) { *At(row, column) = EmptyCell(); }
