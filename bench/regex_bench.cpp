@@ -1,10 +1,12 @@
-// Filtering texts of eight units by a regular expression, beside the library's plain search. A benchmark's argument is
-// the number of texts.
+// Filtering texts of eight units by a regular expression, finding what it matches in them and replacing it, beside the
+// library's plain algorithms. A benchmark's argument is the number of texts.
 #include <benchmark/benchmark.h>
 
+#include <iterator>
 #include <vector>
 
 #include "frame/locale/regex_traits.h"
+#include "text/regex/regex_matches.h"
 #include "text/regex/regex_pattern.h"
 
 namespace quillmere {
@@ -58,6 +60,59 @@ void FilterByRegex(benchmark::State& state, XStringView expression) {
 BENCHMARK_CAPTURE(FilterByRegex, Required, kExpression)->Apply(AllSizes);
 /// Nothing can be told of its texts before they are searched.
 BENCHMARK_CAPTURE(FilterByRegex, Searched, XTEXT("^(?:K.*7[0-9]*3)$"))->Apply(AllSizes);
+
+constexpr const XCHAR* kPart = XTEXT("7[0-9]*3");
+
+void FindByPlainSearch(benchmark::State& state) {
+  const LibraryRegex expression(kPart, boost::regex_constants::perl | boost::regex_constants::icase);
+  boost::match_results<const XCHAR*> match;
+  Filter(state, [&](XStringView text) {
+    return boost::regex_search(text.data(), text.data() + text.size(), match, expression) ? match.position() : 0;
+  });
+}
+BENCHMARK(FindByPlainSearch)->Apply(AllSizes);
+
+void FindByRegex(benchmark::State& state) {
+  text::RegexBudget budget;
+  const text::Regex regex(kPart, LetterCase::kIgnored);
+  Filter(state, [&](XStringView text) {
+    const auto match = text::RegexMatches(regex, text, text::AfterEmptyMatch::kStep, budget).Next();
+    return match ? match->place : 0;
+  });
+}
+BENCHMARK(FindByRegex)->Apply(AllSizes);
+
+void ReplaceByLibrary(benchmark::State& state) {
+  const LibraryRegex expression(XTEXT("[0-9]"), boost::regex_constants::perl);
+  const XString format = XTEXT("x");
+  XString replaced;
+  Filter(state, [&](XStringView text) {
+    replaced.clear();
+    boost::regex_replace(std::back_inserter(replaced), text.begin(), text.end(), expression, format);
+    return replaced.size();
+  });
+}
+BENCHMARK(ReplaceByLibrary)->Apply(AllSizes);
+
+void ReplaceByRegex(benchmark::State& state) {
+  text::RegexBudget budget;
+  const text::Regex regex(XTEXT("[0-9]"), LetterCase::kCounts);
+  const XString format = XTEXT("x");
+  text::BoundedText replaced;
+  Filter(state, [&](XStringView text) {
+    replaced.Clear();
+    std::size_t copied = 0;
+    text::RegexMatches matches(regex, text, text::AfterEmptyMatch::kSamePlace, budget);
+    while (const auto match = matches.Next()) {
+      replaced.Append(text.substr(copied, match->place - copied));
+      matches.AppendFormatted(format, replaced);
+      copied = match->place + match->units;
+    }
+    replaced.Append(text.substr(copied));
+    return replaced.View().size();
+  });
+}
+BENCHMARK(ReplaceByRegex)->Apply(AllSizes);
 
 void Compile(benchmark::State& state) {
   text::RegexBudget budget;
