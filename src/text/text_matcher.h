@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "frame/values/cell.h"
+#include "text/prefetch_ahead.h"
 #include "text/quick_reject.h"
 #include "text/unit_pairs.h"
 #include "xlcall/xchar.h"
@@ -87,9 +88,6 @@ class TextMatcher {
   virtual void MatchInFull(const XStringView* texts, std::size_t count, bool* matches) const {
     for (std::size_t text = 0; text < count; ++text) matches[text] = MatchesInFull(texts[text]);
   }
-
-  static constexpr std::size_t kCellsAhead = 128;
-  static constexpr std::size_t kTextsAhead = 24;  ///< whose memory is asked for before they are read
 
   QuickReject reject_;
   UnitPairs pairs_ = 0;

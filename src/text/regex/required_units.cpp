@@ -6,7 +6,7 @@
 namespace quillmere::text {
 namespace {
 
-constexpr XCHAR kAnyUnit = 0;  ///< in place of a literal
+constexpr XCHAR kNoLiteral = 0;
 constexpr XCHAR kBehindAscii = 0x80;
 
 bool IsOneOf(XCHAR unit, XStringView units) { return units.find(unit) != XStringView::npos; }
@@ -20,7 +20,7 @@ std::size_t PlainSet(XStringView text) {
 
 /// One unit or class of an expression, with how often it is repeated.
 struct Element {
-  XCHAR literal = kAnyUnit;
+  XCHAR literal = kNoLiteral;
   std::size_t least = 1;
   bool isExact = true;  ///< whether it is repeated just so often
 };
@@ -84,7 +84,7 @@ class LongestRun {
 
  private:
   void Append(const Element& element) {
-    const bool isTold = element.literal != kAnyUnit && (caseSensitive_ || element.literal < kBehindAscii);
+    const bool isTold = element.literal != kNoLiteral && (caseSensitive_ || element.literal < kBehindAscii);
     if (isTold && element.least > 0)
       run_.append(element.least, element.literal);
     else
@@ -135,7 +135,7 @@ bool RequiredUnits::Read(XStringView rest, LetterCase letterCase, RegexExtent ex
   reject_ = QuickReject(least, XStringView::npos);
   reject_.TellPlainTextsAlone();
   const auto require = [&](std::ptrdiff_t place, XCHAR unit) {
-    if (unit != kAnyUnit) reject_.Require(place, unit, caseSensitive);
+    if (unit != kNoLiteral) reject_.Require(place, unit, caseSensitive);
   };
   for (std::size_t at = 0; at < first.size(); ++at) require(static_cast<std::ptrdiff_t>(at), first[at]);
   for (std::size_t back = 1; isEndKnown && back <= last.size(); ++back)
