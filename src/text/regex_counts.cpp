@@ -53,8 +53,9 @@ void Functions::RegexCountIf(CXlOper& result, const CXlArgument& searchThis, con
   result.SetError(xlerrValue);
   const CXlCells searched = searchThis.Value().Cells();
   const CXlCells expressions = regExp.Value().Cells();
-  const LetterCase letterCase = ReadLetterCase(caseSensitive);
-  result = CountBy(expressions, letterCase, [&](const RegexPattern& pattern) {
+  const std::optional<LetterCase> letterCase = ReadLetterCase(caseSensitive);
+  if (!letterCase) return;
+  result = CountBy(expressions, *letterCase, [&](const RegexPattern& pattern) {
     double count = 0;
     ForMatching(searched, pattern, [&](std::int64_t, auto places) { count += static_cast<double>(places.size()); });
     return count;
@@ -67,7 +68,8 @@ void Functions::RegexSumIf(CXlOper& result, const CXlArgument& searchThis, const
   const CXlCells searched = searchThis.Value().Cells();
   const CXlCells expressions = regExp.Value().Cells();
   const CXlCells summed = sumThis.Value().Cells();
-  const LetterCase letterCase = ReadLetterCase(caseSensitive);
+  const std::optional<LetterCase> letterCase = ReadLetterCase(caseSensitive);
+  if (!letterCase) return;
   // The number at the same row and column, wherever that is in arrays of different widths.
   const auto numberAt = [&](std::int64_t place) {
     const std::int64_t row = place / searched.columns;
@@ -76,7 +78,7 @@ void Functions::RegexSumIf(CXlOper& result, const CXlArgument& searchThis, const
     const XLOPER12& cell = summed.first[row * summed.columns + column];
     return CellType(cell) == xltypeNum || CellType(cell) == xltypeInt ? CellNumber(cell) : 0.0;
   };
-  result = CountBy(expressions, letterCase, [&](const RegexPattern& pattern) {
+  result = CountBy(expressions, *letterCase, [&](const RegexPattern& pattern) {
     double sum = 0;
     ForMatching(searched, pattern, [&](std::int64_t first, auto places) {
       for (const std::int32_t place : places) sum += numberAt(first + place);

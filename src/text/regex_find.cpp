@@ -63,14 +63,13 @@ void Functions::RegexFind(CXlOper& result, RegexAspect aspect, const CXlArgument
   result.SetError(xlerrValue);
   const CXlCells expressions = regExp.Value().Cells();
   const CXlCells texts = withinText.Value().Cells();
-  const std::int32_t wanted = nth.Read();
-  const LetterCase letterCase = ReadLetterCase(caseSensitive);
-  if (wanted < 1) return;
+  const std::optional<WantedMatch> wanted = ReadWantedMatch(nth, caseSensitive, 1);
+  if (!wanted) return;
 
-  RegexPairs pairs(texts, expressions, letterCase);
+  RegexPairs pairs(texts, expressions, wanted->letterCase);
   result =
       pairs.Build([&](CXlArrayBuilder& array, const ResultPlace& place, XStringView text, const RegexPattern& pattern) {
-        const std::optional<RegexMatch> match = FindNth(pattern, text, wanted);
+        const std::optional<RegexMatch> match = FindNth(pattern, text, wanted->nth);
         if (!match)
           array.PutError(place.row, place.column, xlerrNA);
         else
@@ -85,18 +84,17 @@ void Functions::RegexMid(CXlOper& result, const CXlArgument& text, const CXlArgu
   result.SetError(xlerrValue);
   const CXlCells texts = text.Value().Cells();
   const CXlCells expressions = regExp.Value().Cells();
-  const std::int32_t wanted = nth.Read();
-  const LetterCase letterCase = ReadLetterCase(caseSensitive);
-  if (wanted < 0) return;
+  const std::optional<WantedMatch> wanted = ReadWantedMatch(nth, caseSensitive, 0);
+  if (!wanted) return;
 
-  RegexPairs pairs(texts, expressions, letterCase);
-  if (wanted == 0) {
+  RegexPairs pairs(texts, expressions, wanted->letterCase);
+  if (wanted->nth == 0) {
     RunsWithout<CXlRegexLimitException>([&] { result = ListMatches(pairs); });
     return;
   }
   result = pairs.Build(
       [&](CXlArrayBuilder& array, const ResultPlace& place, XStringView units, const RegexPattern& pattern) {
-        const std::optional<RegexMatch> match = FindNth(pattern, units, wanted);
+        const std::optional<RegexMatch> match = FindNth(pattern, units, wanted->nth);
         if (match)
           array.PutText(place.row, place.column, units.substr(match->place, match->units));
         else

@@ -12,10 +12,12 @@ void Functions::RegexIsLike(CXlOper& result, const CXlArgument& text, const CXlA
   result.SetError(xlerrValue);
   const CXlCells texts = text.Value().Cells();
   const CXlCells expressions = regExp.Value().Cells();
-  const LetterCase letterCase = ReadLetterCase(caseSensitive);
-  const RegexExtent extent = partialMatch.Read() ? RegexExtent::kAnyPart : RegexExtent::kWhole;
+  const std::optional<LetterCase> letterCase = ReadLetterCase(caseSensitive);
+  const std::optional<RegexExtent> extent =
+      ReadOption([&] { return partialMatch.Read() ? RegexExtent::kAnyPart : RegexExtent::kWhole; });
+  if (!letterCase || !extent) return;
 
-  RegexPairs pairs(texts, expressions, letterCase, extent);
+  RegexPairs pairs(texts, expressions, *letterCase, *extent);
   result =
       pairs.Build([](CXlArrayBuilder& array, const ResultPlace& place, XStringView units, const RegexPattern& pattern) {
         array.PutBoolean(place.row, place.column, pattern.Matches(units));

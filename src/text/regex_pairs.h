@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
+#include <type_traits>
 
 #include "frame/convert/argument.h"
 #include "frame/convert/cell_text.h"
@@ -15,8 +17,34 @@
 
 namespace quillmere::text {
 
-inline LetterCase ReadLetterCase(const CXlScalarArgument<ElementKind::kBoolean>& caseSensitive) {
-  return caseSensitive.Read() ? LetterCase::kCounts : LetterCase::kIgnored;
+// The options of a call. Nothing comes back for one that does not convert: the result then stays as it was set.
+
+/// `read` gives the option.
+template <class Read>
+std::optional<std::invoke_result_t<Read>> ReadOption(const Read& read) {
+  std::optional<std::invoke_result_t<Read>> option;
+  RunsWithout<CXlConversionException>([&] { option = read(); });
+  return option;
+}
+
+inline std::optional<LetterCase> ReadLetterCase(const CXlScalarArgument<ElementKind::kBoolean>& caseSensitive) {
+  return ReadOption([&] { return caseSensitive.Read() ? LetterCase::kCounts : LetterCase::kIgnored; });
+}
+
+/// Which match of each text is wanted.
+struct WantedMatch {
+  std::int32_t nth;
+  LetterCase letterCase;
+};
+
+/// Nothing for an nth below `least`, too.
+inline std::optional<WantedMatch> ReadWantedMatch(const CXlScalarArgument<ElementKind::kInteger>& nth,
+                                                  const CXlScalarArgument<ElementKind::kBoolean>& caseSensitive,
+                                                  std::int32_t least) {
+  const std::optional<std::int32_t> wanted = ReadOption([&] { return nth.Read(); });
+  const std::optional<LetterCase> letterCase = ReadLetterCase(caseSensitive);
+  if (!wanted || !letterCase || *wanted < least) return std::nullopt;
+  return WantedMatch{*wanted, *letterCase};
 }
 
 /// The texts and the expressions of a call.

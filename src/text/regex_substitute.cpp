@@ -40,11 +40,10 @@ void Functions::RegexSubstitute(CXlOper& result, const CXlArgument& text, const 
   const CXlCells texts = text.Value().Cells();
   const CXlCells expressions = regExp.Value().Cells();
   const PairedCells formats(newText.Value().Cells());
-  const std::int32_t wanted = nth.Read();
-  const LetterCase letterCase = ReadLetterCase(caseSensitive);
-  if (wanted < 0) return;
+  const std::optional<WantedMatch> wanted = ReadWantedMatch(nth, caseSensitive, 0);
+  if (!wanted) return;
 
-  RegexPairs pairs(texts, expressions, letterCase, RegexExtent::kAnyPart, {formats});
+  RegexPairs pairs(texts, expressions, wanted->letterCase, RegexExtent::kAnyPart, {formats});
   XString ownFormat;
   BoundedText replaced;
   result = pairs.Build(
@@ -56,7 +55,7 @@ void Functions::RegexSubstitute(CXlOper& result, const CXlArgument& text, const 
         }
         NumberTextBuffer number;
         AssignText(ownFormat, TextForm(*format, number));
-        const bool isChanged = Replace(units, pattern, ownFormat, wanted, replaced);
+        const bool isChanged = Replace(units, pattern, ownFormat, wanted->nth, replaced);
         array.PutText(place.row, place.column, isChanged ? replaced.View() : units);
       });
 }
