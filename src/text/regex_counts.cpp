@@ -13,7 +13,8 @@
 namespace quillmere::text {
 namespace {
 
-/// Calls take(places, count) with the places of the cells that match, counted from 0, batch after batch.
+/// Calls take(first, places) with the places of the cells that match, counted from the `first` cell of a batch, batch
+/// after batch.
 template <class Take>
 void ForMatching(const CXlCells& cells, const RegexPattern& pattern, const Take& take) {
   constexpr std::int64_t kBatch = 1'024;

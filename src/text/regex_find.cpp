@@ -18,6 +18,7 @@ std::optional<RegexMatch> FindNth(const RegexPattern& pattern, XStringView text,
 
 /// One row for each pair, its matches side by side, and empty text behind the last.
 CXlOper ListMatches(RegexPairs& pairs) {
+  CheckArraySize(pairs.Count(), 1);
   ScratchList<RegexMatch> found;
   ScratchList<std::size_t> ends;  // how many there are with those of each pair
   std::size_t widest = 1;

@@ -65,8 +65,8 @@ class RegexPairs {
     }
   }
 
-  std::int32_t Rows() const noexcept { return rows_; }
-  std::int32_t Columns() const noexcept { return columns_; }
+  /// How many there are, those with no answer too.
+  std::int64_t Count() const noexcept { return std::int64_t{rows_} * columns_; }
 
   /// Row by row, calls match(place, text, pattern) where a text, or another value's text form, meets an expression, and
   /// tell(place, code) where no answer can be had: with the error that stands there, with #VALUE! for an expression
