@@ -20,15 +20,6 @@ double SumOf(std::span<const double> numbers, const Term& term) {
   return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
 }
 
-/// Adds a number to a sum, and to `lost` what the addition loses: by Knuth's two-sum, which needs not know which of
-/// both is the larger.
-void AddTo(double& sum, double& lost, double number) noexcept {
-  const double next = sum + number;
-  const double added = next - sum;
-  lost += (sum - (next - added)) + (number - added);
-  sum = next;
-}
-
 void WriteError(std::int32_t code, XLOPER12& to) { to = ErrorCell(code); }
 
 /// As NumberCell, but written in place: of many short lines the results would otherwise take longest.
@@ -71,30 +62,6 @@ void GatheredCells::GatherOthers(const XLOPER12* first, std::int32_t count, std:
     else if (!error_)
       error_ = KnownErrorCode(cell.val.err);
   }
-}
-
-void CompensatedSum::Add(std::span<const double> numbers) noexcept {
-  constexpr std::size_t kLanes = 4;
-  double sum = sum_;
-  double lost = lost_;
-  std::size_t at = 0;
-  if (numbers.size() >= 4 * kLanes) {
-    std::array<double, kLanes> sums{};
-    std::array<double, kLanes> losses{};
-    for (; at + kLanes <= numbers.size(); at += kLanes)
-      for (std::size_t lane = 0; lane < kLanes; ++lane) AddTo(sums[lane], losses[lane], numbers[at + lane]);
-    for (const double each : sums) AddTo(sum, lost, each);
-    for (const double each : losses) lost += each;
-  }
-  for (; at < numbers.size(); ++at) AddTo(sum, lost, numbers[at]);
-  if (!std::isfinite(sum)) [[unlikely]] {
-    // What goes one against the other in their order may have come together in a lane, beyond all numbers.
-    sum = sum_;
-    lost = lost_;
-    for (const double number : numbers) AddTo(sum, lost, number);
-  }
-  sum_ = sum;
-  lost_ = lost;
 }
 
 void Moments::Add(std::span<const double> numbers) noexcept {

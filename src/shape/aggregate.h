@@ -10,6 +10,7 @@
 #include "frame/values/cell.h"
 #include "frame/values/scratch_array.h"
 #include "frame/values/scratch_list.h"
+#include "table/compensated_sum.h"
 
 namespace quillmere::shape {
 
@@ -60,18 +61,6 @@ class GatheredCells {
   std::size_t count_ = 0;
   std::int64_t filled_ = 0;
   std::optional<std::int32_t> error_;
-};
-
-/// A sum that carries what rounding takes from it: Neumaier, "Rundungsfehleranalyse einiger Verfahren zur Summation
-/// endlicher Summen" (1974). One that overflows is not finite, and stays so.
-class CompensatedSum {
- public:
-  void Add(std::span<const double> numbers) noexcept;
-  double Value() const noexcept { return sum_ + lost_; }
-
- private:
-  double sum_ = 0;
-  double lost_ = 0;  ///< by its additions
 };
 
 /// The mean, and the squares of the deviations from it. Each block of numbers is passed twice, once for its mean and
