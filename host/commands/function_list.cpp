@@ -217,7 +217,10 @@ std::string DescribeFully(const RegisteredFunction& function, const FunctionPage
   if (!function.type.arguments.empty()) text += "  arguments:\n" + DescribeArguments(function, page);
   if (!page) return text;
   if (!page->text.empty()) text += "\n" + Indented(page->text, 2);
-  if (!page->example.empty()) text += "\n  " + page->example + " gives " + page->result + "\n";
+  if (!page->example.empty()) {
+    text += "\n  " + (page->given.empty() ? "" : "Where " + page->given + ": ") + page->example + " gives " +
+            page->result + "\n";
+  }
   return text;
 }
 

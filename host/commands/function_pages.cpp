@@ -29,6 +29,7 @@ FunctionPage ReadFunction(const Json& page) {
   function.text = page.at("page");
   function.example = page.value("example", "");
   function.result = page.value("result", "");
+  function.given = page.value("given", "");
   return function;
 }
 

@@ -25,6 +25,7 @@ struct FunctionPage {
   std::vector<ArgumentPage> arguments;  ///< in registered order
   std::string text;
   std::string example, result;
+  std::string given;  ///< what the example's result rests on; empty for nothing
 };
 
 /// Pages by the function's name without case (FoldCase).

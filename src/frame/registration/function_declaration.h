@@ -77,9 +77,6 @@ struct FunctionDeclaration {
   int interfaces = 2;     ///< 2: NAME_12 alone is exported; 3: NAME_4 as well
   int helpId = 0;         ///< topic in the help file; 0: none
   XStringView help = {};  ///< shown by the function wizard
-  XStringView longText = {};
-  XStringView exampleFormula = {};
-  XStringView exampleResult = {};
   std::span<const ArgumentDeclaration> arguments = {};
 };
 

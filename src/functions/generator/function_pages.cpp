@@ -39,6 +39,7 @@ GeneratedFile FunctionPages(const std::vector<Family>& families) {
       if (!function.exampleFormula.empty()) {
         page["example"] = function.exampleFormula;
         page["result"] = function.exampleResult;
+        if (!function.exampleGiven.empty()) page["given"] = function.exampleGiven;
       }
       page["arguments"] = ArgumentsOf(function);
       pages.push_back(std::move(page));

@@ -82,6 +82,8 @@ struct Function {
   std::string longText;
   std::string exampleFormula;
   std::string exampleResult;
+  std::string exampleGiven;                ///< what the workbook holds, for the reader
+  std::vector<std::string> exampleBefore;  ///< the same as commands of a script
   Place place;
 
   /// The export's name without suffix.

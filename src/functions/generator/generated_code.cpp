@@ -226,8 +226,6 @@ void WriteDeclaration(CodeFile& file, const Function& function) {
                   std::to_string(function.category) + ", .flags = " + std::to_string(function.flags) +
                   ", .interfaces = " + std::to_string(function.excel4 ? 3 : 2) +
                   ", .helpId = " + std::to_string(function.helpId) + ", .help = " + WideLiteral(function.description) +
-                  ", .longText = " + WideLiteral(function.longText) + ", .exampleFormula = " +
-                  WideLiteral(function.exampleFormula) + ", .exampleResult = " + WideLiteral(function.exampleResult) +
                   ", .arguments = " + (arguments.empty() ? "{}" : ArgumentList(function)) + "};");
 }
 
@@ -332,8 +330,9 @@ GeneratedFile Examples(const std::vector<Family>& families) {
     for (const Function& function : family.functions) {
       if (function.exampleFormula.empty()) continue;
       text += "\ncase " + function.name + ", the example of " + TableName(function.place) + ":" +
-              std::to_string(function.place.line) + "\neval " + function.exampleFormula + "\nexpect " +
-              function.exampleResult + "\n";
+              std::to_string(function.place.line) + "\n";
+      for (const std::string& command : function.exampleBefore) text += command + "\n";
+      text += "eval " + function.exampleFormula + "\nexpect " + function.exampleResult + "\n";
     }
   }
   return {"examples.calc", text};

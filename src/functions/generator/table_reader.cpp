@@ -283,9 +283,13 @@ class FamilyReader {
     }
     const toml::table* table = fields.Table("example");
     if (!table) return;
-    const StrictTable example = Fields(*table, "an example", {"formula", "result"});
+    const StrictTable example = Fields(*table, "an example", {"formula", "result", "given", "before"});
     function.exampleFormula = ReadText(example, "formula", false);
     function.exampleResult = ReadText(example, "result", false);
+    if (example.Has("given")) function.exampleGiven = ReadText(example, "given", false);
+    function.exampleBefore = example.OptionalTexts("before");
+    if (function.exampleGiven.empty() != function.exampleBefore.empty())
+      example.ComplainAt("formula", "an example has both 'given' and 'before', or neither");
     if (!function.exampleFormula.starts_with("=") ||
         function.exampleFormula.find(function.name + "(") == std::string::npos) {
       example.ComplainAt("formula", "the example is no formula that calls " + function.name);
