@@ -139,8 +139,7 @@ Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value>
   if (const int changed = arguments.FirstChanged(true))
     host_.complaints.Add(frame.function + " changed its argument " + std::to_string(changed));
   Value result = TakeResult(function, word, arguments, frame);
-  if (frame.isVolatile)
-    if (RegisteredFunction* own = host_.registry.Find(function.id)) own->isVolatile = *frame.isVolatile;
+  if (frame.isVolatile && context.askedVolatile) *context.askedVolatile = *frame.isVolatile;
   if (frame.uncalculated) throw UncalculatedCell(*frame.uncalculated);
   return result;
 }

@@ -11,7 +11,7 @@
 
 namespace qcalc {
 
-/// One registration. `name` is the function text; `isVolatile` follows the marks until xlfVolatile says otherwise.
+/// One registration. `name` is the function text.
 struct RegisteredFunction : AddinFunction {
   double id = 0;  ///< negative for some, as Excel's ids are
   int useCount = 1;

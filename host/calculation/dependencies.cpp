@@ -62,6 +62,7 @@ void Dependencies::Connect() {
 }
 
 bool Dependencies::IsVolatile(const FormulaPlace& place) const {
+  if (place.cell->askedVolatile) return *place.cell->askedVolatile;
   bool found = false;
   VisitNodes(place.cell->formula.Root(), [&](const FormulaNode& node) {
     if (found || node.kind != FormulaNode::Kind::kCall || !context_.addin) return;

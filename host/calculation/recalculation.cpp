@@ -120,6 +120,7 @@ class Pass {
     context.workbooks = &workbooks_;
     context.sheet = place.sheet;
     context.caller = {place.sheet->Id(), {place.OwnCell()}};
+    context.askedVolatile = &place.cell->askedVolatile;
     try {
       Store(number, Dereference(qcalc::Evaluate(place.cell->formula, context, unknown_), workbooks_));
     } catch (const UncalculatedCell& met) {

@@ -27,9 +27,10 @@ struct CellPosition {
 /// A formula in a cell. Its value stands in the sheet's cells, as any other.
 struct FormulaCell {
   Formula formula;
-  std::optional<Area> spill;    ///< the cells that its array result fills, itself included
-  std::optional<Area> blocked;  ///< the cells that its array result would fill, were they empty
-  bool isDirty = true;          ///< to be calculated before its value counts
+  std::optional<Area> spill;          ///< the cells that its array result fills, itself included
+  std::optional<Area> blocked;        ///< the cells that its array result would fill, were they empty
+  bool isDirty = true;                ///< to be calculated before its value counts
+  std::optional<bool> askedVolatile;  ///< what a function that it called asked for by xlfVolatile, last
 };
 
 /// One worksheet. Any number of threads may read while none writes. Positions are zero-based.
