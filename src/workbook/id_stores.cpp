@@ -4,9 +4,9 @@
 #include <functional>
 #include <unordered_map>
 
-#include "frame/call/store_lock.h"
 #include "frame/entry/process_end.h"
 #include "table/cell_hash.h"
+#include "workbook/stores_mutex.h"
 
 namespace quillmere::workbook {
 namespace {
@@ -64,7 +64,6 @@ class Store {
 
 /// They take no memory before their first entry.
 struct IdStores {
-  CStoreMutex mutex;
   Store<TextMap> rowTexts;
   Store<NumberMap> rowNumbers;
   Store<NumberMap> columnNumbers;
@@ -77,13 +76,13 @@ Store<NumberMap>& StoreOf(NumberStore store) noexcept {
 
 template <class Map, class Key>
 std::optional<std::int32_t> FindIn(const Store<Map>& store, const Key& key) {
-  const CStoreLock lock(stores->mutex);
+  const CStoreLock lock(StoresMutex());
   return store.Find(key);
 }
 
 template <class Map, class Key>
 bool PutInto(Store<Map>& store, const Key& key, std::int32_t number) {
-  const CStoreLock lock(stores->mutex, kStoreWait);
+  const CStoreLock lock(StoresMutex(), kStoreWait);
   if (!lock.HoldsLock()) return false;
   store.Put(key, number);
   return true;
@@ -92,7 +91,7 @@ bool PutInto(Store<Map>& store, const Key& key, std::int32_t number) {
 template <class Map>
 bool Clear(Store<Map>& store) {
   Map emptied;  // freed when the lock has been given back: that may take longer than others wait for it
-  const CStoreLock lock(stores->mutex, kDestroyWait);
+  const CStoreLock lock(StoresMutex(), kDestroyWait);
   if (!lock.HoldsLock()) return false;
   store.Swap(emptied);
   return true;
@@ -105,12 +104,12 @@ std::optional<std::int32_t> FindRowId(XStringView key) { return FindIn(stores->r
 bool StoreRowId(XStringView key, std::int32_t number) { return PutInto(stores->rowTexts, key, number); }
 
 bool EraseRowId(XStringView key) {
-  const CStoreLock lock(stores->mutex, kStoreWait);
+  const CStoreLock lock(StoresMutex(), kStoreWait);
   return lock.HoldsLock() && stores->rowTexts.Erase(key);
 }
 
 std::vector<std::pair<XString, std::int32_t>> TextStoreEntries() {
-  const CStoreLock lock(stores->mutex);
+  const CStoreLock lock(StoresMutex());
   return stores->rowTexts.Entries();
 }
 
@@ -119,7 +118,7 @@ std::optional<std::int32_t> FindId(NumberStore store, std::int32_t key) { return
 bool StoreId(NumberStore store, std::int32_t key, std::int32_t number) { return PutInto(StoreOf(store), key, number); }
 
 std::optional<std::vector<std::pair<std::int32_t, std::int32_t>>> NumberStoreEntries(NumberStore store) {
-  const CStoreLock lock(stores->mutex, kStoreWait);
+  const CStoreLock lock(StoresMutex(), kStoreWait);
   if (!lock.HoldsLock()) return std::nullopt;
   return StoreOf(store).Entries();
 }
