@@ -6,6 +6,7 @@
 #include "excel/used_range/used_range_reader.h"
 #include "excel/wizard/wizard_extension.h"
 #include "frame/callbacks/used_range.h"
+#include "workbook/formula_memory.h"
 
 namespace quillmere {
 namespace {
@@ -21,6 +22,7 @@ void WireTheFrame(CXllApp& app) {
   app.SetObserver(Observer());
   app.AddOpenHook(WizardOpenHook());
   app.AddCloseHook(WizardCloseHook());
+  app.AddCloseHook(workbook::FormulaMemoryCloseHook());
 }
 
 }  // namespace quillmere

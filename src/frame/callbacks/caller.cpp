@@ -19,9 +19,14 @@ CXlOper CallingCells() {
   return IsOneArea(caller) ? std::move(caller) : CXlOper();
 }
 
-CellsSize CallingCellsSize() {
+CXlOper FindCallingCells() {
   CXlOper caller;
-  if (TryCallExcel(caller, xlfCaller) != xlretSuccess || !IsOneArea(caller)) throw CXlErrorException(xlerrNA);
+  return TryCallExcel(caller, xlfCaller) == xlretSuccess && IsOneArea(caller) ? std::move(caller) : CXlOper();
+}
+
+CellsSize CallingCellsSize() {
+  const CXlOper caller = FindCallingCells();
+  if (!caller.IsSet()) throw CXlErrorException(xlerrNA);
   const XLREF12& area = caller.Areas().front();
   return {area.rwLast - area.rwFirst + 1, area.colLast - area.colFirst + 1};
 }

@@ -11,6 +11,9 @@ namespace quillmere {
 /// where the call comes from elsewhere, or from several areas. A callback that fails is CXlErrorException with #VALUE!.
 CXlOper CallingCells();
 
+/// The same, but never set too where the callback fails.
+CXlOper FindCallingCells();
+
 /// The rows and columns of cells.
 struct CellsSize {
   std::int32_t rows;
