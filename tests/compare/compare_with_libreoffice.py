@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Holds the headless calculator against LibreOffice on random formulas.
 
-    apt-get install --no-install-recommends libreoffice-calc python3-uno
+    apt-get install --no-install-recommends libreoffice-calc-nogui python3-uno
     ./dev build native
     tests/compare/compare_with_libreoffice.py [--cases N] [--seed N] [--qcalc PROGRAM] [--show]
 

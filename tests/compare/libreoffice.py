@@ -1,52 +1,24 @@
 """LibreOffice as a calculator: cells and formulas go in, the values of the formulas come out."""
-import os
 import pathlib
-import subprocess
 import sys
-import tempfile
-import time
 
-import uno
+sys.path.append(str(pathlib.Path(__file__).parents[1] / "office"))
 
 from cases import BLOCK, Error, kind_of, literal
+from session import desktop_of_office, open_book
 
 # Texts that are numbers are taken for numbers, as Excel takes them.
-SETTINGS = """<?xml version="1.0" encoding="UTF-8"?>
-<oor:items xmlns:oor="http://openoffice.org/2001/registry"><item oor:path="/org.openoffice.Office.Calc/Formula/Syntax">
-<prop oor:name="StringConversion"><value>3</value></prop></item></oor:items>"""
+SETTINGS = [("Calc/Formula/Syntax", "StringConversion", 3)]
 
 
 def ask_libreoffice(cases):
     """LibreOffice's result of each case. It is asked over its own interface, since what it writes has 15 digits."""
-    with tempfile.TemporaryDirectory() as name:
-        profile = pathlib.Path(name)
-        (profile / "user").mkdir()
-        (profile / "user/registrymodifications.xcu").write_text(SETTINGS)
-        office = subprocess.Popen(["soffice", f"-env:UserInstallation={profile.as_uri()}", "--headless", "--norestore",
-                                   f"--accept=pipe,name={profile.name};urp;"],
-                                  stderr=subprocess.DEVNULL, env={**os.environ, "LC_ALL": "C.UTF-8"})
-        try:
-            desktop = connect(f"uno:pipe,name={profile.name};urp;StarOffice.ComponentContext")
-            book = desktop.loadComponentFromURL("private:factory/scalc", "_blank", 0, ())
-            book.Wildcards = book.IgnoreCase = True
-            results = calculate_in(book.Sheets.getByIndex(0), cases)
-            book.close(True)
-            desktop.terminate()
-        finally:
-            office.wait(60)
+    with desktop_of_office(SETTINGS) as desktop:
+        book = open_book(desktop, "private:factory/scalc")
+        book.Wildcards = book.IgnoreCase = True
+        results = calculate_in(book.Sheets.getByIndex(0), cases)
+        book.close(True)
     return results
-
-
-def connect(address):
-    local = uno.getComponentContext()
-    resolver = local.ServiceManager.createInstanceWithContext("com.sun.star.bridge.UnoUrlResolver", local)
-    for _ in range(600):
-        try:
-            context = resolver.resolve(address)
-            return context.ServiceManager.createInstanceWithContext("com.sun.star.frame.Desktop", context)
-        except uno.getClass("com.sun.star.connection.NoConnectException"):
-            time.sleep(0.1)
-    sys.exit("LibreOffice does not answer")
 
 
 def calculate_in(sheet, cases):
