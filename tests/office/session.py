@@ -16,8 +16,8 @@ BUILD = pathlib.Path(__file__).parents[2] / "build"
 def desktop_of_office(settings):
     """LibreOffice's desktop, until the end of the block, with settings as (path of the configuration below
     org.openoffice.Office, property, value)."""
-    items = "".join(f'<item oor:path="/org.openoffice.Office.{path}"><prop oor:name="{name}"><value>{value}</value></prop></item>'
-                    for path, name, value in settings)
+    items = "".join(f'<item oor:path="/org.openoffice.Office.{path}"><prop oor:name="{name}"><value>{value}</value>'
+                    "</prop></item>" for path, name, value in settings)
     BUILD.mkdir(exist_ok=True)
     with tempfile.TemporaryDirectory(dir=BUILD, ignore_cleanup_errors=True) as name:
         profile = pathlib.Path(name).resolve()

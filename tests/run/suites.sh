@@ -3,6 +3,7 @@
 source tests/run/functions.sh
 source tests/run/runners.sh
 source tests/run/command_line.sh
+source tests/run/companion.sh
 
 guarded=build/windows/bin/Quillmere4_guarded.xll
 
@@ -54,7 +55,7 @@ declare -A wanted=()
 want() {
   local part
   case $1 in
-    checks | faults | fuzz | generator | guard | models | scripts | unit) wanted[$1]=all ;;
+    checks | companion | faults | fuzz | generator | guard | models | scripts | unit) wanted[$1]=all ;;
     host)
       wanted[host]=all
       want_some scripts host windows
@@ -86,14 +87,14 @@ run_in() {
   at_once "${runner}_suite" "$name" "$part" "${wanted[$part]}" "${@:8}"
 }
 
-# run_tests [WORD...]: the parts of that name, or all; native ones first, since their build is the cheapest.
+# run_tests [WORD...]: the parts of that name, or all that need no LibreOffice; native ones first, since their build is the cheapest.
 run_tests() {
   local word build targets
   (($#)) || set -- checks faults fuzz generator guard host models scripts unit
   for word in "$@"; do
     want "$word" || {
-      echo "no tests named '$word'. There are checks, faults, fuzz, generator, guard, host, models, scripts, unit, and of a" \
-        "family: $(families | paste -sd ' ')" >&2
+      echo "no tests named '$word'. There are checks, companion, faults, fuzz, generator, guard, host, models, scripts, unit," \
+        "and of a family: $(families | paste -sd ' ')" >&2
       return 2
     }
   done
@@ -106,5 +107,6 @@ run_tests() {
     each_suite run_in "$build"
     wait
   done
+  ! is_wanted companion whole || run_companion
   close_runs
 }
