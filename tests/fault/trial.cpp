@@ -90,7 +90,12 @@ TrialRunner::TrialRunner(Session& session, CallValues& values) : values_(values)
 }
 
 Value TrialRunner::Call(const RegisteredFunction& function, std::span<const Value> operands) {
-  return values_.Context().addin->Call(function, operands, values_.Context());
+  // Each stands in a cell of its own: what one keeps there is none of the others' business.
+  EvaluationContext context = values_.Context();
+  const auto place = std::ranges::find(functions_, &function) - functions_.begin();
+  context.caller.areas[0].firstRow += static_cast<std::int32_t>(place);
+  context.caller.areas[0].lastRow += static_cast<std::int32_t>(place);
+  return context.addin->Call(function, operands, context);
 }
 
 void TrialRunner::FindWitnesses(const RegisteredFunction& function) {

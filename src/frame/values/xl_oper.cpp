@@ -201,7 +201,9 @@ const XLOPER12& CXlOper::Raw() const noexcept {
 }
 
 void CXlOper::ReturnInto(XLOPER12& slot) noexcept {
-  if (!IsSet()) {
+  const bool isSheetAlone = Type() == xltypeRef && value_.val.mref.lpmref == nullptr;
+  if (!IsSet() || isSheetAlone) {
+    Reset();
     slot = ErrorCell(xlerrValue);
     return;
   }

@@ -115,8 +115,9 @@ class CXlOper {
   }
 
   /// Hands the value back to Excel in `slot`, marked for xlAutoFree12 or xlFree where somebody must free it, and leaves
-  /// this value never set. A number that is not finite becomes #NUM!, a value never set #VALUE!. A borrowed value is
-  /// handed back as it is: Excel, or whoever else lent it, must still own it.
+  /// this value never set. A number that is not finite becomes #NUM!; a value never set #VALUE!, and so does a sheet's
+  /// identifier alone, which Excel may have answered with. A borrowed value is handed back as it is: Excel, or whoever
+  /// else lent it, must still own it.
   void ReturnInto(XLOPER12& slot) noexcept;
 
  private:
