@@ -45,6 +45,14 @@ XLOPER12 OneCell() {
   return reference;
 }
 
+XLOPER12 SheetName() {
+  static XCHAR counted[] = XTEXT("\x0D[Book1]Sheet1");
+  XLOPER12 name{};
+  name.val.str = counted;
+  name.xltype = xltypeStr;
+  return name;
+}
+
 extern "C" int Answer(int xlfn, int, XLOPER12** arguments, XLOPER12* result) {
   if (xlfn == xlfCaller) {
     *result = OneCell();
@@ -60,6 +68,12 @@ extern "C" int Answer(int xlfn, int, XLOPER12** arguments, XLOPER12* result) {
       return xlretSuccess;
     case xlfValue:
       *result = NumberIn(TextOf(first));
+      return xlretSuccess;
+    case xlSheetNm:
+      *result = SheetName();
+      return xlretSuccess;
+    case xlfGetCell:
+      *result = NumberCell(arguments[1]->val.sref.ref.rwFirst % 2 == 0 ? 15 : 0);
       return xlretSuccess;
     case xlfSum:
       *result = NumberCell(SumOf(first));
