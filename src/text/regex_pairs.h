@@ -11,7 +11,7 @@
 #include "frame/convert/cell_text.h"
 #include "frame/errors/attempt.h"
 #include "frame/values/array_builder.h"
-#include "text/paired_cells.h"
+#include "table/paired_cells.h"
 #include "text/prefetch_ahead.h"
 #include "text/regex/pattern_cache.h"
 
