@@ -18,7 +18,7 @@
 #include "frame/values/scratch_array.h"
 #include "sort/code_layout.h"
 #include "sort/raw_values.h"
-#include "sort/word_sort.h"
+#include "table/word_sort.h"
 
 namespace quillmere::sort {
 

@@ -1,11 +1,11 @@
-#include "sort/word_sort.h"
+#include "table/word_sort.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
 
-namespace quillmere::sort {
+namespace quillmere {
 namespace {
 
 /// Fewer words are compared with each other: to count their digits would cost more.
@@ -75,4 +75,4 @@ void SortWords(std::span<std::uint64_t> words, std::span<std::uint64_t> spare, i
   if (from != words.data()) std::copy_n(from, words.size(), words.data());
 }
 
-}  // namespace quillmere::sort
+}  // namespace quillmere
