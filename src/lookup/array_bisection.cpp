@@ -8,6 +8,7 @@
 
 #include "lookup/array_rows.h"
 #include "lookup/bisection_top.h"
+#include "lookup/sorted_run.h"
 
 namespace quillmere::lookup {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "lookup/bisection.h"
+#include "table/bisection.h"
 #include "table/cell_tuples.h"
 
 namespace quillmere::lookup {

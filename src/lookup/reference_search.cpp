@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "frame/callbacks/callbacks.h"
-#include "lookup/bisection.h"
 #include "lookup/match_walk.h"
 #include "lookup/scanned_rows.h"
+#include "lookup/sorted_run.h"
 
 namespace quillmere::lookup {
 namespace {

@@ -1,19 +1,17 @@
-// Bisection of a sorted table: which of equal rows it ends at, and what it says where no row is equal.
+// Bisection of a sorted table: which of equal rows it ends at, and where it ends when no row is equal.
 #pragma once
 
 #include <cstdint>
 
-#include "lookup/found_rows.h"
-#include "lookup/lookup_arguments.h"
 #include "table/sort_order.h"
 
-namespace quillmere::lookup {
+namespace quillmere {
 
 /// Which end of a run of equal rows a bisection looks for.
 enum class RunEnd { kFirst, kLast };
 
-/// One bisection in progress, over 0-based rows. Empty cells of the first key column are taken as lying after every key
-/// in either order, so that blank rows at the end of a table are never found.
+/// One bisection in progress, over 0-based rows. An empty cell is taken as lying after every key in either
+/// order, so that blank rows at the end of a table are never found.
 struct Bisection {
   std::int32_t low = -1;
   std::int32_t high;
@@ -47,37 +45,11 @@ struct Bisection {
   void StepOverEmpty() noexcept { high = Middle(); }
 
   /// The row that it ended at: the first or last equal row; where none is equal, the nearest before the key in the
-  /// table's order, kNoRow when the key comes before them all.
+  /// table's order, -1 when the key comes before them all.
   template <RunEnd end>
   std::int32_t Row() const noexcept {
     return end == RunEnd::kFirst && equal ? high : low;
   }
 };
 
-/// What a search of a sorted table found for one key. Where one end of the run is known, both are that.
-struct SortedRun {
-  std::int32_t first = kNoRow;
-  std::int32_t last = kNoRow;
-  bool equal = false;  ///< else `first` is the nearest row, or kNoRow
-};
-
-/// What a bisection that is done tells of the end that it looked for.
-template <RunEnd end>
-SortedRun RunOf(const Bisection& bisection) noexcept {
-  const std::int32_t row = bisection.Row<end>();
-  return {row, row, bisection.equal};
-}
-
-/// Which ends of a run must be known for the row that is wanted.
-enum class RunEnds { kFirst, kLast, kBoth };
-
-constexpr RunEnds NeededEnds(SortOrder order, std::int32_t position) noexcept {
-  if (position > 1 || position == wanted_match::kAll) return RunEnds::kBoth;
-  if (position == wanted_match::kDefault) return order == SortOrder::kAscending ? RunEnds::kLast : RunEnds::kFirst;
-  return position == wanted_match::kLast ? RunEnds::kLast : RunEnds::kFirst;
-}
-
-/// Adds the wanted rows of a key. With `exact` a nearest row counts as no match; else it stands for the only one.
-void RecordRun(const SortedRun& run, std::int32_t position, bool exact, FoundRows& found);
-
-}  // namespace quillmere::lookup
+}  // namespace quillmere

@@ -1,4 +1,4 @@
-#include "lookup/bisection.h"
+#include "lookup/sorted_run.h"
 
 namespace quillmere::lookup {
 
