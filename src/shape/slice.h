@@ -11,9 +11,6 @@
 
 namespace quillmere::shape {
 
-/// Cells of a reference that are sooner read with those around them than left out, which takes another callback.
-inline constexpr std::int32_t kCellsWorthACallback = 256;
-
 /// Places that follow each other, from 0.
 struct PlaceRun {
   std::int32_t first;

@@ -7,6 +7,9 @@
 
 namespace quillmere {
 
+/// Cells of a reference that are sooner read with those around them than left out, which takes another callback.
+inline constexpr std::int32_t kCellsWorthACallback = 256;
+
 /// A table of cells, viewed where it is: it owns nothing. Of a reference it keeps the place; any other value must
 /// outlive it. Rows and columns count from 0 here. An array's cells are read in place; a reference's cost a callback
 /// each, and each read has a name that says so. A callback that fails raises CXlErrorException with #VALUE!.
