@@ -49,18 +49,25 @@ class CXlArgument {
   /// cells but the empty ones, row by row. Further messages: 12 (one of several does not convert), 13 (none is there).
   template <ElementKind kind>
   CElementArray<kind> AsList() const {
-    if (OnlyCell(Value())) {
-      CElementArray<kind> one{1, 1, std::make_unique<ElementOf<kind>[]>(1)};
-      one.values[0] = As<kind>();
-      return one;
-    }
-    CVectorConvertParams<kind> params(Name(), CVectorConvertParamsBase::Shape::kList);
-    CElementArray<kind> list = ConvertArgument(Value(), params);
+    CElementArray<kind> list = ReadCells<kind>(CVectorConvertParamsBase::Shape::kList);
     for (const ElementOf<kind>& value : list.Values()) CheckAllowed(value, ScalarParams<kind>());
     return list;
   }
 
+  /// The same as a matrix: every cell in its place.
+  template <ElementKind kind>
+  CElementArray<kind> AsMatrix() const {
+    return ReadCells<kind>(CVectorConvertParamsBase::Shape::kMatrix);
+  }
+
  private:
+  template <ElementKind kind>
+  CElementArray<kind> ReadCells(CVectorConvertParamsBase::Shape shape) const {
+    if (!OnlyCell(Value())) return ConvertArgument(Value(), CVectorConvertParams<kind>(Name(), shape));
+    CElementArray<kind> one{1, 1, std::make_unique<ElementOf<kind>[]>(1)};
+    one.values[0] = As<kind>();
+    return one;
+  }
   template <ElementKind kind>
   CScalarConvertParams<kind> ScalarParams() const {
     CScalarConvertParams<kind> params(Name());
