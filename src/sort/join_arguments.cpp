@@ -9,15 +9,6 @@
 namespace quillmere::sort {
 namespace {
 
-/// The key columns, 1-based. All cells of a selector count, row by row, whatever its shape.
-SelectedColumns FindKeyColumns(const CXlOper& selector, const TableView& table) {
-  const CXlCells cells = selector.Cells();
-  if (cells.Count() > kXlMaxColumns) throw CXlErrorException(xlerrValue);
-  SelectedColumns selected = SelectColumns({cells.first, 1, static_cast<std::int32_t>(cells.Count())}, table);
-  if (selected.failed) throw CXlErrorException(xlerrValue);
-  return selected;
-}
-
 JoinTable ReadTable(const TableView& table, const SelectedColumns& keys, std::int32_t headerRows) {
   JoinTable read{table.ReadAll(), keys.columns, headerRows};
   for (std::int32_t& column : read.keyColumns) --column;
@@ -38,8 +29,8 @@ std::optional<JoinPlan> ReadJoin(const JoinArguments& arguments, CXlOper& result
 
   const CXlOper& leftSelector = arguments.leftColumns.Value();
   const CXlOper& rightSelector = arguments.rightColumns.IsGiven() ? arguments.rightColumns.Value() : leftSelector;
-  const SelectedColumns leftKeys = FindKeyColumns(leftSelector, left);
-  const SelectedColumns rightKeys = FindKeyColumns(rightSelector, right);
+  const SelectedColumns leftKeys = RequireColumns(leftSelector, left);
+  const SelectedColumns rightKeys = RequireColumns(rightSelector, right);
   if (leftKeys.columns.size() != rightKeys.columns.size()) throw CXlErrorException(xlerrValue);
 
   const TextCase textCase = arguments.caseSense.Read() ? TextCase::kCounts : TextCase::kIgnored;

@@ -35,6 +35,14 @@ SelectedColumns SelectColumns(const CXlCells& selector, const TableView& table) 
   return Select(selector, count, FoldedLabels(RowLine(table.Cells(), 0), selector.columns));
 }
 
+SelectedColumns RequireColumns(const CXlOper& selector, const TableView& table) {
+  const CXlCells cells = selector.Cells();
+  if (cells.Count() > kXlMaxColumns) throw CXlErrorException(xlerrValue);
+  SelectedColumns selected = SelectColumns({cells.first, 1, static_cast<std::int32_t>(cells.Count())}, table);
+  if (selected.failed) throw CXlErrorException(xlerrValue);
+  return selected;
+}
+
 SelectedColumns SelectRows(const CXlCells& selector, const TableView& table) {
   const std::int32_t count = table.Rows();
   if (table.IsReference()) return Select(selector, count, ExcelLabels(table.Part(0, 0, count, 1)));

@@ -20,7 +20,11 @@ struct SelectedColumns {
 /// folded, the first such counting. Any other entry fails, as does a label for which MATCH fails.
 SelectedColumns SelectColumns(const CXlCells& selector, const TableView& table);
 
-/// The same across: rows of a table whose first column holds the labels.
+/// The same for a selector of any shape, all of whose cells count, row by row, and where one that fails, or has more
+/// cells than a sheet has columns, is CXlErrorException with #VALUE!.
+SelectedColumns RequireColumns(const CXlOper& selector, const TableView& table);
+
+/// SelectColumns across: rows of a table whose first column holds the labels.
 SelectedColumns SelectRows(const CXlCells& selector, const TableView& table);
 
 }  // namespace quillmere
