@@ -17,9 +17,8 @@ class CompensatedSum {
   void Add(std::span<const double> numbers) noexcept;
   double Value() const noexcept { return sum_ + lost_; }
 
- private:
-  /// Adds a number to a sum, and to `lost` what the addition loses: by Knuth's two-sum, which needs not know which of
-  /// both is the larger.
+  /// A step of such a sum, for one that is kept elsewhere: adds a number to `sum`, and to `lost` what the addition
+  /// loses: by Knuth's two-sum, which needs not know which of both is the larger.
   static void AddTo(double& sum, double& lost, double number) noexcept {
     const double next = sum + number;
     const double added = next - sum;
@@ -27,6 +26,7 @@ class CompensatedSum {
     sum = next;
   }
 
+ private:
   double sum_ = 0;
   double lost_ = 0;  ///< by its additions
 };
