@@ -112,8 +112,12 @@ const AddinFunction* Addin::FindCommand(XStringView name) const {
   return function && function->IsCommand() ? function : nullptr;
 }
 
+const RegisteredFunction& Addin::ByInterface(const RegisteredFunction& function) const {
+  return host_.settings.narrowCalls && function.narrow ? *function.narrow : function;
+}
+
 Value Addin::Call(const AddinFunction& called, std::span<const Value> operands, const EvaluationContext& context) {
-  const auto& function = static_cast<const RegisteredFunction&>(called);
+  const RegisteredFunction& function = ByInterface(static_cast<const RegisteredFunction&>(called));
   if (function.type.isThreadSafe) return CallHere(function, operands, context);
   const CallContext* outer = CallContext::Current();
   if (outer && outer->place == Place::kThreadSafeFunction) throw NotThreadSafe{};
@@ -163,9 +167,10 @@ Value Addin::TakeResult(const RegisteredFunction& function, std::uintptr_t word,
   }
 }
 
-Timing Addin::Time(const RegisteredFunction& function, std::span<const Value> operands, int count,
+Timing Addin::Time(const RegisteredFunction& registered, std::span<const Value> operands, int count,
                    const EvaluationContext& context) {
   using Clock = std::chrono::steady_clock;
+  const RegisteredFunction& function = ByInterface(registered);
   Timing timing;
   Arguments arguments(argumentCache_, host_.FormOf(context), host_.settings.marks);
   if (const auto refused = arguments.Build(function, operands)) {

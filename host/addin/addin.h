@@ -53,6 +53,8 @@ class Addin final : public IAddinFunctions {
               const EvaluationContext& context);
 
  private:
+  /// The function by the entry point that the settings ask for.
+  const RegisteredFunction& ByInterface(const RegisteredFunction& function) const;
   Value CallHere(const RegisteredFunction& function, std::span<const Value> operands, const EvaluationContext& context);
   /// Whether threads that were not there before still run in the library; they go to the complaints.
   bool HasLeftThreads();

@@ -28,6 +28,7 @@ const RegisteredFunction& Registry::Add(std::unique_ptr<RegisteredFunction> func
     ++entered->useCount;
   } else {
     function->id = NextId();
+    if (function->narrow) function->narrow->id = function->id;
     entered = functions_.emplace_back(std::move(function)).get();
   }
   if (!entered->name.empty()) names_[FoldCase(entered->name)] = entered;

@@ -26,6 +26,9 @@ struct RegisteredFunction : AddinFunction {
   XString helpTopic;
   XString help;
   std::vector<XString> argumentHelp;
+  /// The same function by its 8-bit entry point, under that one's own name and with the marks of this registration;
+  /// null where the library has none.
+  std::shared_ptr<RegisteredFunction> narrow;
 
   bool IsCommand() const { return macroType == 2; }
   bool IsHidden() const { return macroType == 0; }

@@ -87,6 +87,17 @@ Passing PassingOf(TypeLetter letter) {
   }
 }
 
+TypeLetter NarrowLetter(TypeLetter letter) {
+  switch (letter.letter) {
+    case 'Q':
+      return {'P'};
+    case 'U':
+      return {'R'};
+    default:
+      return {letter.letter};
+  }
+}
+
 bool IsOfferedArgument(TypeLetter letter) {
   return letter.isWide ? std::string_view("CDK").find(letter.letter) != std::string_view::npos
                        : std::string_view("ACDHIJPQRU").find(letter.letter) != std::string_view::npos;

@@ -46,6 +46,9 @@ std::variant<TypeText, std::string> ParseTypeText(XStringView text);
 /// For the letters that the host offers.
 Passing PassingOf(TypeLetter letter);
 
+/// What stands in the type text of the 8-bit entry point in place of a letter of the 16-bit one.
+TypeLetter NarrowLetter(TypeLetter letter);
+
 /// Whether the host can pass arguments of that letter, and return results of it.
 bool IsOfferedArgument(TypeLetter letter);
 bool IsOfferedResult(TypeLetter letter);

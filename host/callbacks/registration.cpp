@@ -102,6 +102,21 @@ std::unique_ptr<RegisteredFunction> ReadRegistration(const CallbackRequest& requ
   return function;
 }
 
+/// The function by the 8-bit entry point that stands beside its own: NAME_4 beside NAME_12. Null where the library has
+/// none, or one with letters that the host does not offer.
+std::shared_ptr<RegisteredFunction> NarrowOf(const RegisteredFunction& function, const Library& library) {
+  constexpr XStringView kWideEnd = XTEXT("_12");
+  constexpr XStringView kNarrowEnd = XTEXT("_4");
+  if (!function.procedure.ends_with(kWideEnd)) return nullptr;
+  auto narrow = std::make_shared<RegisteredFunction>(function);
+  narrow->procedure.replace(narrow->procedure.size() - kWideEnd.size(), kWideEnd.size(), kNarrowEnd);
+  narrow->name = narrow->procedure;
+  narrow->entry = library.Find(ToUtf8(narrow->procedure));
+  narrow->type.result = NarrowLetter(function.type.result);
+  for (TypeLetter& letter : narrow->type.arguments) letter = NarrowLetter(letter);
+  return narrow->entry && std::ranges::all_of(narrow->type.arguments, IsOfferedArgument) ? narrow : nullptr;
+}
+
 }  // namespace
 
 CallbackAnswer HandleRegister(CallbackRequest& request) {
@@ -122,7 +137,9 @@ CallbackAnswer HandleRegister(CallbackRequest& request) {
       return refuse("of " + name + ": this host does not offer the letter " + std::string(1, letter.letter) +
                     (letter.isWide ? "%" : ""));
   ComplainOfTexts(request, type);
-  return Value::Number(request.Host().registry.Add(ReadRegistration(request, std::move(type), entry)).id);
+  auto function = ReadRegistration(request, std::move(type), entry);
+  function->narrow = NarrowOf(*function, *request.Host().library);
+  return Value::Number(request.Host().registry.Add(std::move(function)).id);
 }
 
 CallbackAnswer HandleUnregister(CallbackRequest& request) {

@@ -126,6 +126,11 @@ ScriptAction ParseRefs(ScriptLine& line) {
   return [isShort](ScriptRunner& runner) { runner.ItsSession().Host().settings.shortReferences = isShort; };
 }
 
+ScriptAction ParseInterface(ScriptLine& line) {
+  const bool isNarrow = line.Choice({"12", "4"}) == 1;
+  return [isNarrow](ScriptRunner& runner) { runner.ItsSession().Host().settings.narrowCalls = isNarrow; };
+}
+
 ScriptAction ParseAnswer(ScriptLine& line) {
   constexpr Answer kAnswers[] = {Answer::kYes, Answer::kNo, Answer::kOk};
   return [answer = kAnswers[line.Choice({"yes", "no", "ok"})]](ScriptRunner&) { ProcessAnswers().SetNext(answer); };
@@ -164,6 +169,7 @@ constexpr ScriptCommandForm kCommands[] = {
     {"decimal", "decimal C", ParseDecimal},
     {"udf", "udf NAME LITERAL", ParseUdf},
     {"refs", "refs SRef or refs Ref", ParseRefs},
+    {"interface", "interface 12 or interface 4", ParseInterface},
     {"answer", "answer yes, answer no or answer ok", ParseAnswer},
     {"let", "let NAME = LITERAL or let NAME = =FORMULA", ParseLet},
 };

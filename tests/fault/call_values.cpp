@@ -105,6 +105,10 @@ void CallValues::ReadExamples(const std::string& path) {
       const bool isLaidOut = operand.IsArray() && TakesReferences(*call->function, i);
       inCells.push_back(isLaidOut ? NamedValue{"the example's in cells", InCells(operand)} : asWritten.back());
     }
+    if (const auto& narrow = static_cast<const RegisteredFunction*>(call->function)->narrow) {
+      examples_.emplace(std::pair(narrow->name, PlainCall::kExample), asWritten);
+      examples_.emplace(std::pair(narrow->name, PlainCall::kCells), inCells);
+    }
     examples_.emplace(std::pair(call->function->name, PlainCall::kExample), std::move(asWritten));
     examples_.emplace(std::pair(call->function->name, PlainCall::kCells), std::move(inCells));
   }

@@ -85,7 +85,9 @@ std::string Faults::Describe() const {
 TrialRunner::TrialRunner(Session& session, CallValues& values) : values_(values), host_(session.Host()) {
   AddinAllocations().TrackBlocks();
   for (const RegisteredFunction* function : host_.registry.All())
-    if (!function->IsCommand()) functions_.push_back(function);
+    if (!function->IsCommand())
+      for (const RegisteredFunction* entry : {function, static_cast<const RegisteredFunction*>(function->narrow.get())})
+        if (entry) functions_.push_back(entry);
   for (const RegisteredFunction* function : functions_) FindWitnesses(*function);
 }
 
