@@ -176,7 +176,7 @@ XLOPER* RunFunction4(FunctionBody body, const RawArgument* raw, std::size_t coun
   Call call{body, {raw, count}, WrappedArguments(storage), {}};
   RunGuarded(call, *record);
   ReleaseOwned4(record->returnSlot4);
-  ReturnInto4(call.result, record->returnSlot4);
+  if (!ReturnInto4(call.result, record->returnSlot4)) WriteMemoryError4(record->returnSlot4);
   return &record->returnSlot4;
 }
 

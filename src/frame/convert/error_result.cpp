@@ -11,16 +11,17 @@ namespace quillmere {
 namespace {
 
 /// A counted text made at compile time: its length in front, as Excel wants it.
-template <std::size_t size>
-constexpr std::array<XCHAR, size> Counted(const XCHAR (&text)[size]) {
-  std::array<XCHAR, size> counted{};
-  counted[0] = static_cast<XCHAR>(size - 1);
+template <class Char, std::size_t size>
+constexpr std::array<Char, size> Counted(const Char (&text)[size]) {
+  std::array<Char, size> counted{};
+  counted[0] = static_cast<Char>(size - 1);
   for (std::size_t i = 1; i < size; ++i) counted[i] = text[i - 1];
   return counted;
 }
 
 /// Never written, but the API has no pointer to constant text.
 constinit auto memoryErrorText = Counted(XTEXT("#ERROR: Memory allocation failed"));
+constinit auto memoryErrorText4 = Counted("#ERROR: Memory allocation failed");
 
 }  // namespace
 
@@ -43,6 +44,12 @@ void WriteMemoryError(CXlOper& result) noexcept {
   text.val.str = memoryErrorText.data();
   text.xltype = xltypeStr;
   result = CXlOper::BorrowCell(text);
+}
+
+void WriteMemoryError4(XLOPER& slot) noexcept {
+  slot = XLOPER{};
+  slot.val.str = memoryErrorText4.data();
+  slot.xltype = xltypeStr;
 }
 
 }  // namespace quillmere

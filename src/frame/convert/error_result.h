@@ -16,5 +16,7 @@ void WriteErrorText(CXlOper& result, XStringView message);
 
 /// Sets the text that reports an allocation that failed; it takes no memory.
 void WriteMemoryError(CXlOper& result) noexcept;
+/// The same for a result on its way back by the 8-bit interface.
+void WriteMemoryError4(XLOPER& slot) noexcept;
 
 }  // namespace quillmere

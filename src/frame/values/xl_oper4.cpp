@@ -246,16 +246,21 @@ CXlOper FromValue4(const XLOPER* value) {
   }
 }
 
-void ReturnInto4(CXlOper& value, XLOPER& slot) noexcept {
+bool ReturnInto4(CXlOper& value, XLOPER& slot) noexcept {
+  bool hasMemory = true;
   Block block;
   try {
     slot = Narrow(value, block);
     if (block) slot.xltype |= xlbitDLLFree;
     static_cast<void>(block.release());
+  } catch (const std::bad_alloc&) {
+    hasMemory = false;
+    slot = Error4(xlerrValue);
   } catch (const std::exception&) {
     slot = Error4(xlerrValue);
   }
   value.Reset();
+  return hasMemory;
 }
 
 void ReleaseOwned4(XLOPER& value) noexcept {

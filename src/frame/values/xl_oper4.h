@@ -14,8 +14,8 @@ CXlOper FromValue4(const XLOPER* value);
 /// `value` never set. What the 8-bit form cannot hold (texts over 255 bytes, arrays over 65,535 rows or 256 columns,
 /// references beyond row 65,536 or column 256, memory that cannot be had) is handed back as #VALUE!; such a text within
 /// an array makes its element #VALUE!; the text of a failure, "#ERROR: ...", is cut instead. A value never set is
-/// #VALUE!, a number that is not finite #NUM!.
-void ReturnInto4(CXlOper& value, XLOPER& slot) noexcept;
+/// #VALUE!, a number that is not finite #NUM!. False when memory could not be had.
+bool ReturnInto4(CXlOper& value, XLOPER& slot) noexcept;
 
 /// Frees what a value marked xlbitDLLFree points to and leaves an empty cell without ownership bits, so that a second
 /// release does nothing. Any other value is left alone.
