@@ -53,10 +53,23 @@ struct FieldCall {
   std::int32_t Number(std::size_t operand, std::int32_t leftOut) const;
 };
 
+/// What a call must give. Where rounding is left to the add-in, `slack` says how far each number may be off; without it
+/// the tolerance of the test holds.
+struct Expected {
+  Expected(Value expected) : value(std::move(expected)) {}
+  Expected(const Grid& cells, Grid off) : value(cells.Result()), slack(std::move(off)) {}
+  Value value;
+  Grid slack;
+
+  bool Agrees(const Value& actual, const Tolerance& tolerance) const;
+};
+
 /// Draws a call's field and puts it in a sheet; then operands that are cells of it. Areas count from its first cell.
 class FieldDraws : protected Draws {
  protected:
   FieldDraws(std::uint64_t number, std::span<const CellView> values);
+  /// Puts another field in the place of the one that was drawn.
+  void PutField(ArrayPtr field);
   /// Within the field, of that size or of any.
   Area DrawArea(std::int32_t rows = 0, std::int32_t columns = 0);
   Value ReferTo(const Area& area) const;
@@ -73,6 +86,6 @@ class FieldDraws : protected Draws {
 /// Makes one random call after the other and holds what comes against what the model says. References are compared as
 /// such.
 void TryFieldCalls(const std::function<FieldCall(std::uint64_t number)>& draw,
-                   const std::function<Value(const FieldCall& call)>& model, const Tolerance& tolerance = {});
+                   const std::function<Expected(const FieldCall& call)>& model, const Tolerance& tolerance = {});
 
 }  // namespace qcalc::models
