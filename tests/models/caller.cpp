@@ -26,7 +26,10 @@ Caller::Caller(Session& session) : session_(session) {
 
 Value Caller::PutInSheet(const ArrayPtr& table, std::int32_t rowsBelow) {
   ++tables_;
-  if (Sheet* sheet = session_.ItsWorkbooks().FindSheet(lastTable_.sheet)) sheet->Clear(lastTable_.areas[0]);
+  if (Sheet* sheet = session_.ItsWorkbooks().FindSheet(lastTable_.sheet)) {
+    sheet->Clear(lastTable_.areas[0]);
+    sheet->HideRows(0, kXlMaxRows - 1, false);
+  }
   Sheet& sheet = tables_ % 3 == 0 ? session_.ItsWorkbooks().BookNamed(XTEXT("Book1")).SheetNamed(XTEXT("Data"))
                                   : session_.CurrentSheet();
   const std::int32_t rows = table->Rows() + rowsBelow;
@@ -38,6 +41,12 @@ Value Caller::PutInSheet(const ArrayPtr& table, std::int32_t rowsBelow) {
   session_.Host().settings.shortReferences = tables_ % 2 == 0;
   lastTable_ = {sheet.Id(), {area}};
   return Value::OfReference(lastTable_);
+}
+
+void Caller::HideRows(const std::vector<bool>& isHidden) {
+  Sheet& sheet = *session_.ItsWorkbooks().FindSheet(lastTable_.sheet);
+  std::int32_t row = lastTable_.areas[0].firstRow;
+  for (const bool hidden : isHidden) sheet.HideRows(row, row, hidden), ++row;
 }
 
 Value Caller::Call(XStringView function, const std::vector<Value>& operands, const CallingPlace& place) {

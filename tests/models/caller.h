@@ -20,6 +20,9 @@ class Caller {
   /// `rowsBelow` empty rows under it. The table before it is gone.
   Value PutInSheet(const ArrayPtr& table, std::int32_t rowsBelow);
 
+  /// Hides those rows of the table, and no others.
+  void HideRows(const std::vector<bool>& isHidden);
+
   /// Calls the function that is registered by that name; there is an operand for each of its arguments. A reference
   /// is passed on where the function takes one, else what it holds.
   Value Call(XStringView function, const std::vector<Value>& operands, const CallingPlace& place);
