@@ -29,13 +29,14 @@ std::string TypeText(const FunctionDeclaration& declaration, const char* LetterP
   for (const ArgumentDeclaration& argument : declaration.arguments) text += TextOfLetter(LetterOf(argument)).*letter;
   if (declaration.flags & kVolatile) text += '!';
   if (declaration.flags & kMacroSheet) text += '#';
-  if (declaration.flags & kThreadSafe) text += '$';
   return text;
 }
 
 }  // namespace
 
-std::string TypeText12(const FunctionDeclaration& declaration) { return TypeText(declaration, &LetterPair::letter12); }
+std::string TypeText12(const FunctionDeclaration& declaration) {
+  return TypeText(declaration, &LetterPair::letter12) + (declaration.flags & kThreadSafe ? "$" : "");
+}
 
 std::string TypeText4(const FunctionDeclaration& declaration) { return TypeText(declaration, &LetterPair::letter4); }
 

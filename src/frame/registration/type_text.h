@@ -11,7 +11,8 @@ namespace quillmere {
 /// equivalent) and "$" (thread-safe), in this order.
 std::string TypeText12(const FunctionDeclaration& declaration);
 
-/// The same for the `_4` export: "R" and the letters of the 8-bit interface.
+/// The same for the `_4` export: "R" and the letters of the 8-bit interface, without "$", which came with the other
+/// one.
 std::string TypeText4(const FunctionDeclaration& declaration);
 
 /// The argument names, separated by commas.

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "frame/callbacks/excel_settings.h"
-#include "frame/registration/type_text.h"
 #include "tests/unit/fixtures/addin_excel.h"
 
 namespace quillmere::testing {
@@ -50,30 +49,6 @@ TEST(Registration, UnregistersInFourStepsFromExcel12On) {
   item.Unregister(kPath, false);
   EXPECT_THAT(excel.registered, IsEmpty());
   EXPECT_EQ(excel.unregisterSteps.size(), 5u) << "one step before";
-}
-
-/// An argument with or without a default.
-constexpr ArgumentDeclaration Argument(ArgumentKind kind, bool hasDefault, bool byValue = false) {
-  return {.name = XTEXT("A"), .kind = kind, .defaultValue = {.type = hasDefault ? xltypeNum : 0u}, .byValue = byValue};
-}
-
-TEST(TypeText, FollowsKindsDefaultsAndMarks) {
-  using enum ArgumentKind;
-  const ArgumentDeclaration all[] = {Argument(kReference, true), Argument(kValue, false),    Argument(kInt, false),
-                                     Argument(kInt, true),       Argument(kInt, true, true), Argument(kString, false),
-                                     Argument(kString, true),    Argument(kBoolean, false),  Argument(kBoolean, true),
-                                     Argument(kShort, false),    Argument(kDouble, false)};
-  FunctionDeclaration function{.arguments = all};
-  EXPECT_EQ(TypeText12(function), "UUQJQJC%QAQQQ");
-  EXPECT_EQ(TypeText4(function), "RRPJPJCPAPPP");
-  EXPECT_EQ(ArgumentText(function), XTEXT("A,A,A,A,A,A,A,A,A,A,A"));
-
-  FunctionDeclaration bare{};
-  EXPECT_EQ(ArgumentText(bare), XTEXT(""));
-  bare.flags = kVolatile | kMacroSheet;
-  EXPECT_EQ(TypeText12(bare), "U!#");
-  bare.flags = kThreadSafe | kFrameworkMark32;
-  EXPECT_EQ(TypeText12(bare), "U$");
 }
 
 }  // namespace
