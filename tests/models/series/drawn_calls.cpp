@@ -151,14 +151,14 @@ class CallMaker : private models::FieldDraws {
     Grid answers = Grid::Of(1, 1 + Below(3), [&](std::int32_t, std::int32_t) { return name(Below(columns)); });
     // Without a label anywhere there is no header.
     answers.cells[0] = isLabelled ? alike[static_cast<std::size_t>(Below(columns))] : answers.cells[0];
-    isFaulty_ = Chance(3);
-    if (isFaulty_)
+    const bool isDefault = !isLabelled && Chance(20), isWrong = Chance(3);
+    isFaulty_ = isWrong || (isDefault && columns < 2);
+    if (isWrong)
       answers.cells[0] =
           PickOf({Value::Number(0), Value::Number(-1), Value::Number(6), Value::Text(XTEXT("nowhere"))}).AsCell();
     const Grid values = Grid::Of(1 + Below(4), 1 + Below(2), [&](std::int32_t, std::int32_t) {
       return !isFaulty_ && Chance(1) ? Pick(kNoNumber) : DrawBetween(keys).AsCell();
     });
-    const bool isDefault = !isLabelled && Chance(20);
     call_.operands = {Chance(1) ? Value::Missing() : values.Result(), WholeField(),
                       isDefault ? Value::Missing() : answers.Result(),
                       key == 0 && Chance(50) ? Value::Missing() : Value::OfCell(name(key))};
