@@ -1,5 +1,7 @@
 #include "series/series_table.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -35,7 +37,9 @@ bool ReadNumbers(const CellLine& cells, XStringView name, std::ptrdiff_t ahead, 
     PrefetchFarNeighbour(&second + ahead);
     others |= (TypeOf(first) ^ xltypeNum) | (TypeOf(second) ^ xltypeNum);
     const Pair numbers = {first.val.num, second.val.num};
-    large |= ~(reinterpret_cast<Pair>(reinterpret_cast<Bits>(numbers) & kAllButSign) <= kMost);
+    const Pair sizes = reinterpret_cast<Pair>(reinterpret_cast<Bits>(numbers) & kAllButSign);
+    // Not by an operator, which GCC 12 fails to translate under ThreadSanitizer.
+    large |= reinterpret_cast<Bits>(_mm_cmpnle_pd(sizes, kMost));
     return numbers;
   };
   std::int32_t at = 0;
