@@ -138,6 +138,7 @@ class CallMaker : private models::FieldDraws {
     const std::int32_t columns = 1 + Below(5), key = Chance(60) ? 0 : Below(columns);
     static const std::vector<CellView> labels = models::CellsIn(R"({"Key","Größe","a b","10 %","Z"})");
     static const std::vector<CellView> alike = models::CellsIn(R"({"kEY","GRößE","A B","10 %","z"})");
+    static const std::vector<CellView> noColumns = models::CellsIn(R"({0,-1,6,"nowhere"})");
     const bool isLabelled = Chance(40);
     Fill(static_cast<std::int32_t>(keys.size()) + isLabelled, columns, [&](std::int32_t row, std::int32_t column) {
       if (isLabelled && row == 0) return labels[static_cast<std::size_t>(column)];
@@ -153,9 +154,7 @@ class CallMaker : private models::FieldDraws {
     answers.cells[0] = isLabelled ? alike[static_cast<std::size_t>(Below(columns))] : answers.cells[0];
     const bool isDefault = !isLabelled && Chance(20), isWrong = Chance(3);
     isFaulty_ = isWrong || (isDefault && columns < 2);
-    if (isWrong)
-      answers.cells[0] =
-          PickOf({Value::Number(0), Value::Number(-1), Value::Number(6), Value::Text(XTEXT("nowhere"))}).AsCell();
+    if (isWrong) answers.cells[0] = Pick(noColumns);
     const Grid values = Grid::Of(1 + Below(4), 1 + Below(2), [&](std::int32_t, std::int32_t) {
       return !isFaulty_ && Chance(1) ? Pick(kNoNumber) : DrawBetween(keys).AsCell();
     });
