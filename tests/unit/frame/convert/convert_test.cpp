@@ -40,18 +40,14 @@ XString Refusal(const CXlOper& argument, const Params& params) {
   return MessageOf([&] { ConvertArgument(argument, params); });
 }
 
-CXlOper ArrayOf(std::int64_t rows, std::int64_t columns, std::span<const XLOPER12> cells) {
-  CXlArrayBuilder builder(rows, columns);
-  builder.CopyCells(builder.Row(0), cells.data(), static_cast<std::size_t>(rows * columns));
-  return builder.Finish();
-}
-
 /// An array of numbers, 0 for an empty cell; counting from 1 when none are given.
-CXlOper Array(std::int64_t rows, std::int64_t columns, std::vector<double> numbers = {}) {
-  std::vector<XLOPER12> cells;
-  for (double next = 1; static_cast<std::int64_t>(numbers.size()) < rows * columns; ++next) numbers.push_back(next);
-  for (const double number : numbers) cells.push_back(number == 0 ? EmptyCell() : NumberCell(number));
-  return ArrayOf(rows, columns, cells);
+CXlOper Array(std::int64_t rows, std::int64_t columns, const std::vector<double>& numbers = {}) {
+  CXlArrayBuilder builder(rows, columns);
+  for (std::int64_t at = 0; at < rows * columns; ++at) {
+    const double number = numbers.empty() ? static_cast<double>(at + 1) : numbers[static_cast<std::size_t>(at)];
+    *builder.At(at / columns, at % columns) = number == 0 ? EmptyCell() : NumberCell(number);
+  }
+  return builder.Finish();
 }
 
 /// Answers xlCoerce for texts as Excel does for the two texts used here.
@@ -103,26 +99,6 @@ TEST(ConvertScalar, AsksExcelToReadTexts) {
   EXPECT_EQ(ConvertTo<kNumber>(CXlOper::Text(XTEXT("12")), false), 0);
 }
 
-TEST(ConvertScalar, FetchesOneCellOfAReference) {
-  testing::FakeExcel excel;
-  excel.On(xlCoerce, [&excel](std::span<XLOPER12* const> arguments, XLOPER12& result) {
-    const CXlOper cell = CXlOper::Borrow(arguments[0]);
-    EXPECT_EQ(cell.Sheet(), 9u);
-    EXPECT_THAT(cell.Areas(), ElementsAre(::testing::FieldsAre(4, 4, 2, 2)));
-    result = excel.LendText(XTEXT("top left"));
-    return xlretSuccess;
-  });
-  const XLREF12 areas[] = {{4, 1'048'575, 2, 3}, {0, 0, 0, 0}};
-  const CXlOper reference = CXlOper::Reference(9, areas);
-  EXPECT_EQ(ConvertTo<kString>(reference, true), XTEXT("top left"));
-  excel.Give(xlCoerce, [&] { return excel.LendArray(1, 1, {NumberCell(7)}); });
-  EXPECT_EQ(ConvertTo<kNumber>(reference, true), 7);
-  excel.Fail(xlCoerce, xlretFailed);
-  EXPECT_EQ(Refusal<kString>(reference), XTEXT("Expected string"));
-  EXPECT_EQ(Refusal(reference, CScalarConvertParams<kString>(kName)),
-            XTEXT("Failed to convert Data from unknown type to string"));
-}
-
 TEST(ConvertArgument, ScalarMessages) {
   const std::int32_t codes[] = {1, 2, 3};
   const XStringView words[] = {XTEXT("Asc"), XTEXT("Des")};
@@ -150,22 +126,6 @@ TEST(ConvertArgument, TakesTheFirstKindThatFits) {
   EXPECT_EQ(MessageOf([&] { ConvertArgumentToAny<kNumber, kString>(CXlOper::Missing(), params); }),
             XTEXT("Data is not initialized"));
   EXPECT_EQ(MessageOf([&] { params.ThrowLabelNotFound(XTEXT("{0}")); }), XTEXT("Label {0} not found in Data"));
-}
-
-TEST(ConvertArgument, ReadsElementsWithoutACall) {
-  testing::FakeExcel excel;
-  const CXlOper number = CXlOper::Text(XTEXT(" 1e2 "));
-  const CXlOper word = CXlOper::Text(XTEXT("TRUE"));
-  const XLOPER12 cells[] = {EmptyCell(), BooleanCell(true), number.Raw(), NumberCell(-1.5), word.Raw()};
-  const CVectorConvertParams<kNumber> params(kName, Shape::kMatrix);
-  const auto matrix = ConvertArgument(ArrayOf(2, 2, cells), params);
-  EXPECT_EQ(matrix.rows, 2);
-  EXPECT_THAT(matrix.Values(), ElementsAre(0, 1, 100, -1.5));
-  const CXlOper array = ArrayOf(5, 1, cells);
-  EXPECT_EQ(Refusal(array, params), XTEXT("Expected number for Data"));
-  EXPECT_EQ(ConvertArgument(array, CVectorConvertParams<kString>(kName, Shape::kMatrix)).At(3, 0), XTEXT("-1.5"));
-  EXPECT_EQ(Refusal(array, CVectorConvertParams<kBoolean>(kName, Shape::kMatrix)), XTEXT("Expected boolean for Data"));
-  EXPECT_EQ(excel.Calls(xlCoerce), 0);
 }
 
 TEST(ConvertArgument, ChecksTheCounts) {
@@ -203,19 +163,6 @@ TEST(ConvertArgument, KeepsTheShape) {
   const auto list = ConvertArgument(Array(2, 2, {0, 5, 0, 6}), Params(kName, Shape::kList));
   EXPECT_EQ(list.rows, 2);
   EXPECT_THAT(list.Values(), ElementsAre(5, 6));
-}
-
-TEST(ConvertArgument, GivesFetchedCellsBackOnEveryPath) {
-  testing::FakeExcel excel;
-  const CXlOper reference = CXlOper::Reference(XLREF12{0, 0, 0, 1});
-  const CVectorConvertParams<kNumber> params(kName, Shape::kMatrix);
-  const auto convert = [&] { EXPECT_EQ(ConvertArgument(reference, params).Count(), 2); };
-  for (const XLOPER12& last : {EmptyCell(), excel.LendText(XTEXT("no number"))}) {
-    excel.Give(xlCoerce, [&] { return excel.LendArray(1, 2, {NumberCell(1), last}); });
-    EXPECT_EQ(MessageOf(convert), IsEmptyCell(last) ? XTEXT("nothing raised") : XTEXT("Expected number for Data"));
-  }
-  excel.Fail(xlCoerce, xlretFailed);
-  EXPECT_EQ(MessageOf(convert), XTEXT("Failed to convert Data from unknown type to number"));
 }
 
 }  // namespace
