@@ -11,6 +11,21 @@
 namespace quillmere {
 namespace {
 
+/// The value without what no cell holds: a number that is not finite, a truth value beside 0 and 1, an error's code
+/// that is none. Who hands on what Excel, or somebody in its place, passed has not looked at it.
+XLOPER12 Cleaned(const XLOPER12& value) noexcept {
+  switch (value.xltype) {
+    case xltypeNum:
+      return NumberCell(value.val.num);
+    case xltypeBool:
+      return BooleanCell(value.val.xbool != 0);
+    case xltypeErr:
+      return ErrorCell(KnownErrorCode(value.val.err));
+    default:
+      return value;
+  }
+}
+
 bool IsSheetArea(const XLREF12& area) {
   return area.rwFirst >= 0 && area.rwFirst <= area.rwLast && area.rwLast < kXlMaxRows && area.colFirst >= 0 &&
          area.colFirst <= area.colLast && area.colLast < kXlMaxColumns;
@@ -207,7 +222,7 @@ void CXlOper::ReturnInto(XLOPER12& slot) noexcept {
     slot = ErrorCell(xlerrValue);
     return;
   }
-  slot = IsNumber() ? NumberCell(value_.val.num) : value_;
+  slot = Cleaned(value_);
   if (owner_ == Owner::kOurs) slot.xltype |= xlbitDLLFree;
   if (owner_ == Owner::kExcel) slot.xltype |= xlbitXLFree;
   value_ = XLOPER12{};

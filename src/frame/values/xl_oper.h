@@ -116,8 +116,8 @@ class CXlOper {
 
   /// Hands the value back to Excel in `slot`, marked for xlAutoFree12 or xlFree where somebody must free it, and leaves
   /// this value never set. A number that is not finite becomes #NUM!; a value never set #VALUE!, and so does a sheet's
-  /// identifier alone, which Excel may have answered with. A borrowed value is handed back as it is: Excel, or whoever
-  /// else lent it, must still own it.
+  /// identifier alone, which Excel may have answered with, and an error of a code that is none. A borrowed value is
+  /// handed back as it is: Excel, or whoever else lent it, must still own it.
   void ReturnInto(XLOPER12& slot) noexcept;
 
  private:
