@@ -22,8 +22,8 @@ struct AddinFunction {
   virtual ~AddinFunction() = default;
   XString name;
   std::vector<OperandKind> operands;
-  bool isVolatile =
-      false;  ///< a cell that calls it is calculated in every recalculation, unless xlfVolatile said otherwise
+  /// A cell that calls it is calculated in every recalculation, unless xlfVolatile said otherwise.
+  bool isVolatile = false;
 };
 
 /// The functions that the add-in registered. All of it may be called on several threads at once.

@@ -24,8 +24,8 @@ struct EvaluationContext {
   IAddinFunctions* addin = nullptr;
   Reference caller;   ///< the calling cells; what xlfCaller answers
   NumberMarks marks;  ///< of numbers in texts; those of formulas are always points
-  std::optional<bool>* askedVolatile =
-      nullptr;  ///< where the calling cell keeps what xlfVolatile asks for; may be null
+  /// Where the calling cell keeps what xlfVolatile asks for; may be null.
+  std::optional<bool>* askedVolatile = nullptr;
 };
 
 /// The formula cannot be evaluated at all: not a value of Excel's, but a mistake in the script or a limit of the host.
