@@ -6,8 +6,8 @@
 #include <array>
 #include <cmath>
 
-#include "frame/convert/convert_cell.h"
 #include "series/number_pair.h"
+#include "series/table_numbers.h"
 #include "table/row_blocks.h"
 
 namespace quillmere::series {
@@ -17,8 +17,7 @@ namespace {
 bool ReadAny(const CellLine& cells, XStringView name, double* to) {
   bool isLarge = false;
   for (std::int32_t at = 0; at < cells.count; ++at) {
-    if (!ConvertCellTo<ElementKind::kNumber>(cells.At(at), TextReading::kPlain, to[at]))
-      CConvertParamsBase(name).ThrowExpected(TypeName(ElementKind::kNumber));
+    to[at] = NumberIn(cells.At(at), name);
     isLarge |= std::fabs(to[at]) > kMostUnscaled;
   }
   return isLarge;
