@@ -87,7 +87,8 @@ run_in() {
   at_once "${runner}_suite" "$name" "$part" "${wanted[$part]}" "${@:8}"
 }
 
-# run_tests [WORD...]: the parts of that name, or all that need no LibreOffice; native ones first, since their build is the cheapest.
+# run_tests [WORD...]: the parts of that name, or all that need no LibreOffice; native ones first, since their build is the
+# cheapest.
 run_tests() {
   local word build targets
   (($#)) || set -- checks faults fuzz generator guard host models scripts unit
