@@ -24,10 +24,19 @@ struct CellPosition {
   auto operator<=>(const CellPosition&) const = default;
 };
 
+/// How a formula is calculated, and what becomes of a result of several cells.
+enum class FormulaForm : std::uint8_t {
+  kSpilling,  ///< element by element; the result fills the cells that it needs, from the formula's own on
+  kSingle,    ///< as before there were spills: where one value is wanted, a range gives the cell in line with the
+              ///< formula's, and the result is one value
+  kArray,     ///< element by element; the result fills the cells that the formula was entered into, as many as they are
+};
+
 /// A formula in a cell. Its value stands in the sheet's cells, as any other.
 struct FormulaCell {
   Formula formula;
-  std::optional<Area> spill;          ///< the cells that its array result fills, itself included
+  FormulaForm form = FormulaForm::kSpilling;
+  std::optional<Area> spill;          ///< the cells that its array result fills, itself included; for kArray always
   std::optional<Area> blocked;        ///< the cells that its array result would fill, were they empty
   bool isDirty = true;                ///< to be calculated before its value counts
   std::optional<bool> askedVolatile;  ///< what a function that it called asked for by xlfVolatile, last

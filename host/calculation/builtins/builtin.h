@@ -20,6 +20,10 @@ struct Builtin {
   std::size_t leastOperands;
   std::size_t mostOperands;
   Value (*call)(const BuiltinCall&);
+  /// What each operand is, a letter each, the last one for all that follow: `v` one value (of a range, in a formula of
+  /// the form kSingle, the cell in line with the formula's), `a` an array, calculated element by element in every form,
+  /// `r` whatever stands there, a reference as such.
+  const char* operands = "v";
 };
 
 /// The entry of that name, in any case; null when there is none. IF is not among them: the evaluator calculates but the

@@ -122,7 +122,8 @@ Value CallVlookup(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("MATCH"), 2, 3, CallMatch}, {XTEXT("VLOOKUP"), 3, 4, CallVlookup}};
+constexpr Builtin kBuiltins[] = {{XTEXT("MATCH"), 2, 3, CallMatch, "vrv"},
+                                 {XTEXT("VLOOKUP"), 3, 4, CallVlookup, "vrv"}};
 
 }  // namespace
 

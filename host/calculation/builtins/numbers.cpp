@@ -118,10 +118,10 @@ Value CallSum(const BuiltinCall& call) {
   return sum.Result();
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("COUNTA"), 1, kXlMaxArguments, CallCounta},
+constexpr Builtin kBuiltins[] = {{XTEXT("COUNTA"), 1, kXlMaxArguments, CallCounta, "r"},
                                  {XTEXT("NA"), 0, 0, CallNa},
                                  {XTEXT("SEQUENCE"), 1, 4, CallSequence},
-                                 {XTEXT("SUM"), 1, kXlMaxArguments, CallSum}};
+                                 {XTEXT("SUM"), 1, kXlMaxArguments, CallSum, "r"}};
 
 }  // namespace
 

@@ -110,8 +110,9 @@ Value CallIndex(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {
-    {XTEXT("COLUMNS"), 1, 1, CallColumns}, {XTEXT("INDEX"), 2, 4, CallIndex}, {XTEXT("ROWS"), 1, 1, CallRows}};
+constexpr Builtin kBuiltins[] = {{XTEXT("COLUMNS"), 1, 1, CallColumns, "r"},
+                                 {XTEXT("INDEX"), 2, 4, CallIndex, "rv"},
+                                 {XTEXT("ROWS"), 1, 1, CallRows, "r"}};
 
 }  // namespace
 

@@ -88,7 +88,7 @@ Value CallValue(const BuiltinCall& call) {
 }
 
 constexpr Builtin kBuiltins[] = {{XTEXT("CHAR"), 1, 1, CallChar},  {XTEXT("LEN"), 1, 1, CallLen},
-                                 {XTEXT("REPT"), 2, 2, CallRept},  {XTEXT("T"), 1, 1, CallT},
+                                 {XTEXT("REPT"), 2, 2, CallRept},  {XTEXT("T"), 1, 1, CallT, "r"},
                                  {XTEXT("TEXT"), 2, 2, CallText},  {XTEXT("UNICHAR"), 1, 1, CallUnichar},
                                  {XTEXT("VALUE"), 1, 1, CallValue}};
 
