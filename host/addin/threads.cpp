@@ -1,6 +1,6 @@
 #include "host/addin/threads.h"
 
-#include <vector>
+#include <utility>
 
 namespace qcalc {
 
@@ -29,35 +29,62 @@ void MainThread::Serve(std::unique_lock<std::mutex>& lock) {
 }
 
 void MainThread::RunOnThreads(int count, const std::function<void(int)>& work) {
-  std::exception_ptr error;
-  const auto runOne = [&](int number) {
-    try {
-      work(number);
-    } catch (...) {
-      const std::lock_guard lock(mutex_);
-      if (!error) error = std::current_exception();
-    }
-  };
-  running_ = count - 1;
-  std::vector<std::thread> threads;
-  for (int number = 1; number < count; ++number)
-    threads.emplace_back([&, number] {
-      runOne(number);
-      const std::lock_guard lock(mutex_);
-      --running_;
-      changed_.notify_all();
-    });
-  runOne(0);
+  CalculationThreads(*this, count).Run(work);
+}
+
+CalculationThreads::CalculationThreads(MainThread& mainThread, int count) : mainThread_(mainThread) {
+  for (int number = 1; number < count; ++number) threads_.emplace_back([this, number] { Work(number); });
+}
+
+CalculationThreads::~CalculationThreads() {
   {
-    std::unique_lock lock(mutex_);
-    for (;;) {
-      changed_.wait(lock, [&] { return running_ == 0 || !requests_.empty(); });
-      if (requests_.empty()) break;
-      Serve(lock);
-    }
+    const std::lock_guard lock(mainThread_.mutex_);
+    isEnding_ = true;
+    mainThread_.changed_.notify_all();
   }
-  for (std::thread& thread : threads) thread.join();
-  if (error) std::rethrow_exception(error);
+  for (std::thread& thread : threads_) thread.join();
+}
+
+void CalculationThreads::RunOne(int number) {
+  try {
+    (*work_)(number);
+  } catch (...) {
+    const std::lock_guard lock(mainThread_.mutex_);
+    if (!error_) error_ = std::current_exception();
+  }
+}
+
+void CalculationThreads::Work(int number) {
+  std::uint64_t done = 0;
+  std::unique_lock lock(mainThread_.mutex_);
+  for (;;) {
+    mainThread_.changed_.wait(lock, [&] { return isEnding_ || round_ != done; });
+    if (round_ == done) return;
+    done = round_;
+    lock.unlock();
+    RunOne(number);
+    lock.lock();
+    --running_;
+    mainThread_.changed_.notify_all();
+  }
+}
+
+void CalculationThreads::Run(const std::function<void(int)>& work) {
+  {
+    const std::lock_guard lock(mainThread_.mutex_);
+    work_ = &work;
+    running_ = static_cast<int>(threads_.size());
+    ++round_;
+    mainThread_.changed_.notify_all();
+  }
+  RunOne(0);
+  std::unique_lock lock(mainThread_.mutex_);
+  for (;;) {
+    mainThread_.changed_.wait(lock, [&] { return running_ == 0 || !mainThread_.requests_.empty(); });
+    if (mainThread_.requests_.empty()) break;
+    mainThread_.Serve(lock);
+  }
+  if (error_) std::rethrow_exception(std::exchange(error_, nullptr));
 }
 
 }  // namespace qcalc

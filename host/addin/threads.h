@@ -2,11 +2,15 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <exception>
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <vector>
+
+#include "host/calculation/calculation_threads.h"
 
 namespace qcalc {
 
@@ -26,6 +30,7 @@ class MainThread {
   void RunOnThreads(int count, const std::function<void(int)>& work);
 
  private:
+  friend class CalculationThreads;
   struct Request {
     const std::function<void()>* work;
     std::exception_ptr error;
@@ -38,7 +43,33 @@ class MainThread {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<Request*> requests_;
+};
+
+/// Calculation threads that stay, and keep what the add-in keeps for each thread, from one work to the next. Made, used
+/// and ended on the main thread.
+class CalculationThreads final : public ICalculationThreads {
+ public:
+  /// `count` threads, at least 1, the main thread among them; `mainThread` outlives this.
+  CalculationThreads(MainThread& mainThread, int count);
+  ~CalculationThreads() override;
+  CalculationThreads(const CalculationThreads&) = delete;
+  CalculationThreads& operator=(const CalculationThreads&) = delete;
+
+  int Count() const override { return static_cast<int>(threads_.size()) + 1; }
+  /// Serves what the others ask the main thread for.
+  void Run(const std::function<void(int)>& work) override;
+
+ private:
+  void Work(int number);
+  void RunOne(int number);
+
+  MainThread& mainThread_;  // its mutex and its condition hold for what follows too
+  std::vector<std::thread> threads_;
+  const std::function<void(int)>* work_ = nullptr;
+  std::exception_ptr error_;
+  std::uint64_t round_ = 0;
   int running_ = 0;
+  bool isEnding_ = false;
 };
 
 }  // namespace qcalc
