@@ -24,6 +24,7 @@ struct AddinFunction {
   std::vector<OperandKind> operands;
   /// A cell that calls it is calculated in every recalculation, unless xlfVolatile said otherwise.
   bool isVolatile = false;
+  bool isThreadSafe = false;
 };
 
 /// The functions that the add-in registered. All of it may be called on several threads at once.

@@ -1,5 +1,7 @@
 #include "host/calculation/dependencies.h"
 
+#include <algorithm>
+
 #include "host/calculation/addin_functions.h"
 #include "host/formulas/formula_node.h"
 #include "host/text/letter_case.h"
@@ -8,100 +10,113 @@ namespace qcalc {
 
 namespace {
 
-bool IsTouched(const FormulaPlace& place, const std::map<IDSHEET, std::vector<Area>>& changes) {
-  const auto touches = [&](IDSHEET sheet, const Area& area) {
-    const auto found = changes.find(sheet);
-    return found != changes.end() && std::any_of(found->second.begin(), found->second.end(),
-                                                 [&](const Area& change) { return change.Intersects(area); });
-  };
-  if (place.cell->blocked && touches(place.sheet->Id(), *place.cell->blocked)) return true;
-  return std::any_of(place.reads.begin(), place.reads.end(),
-                     [&](const SheetArea& read) { return touches(read.sheet, read.area); });
+// Calls `visitor(const SheetArea&)` for all that stands in the formula.
+template <typename Visitor>
+void VisitReads(const FormulaPlace& place, const Workbooks& workbooks, const NamedValues* names, Visitor&& visitor) {
+  for (const ReferenceText& text : ReferencesIn(place.cell->formula))
+    if (const Sheet* target = workbooks.FindSheet(text.book, text.sheet, place.sheet))
+      visitor(SheetArea{target->Id(), text.area});
+  if (!names) return;
+  for (const XString& name : NamesIn(place.cell->formula))
+    if (const auto bound = names->find(name); bound != names->end() && bound->second.IsReference())
+      for (const Area& area : bound->second.AsReference().areas)
+        visitor(SheetArea{bound->second.AsReference().sheet, area});
 }
 
 }  // namespace
 
-Dependencies::Dependencies(Workbooks& workbooks, const EvaluationContext& context)
-    : workbooks_(workbooks), context_(context) {
-  Collect();
-  Connect();
+Dependencies::Dependencies(const Workbooks& workbooks, const EvaluationContext& context)
+    : workbooks_(workbooks), context_(context), places_(workbooks) {
+  for (std::size_t i = 0; i < places_.Size(); ++i)
+    if (places_.At(i).cell->blocked) blocked_.insert(i);
 }
 
-void Dependencies::Collect() {
-  for (const auto& book : workbooks_.Books())
-    for (const auto& sheet : book->Sheets()) {
-      SheetIndex& index = sheets_[sheet->Id()];
-      for (auto& [position, cell] : sheet->Formulas()) {
-        index.rowsByColumn[position.column].emplace_back(position.row, formulas_.size());
-        if (cell.spill) index.spilled.push_back(formulas_.size());
-        formulas_.push_back({sheet.get(), position, &cell, ReadsOf(cell.formula, *sheet), {}, {}});
-      }
-    }
+const AreaReaders& Dependencies::Readers() {
+  if (readers_) return *readers_;
+  std::vector<AreaReaders::Reading> readings;
+  for (std::size_t i = 0; i < places_.Size(); ++i)
+    VisitReads(places_.At(i), workbooks_, context_.names,
+               [&](const SheetArea& read) { readings.emplace_back(read, i); });
+  readers_ = std::make_unique<AreaReaders>(readings);
+  return *readers_;
 }
 
-std::vector<SheetArea> Dependencies::ReadsOf(const Formula& formula, const Sheet& sheet) const {
-  std::vector<SheetArea> reads;
-  for (const ReferenceText& text : ReferencesIn(formula))
-    if (const Sheet* target = workbooks_.FindSheet(text.book, text.sheet, &sheet))
-      reads.push_back({target->Id(), text.area});
-  if (!context_.names) return reads;
-  for (const XString& name : NamesIn(formula))
-    if (const auto bound = context_.names->find(name); bound != context_.names->end() && bound->second.IsReference())
-      for (const Area& area : bound->second.AsReference().areas)
-        reads.push_back({bound->second.AsReference().sheet, area});
-  return reads;
+void Dependencies::FindReaders(const SheetArea& where, std::vector<std::size_t>& readers) {
+  Readers().Find(where, readers);
+  for (const std::size_t i : blocked_)
+    if (places_.At(i).sheet->Id() == where.sheet && places_.At(i).cell->blocked->Intersects(where.area))
+      readers.push_back(i);
 }
 
-void Dependencies::Connect() {
-  for (std::size_t i = 0; i < formulas_.size(); ++i)
-    for (const SheetArea& read : formulas_[i].reads)
-      VisitFormulasIn(read, [&](std::size_t precedent) {
-        formulas_[precedent].dependents.push_back(i);
-        formulas_[i].precedents.push_back(precedent);
-      });
-}
-
-bool Dependencies::IsVolatile(const FormulaPlace& place) const {
-  if (place.cell->askedVolatile) return *place.cell->askedVolatile;
-  bool found = false;
-  VisitNodes(place.cell->formula.Root(), [&](const FormulaNode& node) {
-    if (found || node.kind != FormulaNode::Kind::kCall || !context_.addin) return;
-    const AddinFunction* function = context_.addin->Find(node.name);
-    found = function && function->isVolatile;
-  });
-  return found;
-}
-
-void Dependencies::SpreadDirt(bool withVolatile) {
-  std::map<IDSHEET, std::vector<Area>> changes;
-  for (auto& [id, index] : sheets_) changes[id] = workbooks_.FindSheet(id)->TakeChanges();
-  for (std::size_t i = 0; i < formulas_.size(); ++i)
-    if (formulas_[i].cell->isDirty || IsTouched(formulas_[i], changes) || (withVolatile && IsVolatile(formulas_[i])))
-      Soil(i);
-}
-
-// Makes a formula dirty and with it all clean ones that depend on it.
-void Dependencies::Soil(std::size_t first) {
-  std::vector<std::size_t> open{first};
-  while (!open.empty()) {
-    const FormulaPlace& place = formulas_[open.back()];
-    open.pop_back();
-    place.sheet->MarkDirty(place.position, true);
-    for (const std::size_t dependent : place.dependents)
-      if (!formulas_[dependent].cell->isDirty) open.push_back(dependent);
-  }
-}
-
-void Dependencies::SoilReaders(const SheetArea& where, std::size_t writer) {
-  for (std::size_t i = 0; i < formulas_.size(); ++i) {
-    const FormulaPlace& place = formulas_[i];
-    const bool unblocked = i != writer && place.cell->blocked && place.sheet->Id() == where.sheet &&
-                           place.cell->blocked->Intersects(where.area);
-    const bool reads = std::any_of(place.reads.begin(), place.reads.end(), [&](const SheetArea& read) {
-      return read.sheet == where.sheet && read.area.Intersects(where.area);
+const Dependencies::Traits& Dependencies::TraitsOf(std::size_t number) {
+  const FormulaNode& root = places_.At(number).cell->formula.Root();
+  const auto [found, isNew] = traits_.try_emplace(&root);
+  Traits& traits = found->second;
+  if (isNew && context_.addin)
+    VisitNodes(root, [&](const FormulaNode& node) {
+      if (node.kind != FormulaNode::Kind::kCall) return;
+      const AddinFunction* function = context_.addin->Find(node.name);
+      traits.isVolatile = traits.isVolatile || (function && function->isVolatile);
+      traits.isThreadSafe = traits.isThreadSafe && (!function || function->isThreadSafe);
     });
-    if (!place.cell->isDirty && (unblocked || reads)) Soil(i);
+  return traits;
+}
+
+bool Dependencies::IsVolatile(std::size_t number) {
+  return places_.At(number).cell->askedVolatile.value_or(TraitsOf(number).isVolatile);
+}
+
+std::vector<std::size_t> Dependencies::SpreadDirt() {
+  std::vector<SheetArea> changes;
+  for (const auto& book : workbooks_.Books())
+    for (const auto& sheet : book->Sheets())
+      for (const Area& area : sheet->TakeChanges()) changes.push_back({sheet->Id(), area});
+  std::vector<std::size_t> dirty, clean;
+  for (std::size_t i = 0; i < places_.Size(); ++i) (places_.At(i).IsDirty() ? dirty : clean).push_back(i);
+  if (clean.empty()) return dirty;
+  std::vector<std::size_t> soiled;
+  for (const SheetArea& change : changes) FindReaders(change, soiled);
+  for (const std::size_t i : dirty) FindReaders(places_.At(i).Filled(), soiled);
+  for (const std::size_t i : clean)
+    if (IsVolatile(i)) soiled.push_back(i);
+  for (const std::size_t i : Soil(std::move(soiled))) dirty.push_back(i);
+  std::sort(dirty.begin(), dirty.end());
+  dirty.erase(std::unique(dirty.begin(), dirty.end()), dirty.end());
+  return dirty;
+}
+
+std::vector<std::size_t> Dependencies::Soil(std::vector<std::size_t> numbers) {
+  for (std::size_t next = 0; next < numbers.size(); ++next) {
+    const FormulaPlace& place = places_.At(numbers[next]);
+    if (place.IsDirty()) continue;
+    place.sheet->MarkDirty(place.position, true);
+    FindReaders(place.Filled(), numbers);
   }
+  return numbers;
+}
+
+std::vector<std::size_t> Dependencies::SoilReaders(const SheetArea& where) {
+  std::vector<std::size_t> readers;
+  FindReaders(where, readers);
+  return Soil(std::move(readers));
+}
+
+void Dependencies::NoteBlocked(std::size_t number, bool isBlocked) {
+  if (isBlocked)
+    blocked_.insert(number);
+  else
+    blocked_.erase(number);
+}
+
+std::optional<std::size_t> Dependencies::FindDirtyPrecedent(std::size_t number, bool last) const {
+  std::optional<std::size_t> precedent;
+  VisitReads(places_.At(number), workbooks_, context_.names, [&](const SheetArea& read) {
+    if (precedent) return;
+    const Sheet* sheet = workbooks_.FindSheet(read.sheet);
+    const auto cell = last ? sheet->LastUncalculated(read.area) : sheet->FirstUncalculated(read.area);
+    if (cell) precedent = places_.WriterOf(read.sheet, *cell);
+  });
+  return precedent;
 }
 
 void NoteNameChange(Workbooks& workbooks, XStringView name) {

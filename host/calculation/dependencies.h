@@ -1,91 +1,65 @@
 // Which formula cells read which, and which are dirty: to be calculated before their value counts.
 #pragma once
 
-#include <algorithm>
-#include <cstdint>
-#include <map>
-#include <utility>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <set>
+#include <unordered_map>
 #include <vector>
 
+#include "host/calculation/area_readers.h"
 #include "host/calculation/evaluation_context.h"
+#include "host/calculation/formula_places.h"
 
 namespace qcalc {
 
-/// An area of the sheet with that id.
-struct SheetArea {
-  IDSHEET sheet;
-  Area area;
-};
-
-/// One formula cell, as it was when the dependencies were worked out.
-struct FormulaPlace {
-  Sheet* sheet;
-  CellPosition position;
-  FormulaCell* cell;
-  std::vector<SheetArea> reads;         ///< what stands in the formula
-  std::vector<std::size_t> dependents;  ///< formulas that read this one's cells, spilled ones too
-  std::vector<std::size_t> precedents;  ///< formulas whose cells this one reads
-
-  Area OwnCell() const { return Area::OfCell(position.row, position.column); }
-};
-
-/// The formula cells of all books by number, from 0. Good until a formula comes or goes; the cells that results spilled
-/// into are those of the beginning.
+/// Nothing is worked out before it is asked for: a book whose formulas are all dirty needs no list of who reads what.
 class Dependencies {
  public:
   /// Both outlive this. Names and add-in are taken from `context`.
-  Dependencies(Workbooks& workbooks, const EvaluationContext& context);
+  Dependencies(const Workbooks& workbooks, const EvaluationContext& context);
 
-  std::size_t Size() const { return formulas_.size(); }
-  const FormulaPlace& At(std::size_t number) const { return formulas_[number]; }
+  const FormulaPlaces& Places() const { return places_; }
 
-  /// Makes dirty what reads cells that were changed, or is blocked by them, and all that depends on it; `withVolatile`
-  /// also what calls a volatile function.
-  void SpreadDirt(bool withVolatile);
+  /// Makes dirty what reads cells that were changed, or is blocked by them, what calls a volatile function, and all
+  /// that depends on it. The numbers of all that is dirty then.
+  std::vector<std::size_t> SpreadDirt();
 
-  /// Makes dirty what reads, or is blocked by, cells that the formula `writer` fills only now or no longer: it was
-  /// calculated too early.
-  void SoilReaders(const SheetArea& where, std::size_t writer);
+  /// A formula that fills a cell which that one reads, and that is dirty; nothing when all it reads is calculated. Of
+  /// several the one of the first cell, or of the last.
+  std::optional<std::size_t> FindDirtyPrecedent(std::size_t number, bool last) const;
 
-  /// Calls `visitor(number)` for each formula cell whose own or spilled cells lie in the area.
-  template <typename Visitor>
-  void VisitFormulasIn(const SheetArea& where, Visitor&& visitor) const {
-    const auto found = sheets_.find(where.sheet);
-    if (found == sheets_.end()) return;
-    const auto& columns = found->second.rowsByColumn;
-    for (auto column = columns.lower_bound(where.area.firstColumn);
-         column != columns.end() && column->first <= where.area.lastColumn; ++column) {
-      const auto& rows = column->second;
-      for (auto row = std::lower_bound(rows.begin(), rows.end(), std::pair(where.area.firstRow, std::size_t{0}));
-           row != rows.end() && row->first <= where.area.lastRow; ++row)
-        visitor(row->second);
-    }
-    for (const std::size_t i : found->second.spilled) {
-      const FormulaPlace& place = formulas_[i];
-      // A result that spilled at first may have been taken back since.
-      if (place.cell->spill && place.cell->spill->Intersects(where.area) &&
-          !where.area.Contains(place.position.row, place.position.column))
-        visitor(i);
-    }
-  }
+  /// Makes dirty what reads, or is blocked by, cells that were filled only now or no longer, and all that depends on
+  /// it: it was calculated too early. The numbers of all that read or were blocked, dirty before or not, and of all
+  /// that depend on what was not.
+  std::vector<std::size_t> SoilReaders(const SheetArea& where);
+
+  /// Tells that the formula's result is blocked, or no longer.
+  void NoteBlocked(std::size_t number, bool isBlocked);
+
+  /// Whether the formula calls nothing that only the main thread may.
+  bool IsThreadSafe(std::size_t number) { return TraitsOf(number).isThreadSafe; }
 
  private:
-  // The formula cells of one sheet, to be found by area.
-  struct SheetIndex {
-    std::map<std::int32_t, std::vector<std::pair<std::int32_t, std::size_t>>> rowsByColumn;  // rows ascending
-    std::vector<std::size_t> spilled;
+  struct Traits {
+    bool isVolatile = false;
+    bool isThreadSafe = true;
   };
 
-  void Collect();
-  void Connect();
-  std::vector<SheetArea> ReadsOf(const Formula& formula, const Sheet& sheet) const;
-  bool IsVolatile(const FormulaPlace& place) const;
-  void Soil(std::size_t first);
+  const Traits& TraitsOf(std::size_t number);
+  bool IsVolatile(std::size_t number);
+  const AreaReaders& Readers();
+  void FindReaders(const SheetArea& where, std::vector<std::size_t>& readers);
+  // Makes clean ones of these dirty and with them all clean ones that depend on them; gives all.
+  std::vector<std::size_t> Soil(std::vector<std::size_t> numbers);
 
-  Workbooks& workbooks_;
+  const Workbooks& workbooks_;
   const EvaluationContext& context_;
-  std::vector<FormulaPlace> formulas_;
-  std::map<IDSHEET, SheetIndex> sheets_;
+  FormulaPlaces places_;
+  std::unique_ptr<AreaReaders> readers_;
+  std::set<std::size_t> blocked_;
+  std::unordered_map<const FormulaNode*, Traits> traits_;
 };
 
 /// Formulas that use this name (without case) are dirty: its value changed.

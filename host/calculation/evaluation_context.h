@@ -22,7 +22,7 @@ struct EvaluationContext {
   const Sheet* sheet = nullptr;  ///< what unqualified references mean
   const NamedValues* names = nullptr;
   IAddinFunctions* addin = nullptr;
-  Reference caller;  ///< the calling cells; what xlfCaller answers
+  Reference caller;   ///< the calling cells; what xlfCaller answers
   NumberMarks marks;  ///< of numbers in texts; those of formulas are always points
   /// Where the calling cell keeps what xlfVolatile asks for; may be null.
   std::optional<bool>* askedVolatile = nullptr;

@@ -1,202 +1,251 @@
 #include "host/calculation/recalculation.h"
 
 #include <algorithm>
+#include <deque>
 #include <optional>
-#include <set>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "host/calculation/dependencies.h"
-#include "host/calculation/evaluator.h"
+#include "host/calculation/formula_batch.h"
+#include "host/calculation/result_writer.h"
 
 namespace qcalc {
 
 namespace {
 
-// A further pass follows a spill that changed its size; formulas that chase each other's size never settle.
-constexpr int kMostPasses = 100;
+// A spill that changes its size has its readers calculated again; formulas that chase each other's size never settle.
+constexpr int kMostTimes = 100;
 
-constexpr const char* kUnsettled = "formulas do not settle: the size of a spilled array depends on itself";
+constexpr const char* kUnsettled = "it does not settle: the size of a spilled array depends on itself";
 
-// The cells that cannot be calculated this time, those that depend on others of them too, and why.
-struct Failures {
-  std::set<std::pair<IDSHEET, CellPosition>> cells;
-  std::vector<std::string> reasons;
+constexpr std::uint32_t kNone = ~std::uint32_t{0};
+
+enum class State : std::uint8_t {
+  kIdle,     // clean, or dirty and not met yet
+  kQueued,   // to be looked at
+  kInBatch,  // being evaluated
+  kStale,    // likewise, by what it reads and has changed since
+  kWaiting,  // for another formula
+  kFailed,
 };
 
-// How far a recalculation has come with one formula.
+// How far one formula is. Those that wait for one are a chain through `nextWaiter`.
 struct Progress {
-  bool isInProgress = false;
-  bool hasNewSpill = false;  // its readers are not among the dependents yet
-  int timesCalculated = 0;
+  State state = State::kIdle;
+  bool isEvaluatedAnyway = false;  // whatever it names may be dirty: it may not read it
+  bool hasMetDirt = false;         // it waits for what its evaluation met, not for what it names
+  std::uint8_t timesCalculated = 0;
+  std::uint32_t timesWaited = 0;
+  std::uint32_t waitsFor = kNone;
+  std::uint32_t firstWaiter = kNone;
+  std::uint32_t nextWaiter = kNone;
 };
 
-// One pass: calculates what is dirty, given what spilled in earlier passes.
-class Pass {
+// Looks at dirty formulas one by one. One that reads a dirty one waits for it; the others are evaluated in batches, and
+// what waited for them is looked at again. When all that is left waits, it waits in circles.
+class Calculation {
  public:
-  Pass(Workbooks& workbooks, const EvaluationContext& context, UnknownNames* unknown, Failures& failures)
-      : workbooks_(workbooks),
-        context_(context),
-        unknown_(unknown),
-        failures_(failures),
-        formulas_(workbooks, context),
-        progress_(formulas_.Size()) {}
+  Calculation(Workbooks& workbooks, const EvaluationContext& context, const CalculationSettings& settings)
+      : dependencies_(workbooks, context),
+        places_(dependencies_.Places()),
+        progress_(places_.Size()),
+        batch_(places_, context, settings.threads, settings.unknown),
+        writer_(dependencies_) {}
 
-  // False when nothing was left to do.
-  bool Run(bool withVolatile) {
-    formulas_.SpreadDirt(withVolatile);
-    bool any = false;
-    for (std::size_t i = 0; i < formulas_.Size(); ++i)
-      if (formulas_.At(i).cell->isDirty && !HasFailed(i)) {
-        Calculate(i);
-        any = true;
+  CalculationOutcome Run() {
+    for (const std::size_t number : dependencies_.SpreadDirt()) Enqueue(number);
+    do {
+      while (FillBatch()) {
+        batch_.Evaluate();
+        for (std::size_t i = 0; i < batch_.Size(); ++i) Take(batch_.NumberAt(i), batch_.ResultAt(i));
       }
-    return any;
+    } while (BreakCircle());
+    for (const Progress& progress : progress_) outcome_.calculated += progress.timesCalculated > 0 ? 1 : 0;
+    return std::move(outcome_);
   }
 
  private:
-  std::string NameOf(std::size_t number) const {
-    const FormulaPlace& place = formulas_.At(number);
-    return ReferenceToText({place.sheet->Id(), {place.OwnCell()}}, workbooks_);
+  SheetCell CellOf(std::size_t number) const { return {places_.At(number).sheet->Id(), places_.At(number).position}; }
+
+  void Enqueue(std::size_t number) {
+    progress_[number].state = State::kQueued;
+    queue_.push_back(number);
   }
 
-  std::string DescribeCircle(const std::vector<std::size_t>& path, std::size_t again) const {
-    std::string cells;
-    for (auto i = std::find(path.begin(), path.end(), again); i != path.end(); ++i) cells += NameOf(*i) + " -> ";
-    return "circular reference: " + cells + NameOf(again);
-  }
-
-  bool HasFailed(std::size_t number) const {
-    const FormulaPlace& place = formulas_.At(number);
-    return failures_.cells.contains({place.sheet->Id(), place.position});
-  }
-
-  // Each formula of the path waits for the next, so none of them can be calculated.
-  void GiveUp(const std::vector<std::size_t>& path) {
-    for (const std::size_t number : path) {
-      failures_.cells.insert({formulas_.At(number).sheet->Id(), formulas_.At(number).position});
-      progress_[number].isInProgress = false;
+  // False when nothing can be evaluated now.
+  bool FillBatch() {
+    batch_.Clear();
+    while (!queue_.empty() && !batch_.IsFull()) {
+      const std::size_t number = queue_.front();
+      queue_.pop_front();
+      Progress& progress = progress_[number];
+      if (progress.state != State::kQueued) continue;
+      // What lies first and what lies last are asked for in turn: whichever way a long area is calculated, few look at
+      // it again and again.
+      const auto precedent = progress.isEvaluatedAnyway
+                                 ? std::nullopt
+                                 : dependencies_.FindDirtyPrecedent(number, progress.timesWaited % 2 == 0);
+      if (precedent) {
+        progress.hasMetDirt = false;
+        Wait(number, *precedent);
+        continue;
+      }
+      progress.state = State::kInBatch;
+      batch_.Add(number, dependencies_.IsThreadSafe(number));
     }
+    return batch_.Size() > 0;
   }
 
-  void GiveUp(const std::vector<std::size_t>& path, const std::string& reason) {
-    failures_.reasons.push_back(reason);
-    GiveUp(path);
+  void Wait(std::size_t number, std::size_t precedent) {
+    if (progress_[precedent].state == State::kFailed) return FailAsDependent(number);
+    Progress& progress = progress_[number];
+    progress.state = State::kWaiting;
+    ++progress.timesWaited;
+    progress.waitsFor = static_cast<std::uint32_t>(precedent);
+    progress.nextWaiter = std::exchange(progress_[precedent].firstWaiter, static_cast<std::uint32_t>(number));
+    waited_.push_back(number);
   }
 
-  // Calculates a formula and before it, without recursion, all dirty ones that it reads.
-  void Calculate(std::size_t target) {
+  void Take(std::size_t number, FormulaBatch::Result& result) {
+    if (progress_[number].state == State::kStale || std::holds_alternative<FormulaBatch::NotReached>(result))
+      return Enqueue(number);
+    if (const auto* met = std::get_if<UncalculatedCell>(&result)) return TakeUncalculated(number, *met);
+    if (const auto* failure = std::get_if<FormulaBatch::Failure>(&result)) return Fail(number, failure->reason);
+    progress_[number].state = State::kIdle;
+    if (++progress_[number].timesCalculated > kMostTimes) return Fail(number, kUnsettled);
+    for (const std::size_t reader : writer_.Write(number, std::get<Value>(result))) Soiled(reader);
+    result = FormulaBatch::NotReached{};
+    ReleaseWaiters(number);
+  }
+
+  void TakeUncalculated(std::size_t number, const UncalculatedCell& met) {
+    const auto writer = places_.WriterOf(met.sheet, met.position);
+    if (!writer) return Fail(number, "it read a cell that is not calculated and holds no formula");
+    // It may have been calculated in the same batch.
+    if (!places_.At(*writer).IsDirty()) return Enqueue(number);
+    progress_[number].hasMetDirt = true;
+    Wait(number, *writer);
+  }
+
+  // What it read has changed.
+  void Soiled(std::size_t number) {
+    State& state = progress_[number].state;
+    if (state == State::kIdle) Enqueue(number);
+    if (state == State::kInBatch) state = State::kStale;
+  }
+
+  std::vector<std::size_t> TakeWaiters(std::size_t number) {
+    std::vector<std::size_t> waiters;
+    for (std::uint32_t next = std::exchange(progress_[number].firstWaiter, kNone); next != kNone;
+         next = progress_[next].nextWaiter)
+      waiters.push_back(next);
+    std::reverse(waiters.begin(), waiters.end());
+    return waiters;
+  }
+
+  void ReleaseWaiters(std::size_t number) {
+    for (const std::size_t waiter : TakeWaiters(number)) Enqueue(waiter);
+  }
+
+  void Fail(std::size_t number, std::string reason) {
+    outcome_.failures.push_back({{CellOf(number)}, std::move(reason)});
+    Give({number});
+  }
+
+  void FailAsDependent(std::size_t number) {
+    outcome_.dependents.push_back(CellOf(number));
+    Give({number});
+  }
+
+  // These cannot be calculated, nor can what waits for them.
+  void Give(std::vector<std::size_t> numbers) {
+    for (const std::size_t number : numbers) Settle(number);
+    for (std::size_t next = 0; next < numbers.size(); ++next)
+      for (const std::size_t waiter : TakeWaiters(numbers[next])) {
+        if (progress_[waiter].state == State::kFailed) continue;
+        outcome_.dependents.push_back(CellOf(waiter));
+        Settle(waiter);
+        numbers.push_back(waiter);
+      }
+  }
+
+  // It is not calculated, and nothing that reads it may be.
+  void Settle(std::size_t number) {
+    progress_[number].state = State::kFailed;
+    progress_[number].timesCalculated = 0;
+    places_.At(number).sheet->MarkDirty(places_.At(number).position, true);
+  }
+
+  // Where all that is left waits: a circle of formulas that wait for each other. Those that do so because they name
+  // each other are evaluated all the same, once: what they name they may not read. A circle of formulas that read each
+  // other fails. False when nothing waits.
+  bool BreakCircle() {
+    while (!waited_.empty() && progress_[waited_.back()].state != State::kWaiting) waited_.pop_back();
+    if (waited_.empty()) return false;
+    const std::vector<std::size_t> circle = CircleFrom(waited_.back());
+    bool isAnyEvaluated = false;
+    for (const std::size_t number : circle)
+      if (!progress_[number].hasMetDirt) {
+        isAnyEvaluated = true;
+        progress_[number].isEvaluatedAnyway = true;
+        StopWaiting(number);
+        Enqueue(number);
+      }
+    if (isAnyEvaluated) return true;
+    CalculationFailure failure;
+    for (const std::size_t number : circle) failure.cells.push_back(CellOf(number));
+    outcome_.failures.push_back(std::move(failure));
+    Give(circle);
+    return true;
+  }
+
+  // From its first cell on, whichever was met first.
+  std::vector<std::size_t> CircleFrom(std::size_t number) {
     std::vector<std::size_t> path;
-    std::optional<std::size_t> next = target;
-    while (next || !path.empty()) {
-      if (next) {
-        if (HasFailed(*next)) return GiveUp(path);
-        Progress& progress = progress_[*next];
-        if (progress.isInProgress) return GiveUp(path, DescribeCircle(path, *next));
-        path.push_back(*next);
-        if (++progress.timesCalculated > kMostPasses) return GiveUp(path, kUnsettled);
-        progress.isInProgress = true;
-      }
-      const std::size_t number = path.back();
-      const std::vector<std::size_t>& precedents = formulas_.At(number).precedents;
-      const auto waiting = std::find_if(precedents.begin(), precedents.end(),
-                                        [&](std::size_t precedent) { return formulas_.At(precedent).cell->isDirty; });
-      try {
-        next = waiting != precedents.end() ? *waiting : Evaluate(number);
-      } catch (const FormulaError& error) {
-        return GiveUp(path, error.what());
-      }
-      if (next) continue;
-      progress_[number].isInProgress = false;
-      path.pop_back();
+    ++walks_;
+    walkOf_.resize(places_.Size());
+    for (; walkOf_[number] != walks_; number = progress_[number].waitsFor) {
+      walkOf_[number] = walks_;
+      path.push_back(number);
     }
+    path.erase(path.begin(), std::find(path.begin(), path.end(), number));
+    std::rotate(path.begin(), std::min_element(path.begin(), path.end()), path.end());
+    return path;
   }
 
-  // The formula cell that must be calculated first, if one was met that the formula does not name.
-  std::optional<std::size_t> Evaluate(std::size_t number) {
-    const FormulaPlace& place = formulas_.At(number);
-    EvaluationContext context = context_;
-    context.workbooks = &workbooks_;
-    context.sheet = place.sheet;
-    context.caller = {place.sheet->Id(), {place.OwnCell()}};
-    context.askedVolatile = &place.cell->askedVolatile;
-    try {
-      Store(number, Dereference(qcalc::Evaluate(place.cell->formula, context, unknown_), workbooks_));
-    } catch (const UncalculatedCell& met) {
-      std::optional<std::size_t> first;
-      formulas_.VisitFormulasIn({met.sheet, Area::OfCell(met.position.row, met.position.column)}, [&](std::size_t i) {
-        if (formulas_.At(i).cell->isDirty) first = i;
-      });
-      if (!first) throw FormulaError(NameOf(number) + " read a cell that is not calculated and holds no formula");
-      return first;
-    } catch (const FormulaError& error) {
-      throw FormulaError(NameOf(number) + ": " + error.what());
-    } catch (const std::length_error& error) {
-      throw FormulaError(NameOf(number) + ": " + error.what());
-    }
-    return std::nullopt;
+  void StopWaiting(std::size_t number) {
+    std::uint32_t* link = &progress_[progress_[number].waitsFor].firstWaiter;
+    while (*link != number) link = &progress_[*link].nextWaiter;
+    *link = progress_[number].nextWaiter;
   }
 
-  void Store(std::size_t number, const Value& value) {
-    Sheet& sheet = *formulas_.At(number).sheet;
-    FormulaCell& cell = *formulas_.At(number).cell;
-    const CellPosition anchor = formulas_.At(number).position;
-    sheet.MarkDirty(anchor, false);
-    cell.blocked.reset();
-    if (!value.IsArray()) {
-      TakeBackSpill(number);
-      return sheet.Cells().Set(anchor.row, anchor.column, EmptyAsZero(value.AsCell()));
-    }
-    const Array& array = *value.AsArray();
-    const Area wanted = Area::OfSize(anchor.row, anchor.column, array.Rows(), array.Columns());
-    if (cell.spill != wanted) TakeBackSpill(number);
-    if (!IsFree(sheet, wanted, anchor, cell)) {
-      if (wanted.IsOnSheet()) cell.blocked = wanted;
-      return sheet.Cells().Set(anchor.row, anchor.column, CellView::Error(kErrorSpill));
-    }
-    for (std::int32_t row = 0; row < array.Rows(); ++row)
-      for (std::int32_t column = 0; column < array.Columns(); ++column)
-        sheet.Cells().Set(anchor.row + row, anchor.column + column, EmptyAsZero(array.At(row, column)));
-    if (wanted.IsOneCell()) return;
-    bool& hasNewSpill = progress_[number].hasNewSpill;
-    hasNewSpill = hasNewSpill || cell.spill != wanted;
-    sheet.SetSpill(anchor, wanted);
-    if (hasNewSpill) formulas_.SoilReaders({sheet.Id(), wanted}, number);
-  }
-
-  void TakeBackSpill(std::size_t number) {
-    const FormulaPlace& place = formulas_.At(number);
-    const std::optional<Area> spill = place.cell->spill;
-    place.sheet->TakeBackSpill(place.position);
-    if (spill) formulas_.SoilReaders({place.sheet->Id(), *spill}, number);
-  }
-
-  static bool IsFree(const Sheet& sheet, const Area& wanted, CellPosition anchor, const FormulaCell& cell) {
-    if (!wanted.IsOnSheet()) return false;
-    if (cell.spill == wanted) return true;
-    bool free = true;
-    sheet.VisitUsed(wanted, [&](std::int32_t row, std::int32_t column, const CellView&) {
-      free = free && CellPosition{row, column} == anchor;
-    });
-    return free;
-  }
-
-  Workbooks& workbooks_;
-  const EvaluationContext& context_;
-  UnknownNames* unknown_;
-  Failures& failures_;
-  Dependencies formulas_;
+  Dependencies dependencies_;
+  const FormulaPlaces& places_;
   std::vector<Progress> progress_;
+  FormulaBatch batch_;
+  ResultWriter writer_;
+  std::deque<std::size_t> queue_;
+  std::vector<std::size_t> waited_;  // all that wait, and some that no longer do
+  std::vector<std::uint32_t> walkOf_;
+  std::uint32_t walks_ = 0;
+  CalculationOutcome outcome_;
 };
 
 }  // namespace
 
-std::vector<std::string> Recalculate(Workbooks& workbooks, const EvaluationContext& context, UnknownNames* unknown) {
-  Failures failures;
-  for (int pass = 0; pass < kMostPasses; ++pass)
-    if (!Pass(workbooks, context, unknown, failures).Run(pass == 0)) return failures.reasons;
-  throw FormulaError(kUnsettled);
+CalculationOutcome Recalculate(Workbooks& workbooks, const EvaluationContext& context,
+                               const CalculationSettings& settings) {
+  return Calculation(workbooks, context, settings).Run();
+}
+
+std::string Describe(const CalculationFailure& failure, const Workbooks& workbooks) {
+  const auto nameOf = [&](const SheetCell& cell) {
+    return ReferenceToText({cell.sheet, {Area::OfCell(cell.position.row, cell.position.column)}}, workbooks);
+  };
+  if (!failure.reason.empty()) return nameOf(failure.cells[0]) + ": " + failure.reason;
+  std::string circle = "circular reference: ";
+  for (const SheetCell& cell : failure.cells) circle += nameOf(cell) + " -> ";
+  return circle + nameOf(failure.cells[0]);
 }
 
 }  // namespace qcalc

@@ -87,6 +87,7 @@ std::unique_ptr<RegisteredFunction> ReadRegistration(const CallbackRequest& requ
   function->name = TextOrEmpty(request, kFunctionText);
   for (const TypeLetter& letter : type.arguments) function->operands.push_back(OperandOf(letter));
   function->isVolatile = type.isVolatile || (type.isMacroEquivalent && type.TakesReferences());
+  function->isThreadSafe = type.isThreadSafe;
   function->procedure = *request.TextAt(kProcedure);
   function->typeText = *request.TextAt(kTypeText);
   function->type = std::move(type);

@@ -136,7 +136,9 @@ EvaluationContext Session::Prepare() {
   }
   objects_.ShowBooks();
   const EvaluationContext context = Context();
-  failures_ = qcalc::Recalculate(host_.workbooks, context, &unknown_);
+  failures_.clear();
+  for (const CalculationFailure& failure : qcalc::Recalculate(host_.workbooks, context, {&unknown_, nullptr}).failures)
+    failures_.push_back(qcalc::Describe(failure, host_.workbooks));
   return context;
 }
 

@@ -66,21 +66,22 @@ void Sheet::Set(const Area& area, const Value& value) {
   NoteChange(target);
 }
 
+void Sheet::Fill(const Area& area, const Value& value) {
+  if (!value.IsArray()) return Write(area, Value::OfCell(EmptyAsZero(value.AsCell())));
+  const Array& array = *value.AsArray();
+  const auto at = [](std::int32_t index, std::int32_t size) { return size == 1 ? 0 : index < size ? index : -1; };
+  for (std::int32_t row = 0; row < area.Rows(); ++row)
+    for (std::int32_t column = 0; column < area.Columns(); ++column) {
+      const std::int32_t r = at(row, array.Rows()), c = at(column, array.Columns());
+      cells_.Set(area.firstRow + row, area.firstColumn + column,
+                 r < 0 || c < 0 ? CellView::Error(xlerrNA) : EmptyAsZero(array.At(r, c)));
+    }
+}
+
 void Sheet::WriteResult(const Area& callingCells, const Value& value) {
   CheckFillable(callingCells, kMaxArrayCells);
   TakeBackSpills(callingCells);
-  if (value.IsArray()) {
-    const Array& array = *value.AsArray();
-    const auto at = [](std::int32_t index, std::int32_t size) { return size == 1 ? 0 : index < size ? index : -1; };
-    for (std::int32_t row = 0; row < callingCells.Rows(); ++row)
-      for (std::int32_t column = 0; column < callingCells.Columns(); ++column) {
-        const std::int32_t r = at(row, array.Rows()), c = at(column, array.Columns());
-        cells_.Set(callingCells.firstRow + row, callingCells.firstColumn + column,
-                   r < 0 || c < 0 ? CellView::Error(xlerrNA) : EmptyAsZero(array.At(r, c)));
-      }
-  } else {
-    Write(callingCells, Value::OfCell(EmptyAsZero(value.AsCell())));
-  }
+  Fill(callingCells, value);
   NoteChange(callingCells);
 }
 
@@ -91,9 +92,21 @@ void Sheet::SetFormula(const Area& area, const Formula& formula) {
   for (std::int32_t row = area.firstRow; row <= area.lastRow; ++row)
     for (std::int32_t column = area.firstColumn; column <= area.lastColumn; ++column) {
       formulas_[{row, column}].formula = formula;
-      dirty_.insert({row, column});
+      dirty_.Set(Area::OfCell(row, column), true);
     }
   NoteChange(area);
+}
+
+void Sheet::PutFormula(CellPosition position, Formula formula, FormulaForm form, const Area& fills) {
+  const auto own = Area::OfCell(position.row, position.column);
+  // No two formulas fill one cell, whatever a file says.
+  for (const CellPosition& anchor : SpillsIn(fills)) ForgetSpill(anchor);
+  FormulaCell& cell = formulas_.emplace_hint(formulas_.end(), position, FormulaCell{})->second;
+  cell.formula = std::move(formula);
+  cell.form = form;
+  if (form == FormulaForm::kArray || fills != own) SetSpill(position, fills);
+  if (Get(position.row, position.column).IsEmpty()) cells_.Set(position.row, position.column, CellView::Number(0));
+  MarkDirty(position, true);
 }
 
 void Sheet::Clear(const Area& area) { Set(area, Value::Empty()); }
@@ -113,12 +126,14 @@ const FormulaCell* Sheet::FindFormula(CellPosition position) const {
   return found == formulas_.end() ? nullptr : &found->second;
 }
 
-std::optional<CellPosition> Sheet::FirstUncalculated(const Area& area) const {
-  for (auto cell = dirty_.lower_bound({area.firstRow, area.firstColumn}); cell != dirty_.end(); ++cell) {
-    if (cell->row > area.lastRow) break;
-    if (area.Contains(cell->row, cell->column)) return *cell;
-  }
-  return std::nullopt;
+std::optional<CellPosition> Sheet::WriterOf(CellPosition position) const {
+  if (formulas_.contains(position)) return position;
+  const auto above = spilled_.upper_bound({position.column, position.row});
+  if (above == spilled_.begin()) return std::nullopt;
+  const auto& [place, anchor] = *std::prev(above);
+  const bool reaches =
+      place.first == position.column && formulas_.at(anchor).spill->Contains(position.row, position.column);
+  return reaches ? std::optional(anchor) : std::nullopt;
 }
 
 void Sheet::NoteChange(const Area& area) {
@@ -133,34 +148,49 @@ void Sheet::NoteChange(const Area& area) {
 }
 
 void Sheet::MarkDirty(CellPosition position, bool dirty) {
-  formulas_.at(position).isDirty = dirty;
-  if (dirty)
-    dirty_.insert(position);
-  else
-    dirty_.erase(position);
+  const std::optional<Area>& spill = formulas_.at(position).spill;
+  dirty_.Set(spill.value_or(Area::OfCell(position.row, position.column)), dirty);
 }
 
 void Sheet::SetSpill(CellPosition anchor, const Area& spill) {
   formulas_.at(anchor).spill = spill;
-  spilling_.insert(anchor);
+  for (std::int32_t column = spill.firstColumn; column <= spill.lastColumn; ++column)
+    spilled_[{column, spill.firstRow}] = anchor;
+}
+
+Area Sheet::ForgetSpill(CellPosition anchor) {
+  const bool isDirty = IsDirty(anchor);
+  const Area spill = *std::exchange(formulas_.at(anchor).spill, std::nullopt);
+  dirty_.Set(spill, false);
+  if (isDirty) MarkDirty(anchor, true);
+  for (std::int32_t column = spill.firstColumn; column <= spill.lastColumn; ++column)
+    spilled_.erase({column, spill.firstRow});
+  return spill;
 }
 
 void Sheet::TakeBackSpill(CellPosition anchor) {
-  FormulaCell& cell = formulas_.at(anchor);
-  if (!cell.spill) return;
-  spilling_.erase(anchor);
-  const Area spill = *std::exchange(cell.spill, std::nullopt);
+  if (!formulas_.at(anchor).spill) return;
+  const Area spill = ForgetSpill(anchor);
   for (std::int32_t row = spill.firstRow; row <= spill.lastRow; ++row)
     for (std::int32_t column = spill.firstColumn; column <= spill.lastColumn; ++column)
       if (CellPosition{row, column} != anchor) cells_.SetPooled(row, column, {});
 }
 
+std::set<CellPosition> Sheet::SpillsIn(const Area& area) const {
+  std::set<CellPosition> anchors;
+  if (spilled_.empty()) return anchors;
+  for (std::int32_t column = area.firstColumn; column <= area.lastColumn; ++column) {
+    auto next = spilled_.upper_bound({column, area.firstRow});
+    if (next != spilled_.begin()) --next;
+    for (; next != spilled_.end() && next->first <= std::pair(column, area.lastRow); ++next)
+      if (formulas_.at(next->second).spill->Intersects(area)) anchors.insert(next->second);
+  }
+  return anchors;
+}
+
 void Sheet::TakeBackSpills(const Area& area) {
-  for (auto next = spilling_.begin(); next != spilling_.end();) {
-    const CellPosition anchor = *next++;
-    const Area spill = *formulas_.at(anchor).spill;
-    if (!spill.Intersects(area)) continue;
-    NoteChange(spill);
+  for (const CellPosition& anchor : SpillsIn(area)) {
+    NoteChange(*formulas_.at(anchor).spill);
     TakeBackSpill(anchor);
     MarkDirty(anchor, true);
   }
@@ -175,7 +205,7 @@ void Sheet::RemoveFormulas(const Area& area) {
       ++cell;
       continue;
     }
-    dirty_.erase(cell->first);
+    dirty_.Set(Area::OfCell(cell->first.row, cell->first.column), false);
     cell = formulas_.erase(cell);
   }
 }

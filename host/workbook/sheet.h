@@ -10,19 +10,13 @@
 
 #include "host/formulas/formula.h"
 #include "host/values/value.h"
+#include "host/workbook/cell_marks.h"
 #include "host/workbook/cell_store.h"
 #include "host/workbook/column_index.h"
 
 namespace qcalc {
 
 class Book;
-
-/// Row and column, zero-based; ordered by rows, then columns.
-struct CellPosition {
-  std::int32_t row = 0;
-  std::int32_t column = 0;
-  auto operator<=>(const CellPosition&) const = default;
-};
 
 /// How a formula is calculated, and what becomes of a result of several cells.
 enum class FormulaForm : std::uint8_t {
@@ -38,7 +32,6 @@ struct FormulaCell {
   FormulaForm form = FormulaForm::kSpilling;
   std::optional<Area> spill;          ///< the cells that its array result fills, itself included; for kArray always
   std::optional<Area> blocked;        ///< the cells that its array result would fill, were they empty
-  bool isDirty = true;                ///< to be calculated before its value counts
   std::optional<bool> askedVolatile;  ///< what a function that it called asked for by xlfVolatile, last
 };
 
@@ -73,13 +66,18 @@ class Sheet {
   /// sheet (std::length_error otherwise); any other value fills the whole area, of kMaxArrayCells at most (likewise);
   /// empty clears. Formulas there are removed.
   void Set(const Area& area, const Value& value);
-  /// Writes one result of a formula into the calling cells, as an array formula fills them: an array element by
-  /// element, a single row or column repeated, #N/A where it does not reach; empty cells become 0. Formulas there stay.
+  /// Writes one result of a formula into the calling cells as Fill does, in place of what spilled there.
   /// std::length_error beyond kMaxArrayCells, before anything is written.
   void WriteResult(const Area& callingCells, const Value& value);
+  /// Fills cells as an array formula does: an array element by element, a single row or column repeated, #N/A where it
+  /// does not reach; empty cells become 0. Formulas there stay; whoever calls this reports it with NoteChange.
+  void Fill(const Area& area, const Value& value);
   /// Puts a formula into every cell of the area, to be calculated by the next recalculation. References are not moved.
   /// std::length_error beyond 4,194,304 cells, before anything is written.
   void SetFormula(const Area& area, const Formula& formula);
+  /// Puts in a formula as a file has it, to be calculated by the next recalculation: the cell keeps its value (0 where
+  /// it has none). `fills` are the cells that its result fills now, its own first. No formula stood there.
+  void PutFormula(CellPosition position, Formula formula, FormulaForm form, const Area& fills);
   /// Removes values and formulas.
   void Clear(const Area& area);
 
@@ -93,8 +91,16 @@ class Sheet {
   const FormulaCell* FindFormula(CellPosition position) const;
   std::map<CellPosition, FormulaCell>& Formulas() { return formulas_; }
   const std::map<CellPosition, FormulaCell>& Formulas() const { return formulas_; }
-  /// The first formula cell in the area whose value does not count yet: reading it is xlretUncalced.
-  std::optional<CellPosition> FirstUncalculated(const Area& area) const;
+  /// The first cell in the area whose value does not count yet, by rows: a formula's own, or one that it spilled into.
+  /// Reading it is xlretUncalced.
+  std::optional<CellPosition> FirstUncalculated(const Area& area) const { return dirty_.FindFirst(area); }
+  std::optional<CellPosition> LastUncalculated(const Area& area) const { return dirty_.FindLast(area); }
+  /// Whether any value of the sheet does not count yet.
+  bool HasUncalculated() const { return !dirty_.IsEmpty(); }
+  bool IsDirty(CellPosition position) const { return dirty_.Has(position); }
+  /// The cell whose formula fills that one: itself if a formula stands there, else the one that spilled into it;
+  /// nothing when no formula does.
+  std::optional<CellPosition> WriterOf(CellPosition position) const;
 
   /// Cells for loaders and recalculation; whoever writes there reports it with NoteChange.
   CellStore& Cells() { return cells_; }
@@ -105,7 +111,7 @@ class Sheet {
   void NoteChange(const Area& area);
   /// The areas changed since the last call.
   std::vector<Area> TakeChanges() { return std::exchange(changes_, {}); }
-  /// Sets the dirty mark of the formula in that cell.
+  /// Whether the value of the formula in that cell, and what it spilled, is to be calculated before it counts.
   void MarkDirty(CellPosition position, bool dirty);
   /// Notes the cells that the result of the formula in that cell fills.
   void SetSpill(CellPosition anchor, const Area& spill);
@@ -115,6 +121,10 @@ class Sheet {
  private:
   void RemoveFormulas(const Area& area);
   void TakeBackSpills(const Area& area);
+  // Forgets what the formula's result fills; the cells stay as they are.
+  Area ForgetSpill(CellPosition anchor);
+  // The anchors of the spills that fill cells of the area.
+  std::set<CellPosition> SpillsIn(const Area& area) const;
   void Write(const Area& area, const Value& value);
 
   Book& book_;
@@ -123,8 +133,9 @@ class Sheet {
   CellStore cells_;
   mutable ColumnIndexes indexes_;
   std::map<CellPosition, FormulaCell> formulas_;
-  std::set<CellPosition> dirty_;
-  std::set<CellPosition> spilling_;
+  CellMarks dirty_;
+  // The anchors of spills, by each column that they fill and their first row. No two share a cell.
+  std::map<std::pair<std::int32_t, std::int32_t>, CellPosition> spilled_;
   std::set<std::int32_t> hiddenRows_;
   std::vector<Area> changes_;
 };

@@ -92,12 +92,8 @@ class ModelTest : public testing::Test {
   }
   /// Calculates all formulas; the error, or nothing.
   std::string Calculate() {
-    try {
-      const std::vector<std::string> failures = Recalculate(workbooks, context);
-      return failures.empty() ? "" : "!" + failures[0];
-    } catch (const FormulaError& error) {
-      return std::string("!") + error.what();
-    }
+    const std::vector<CalculationFailure> failures = Recalculate(workbooks, context).failures;
+    return failures.empty() ? "" : "!" + Describe(failures[0], workbooks);
   }
   /// Writes values and formulas into cells, calculates, and checks what cells hold then: two tables (case_table.h) of
   /// cells and their contents. The second may be an error in place of them.
