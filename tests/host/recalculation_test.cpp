@@ -7,6 +7,7 @@
 #include <random>
 #include <string>
 
+#include "host/addin/threads.h"
 #include "host/calculation/dependencies.h"
 #include "host/values/value_order.h"
 #include "tests/host/model_fixture.h"
@@ -52,6 +53,53 @@ TEST_F(RecalculationTest, ReportsCircles) {
   Follow("C3 -> empty | D1 -> =NA(1,A1:A2)", "![Book1]Sheet1!D1: NA at column 2 takes 0 arguments, found 2");
   // Cells that it would fill itself.
   Follow("D1 -> =SEQUENCE(3)+D2", "!circular reference: [Book1]Sheet1!D1 -> [Book1]Sheet1!D1");
+}
+
+TEST_F(RecalculationTest, BranchesNotTakenMakeNoCircle) {
+  Follow("A1 -> =IF(C1,B1,1) | B1 -> =IF(C1,2,A1+1) | D1 -> =A1+B1", "A1 -> 1 | B1 -> 2 | D1 -> 3");
+  Follow("C1 -> TRUE", "A1 -> 2 | B1 -> 2 | D1 -> 4");
+  Follow("A1 -> =IF(C1,B1,A1) | B1 -> =IF(C1,A1,7)",
+         "!circular reference: [Book1]Sheet1!A1 -> [Book1]Sheet1!B1 -> [Book1]Sheet1!A1");
+  Follow("C1 -> FALSE | A1 -> =IF(C1,A1,B1)", "A1 -> 7 | D1 -> 14");
+}
+
+// What is entered as files have it: with values that count until there are new ones.
+TEST_F(RecalculationTest, ArraysFillWhatTheirFormSays) {
+  const auto put = [&](std::string_view cell, std::string_view formula, FormulaForm form, std::string_view fills) {
+    const Area at = AreaOf(cell);
+    sheet.PutFormula({at.firstRow, at.firstColumn}, *ParseFormula(formula), form, AreaOf(fills));
+  };
+  Set("B1:D6", "9");
+  put("B1", "=SEQUENCE(2,2)", FormulaForm::kArray, "B1:C3");
+  put("B4", "=SEQUENCE(2)", FormulaForm::kSpilling, "B4:B6");
+  put("C4", "={5,6}", FormulaForm::kSingle, "C4");
+  put("C6", "=SUM(B1:C5)", FormulaForm::kSingle, "C6");
+  put("D6", "={1;2}", FormulaForm::kSpilling, "D6");
+  Follow("", "B1:C3 -> {1,2;3,4;#N/A,#N/A} | B4:D6 -> {1,5,9;2,9,9;empty,#N/A,1} | D7 -> 2");
+  EXPECT_EQ(addin.calls, 0);
+  Follow("B5 -> \"x\"", "B4 -> #SPILL!");
+}
+
+TEST_F(RecalculationTest, ManyThatReadTheSameAskFewTimes) {
+  constexpr int kRows = 5'000;
+  // Each of 5,000 reads 5,000 that are calculated from the last one on.
+  for (int row = kRows; row > 0; --row)
+    SetFormula("A" + std::to_string(row), row == kRows ? "=1" : "=A" + std::to_string(row + 1) + "+0");
+  SetFormula("B1:B5000", "=COUNTA(C:C,A1:A5000)");
+  SetFormula("C1:C3", "=COUNTA(A1:A5000)");
+  Follow("", "B1 -> 5003 | B5000 -> 5003 | C3 -> 5000");
+}
+
+TEST_F(RecalculationTest, SeveralThreadsGiveWhatOneGives) {
+  Set("Data!A1:A3000", "2");
+  SetFormula("A1:A5000", "=SUM(Data!A1:A3000)");
+  SetFormula("B1:B5000", "=A1+GET.NEXT()*0");
+  SetFormula("C1:C50", "=SEQUENCE(1,3)*SUM(B1:B5000)");
+  MainThread main;
+  CalculationThreads threads(main, 4);
+  EXPECT_EQ(Recalculate(workbooks, context, {nullptr, &threads}).calculated, 10'050);
+  EXPECT_EQ(Held("A5000:C5000"), "{6000,6000,empty}");
+  EXPECT_EQ(Held("C50:E50"), "{30000000,60000000,90000000}");
 }
 
 TEST_F(RecalculationTest, SpillsWhereItIsFree) {
