@@ -5,6 +5,7 @@
 
 #include "host/files/file_text.h"
 #include "host/text/letter_case.h"
+#include "host/text/path_text.h"
 #include "host/text/utf8.h"
 
 namespace qcalc {
@@ -41,8 +42,7 @@ FunctionPages ReadFunctionPages(const std::filesystem::path& addin) {
   std::error_code unknown;
   if (!std::filesystem::exists(path, unknown)) return {};
   const auto read = ReadFile(path);
-  const std::u8string name = path.u8string();
-  const std::string shown(name.begin(), name.end());
+  const std::string shown = TextOf(path);
   if (const auto* failure = std::get_if<FileFailure>(&read)) throw std::runtime_error(shown + ": " + failure->reason);
   FunctionPages pages;
   try {
