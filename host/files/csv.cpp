@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "host/files/csv_reader.h"
 #include "host/files/file_text.h"
 #include "host/process/journal.h"
 #include "host/text/digits.h"
@@ -24,106 +25,6 @@ bool ReadPlainNumber(std::string_view field, double& number) {
   if (field[0] == '-') number = -number;
   return true;
 }
-
-// Reads records and hands their fields on: field(record, index, text), then endOfRecord(record, fields).
-class CsvReader {
- public:
-  CsvReader(std::string_view text, std::string_view separator) : text_(text), separator_(separator) {
-    if (text_.starts_with(kByteOrderMark)) lineStart_ = at_ = kByteOrderMark.size();
-  }
-
-  // Stops at the first fault, its own or one that a sink throws as CsvError.
-  template <typename Field, typename EndOfRecord>
-  void Read(Field&& field, EndOfRecord&& endOfRecord) {
-    for (std::int64_t record = 0; at_ < text_.size(); ++record) {
-      std::int64_t index = 0;
-      do {
-        fieldStart_ = at_;
-        fieldLine_ = line_;
-        fieldLineStart_ = lineStart_;
-        field(record, index++, TakeField());
-      } while (AcceptSeparator());
-      endOfRecord(record, index);
-      SkipLineEnd();
-    }
-  }
-
-  // A fault at the field last read.
-  CsvError FaultAtField(std::string message) const {
-    return {fieldLine_, static_cast<std::int64_t>(fieldStart_ - fieldLineStart_) + 1, std::move(message)};
-  }
-
- private:
-  std::string_view TakeField() {
-    if (at_ < text_.size() && text_[at_] == '"') return TakeQuotedField();
-    const std::size_t start = at_;
-    while (!IsEndOfField()) ++at_;
-    return text_.substr(start, at_ - start);
-  }
-
-  // A view of the file where no quote is doubled, else of the buffer.
-  std::string_view TakeQuotedField() {
-    buffer_.clear();
-    std::size_t start = ++at_;
-    for (;;) {
-      const std::size_t quote = text_.find('"', at_);
-      if (quote == std::string_view::npos) throw FaultAtField("expected a closing quote for this field, found the end");
-      CountLines(at_, quote);
-      at_ = quote + 1;
-      if (at_ >= text_.size() || text_[at_] != '"') break;
-      buffer_.append(text_.substr(start, at_ - start));
-      start = ++at_;
-    }
-    if (!IsEndOfField())
-      throw CsvError{line_, static_cast<std::int64_t>(at_ - lineStart_) + 1,
-                     "expected '" + separator_ + "' or the end of the record after the closing quote, found '" +
-                         std::string(1, text_[at_]) + "'"};
-    const std::string_view last = text_.substr(start, at_ - 1 - start);
-    if (buffer_.empty()) return last;
-    buffer_.append(last);
-    return buffer_;
-  }
-
-  void CountLines(std::size_t from, std::size_t to) {
-    for (std::size_t i = from; i < to; ++i) {
-      const bool pair = text_[i] == '\r' && i + 1 < text_.size() && text_[i + 1] == '\n';
-      if (pair || (text_[i] != '\n' && text_[i] != '\r')) continue;
-      ++line_;
-      lineStart_ = i + 1;
-    }
-  }
-
-  bool IsAtSeparator() const {
-    return text_[at_] == separator_[0] && text_.compare(at_, separator_.size(), separator_) == 0;
-  }
-
-  bool IsEndOfField() const {
-    return at_ >= text_.size() || text_[at_] == '\n' || text_[at_] == '\r' || IsAtSeparator();
-  }
-
-  bool AcceptSeparator() {
-    if (at_ >= text_.size() || !IsAtSeparator()) return false;
-    at_ += separator_.size();
-    return true;
-  }
-
-  void SkipLineEnd() {
-    if (at_ < text_.size() && text_[at_] == '\r') ++at_;
-    if (at_ < text_.size() && text_[at_] == '\n') ++at_;
-    ++line_;
-    lineStart_ = at_;
-  }
-
-  std::string_view text_;
-  std::string separator_;
-  std::string buffer_;
-  std::size_t at_ = 0;
-  std::size_t lineStart_ = 0;
-  std::int64_t line_ = 1;
-  std::size_t fieldStart_ = 0;
-  std::size_t fieldLineStart_ = 0;
-  std::int64_t fieldLine_ = 1;
-};
 
 CellView TextCell(std::string_view field, CellStore& cells, const CsvReader& reader) {
   XCHAR* start = cells.Pool().Reserve(field.size());
@@ -196,6 +97,11 @@ class CsvLoader {
             throw reader.FaultAtField("expected at most " + std::to_string(kXlMaxColumns - column_) +
                                       " fields in a record, found more");
           const auto number = static_cast<std::size_t>(index);
+          if (options.takeFormula && field.size() > 1 && field[0] == '=') {
+            options.takeFormula({row_ + static_cast<std::int32_t>(record), column_ + static_cast<std::int32_t>(index)},
+                                field.substr(1));
+            field = {};
+          }
           CellView cell;
           if (!field.empty())
             cell = number < isText.size() && isText[number] ? TextCell(field, sheet_.Cells(), reader)

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,6 +37,9 @@ struct CsvColumns {
 struct CsvOptions {
   std::string separator = ",";  ///< one character, no quote and no line end, UTF-8
   CsvColumns textColumns;       ///< their fields stay texts, the label too
+  /// Where given, takes what stands behind the "=" of the fields that begin with one (and go on): their cells stay
+  /// empty.
+  std::function<void(CellPosition, std::string_view)> takeFormula;
 };
 
 /// Fills cells from (row, column) on with the records in `text`: fields in quotes may hold the separator, doubled

@@ -4,7 +4,7 @@
 #include <functional>
 #include <span>
 
-#include "host/output/output_file.h"
+#include "host/process/output_file.h"
 #include "host/workbook/sheet.h"
 
 namespace qcalc {

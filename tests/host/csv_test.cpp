@@ -6,6 +6,8 @@
 #include <string>
 
 #include "host/files/csv_request.h"
+#include "host/files/csv_rewriting.h"
+#include "host/files/file_text.h"
 #include "host/text/path_text.h"
 #include "tests/host/model_fixture.h"
 
@@ -88,6 +90,36 @@ TEST_F(CsvTest, ReplacesItsExtentOnly) {
   LoadCsv("1\n2,3\n4", sheet, 1, 1);
   EXPECT_EQ(Held("A1:D5"), "{9,9,9,9;9,1,empty,9;9,2,3,9;9,4,empty,9;empty,empty,empty,empty}");
   EXPECT_EQ(sheet.FindFormula({1, 1}), nullptr);
+}
+
+// What a file becomes: each formula in it is a reference to a literal, by its place among these; "?" is not calculated.
+TEST_F(CsvTest, KeepsWhatNoFormulaFills) {
+  const auto path = std::filesystem::temp_directory_path() / "qcalc-rewritten.csv";
+  const auto rewritten = [&](std::string_view text) {
+    SheetResults results{&sheet, {}};
+    CsvOptions options;
+    std::vector<Value> values;
+    options.takeFormula = [&](CellPosition at, std::string_view formula) {
+      values.push_back(formula == "?" ? Value() : *ParseLiteral(formula));
+      const Area cell = Area::OfCell(at.row, at.column);
+      results.formulas.push_back({at, formula != "?", cell, cell});
+      if (values.back().IsArray())
+        results.formulas.back().fillsNow =
+            Area::OfSize(at.row, at.column, values.back().AsArray()->Rows(), values.back().AsArray()->Columns());
+    };
+    sheet.Clear({0, kXlMaxRows - 1, 0, kXlMaxColumns - 1});
+    LoadCsv(text, sheet, 0, 0, options);
+    for (std::size_t i = 0; i < values.size(); ++i) sheet.Set(results.formulas[i].fillsNow, values[i]);
+    OutputFile file(path);
+    RewriteCsv(file, text, results);
+    file.Finish();
+    return std::get<std::string>(ReadFile(path));
+  };
+  EXPECT_EQ(rewritten("\xEF\xBB\xBF 007,\"1,50\",\"=\"\"a,b\"\"\"\r\n=,2026-01-02,=?\r\n"),
+            "\xEF\xBB\xBF 007,\"1,50\",\"a,b\"\r\n=,2026-01-02,=?\r\n");
+  EXPECT_EQ(rewritten("1\n\"={1,2;3,4}\"\n\n01,,\n"), "1\n1,2\n3,4\n01,,\n");
+  EXPECT_EQ(rewritten("x,\"={1;2;3}\",\"={TRUE,#N/A}\""), "x,1,TRUE,#N/A\n,2\n,3");
+  std::filesystem::remove(path);
 }
 
 TEST_F(CsvTest, LoadsAFileWithWideName) {

@@ -1,4 +1,4 @@
-#include "host/output/output_file.h"
+#include "host/process/output_file.h"
 
 #include <cerrno>
 #include <random>
