@@ -58,36 +58,28 @@ class ChangedCells {
 /// Goes through the cells of a row, from the left, with the ranges that OfRow gave of it.
 class ChangedColumns {
  public:
-  explicit ChangedColumns(std::span<const ColumnRange> ranges) : ranges_(ranges) {
-    if (!ranges_.empty()) next_ = ranges_[0].first;
-  }
+  explicit ChangedColumns(std::span<const ColumnRange> ranges) : ranges_(ranges) {}
 
-  /// Takes the changed columns before `column`: `take(column)` for each.
+  bool IsEmpty() const { return ranges_.empty(); }
+  /// `take(column)` for each changed column before `end` that has not been passed.
   template <typename Take>
-  void TakeBefore(std::int32_t column, Take&& take) {
-    while (next_ < column) {
-      const std::int32_t taken = next_;
-      Advance();
-      take(taken);
+  void TakeBefore(std::int32_t end, Take&& take) {
+    while (!ranges_.empty() && next_ < end) {
+      next_ = std::max(next_, ranges_[0].first);
+      for (; next_ < end && next_ <= ranges_[0].last; ++next_) take(next_);
+      if (next_ > ranges_[0].last) ranges_ = ranges_.subspan(1);
     }
   }
-  /// Whether `column` is changed, which is then taken. Those before it have been.
+  /// Whether `column`, none before which has been asked for, is changed. It is passed then, and all before it.
   bool Take(std::int32_t column) {
-    if (next_ != column) return false;
-    Advance();
-    return true;
+    while (!ranges_.empty() && ranges_[0].last < column) ranges_ = ranges_.subspan(1);
+    next_ = column + 1;
+    return !ranges_.empty() && ranges_[0].first <= column;
   }
 
  private:
-  void Advance() {
-    if (next_++ < ranges_[0].last) return;
-    ranges_ = ranges_.subspan(1);
-    next_ = ranges_.empty() ? kNone : ranges_[0].first;
-  }
-
-  static constexpr std::int32_t kNone = std::numeric_limits<std::int32_t>::max();
   std::span<const ColumnRange> ranges_;
-  std::int32_t next_ = kNone;
+  std::int32_t next_ = 0;
 };
 
 }  // namespace qcalc

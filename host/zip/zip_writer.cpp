@@ -49,8 +49,10 @@ class ZipWriter::Deflater {
     do {
       const std::string_view some = bytes.substr(0, kMostAtOnce);
       bytes.remove_prefix(some.size());
-      crc_ = static_cast<std::uint32_t>(
-          crc32(crc_, reinterpret_cast<const Bytef*>(some.data()), static_cast<uInt>(some.size())));
+      // Without bytes the library would begin anew.
+      if (!some.empty())
+        crc_ = static_cast<std::uint32_t>(
+            crc32(crc_, reinterpret_cast<const Bytef*>(some.data()), static_cast<uInt>(some.size())));
       // The library takes no constant bytes, and changes none.
       stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(some.data()));
       stream_.avail_in = static_cast<uInt>(some.size());
