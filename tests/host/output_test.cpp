@@ -1,9 +1,11 @@
 // What is written of sheets.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include "host/files/file_text.h"
+#include "host/output/comparison.h"
 #include "host/output/iso_date.h"
 #include "host/output/sheet_text.h"
 #include "host/process/checked_output.h"
@@ -60,6 +62,32 @@ TEST_F(OutputTest, SheetsAsCsvAndJson) {
   OutputFile(path).Write("half");
   EXPECT_EQ(std::get<std::string>(ReadFile(path)), json);
   EXPECT_THROW(OutputFile(std::filesystem::temp_directory_path()), OutputFailure);
+}
+
+TEST_F(OutputTest, ComparisonWithWhatTheFileHad) {
+  Set("A1:A3", "{0.3;\"old\";5}");
+  Set("C1", "#VALUE!");
+  Set("D1", "2");
+  const Area spill = AreaOf("A1:A3");
+  CachedValues cached(sheet);
+  SheetResults results{&sheet, {{{0, 0}, true, spill, AreaOf("A1:B2")}}};
+  for (const std::int32_t column : {2, 3, 4})
+    results.formulas.push_back({{0, column}, column != 3, Area::OfCell(0, column), Area::OfCell(0, column)});
+  for (const FormulaResult& formula : results.formulas) cached.Note(formula.filledBefore);
+  Set("A1:B2", "{0.30000000000000004,TRUE;\"new\",#N/A}");
+  Set("A3", "empty");
+  Set("C1:E1", "{#SPILL!,3,4}");
+  Comparison comparison;
+  Compare(results, cached, comparison);
+  EXPECT_THAT(comparison.lines,
+              testing::ElementsAre("Sheet1!B1: TRUE, the book has empty", "Sheet1!A2: \"new\", the book has \"old\"",
+                                   "Sheet1!B2: #N/A, the book has empty", "Sheet1!A3: empty, the book has 5"));
+  EXPECT_EQ(comparison.compared * 100 + comparison.different * 10 + comparison.withoutValue, 641);
+  const auto equal = [](double left, double right) {
+    return EqualsStored(CellView::Number(left), CellView::Number(right));
+  };
+  EXPECT_TRUE(equal(-0.0, 0) && equal(123456789012345, 123456789012345.3) && !equal(0.1, -0.1));
+  EXPECT_FALSE(equal(1.23456789012345, 1.23456789012346) || equal(0, 1e-300) || equal(12, 120));
 }
 
 }  // namespace
