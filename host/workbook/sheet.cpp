@@ -111,15 +111,13 @@ void Sheet::PutFormula(CellPosition position, Formula formula, FormulaForm form,
 
 void Sheet::Clear(const Area& area) { Set(area, Value::Empty()); }
 
-void Sheet::HideRows(std::int32_t first, std::int32_t last, bool hidden) {
+void Sheet::Hide(std::set<std::int32_t>& lines, std::int32_t first, std::int32_t last, bool hidden) {
   if (!hidden) {
-    hiddenRows_.erase(hiddenRows_.lower_bound(first), hiddenRows_.upper_bound(last));
+    lines.erase(lines.lower_bound(first), lines.upper_bound(last));
     return;
   }
-  for (std::int32_t row = first; row <= last; ++row) hiddenRows_.insert(row);
+  for (std::int32_t line = first; line <= last; ++line) lines.insert(line);
 }
-
-bool Sheet::IsRowHidden(std::int32_t row) const { return hiddenRows_.contains(row); }
 
 const FormulaCell* Sheet::FindFormula(CellPosition position) const {
   const auto found = formulas_.find(position);

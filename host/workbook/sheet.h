@@ -81,8 +81,10 @@ class Sheet {
   /// Removes values and formulas.
   void Clear(const Area& area);
 
-  void HideRows(std::int32_t first, std::int32_t last, bool hidden);
-  bool IsRowHidden(std::int32_t row) const;
+  void HideRows(std::int32_t first, std::int32_t last, bool hidden) { Hide(hiddenRows_, first, last, hidden); }
+  bool IsRowHidden(std::int32_t row) const { return hiddenRows_.contains(row); }
+  void HideColumns(std::int32_t first, std::int32_t last, bool hidden) { Hide(hiddenColumns_, first, last, hidden); }
+  bool IsColumnHidden(std::int32_t column) const { return hiddenColumns_.contains(column); }
 
   /// First and last used row and column; cells with values or formulas count. Nothing for an empty sheet.
   std::optional<Area> UsedArea() const { return cells_.UsedArea(); }
@@ -119,6 +121,7 @@ class Sheet {
   void TakeBackSpill(CellPosition anchor);
 
  private:
+  static void Hide(std::set<std::int32_t>& lines, std::int32_t first, std::int32_t last, bool hidden);
   void RemoveFormulas(const Area& area);
   void TakeBackSpills(const Area& area);
   // Forgets what the formula's result fills; the cells stay as they are.
@@ -137,6 +140,7 @@ class Sheet {
   // The anchors of spills, by each column that they fill and their first row. No two share a cell.
   std::map<std::pair<std::int32_t, std::int32_t>, CellPosition> spilled_;
   std::set<std::int32_t> hiddenRows_;
+  std::set<std::int32_t> hiddenColumns_;
   std::vector<Area> changes_;
 };
 
