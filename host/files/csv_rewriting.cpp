@@ -8,7 +8,7 @@ namespace {
 
 class CsvRewriter {
  public:
-  CsvRewriter(OutputFile& file, std::string_view text, const SheetResults& results)
+  CsvRewriter(ByteOutput& file, std::string_view text, const SheetResults& results)
       : file_(file), text_(text), sheet_(*results.sheet), changed_(results) {
     const std::size_t end = text.find_first_of("\r\n");
     if (end != std::string_view::npos && text[end] == '\r') lineEnd_ = text.substr(end, 2) == "\r\n" ? "\r\n" : "\r";
@@ -72,7 +72,7 @@ class CsvRewriter {
     }
   }
 
-  OutputFile& file_;
+  ByteOutput& file_;
   std::string_view text_;
   const Sheet& sheet_;
   ChangedCells changed_;
@@ -84,7 +84,7 @@ class CsvRewriter {
 
 }  // namespace
 
-void RewriteCsv(OutputFile& file, std::string_view text, const SheetResults& results) {
+void RewriteCsv(ByteOutput& file, std::string_view text, const SheetResults& results) {
   CsvRewriter(file, text, results).Rewrite();
 }
 

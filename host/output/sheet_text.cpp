@@ -15,7 +15,7 @@ bool AppendDate(std::string& out, const WrittenSheet& sheet, CellPosition positi
   return cell.IsNumber() && sheet.isDate(position) && AppendIsoDate(out, cell.AsNumber(), sheet.uses1904);
 }
 
-void WriteCells(OutputFile& file, const WrittenSheet& sheet) {
+void WriteCells(ByteOutput& file, const WrittenSheet& sheet) {
   std::string& out = file.Buffer();
   std::string date;
   bool isFirst = true;
@@ -35,7 +35,7 @@ void WriteCells(OutputFile& file, const WrittenSheet& sheet) {
 
 }  // namespace
 
-void WriteCsv(OutputFile& file, const WrittenSheet& sheet) {
+void WriteCsv(ByteOutput& file, const WrittenSheet& sheet) {
   const auto used = sheet.sheet->UsedArea();
   if (!used) return;
   const Area area{0, used->lastRow, 0, used->lastColumn};
@@ -55,7 +55,7 @@ void WriteCsv(OutputFile& file, const WrittenSheet& sheet) {
   });
 }
 
-void WriteJson(OutputFile& file, std::span<const WrittenSheet> sheets) {
+void WriteJson(ByteOutput& file, std::span<const WrittenSheet> sheets) {
   std::string& out = file.Buffer();
   out += "{\"sheets\":[";
   for (const WrittenSheet& sheet : sheets) {

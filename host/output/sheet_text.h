@@ -4,7 +4,7 @@
 #include <functional>
 #include <span>
 
-#include "host/process/output_file.h"
+#include "host/process/byte_output.h"
 #include "host/workbook/sheet.h"
 
 namespace qcalc {
@@ -19,10 +19,10 @@ struct WrittenSheet {
 
 /// RFC 4180: a record for each row up to the last used one, each as wide as the sheet's used columns; nothing for an
 /// empty sheet. Throws OutputFailure where that would be more than kMaxArrayCells fields.
-void WriteCsv(OutputFile& file, const WrittenSheet& sheet);
+void WriteCsv(ByteOutput& file, const WrittenSheet& sheet);
 
 /// {"sheets":[{"name":"Data","cells":{"A1":1,"B2":"x","C3":{"error":"#N/A"}}}]}: the cells that hold anything, column
 /// by column, a line each.
-void WriteJson(OutputFile& file, std::span<const WrittenSheet> sheets);
+void WriteJson(ByteOutput& file, std::span<const WrittenSheet> sheets);
 
 }  // namespace qcalc

@@ -1,6 +1,7 @@
 #include "host/process/output_file.h"
 
 #include <cerrno>
+#include <iostream>
 #include <random>
 #include <system_error>
 
@@ -25,6 +26,8 @@ std::filesystem::path PlaceBeside(const std::filesystem::path& path) {
 
 }  // namespace
 
+void PrintedOutput::Send(std::string_view bytes) { std::cout << bytes << std::flush; }
+
 OutputFile::OutputFile(const std::filesystem::path& path) : path_(TargetOf(path)) {
   std::error_code unknown;
   const auto status = std::filesystem::status(path_, unknown);
@@ -38,7 +41,6 @@ OutputFile::OutputFile(const std::filesystem::path& path) : path_(TargetOf(path)
     throw OutputFailure{TextOf(path) + ": " + reason};
   }
   if (isReplaced) std::filesystem::permissions(written_, status.permissions(), unknown);
-  buffer_.reserve(2 * kBufferBytes);
 }
 
 OutputFile::~OutputFile() {
@@ -50,16 +52,14 @@ OutputFile::~OutputFile() {
 
 void OutputFile::Fail(std::string_view what) const { throw OutputFailure{TextOf(path_) + ": " + std::string(what)}; }
 
-void OutputFile::Flush() {
+void OutputFile::Send(std::string_view bytes) {
   errno = 0;
-  if (!stream_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size())))
+  if (!stream_.write(bytes.data(), static_cast<std::streamsize>(bytes.size())))
     Fail(std::generic_category().message(errno));
-  flushed_ += buffer_.size();
-  buffer_.clear();
 }
 
 void OutputFile::Finish() {
-  Flush();
+  ByteOutput::Finish();
   errno = 0;
   stream_.close();
   if (!stream_) Fail(std::generic_category().message(errno));

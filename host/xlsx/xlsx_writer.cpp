@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "host/formulas/reference_text.h"
+#include "host/process/output_file.h"
 #include "host/xlsx/row_rewriting.h"
 #include "host/zip/zip_writer.h"
 
@@ -53,7 +54,7 @@ void RewriteSheet(ZipWriter& writer, ZipStream stream, const SheetResults& resul
   write();
 }
 
-void RewriteBook(OutputFile& file, const std::filesystem::path& book, std::span<const CalculatedPart> parts) {
+void RewriteBook(ByteOutput& file, const std::filesystem::path& book, std::span<const CalculatedPart> parts) {
   const ZipReader reader(book);
   std::unordered_map<const ZipEntry*, const SheetResults*> changed;
   for (const CalculatedPart& calculated : parts)

@@ -28,7 +28,7 @@ void RequireSize(std::uint64_t size, std::string_view what) {
 
 class ZipWriter::Deflater {
  public:
-  explicit Deflater(OutputFile& file) : file_(file) {
+  explicit Deflater(ByteOutput& file) : file_(file) {
     constexpr int kNoHeader = -15, kMemory = 9;
     if (deflateInit2(&stream_, kLevel, Z_DEFLATED, kNoHeader, kMemory, Z_DEFAULT_STRATEGY) != Z_OK)
       throw std::bad_alloc();
@@ -76,7 +76,7 @@ class ZipWriter::Deflater {
     } while (stream_.avail_out == 0);
   }
 
-  OutputFile& file_;
+  ByteOutput& file_;
   z_stream stream_{};
   std::array<char, 1u << 16> buffer_;
   std::uint32_t crc_ = 0;
@@ -84,7 +84,7 @@ class ZipWriter::Deflater {
   std::uint64_t storedSize_ = 0;
 };
 
-ZipWriter::ZipWriter(OutputFile& file) : file_(file), start_(file.Size()) {}
+ZipWriter::ZipWriter(ByteOutput& file) : file_(file), start_(file.Size()) {}
 
 ZipWriter::~ZipWriter() = default;
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/process/output_file.h"
+#include "host/process/byte_output.h"
 #include "host/zip/zip_reader.h"
 
 namespace qcalc {
@@ -15,7 +15,7 @@ namespace qcalc {
 /// entries and files of 4 GiB and more, and for more than 65,534 entries.
 class ZipWriter {
  public:
-  explicit ZipWriter(OutputFile& file);
+  explicit ZipWriter(ByteOutput& file);
   ~ZipWriter();
   ZipWriter(const ZipWriter&) = delete;
   ZipWriter& operator=(const ZipWriter&) = delete;
@@ -36,7 +36,7 @@ class ZipWriter {
   void WriteHeader(const ZipEntry& entry);
   void Put(std::uint64_t number, int bytes);
 
-  OutputFile& file_;
+  ByteOutput& file_;
   std::uint64_t start_;  // of the zip file in `file_`
   std::vector<ZipEntry> entries_;
   std::unique_ptr<Deflater> deflater_;

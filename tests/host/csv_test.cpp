@@ -8,6 +8,7 @@
 #include "host/files/csv_request.h"
 #include "host/files/csv_rewriting.h"
 #include "host/files/file_text.h"
+#include "host/process/output_file.h"
 #include "host/text/path_text.h"
 #include "tests/host/model_fixture.h"
 

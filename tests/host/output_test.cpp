@@ -9,6 +9,7 @@
 #include "host/output/iso_date.h"
 #include "host/output/sheet_text.h"
 #include "host/process/checked_output.h"
+#include "host/process/output_file.h"
 #include "tests/host/model_fixture.h"
 
 namespace qcalc {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <filesystem>
 
+#include "host/process/output_file.h"
 #include "host/xlsx/cell_markup.h"
 #include "host/zip/zip_writer.h"
 #include "tests/host/model_fixture.h"
