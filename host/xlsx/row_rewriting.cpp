@@ -27,8 +27,6 @@ std::optional<std::int32_t> NumberOf(std::string_view tag, std::string_view name
   return value ? ReadWhole<std::int32_t>(*value) : std::nullopt;
 }
 
-bool IsTrue(std::optional<std::string_view> value) { return value == "1" || value == "true"; }
-
 /// Appends the tag without its end, and without the attributes that `isLeft` tells; what stands behind the last one.
 template <typename IsLeft>
 std::string_view AppendTag(std::string& out, std::string_view tag, IsLeft&& isLeft) {

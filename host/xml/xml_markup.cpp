@@ -61,6 +61,18 @@ std::string_view NameOfTag(std::string_view tag) {
   return WithoutPrefix(tag.substr(begin, tag.find_first_of(" \t\r\n/>", begin) - begin));
 }
 
+std::optional<std::string_view> AttributeOfTag(std::string_view tag, std::string_view name) {
+  for (std::size_t quote = tag.find_first_of("\"'"); quote != tag.npos;) {
+    const std::size_t end = tag.find(tag[quote], quote + 1);
+    if (end == tag.npos) break;
+    std::string_view before = tag.substr(0, quote);
+    before = before.substr(0, before.find_last_not_of(" \t\r\n=") + 1);
+    if (before.substr(before.find_last_of(" \t\r\n\"'") + 1) == name) return tag.substr(quote + 1, end - quote - 1);
+    quote = tag.find_first_of("\"'", end + 1);
+  }
+  return std::nullopt;
+}
+
 void XmlGauge::Count(const XmlMarkup& markup) {
   if (markup.kind == MarkupKind::kStart && ++depth_ > kMostDepth)
     throw XmlFault("its elements are nested more than " + std::to_string(kMostDepth) + " deep");

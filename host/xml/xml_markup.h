@@ -26,10 +26,24 @@ struct XmlMarkup {
 /// DOCTYPE: what it may declare (entities of entities) no part of a workbook needs.
 std::optional<XmlMarkup> FindMarkup(std::string_view text, std::size_t from);
 
+/// Calls `visitor(const XmlMarkup&)` for all markup of the text.
+template <typename Visitor>
+void ForEachMarkup(std::string_view text, Visitor&& visitor) {
+  std::size_t at = 0;
+  while (const auto markup = FindMarkup(text, at)) {
+    at = markup->end;
+    visitor(*markup);
+  }
+}
+
 /// The name without its prefix: `x:row` is `row`, whatever `x` stands for.
 constexpr std::string_view WithoutPrefix(std::string_view name) { return name.substr(name.find(':') + 1); }
 /// That of a tag.
 std::string_view NameOfTag(std::string_view tag);
+/// The attribute of that name in a tag, as it is written; nothing when it has none. A prefix is part of the name.
+std::optional<std::string_view> AttributeOfTag(std::string_view tag, std::string_view name);
+/// Whether that is how an attribute says yes.
+constexpr bool IsTrue(std::optional<std::string_view> attribute) { return attribute == "1" || attribute == "true"; }
 
 /// Counts what a parser would have to hold, so that no text is handed to one that would take its stack or all memory.
 class XmlGauge {

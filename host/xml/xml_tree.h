@@ -1,0 +1,57 @@
+// Short texts in XML as trees: whole small parts, or one row of a sheet.
+#pragma once
+
+#include <optional>
+#include <rapidxml/rapidxml.hpp>
+#include <string>
+#include <string_view>
+
+#include "host/xml/xml_markup.h"
+
+namespace qcalc {
+
+/// An element, or a text within one. It views the text that it was made of, where nothing has been decoded.
+using XmlNode = rapidxml::xml_node<char>;
+
+/// Makes trees of texts, one after the other, in memory that is used again.
+class XmlParser {
+ public:
+  /// The element that the text consists of, good until the next call. A zero byte stands behind the text, which went
+  /// through an XmlGauge and outlives the tree. Throws XmlFault for what is not well formed.
+  const XmlNode& Parse(std::string_view element);
+
+ private:
+  rapidxml::xml_document<char> document_;
+};
+
+/// A whole part. Throws XmlFault as ElementSplitter does.
+class XmlPart {
+ public:
+  explicit XmlPart(std::string text);
+  XmlPart(const XmlPart&) = delete;
+  XmlPart& operator=(const XmlPart&) = delete;
+  const XmlNode& Root() const { return *root_; }
+
+ private:
+  std::string text_;
+  XmlParser parser_;
+  const XmlNode* root_;
+};
+
+/// The element's name without its prefix.
+inline std::string_view NameOf(const XmlNode& element) { return WithoutPrefix({element.name(), element.name_size()}); }
+
+/// The first element of that name (without its prefix) below this one, or null; from one on, the next beside it.
+const XmlNode* FindChild(const XmlNode& element, std::string_view name);
+const XmlNode* FindNext(const XmlNode& element, std::string_view name);
+
+/// Calls `visitor(const XmlNode&)` for each element of that name right below this one.
+template <typename Visitor>
+void ForEachChild(const XmlNode& element, std::string_view name, Visitor&& visitor) {
+  for (const XmlNode* child = FindChild(element, name); child; child = FindNext(*child, name)) visitor(*child);
+}
+
+/// The attribute of that name, as it is written; nothing when the element has none. A prefix is part of the name.
+std::optional<std::string_view> FindAttribute(const XmlNode& element, std::string_view name);
+
+}  // namespace qcalc
