@@ -27,6 +27,8 @@ struct EvaluationContext {
   /// Where the calling cell keeps what xlfVolatile asks for; may be null.
   std::optional<bool>* askedVolatile = nullptr;
   FormulaForm form = FormulaForm::kSpilling;
+  /// Whether days count from January 1, 1904, as 0, as in books that once came from a Macintosh; else from 1900.
+  bool uses1904 = false;
 };
 
 /// The formula cannot be evaluated at all: not a value of Excel's, but a mistake in the script or a limit of the host.
