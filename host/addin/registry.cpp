@@ -1,6 +1,6 @@
 #include "host/addin/registry.h"
 
-#include "host/text/letter_case.h"
+#include <mutex>
 
 namespace qcalc {
 namespace {
@@ -31,7 +31,7 @@ const RegisteredFunction& Registry::Add(std::unique_ptr<RegisteredFunction> func
     if (function->narrow) function->narrow->id = function->id;
     entered = functions_.emplace_back(std::move(function)).get();
   }
-  if (!entered->name.empty()) names_[FoldCase(entered->name)] = entered;
+  if (!entered->name.empty()) names_[entered->name] = entered;
   return *entered;
 }
 
@@ -45,7 +45,10 @@ bool Registry::Remove(double id) {
 
 bool Registry::RemoveName(XStringView name) {
   const std::lock_guard lock(mutex_);
-  return names_.erase(FoldCase(name)) > 0;
+  const auto found = names_.find(name);
+  if (found == names_.end()) return false;
+  names_.erase(found);
+  return true;
 }
 
 void Registry::Clear() {
@@ -55,20 +58,20 @@ void Registry::Clear() {
 }
 
 RegisteredFunction* Registry::Find(XStringView name) const {
-  const std::lock_guard lock(mutex_);
-  const auto found = names_.find(FoldCase(name));
+  const std::shared_lock lock(mutex_);
+  const auto found = names_.find(name);
   return found != names_.end() && found->second->useCount > 0 ? found->second : nullptr;
 }
 
 RegisteredFunction* Registry::Find(double id) const {
-  const std::lock_guard lock(mutex_);
+  const std::shared_lock lock(mutex_);
   for (const auto& function : functions_)
     if (function->id == id && function->useCount > 0) return function.get();
   return nullptr;
 }
 
 std::vector<const RegisteredFunction*> Registry::All() const {
-  const std::lock_guard lock(mutex_);
+  const std::shared_lock lock(mutex_);
   std::vector<const RegisteredFunction*> all;
   for (const auto& function : functions_)
     if (function->useCount > 0) all.push_back(function.get());

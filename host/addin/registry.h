@@ -1,13 +1,13 @@
 // What the add-in registered with xlfRegister, and the names that stand for it.
 #pragma once
 
-#include <map>
 #include <memory>
-#include <mutex>
+#include <shared_mutex>
 #include <vector>
 
 #include "host/api/type_text.h"
 #include "host/calculation/addin_functions.h"
+#include "host/text/letter_case.h"
 
 namespace qcalc {
 
@@ -61,10 +61,10 @@ class Registry {
  private:
   double NextId();
 
-  mutable std::mutex mutex_;
+  mutable std::shared_mutex mutex_;
   // Registrations stay in memory when their use count is 0: a formula may still hold one.
   std::vector<std::unique_ptr<RegisteredFunction>> functions_;
-  std::map<XString, RegisteredFunction*> names_;
+  CaselessMap<XString, RegisteredFunction*> names_;
   int idsGiven_ = 0;
 };
 

@@ -85,6 +85,13 @@ bool EqualsIgnoringCase(XStringView left, XStringView right) {
                     [](XCHAR l, XCHAR r) { return l == r || FoldUnit(l) == FoldUnit(r); });
 }
 
+std::size_t CaselessHash::operator()(XStringView text) const {
+  // FNV-1a over units.
+  std::uint64_t hash = 14'695'981'039'346'656'037U;
+  for (const XCHAR unit : text) hash = (hash ^ static_cast<std::uint16_t>(FoldUnit(unit))) * 1'099'511'628'211U;
+  return static_cast<std::size_t>(hash ^ (hash >> 32));
+}
+
 bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                     [](char l, char r) { return SmallLetter(l) == SmallLetter(r); });

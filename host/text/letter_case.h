@@ -1,7 +1,9 @@
 // Letters without their case.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
+#include <unordered_map>
 
 #include "xlcall/xchar.h"
 
@@ -24,6 +26,18 @@ XString FoldCase(XStringView text);
 
 /// Whether the texts are equal but for case.
 bool EqualsIgnoringCase(XStringView left, XStringView right);
+
+/// For tables of names that are found in any case, without a folded copy of what is looked for.
+struct CaselessHash {
+  using is_transparent = void;
+  std::size_t operator()(XStringView text) const;
+};
+struct CaselessEqual {
+  using is_transparent = void;
+  bool operator()(XStringView left, XStringView right) const { return EqualsIgnoringCase(left, right); }
+};
+template <typename Key, typename Content>
+using CaselessMap = std::unordered_map<Key, Content, CaselessHash, CaselessEqual>;
 
 /// The same for words of scripts and files: A to Z alone have a case.
 bool EqualsIgnoringCase(std::string_view left, std::string_view right);

@@ -19,15 +19,15 @@ constexpr Area kWholeSheet{0, kXlMaxRows - 1, 0, kXlMaxColumns - 1};
 }  // namespace
 
 Sheet* Book::FindSheet(XStringView name) const {
-  const auto found = std::find_if(sheets_.begin(), sheets_.end(),
-                                  [name](const auto& sheet) { return EqualsIgnoringCase(sheet->Name(), name); });
-  return found == sheets_.end() ? nullptr : found->get();
+  const auto found = sheetsByName_.find(name);
+  return found == sheetsByName_.end() ? nullptr : found->second;
 }
 
 Sheet& Book::SheetNamed(XStringView name) {
   if (Sheet* sheet = FindSheet(name)) return *sheet;
   const IDSHEET id = workbooks_.TakeSheetId();
   sheets_.push_back(std::make_unique<Sheet>(*this, id, XString(name)));
+  sheetsByName_.emplace(name, sheets_.back().get());
   workbooks_.sheetsById_.emplace(id, sheets_.back().get());
   // Formulas that name it were #REF! so far.
   sheets_.back()->NoteChange(kWholeSheet);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/text/letter_case.h"
 #include "host/workbook/sheet.h"
 
 namespace qcalc {
@@ -28,6 +29,7 @@ class Book {
   Workbooks& workbooks_;
   XString name_;
   std::vector<std::unique_ptr<Sheet>> sheets_;
+  CaselessMap<XString, Sheet*> sheetsByName_;
 };
 
 /// All open books.

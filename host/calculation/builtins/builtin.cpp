@@ -18,10 +18,14 @@ std::span<const std::span<const Builtin>> Families() {
 }  // namespace
 
 const Builtin* FindBuiltin(XStringView name) {
-  for (const auto family : Families())
-    for (const Builtin& builtin : family)
-      if (EqualsIgnoringCase(name, builtin.name)) return &builtin;
-  return nullptr;
+  static const auto byName = [] {
+    CaselessMap<XStringView, const Builtin*> table;
+    for (const auto family : Families())
+      for (const Builtin& builtin : family) table.emplace(builtin.name, &builtin);
+    return table;
+  }();
+  const auto found = byName.find(name);
+  return found == byName.end() ? nullptr : found->second;
 }
 
 std::vector<XStringView> BuiltinNames() {
