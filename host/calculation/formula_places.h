@@ -10,12 +10,6 @@
 
 namespace qcalc {
 
-/// An area of the sheet with that id.
-struct SheetArea {
-  IDSHEET sheet;
-  Area area;
-};
-
 /// One formula cell.
 struct FormulaPlace {
   Sheet* sheet;

@@ -45,6 +45,12 @@ struct Area {
   bool operator==(const Area&) const = default;
 };
 
+/// An area of the sheet with that id.
+struct SheetArea {
+  IDSHEET sheet = 0;
+  Area area;
+};
+
 /// Cells of one sheet: one area, or several (a union).
 struct Reference {
   IDSHEET sheet = 0;

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "host/text/letter_case.h"
+#include "host/workbook/defined_names.h"
 #include "host/workbook/sheet.h"
+#include "host/workbook/tables.h"
 
 namespace qcalc {
 
@@ -24,12 +26,20 @@ class Book {
   Sheet* FindSheet(XStringView name) const;
   /// The sheet of that name, made if need be; formulas that name it are then calculated anew.
   Sheet& SheetNamed(XStringView name);
+  /// What its formulas may name beside cells. To be filled while nothing calculates.
+  DefinedNames& Names() { return names_; }
+  const DefinedNames& Names() const { return names_; }
+  Tables& ItsTables() { return tables_; }
+  const Tables& ItsTables() const { return tables_; }
+  const Workbooks& ItsWorkbooks() const { return workbooks_; }
 
  private:
   Workbooks& workbooks_;
   XString name_;
   std::vector<std::unique_ptr<Sheet>> sheets_;
   CaselessMap<XString, Sheet*> sheetsByName_;
+  DefinedNames names_;
+  Tables tables_;
 };
 
 /// All open books.
