@@ -11,6 +11,7 @@
 
 namespace qcalc {
 
+class FunctionProfile;
 class IAddinFunctions;
 
 /// Values bound to names by `let`; keys are without case (FoldCase). An array stays an array, a reference a reference.
@@ -29,6 +30,8 @@ struct EvaluationContext {
   FormulaForm form = FormulaForm::kSpilling;
   /// Whether days count from January 1, 1904, as 0, as in books that once came from a Macintosh; else from 1900.
   bool uses1904 = false;
+  /// Notes what calls of functions cost; may be null.
+  FunctionProfile* profile = nullptr;
 };
 
 /// The formula cannot be evaluated at all: not a value of Excel's, but a mistake in the script or a limit of the host.
