@@ -13,9 +13,9 @@ constexpr std::size_t kMaxEvaluatedText = 255;
 bool HasBareName(const Formula& formula) {
   bool isBare = false;
   VisitNodes(formula.Root(), [&](const FormulaNode& node) {
-    const bool isName = node.kind == FormulaNode::Kind::kName;
-    const bool isCells = node.kind == FormulaNode::Kind::kReference && node.reference.sheet.empty();
-    if (isName || isCells) isBare = isBare || formula.Text()[static_cast<std::size_t>(node.column) - 1] != '!';
+    const bool mayBeBare = node.kind == FormulaNode::Kind::kName || node.kind == FormulaNode::Kind::kReference;
+    if (mayBeBare && node.reference.sheet.empty())
+      isBare = isBare || formula.Text()[static_cast<std::size_t>(node.column) - 1] != '!';
   });
   return isBare;
 }

@@ -13,8 +13,8 @@ struct EvaluationContext;
 /// What a registered argument wants of the operand that stands in the formula.
 enum class OperandKind {
   kReference,  ///< U, R: a reference where the formula has one, else the value
-  kValue,      ///< Q, P: what a reference holds; a union gives #VALUE! without a call
-  kByValue,    ///< A, B, J, C%, K% ...: as kValue; the callee converts
+  kValue,      ///< Q, P, K%: what a reference holds; a union gives #VALUE! without a call
+  kByValue,    ///< A, B, J, C% ...: as kValue, but one value; the callee converts
 };
 
 /// A registered function as the evaluator sees it. The implementor derives from it what else it keeps.

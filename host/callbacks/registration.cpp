@@ -32,7 +32,7 @@ enum : std::size_t {
 OperandKind OperandOf(TypeLetter letter) {
   if (letter.MayBeReference()) return OperandKind::kReference;
   const Passing passing = PassingOf(letter);
-  return passing == Passing::kOper12 || passing == Passing::kOper ? OperandKind::kValue : OperandKind::kByValue;
+  return passing == Passing::kText || passing == Passing::kInteger ? OperandKind::kByValue : OperandKind::kValue;
 }
 
 /// Why Excel would refuse these arguments, or the host; empty when neither does.

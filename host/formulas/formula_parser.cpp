@@ -9,6 +9,7 @@
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
 #include "host/values/constant_parser.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 
@@ -44,21 +45,13 @@ std::optional<FormulaOperator> TakeOperator(TextCursor& cursor, std::span<const 
   return std::nullopt;
 }
 
-// Counts nesting for as long as it lives.
-class DepthGuard {
- public:
-  DepthGuard(int& depth, const TextCursor& cursor) : depth_(depth) {
-    if (depth_ >= kMaxFormulaDepth)
-      cursor.Fail("expected at most " + std::to_string(kMaxFormulaDepth) + " levels of nesting, found more");
-    ++depth_;
-  }
-  ~DepthGuard() { --depth_; }
-  DepthGuard(const DepthGuard&) = delete;
-  DepthGuard& operator=(const DepthGuard&) = delete;
+bool IsQualified(const FormulaNode& node) { return !node.reference.sheet.empty() || !node.reference.book.empty(); }
 
- private:
-  int& depth_;
-};
+bool MayBeReference(const FormulaNode& node) {
+  using Kind = FormulaNode::Kind;
+  if (node.kind == Kind::kConstant) return node.constant.IsError();
+  return node.kind != Kind::kUnary && node.kind != Kind::kBinary;
+}
 
 }  // namespace
 
@@ -130,7 +123,7 @@ FormulaParser::NodePtr FormulaParser::ParsePercent() {
 
 FormulaParser::NodePtr FormulaParser::ParseUnary() {
   cursor_.SkipBlanks();
-  if (cursor_.Peek() != '-' && cursor_.Peek() != '+') return ParseRange();
+  if (cursor_.Peek() != '-' && cursor_.Peek() != '+') return ParseIntersection();
   const DepthGuard guard(depth_, cursor_);
   NodePtr node = NewNode(FormulaNode::Kind::kUnary);
   node->op = cursor_.Peek() == '-' ? FormulaOperator::kNegate : FormulaOperator::kPlus;
@@ -139,8 +132,50 @@ FormulaParser::NodePtr FormulaParser::ParseUnary() {
   return node;
 }
 
+// Whether what stands behind the blanks is a second operand of the operator that they then are.
+bool FormulaParser::IsIntersectionAhead(const FormulaNode& left) {
+  const std::size_t here = cursor_.Position();
+  if (!MayBeReference(left) || here == 0 || cursor_.AtEnd()) return false;
+  cursor_.MoveTo(here - 1);
+  const bool isBehindBlank = std::string_view(" \t\n\r").find(cursor_.Peek()) != std::string_view::npos;
+  cursor_.MoveTo(here);
+  if (!isBehindBlank) return false;
+  if (IsDigit(cursor_.Peek())) {
+    const bool isRows = TakeArea(cursor_).has_value();
+    cursor_.MoveTo(here);
+    return isRows;
+  }
+  return IsNameByte(cursor_.Peek()) || std::string_view("$'(!#[").find(cursor_.Peek()) != std::string_view::npos;
+}
+
+FormulaParser::NodePtr FormulaParser::ParseIntersection() {
+  if (cursor_.Peek() == '@') {
+    const DepthGuard guard(depth_, cursor_);
+    NodePtr node = NewNode(FormulaNode::Kind::kSingle);
+    cursor_.Advance();
+    cursor_.SkipBlanks();
+    node->children.push_back(ParseIntersection());
+    return node;
+  }
+  NodePtr left = ParseRange();
+  while (IsIntersectionAhead(*left)) {
+    CountPostfixOperator();
+    const std::size_t start = cursor_.Position();
+    NodePtr node = NewNode(FormulaNode::Kind::kIntersection);
+    node->children.push_back(std::move(left));
+    node->children.push_back(ParseRange());
+    if (!MayBeReference(*node->children[1])) {
+      cursor_.MoveTo(start);
+      cursor_.FailExpecting("an operator or the end of the formula");
+    }
+    left = std::move(node);
+  }
+  return left;
+}
+
 FormulaParser::NodePtr FormulaParser::ParseRange() {
-  NodePtr first = ParsePrimary();
+  const std::size_t start = cursor_.Position();
+  NodePtr first = ParseOperand();
   cursor_.SkipBlanks();
   while (cursor_.Peek() == ':') {
     CountPostfixOperator();
@@ -148,119 +183,27 @@ FormulaParser::NodePtr FormulaParser::ParseRange() {
     cursor_.Advance();
     cursor_.SkipBlanks();
     node->children.push_back(std::move(first));
-    node->children.push_back(ParsePrimary());
+    node->children.push_back(ParseOperand());
+    // `Sheet1:Sheet3!A1` names the cell of several sheets, which no other operand of a range can be.
+    const FormulaNode &left = *node->children[0], &right = *node->children[1];
+    if (left.kind != FormulaNode::Kind::kCall && left.children.empty() && !IsQualified(left) && IsQualified(right))
+      cursor_.FailAt(start, "expected cells of one sheet, found a span of sheets");
     cursor_.SkipBlanks();
     first = std::move(node);
   }
   return first;
 }
 
-FormulaParser::NodePtr FormulaParser::ParsePrimary() {
-  const std::size_t start = cursor_.Position();
-  switch (cursor_.Peek()) {
-    case '"':
-      return NewConstant(start, Value::Text(ReadText(cursor_)));
-    case '#':
-      return NewConstant(start, Value::Error(ReadError(cursor_)));
-    case '{':
-      return NewConstant(start, Value::OfArray(ReadArrayConstant(cursor_)));
-    case '(':
-      return ParseParentheses();
-    default:
-      break;
+FormulaParser::NodePtr FormulaParser::ParseOperand() {
+  NodePtr operand = ParsePrimary();
+  while (cursor_.Peek() == '#' && MayBeReference(*operand)) {
+    CountPostfixOperator();
+    NodePtr node = NewNode(FormulaNode::Kind::kSpill);
+    cursor_.Advance();
+    node->children.push_back(std::move(operand));
+    operand = std::move(node);
   }
-  if (cursor_.Peek() == '!' || cursor_.Peek() == '\'' || cursor_.Peek() == '[') return ParseQualified();
-  if (IsNumberAhead(cursor_)) {
-    NodePtr node = NewNode(FormulaNode::Kind::kReference);
-    if (const auto rows = TakeArea(cursor_)) {
-      node->reference.area = *rows;
-      return node;
-    }
-    return NewConstant(start, Value::Number(ReadNumber(cursor_)));
-  }
-  if (cursor_.Peek() != '$' && !IsNameByte(cursor_.Peek()))
-    cursor_.FailExpecting("a value, a reference, a function or '('");
-  return ParseWord();
-}
-
-FormulaParser::NodePtr FormulaParser::ParseParentheses() {
-  const DepthGuard guard(depth_, cursor_);
-  NodePtr node = NewNode(FormulaNode::Kind::kUnion);
-  cursor_.Advance();
-  node->children.push_back(ParseExpression());
-  while (cursor_.Accept(',')) node->children.push_back(ParseExpression());
-  if (!cursor_.Accept(')')) cursor_.FailExpecting("')' or an operator");
-  if (node->children.size() > 1) return node;
-  NodePtr only = std::move(node->children[0]);
-  node->children.clear();
-  return only;
-}
-
-FormulaParser::NodePtr FormulaParser::ParseQualified() {
-  NodePtr node = NewNode(FormulaNode::Kind::kReference);
-  auto prefix = TakeSheetPrefix(cursor_);
-  if (!prefix) cursor_.FailExpecting("a sheet's name and '!'");
-  if (const auto area = TakeArea(cursor_)) {
-    node->reference = {std::move(prefix->book), std::move(prefix->sheet), *area};
-    return node;
-  }
-  const std::size_t start = cursor_.Position();
-  if (!prefix->sheet.empty() || !IsNameByte(cursor_.Peek())) cursor_.FailExpecting("a reference after '!'");
-  while (!cursor_.AtEnd() && IsNameByte(cursor_.Peek())) cursor_.Advance();
-  node->kind = FormulaNode::Kind::kName;
-  node->name = DecodeName(start);
-  return node;
-}
-
-FormulaParser::NodePtr FormulaParser::ParseWord() {
-  const std::size_t start = cursor_.Position();
-  NodePtr node = NewNode(FormulaNode::Kind::kName);
-  while (!cursor_.AtEnd() && (IsNameByte(cursor_.Peek()) || cursor_.Peek() == '$')) cursor_.Advance();
-  const std::string_view word = cursor_.Slice(start);
-  if (cursor_.Peek() == '(' && word.find('$') == std::string_view::npos) {
-    node->kind = FormulaNode::Kind::kCall;
-    node->name = DecodeName(start);
-    return ParseCall(std::move(node));
-  }
-  if (cursor_.Peek() == '!') {
-    cursor_.MoveTo(start);
-    return ParseQualified();
-  }
-  if (EqualsIgnoringCase(word, "true") || EqualsIgnoringCase(word, "false"))
-    return NewConstant(start, Value::Boolean(EqualsIgnoringCase(word, "true")));
-  if (EqualsIgnoringCase(word, "empty")) return NewConstant(start, Value::Empty());
-  const std::size_t end = cursor_.Position();
-  cursor_.MoveTo(start);
-  if (const auto area = TakeArea(cursor_)) {
-    node->kind = FormulaNode::Kind::kReference;
-    node->reference.area = *area;
-    return node;
-  }
-  if (word.find('$') != std::string_view::npos) cursor_.FailExpecting("a reference");
-  cursor_.MoveTo(end);
-  node->name = DecodeName(start);
-  return node;
-}
-
-FormulaParser::NodePtr FormulaParser::ParseCall(NodePtr node) {
-  const DepthGuard guard(depth_, cursor_);
-  cursor_.Advance();
-  cursor_.SkipBlanks();
-  if (cursor_.Accept(')')) return node;
-  for (;;) {
-    node->children.push_back(ParseArgument());
-    if (node->children.size() > kXlMaxArguments)
-      cursor_.Fail("expected at most " + std::to_string(kXlMaxArguments) + " arguments, found more");
-    if (cursor_.Accept(',')) continue;
-    if (!cursor_.Accept(')')) cursor_.FailExpecting("',' or ')' after an argument of " + ToUtf8(node->name));
-    return node;
-  }
-}
-
-FormulaParser::NodePtr FormulaParser::ParseArgument() {
-  cursor_.SkipBlanks();
-  if (cursor_.Peek() == ',' || cursor_.Peek() == ')') return NewConstant(cursor_.Position(), Value::Missing());
-  return ParseExpression();
+  return operand;
 }
 
 }  // namespace qcalc

@@ -19,6 +19,8 @@ namespace {
 struct End {
   std::int32_t row = -1;
   std::int32_t column = -1;
+  bool rowMoves = false;
+  bool columnMoves = false;
 };
 
 // The zero-based column of up to three letters; -1 when none stands there or it lies beyond the sheet.
@@ -48,18 +50,43 @@ std::int32_t TakeRow(TextCursor& cursor) {
   return -1;
 }
 
-// An end followed by more of a word is part of a name.
+// An end followed by more of a word is part of a name; so is what stands before a parenthesis or a "!".
 std::optional<End> TakeEnd(TextCursor& cursor) {
   const std::size_t start = cursor.Position();
   End end;
+  const bool columnMoves = cursor.Peek() != '$';
   end.column = TakeColumn(cursor);
+  end.columnMoves = end.column >= 0 && columnMoves;
+  const bool rowMoves = cursor.Peek() != '$';
   end.row = TakeRow(cursor);
-  if ((end.column >= 0 || end.row >= 0) && !IsNameByte(cursor.Peek()) && cursor.Peek() != '$') return end;
+  end.rowMoves = end.row >= 0 && rowMoves;
+  const char next = cursor.Peek();
+  if ((end.column >= 0 || end.row >= 0) && !IsNameByte(next) && next != '$' && next != '(' && next != '!') return end;
   cursor.MoveTo(start);
   return std::nullopt;
 }
 
 bool IsCell(const End& end) { return end.row >= 0 && end.column >= 0; }
+
+std::int32_t Wrapped(std::int64_t number, std::int32_t count) {
+  const auto rest = static_cast<std::int32_t>(number % count);
+  return rest < 0 ? rest + count : rest;
+}
+
+// A row or column where an area ends, and whether it moves.
+using Edge = std::pair<std::int32_t, bool>;
+
+void SetRows(AreaText& text, Edge one, Edge other) {
+  const auto [low, high] = std::minmax({one, other});
+  std::tie(text.area.firstRow, text.moving.firstRow) = low;
+  std::tie(text.area.lastRow, text.moving.lastRow) = high;
+}
+
+void SetColumns(AreaText& text, Edge one, Edge other) {
+  const auto [low, high] = std::minmax({one, other});
+  std::tie(text.area.firstColumn, text.moving.firstColumn) = low;
+  std::tie(text.area.lastColumn, text.moving.lastColumn) = high;
+}
 
 XString DecodeName(const TextCursor& cursor, std::size_t start, std::string_view bytes) {
   auto name = FromUtf8(bytes);
@@ -116,7 +143,7 @@ ReferenceText TakeReference(TextCursor& cursor) {
   if (!area)
     cursor.Fail("expected a reference such as A1, B2:C9, A:A, 3:5 or Data!A1, up to XFD1048576, found " +
                 cursor.Found());
-  reference.area = *area;
+  static_cast<AreaText&>(reference) = *area;
   return reference;
 }
 
@@ -130,7 +157,25 @@ std::string ColumnToText(std::int32_t column) {
 
 }  // namespace
 
-std::optional<Area> TakeArea(TextCursor& cursor) {
+CellShift CellShift::Plus(std::int64_t moreRows, std::int64_t moreColumns) const {
+  return {Wrapped(rows + moreRows, kXlMaxRows), Wrapped(columns + moreColumns, kXlMaxColumns)};
+}
+
+AreaText AreaText::Moved(CellShift shift) const {
+  if (shift == CellShift{}) return *this;
+  const auto row = [&](std::int32_t end, bool moves) {
+    return Edge(moves ? Wrapped(std::int64_t{end} + shift.rows, kXlMaxRows) : end, moves);
+  };
+  const auto column = [&](std::int32_t end, bool moves) {
+    return Edge(moves ? Wrapped(std::int64_t{end} + shift.columns, kXlMaxColumns) : end, moves);
+  };
+  AreaText moved;
+  SetRows(moved, row(area.firstRow, moving.firstRow), row(area.lastRow, moving.lastRow));
+  SetColumns(moved, column(area.firstColumn, moving.firstColumn), column(area.lastColumn, moving.lastColumn));
+  return moved;
+}
+
+std::optional<AreaText> TakeArea(TextCursor& cursor) {
   const std::size_t start = cursor.Position();
   const auto first = TakeEnd(cursor);
   if (!first) return std::nullopt;
@@ -143,12 +188,12 @@ std::optional<Area> TakeArea(TextCursor& cursor) {
     // The colon may belong to a range between a cell and something else.
     cursor.MoveTo(IsCell(*first) ? behindFirst : start);
     if (!IsCell(*first)) return std::nullopt;
-    return Area::OfCell(first->row, first->column);
+    second = first;
   }
-  Area area{0, kXlMaxRows - 1, 0, kXlMaxColumns - 1};
-  if (first->row >= 0) std::tie(area.firstRow, area.lastRow) = std::minmax({first->row, second->row});
-  if (first->column >= 0) std::tie(area.firstColumn, area.lastColumn) = std::minmax({first->column, second->column});
-  return area;
+  AreaText text{{0, kXlMaxRows - 1, 0, kXlMaxColumns - 1}, {}};
+  if (first->row >= 0) SetRows(text, {first->row, first->rowMoves}, {second->row, second->rowMoves});
+  if (first->column >= 0) SetColumns(text, {first->column, first->columnMoves}, {second->column, second->columnMoves});
+  return text;
 }
 
 std::optional<SheetPrefix> TakeSheetPrefix(TextCursor& cursor) {
@@ -185,7 +230,7 @@ Parsed<Area> ParseRows(std::string_view text) {
   return ParseWhole<Area>(text, [](TextCursor& cursor) {
     const std::size_t start = cursor.Position();
     if (const auto area = TakeArea(cursor)) {
-      if (area->Columns() == kXlMaxColumns) return *area;
+      if (area->area.Columns() == kXlMaxColumns) return area->area;
     } else if (const std::int32_t row = TakeRow(cursor); row >= 0) {
       return Area{row, row, 0, kXlMaxColumns - 1};
     }
@@ -216,15 +261,20 @@ std::string QualifiedSheetName(XStringView fullName) {
 }
 
 std::string AreaToText(const Area& area, bool absolute) {
-  const std::string mark = absolute ? "$" : "";
-  const auto row = [&](std::int32_t number) { return mark + std::to_string(number + 1); };
-  const auto column = [&](std::int32_t number) { return mark + ColumnToText(number); };
-  if (area.firstRow == 0 && area.lastRow == kXlMaxRows - 1)
-    return column(area.firstColumn) + ":" + column(area.lastColumn);
-  if (area.firstColumn == 0 && area.lastColumn == kXlMaxColumns - 1)
-    return row(area.firstRow) + ":" + row(area.lastRow);
-  const std::string first = column(area.firstColumn) + row(area.firstRow);
-  return area.IsOneCell() ? first : first + ":" + column(area.lastColumn) + row(area.lastRow);
+  return AreaToText({area, {!absolute, !absolute, !absolute, !absolute}}, CellShift{});
+}
+
+std::string AreaToText(const AreaText& text, CellShift shift) {
+  const auto [area, moving] = text.Moved(shift);
+  const auto row = [](std::int32_t number, bool moves) { return (moves ? "" : "$") + std::to_string(number + 1); };
+  const auto column = [](std::int32_t number, bool moves) { return (moves ? "" : "$") + ColumnToText(number); };
+  const std::string firstColumn = column(area.firstColumn, moving.firstColumn);
+  const std::string lastColumn = column(area.lastColumn, moving.lastColumn);
+  if (area.firstRow == 0 && area.lastRow == kXlMaxRows - 1) return firstColumn + ":" + lastColumn;
+  const std::string firstRow = row(area.firstRow, moving.firstRow), lastRow = row(area.lastRow, moving.lastRow);
+  if (area.firstColumn == 0 && area.lastColumn == kXlMaxColumns - 1) return firstRow + ":" + lastRow;
+  const std::string first = firstColumn + firstRow, last = lastColumn + lastRow;
+  return first == last ? first : first + ":" + last;
 }
 
 std::string AreaToR1C1(const Area& area) {

@@ -75,7 +75,7 @@ struct SheetReader::CellAttributes {
 std::optional<Area> AreaOfRef(std::string_view ref) {
   TextCursor cursor(ref);
   const auto area = TakeArea(cursor);
-  return cursor.AtEnd() ? area : std::nullopt;
+  return area && cursor.AtEnd() ? std::optional(area->area) : std::nullopt;
 }
 
 SheetReader::SheetReader(StoredSheet& stored, BookParts& parts, MemoryLimit& limit, Remarks& remarks)

@@ -29,7 +29,7 @@ const Builtin* FindBuiltin(XStringView name) {
 }
 
 std::vector<XStringView> BuiltinNames() {
-  std::vector<XStringView> names{XTEXT("IF")};
+  std::vector<XStringView> names{XTEXT("CHOOSE"), XTEXT("IF"), XTEXT("IFERROR"), XTEXT("IFNA")};
   for (const auto family : Families())
     for (const Builtin& builtin : family) names.push_back(builtin.name);
   return names;

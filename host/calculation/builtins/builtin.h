@@ -26,10 +26,10 @@ struct Builtin {
   const char* operands = "v";
 };
 
-/// The entry of that name, in any case; null when there is none. IF is not among them: the evaluator calculates but the
-/// branch that is taken.
+/// The entry of that name, in any case; null when there is none. CHOOSE, IF, IFERROR and IFNA are not among them: the
+/// evaluator calculates but the branch that is taken.
 const Builtin* FindBuiltin(XStringView name);
-/// The names of all that formulas may call, IF too.
+/// The names of all that formulas may call, those four too.
 std::vector<XStringView> BuiltinNames();
 
 /// The entries by family.
