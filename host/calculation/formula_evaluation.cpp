@@ -98,11 +98,8 @@ Value FormulaEvaluation::EvaluateName(const FormulaNode& node) {
   if (sheet) {
     if (const Formula* formula = sheet->ItsBook().Names().Find(node.name, sheet->Id()))
       return EvaluateFormulaOfName(*formula);
-    if (sheet->ItsBook().ItsTables().Find(node.name)) {
-      TableReference data{node.name};
-      data.hasData = true;
-      return EvaluateTable(data);
-    }
+    if (sheet->ItsBook().ItsTables().Find(node.name))
+      return EvaluateTable(TableReference{.table = node.name, .hasData = true});
   }
   Note(UnknownNames::Kind::kName, node.name);
   return Value::Error(xlerrName);

@@ -50,7 +50,7 @@ std::int32_t TakeRow(TextCursor& cursor) {
   return -1;
 }
 
-// An end followed by more of a word is part of a name; so is what stands before a parenthesis or a "!".
+// An end followed by more of a word is part of a name; so is what stands before an opening bracket or a "!".
 std::optional<End> TakeEnd(TextCursor& cursor) {
   const std::size_t start = cursor.Position();
   End end;
@@ -61,7 +61,9 @@ std::optional<End> TakeEnd(TextCursor& cursor) {
   end.row = TakeRow(cursor);
   end.rowMoves = end.row >= 0 && rowMoves;
   const char next = cursor.Peek();
-  if ((end.column >= 0 || end.row >= 0) && !IsNameByte(next) && next != '$' && next != '(' && next != '!') return end;
+  const bool isPartOfMore =
+      IsNameByte(next) || (next != '\0' && std::string_view("$([!").find(next) != std::string_view::npos);
+  if ((end.column >= 0 || end.row >= 0) && !isPartOfMore) return end;
   cursor.MoveTo(start);
   return std::nullopt;
 }
