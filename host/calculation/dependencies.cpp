@@ -8,23 +8,6 @@
 
 namespace qcalc {
 
-namespace {
-
-// Calls `visitor(const SheetArea&)` for all that stands in the formula.
-template <typename Visitor>
-void VisitReads(const FormulaPlace& place, const Workbooks& workbooks, const NamedValues* names, Visitor&& visitor) {
-  for (const ReferenceText& text : ReferencesIn(place.cell->formula))
-    if (const Sheet* target = workbooks.FindSheet(text.book, text.sheet, place.sheet))
-      visitor(SheetArea{target->Id(), text.area});
-  if (!names) return;
-  for (const XString& name : NamesIn(place.cell->formula))
-    if (const auto bound = names->find(name); bound != names->end() && bound->second.IsReference())
-      for (const Area& area : bound->second.AsReference().areas)
-        visitor(SheetArea{bound->second.AsReference().sheet, area});
-}
-
-}  // namespace
-
 Dependencies::Dependencies(const Workbooks& workbooks, const EvaluationContext& context)
     : workbooks_(workbooks), context_(context), places_(workbooks) {
   for (std::size_t i = 0; i < places_.Size(); ++i)
@@ -35,8 +18,7 @@ const AreaReaders& Dependencies::Readers() {
   if (readers_) return *readers_;
   std::vector<AreaReaders::Reading> readings;
   for (std::size_t i = 0; i < places_.Size(); ++i)
-    VisitReads(places_.At(i), workbooks_, context_.names,
-               [&](const SheetArea& read) { readings.emplace_back(read, i); });
+    VisitReadsOf(i, [&](const SheetArea& read) { readings.emplace_back(read, i); });
   readers_ = std::make_unique<AreaReaders>(readings);
   return *readers_;
 }
@@ -49,16 +31,15 @@ void Dependencies::FindReaders(const SheetArea& where, std::vector<std::size_t>&
 }
 
 const Dependencies::Traits& Dependencies::TraitsOf(std::size_t number) {
-  const FormulaNode& root = places_.At(number).cell->formula.Root();
-  const auto [found, isNew] = traits_.try_emplace(&root);
+  const FormulaTree& tree = places_.At(number).cell->formula.Tree();
+  const auto [found, isNew] = traits_.try_emplace(&tree);
   Traits& traits = found->second;
-  if (isNew && context_.addin)
-    VisitNodes(root, [&](const FormulaNode& node) {
-      if (node.kind != FormulaNode::Kind::kCall) return;
-      const AddinFunction* function = context_.addin->Find(node.name);
-      traits.isVolatile = traits.isVolatile || (function && function->isVolatile);
-      traits.isThreadSafe = traits.isThreadSafe && (!function || function->isThreadSafe);
-    });
+  if (!isNew || !context_.addin) return traits;
+  for (const FormulaNode* call : tree.calls) {
+    const AddinFunction* function = context_.addin->Find(call->name);
+    traits.isVolatile = traits.isVolatile || (function && function->isVolatile);
+    traits.isThreadSafe = traits.isThreadSafe && (!function || function->isThreadSafe);
+  }
   return traits;
 }
 
@@ -110,7 +91,7 @@ void Dependencies::NoteBlocked(std::size_t number, bool isBlocked) {
 
 std::optional<std::size_t> Dependencies::FindDirtyPrecedent(std::size_t number, bool last) const {
   std::optional<std::size_t> precedent;
-  VisitReads(places_.At(number), workbooks_, context_.names, [&](const SheetArea& read) {
+  VisitReadsOf(number, [&](const SheetArea& read) {
     if (precedent) return;
     const Sheet* sheet = workbooks_.FindSheet(read.sheet);
     const auto cell = last ? sheet->LastUncalculated(read.area) : sheet->FirstUncalculated(read.area);

@@ -11,6 +11,7 @@
 #include "host/calculation/area_readers.h"
 #include "host/calculation/evaluation_context.h"
 #include "host/calculation/formula_places.h"
+#include "host/calculation/formula_reads.h"
 
 namespace qcalc {
 
@@ -47,6 +48,11 @@ class Dependencies {
     bool isThreadSafe = true;
   };
 
+  template <typename Visitor>
+  void VisitReadsOf(std::size_t number, Visitor&& visitor) const {
+    const FormulaPlace& place = places_.At(number);
+    VisitReads(place.cell->formula, *place.sheet, place.position, context_.names, visitor);
+  }
   const Traits& TraitsOf(std::size_t number);
   bool IsVolatile(std::size_t number);
   const AreaReaders& Readers();
@@ -59,7 +65,7 @@ class Dependencies {
   FormulaPlaces places_;
   std::unique_ptr<AreaReaders> readers_;
   std::set<std::size_t> blocked_;
-  std::unordered_map<const FormulaNode*, Traits> traits_;
+  std::unordered_map<const FormulaTree*, Traits> traits_;
 };
 
 /// Formulas that use this name (without case) are dirty: its value changed.
