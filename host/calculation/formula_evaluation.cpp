@@ -5,6 +5,7 @@
 
 #include "host/calculation/formula_operators.h"
 #include "host/text/letter_case.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 
@@ -58,6 +59,8 @@ Value FormulaEvaluation::EvaluateByKind(const FormulaNode& node) {
       if (value.IsReference()) return CutReference(value.AsReference());
       return value.IsArray() ? Value::OfCell(value.AsArray()->At(0, 0)) : value;
     }
+    case FormulaNode::Kind::kRefused:
+      throw FormulaError(ToUtf8(node.constant.AsText()));
   }
   return {};
 }

@@ -6,6 +6,7 @@
 #include "host/formulas/formula_node.h"
 #include "host/formulas/formula_parser.h"
 #include "host/text/letter_case.h"
+#include "host/text/utf8.h"
 
 namespace qcalc {
 
@@ -34,6 +35,13 @@ Parsed<Formula> ParseFormula(std::string_view text, FormulaDialect dialect) {
   } catch (SyntaxError& error) {
     return std::move(error);
   }
+}
+
+Formula RefusedFormula(std::string_view text, std::string_view reason) {
+  auto root = std::make_unique<FormulaNode>();
+  root->kind = FormulaNode::Kind::kRefused;
+  root->constant = Value::Text(FromUtf8(reason).value_or(XString()));
+  return Formula(std::make_shared<const FormulaTree>(FormulaTree{std::string(text), std::move(root), {}, {}}));
 }
 
 std::vector<ReferenceText> ReferencesIn(const Formula& formula) {

@@ -50,6 +50,10 @@ enum class FormulaDialect {
 Parsed<Formula> ParseFormula(std::string_view text, FormulaDialect dialect = FormulaDialect::kScript);
 constexpr int kMaxFormulaDepth = 200;
 
+/// A formula that cannot be evaluated for that reason, such as one that could not be read: it stands in its cell so
+/// that what reads the cell is known.
+Formula RefusedFormula(std::string_view text, std::string_view reason);
+
 /// Every reference that stands in the formula, moved with it.
 std::vector<ReferenceText> ReferencesIn(const Formula& formula);
 /// Every name that stands in the formula and is no function, without case.

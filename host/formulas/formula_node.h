@@ -54,6 +54,7 @@ struct FormulaNode {
     kIntersection,  ///< two children that are references: the cells that both have
     kSpill,         ///< one child that is a reference to a cell: the cells that its result fills
     kSingle,        ///< one child: the one value of it that is in line with the calling cell
+    kRefused,       ///< a whole formula that has no meaning here: `constant` is a text that says why
   };
 
   Kind kind = Kind::kConstant;
