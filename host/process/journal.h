@@ -39,6 +39,8 @@ struct Journal {
   /// What has been done, for those who wait.
   std::atomic<std::int64_t> rowsLoaded{0};
   std::atomic<std::int64_t> formulasCalculated{0};
+  /// How many there are to be, where that is known; else 0.
+  std::atomic<std::int64_t> formulasDue{0};
   /// How many columns the line takes up that tells so on the terminal; 0 when none stands there.
   std::atomic<std::int32_t> progressWidth{0};
 

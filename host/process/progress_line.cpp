@@ -1,5 +1,6 @@
 #include "host/process/progress_line.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "host/process/console.h"
@@ -18,6 +19,16 @@ std::string Ending(const std::string& name) {
   std::size_t start = name.size() - kWidestItem;
   while (start < name.size() && IsInsideCharacter(name[start])) ++start;
   return "..." + name.substr(start);
+}
+
+/// "[#####---------------] 25,000 of 100,000 formulas": one that is calculated again counts again, up to all.
+std::string Bar(const Journal& journal) {
+  constexpr std::int64_t kWidth = 20;
+  const std::int64_t due = journal.formulasDue;
+  const std::int64_t done = std::min(journal.formulasCalculated.load(), due);
+  const auto filled = static_cast<std::size_t>(done * kWidth / due);
+  return "[" + std::string(filled, '#') + std::string(kWidth - filled, '-') + "] " + Grouped(done) + " of " +
+         Grouped(due) + " formulas";
 }
 
 }  // namespace
@@ -42,6 +53,7 @@ std::string DescribeProgress(const std::string& item, const Journal& journal, st
   std::string text = Ending(item);
   if (journal.line > 0) text += ":" + std::to_string(journal.line);
   if (journal.rowsLoaded > 0) text += ", " + Grouped(journal.rowsLoaded) + " rows loaded";
+  if (journal.formulasDue > 0) return text + " " + Bar(journal) + ", " + std::to_string(elapsed.count()) + " s";
   if (journal.formulasCalculated > 0) text += ", " + Grouped(journal.formulasCalculated) + " formulas calculated";
   return text + ", " + std::to_string(elapsed.count()) + " s";
 }
