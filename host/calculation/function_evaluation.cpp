@@ -91,6 +91,7 @@ Value FormulaEvaluation::EvaluateCall(const FormulaNode& node) {
     if (node.owner == FunctionOwner::kExcel || (node.owner == FunctionOwner::kAny && FindExcelFunction(node.name)))
       Refuse(node, "is a function of Excel that this host does not offer");
     Note(UnknownNames::Kind::kFunction, node.name);
+    if (context_.refusesUnknown) Refuse(node, "is a function that nobody here knows");
     return Value::Error(xlerrName);
   }
   const PreparedCall call = Prepare(node, *function);

@@ -142,6 +142,19 @@ EvaluationContext Session::Prepare() {
   return context;
 }
 
+CalculationOutcome Session::CalculateBooks(const BookCalculation& settings) {
+  Open();
+  objects_.ShowBooks();
+  EvaluationContext context = Context();
+  context.uses1904 = settings.uses1904;
+  context.profile = settings.profile;
+  context.refusesUnknown = true;
+  CalculationThreads threads(host_.mainThread, settings.threads);
+  CalculationOutcome outcome = qcalc::Recalculate(host_.workbooks, context, {&unknown_, &threads});
+  RaiseEvent(ApplicationState::kCalculated);
+  return outcome;
+}
+
 // A reference is a result only once all of it is calculated: it will be read.
 Value Session::EvaluateIn(const EvaluationContext& context, const Formula& formula) {
   Value result = qcalc::Evaluate(formula, context, &unknown_);

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "host/addin/addin.h"
+#include "host/calculation/function_profile.h"
+#include "host/calculation/recalculation.h"
 #include "host/calculation/unknown_names.h"
 #include "host/dialogs/function_dialog.h"
 #include "host/objects/object_model.h"
@@ -17,6 +19,12 @@ namespace qcalc {
 class AddinFailure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
+};
+
+struct BookCalculation {
+  int threads = 1;
+  bool uses1904 = false;
+  FunctionProfile* profile = nullptr;
 };
 
 /// Starts with the empty book `Book1` and its sheet `Sheet1`. The add-in is loaded when it is first needed.
@@ -51,6 +59,8 @@ class Session {
   EvaluationContext Prepare();
   /// The same, beside the counts and failures of callbacks.
   Value EvaluateQuietly(const Formula& formula);
+  /// Calculates what is due in the open books, as books from files: functions that nobody knows are failures.
+  CalculationOutcome CalculateBooks(const BookCalculation& settings);
   /// Evaluates `count` times in a row and writes each result into the calling cells before the next.
   Value Recalculate(int count, const Formula& formula);
   /// Evaluates `count` times on each of `threads` threads at once. All results, the first one first of all; the others
