@@ -20,6 +20,8 @@ ExitStatus RunProgram(std::vector<std::string> arguments) {
       return Supervise(EvalWork(line.addin, line.eval), line.isInProcess);
     case CommandLine::Command::kRun:
       return Supervise(ScriptWork(line.addin, line.scripts), line.isInProcess);
+    case CommandLine::Command::kCalc:
+      return Supervise(CalcWork(line.addin, line.calc), line.isInProcess);
     case CommandLine::Command::kFunctions:
       break;
   }

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <thread>
 
 #include "host/library/library.h"
 #include "host/scripts/parser.h"
@@ -17,7 +18,7 @@ namespace {
 constexpr const char* kFooter = R"(
 Exit status:
   0  all well
-  1  an expectation failed, a formula could not be evaluated, or the add-in broke a rule
+  1  an expectation failed, a formula could not be evaluated, a value differs, or the add-in broke a rule
   2  arguments that cannot be used, a file that cannot be read, a formula or script that does not parse
   3  the add-in did not load, or xlAutoOpen failed
   4  the output could not be written
@@ -30,6 +31,13 @@ them, literals and formulas.)";
 constexpr const char* kEvalFooter = R"(
 One result a line: a literal, or a JSON value; CSV results stand apart by an empty line.
 FILE may end in options, as in the script command load: --load "Data=my file.csv separator ; text A,C:E")";
+
+constexpr const char* kCalcFooter = R"(
+OUT may end in .xlsx (the book as it is, with new values), .csv (its first sheet) or .json (the values of all sheets);
+without it the values are printed. The status is 1 when a formula could not be calculated (it keeps its value, and so
+does what reads it), when a value differs (--check) or a cell holds an error (--fail-on-error).)";
+
+constexpr int kMostThreads = 256;
 
 const std::vector<std::string> kFormats = {"literal", "csv", "json"};  // in the order of ResultFormat
 
@@ -58,6 +66,7 @@ class Reader {
     app_.require_subcommand(0, 1);
     app_.allow_extras();  // told here, with near ones
     app_.footer(kFooter);
+    line_.calc.threads = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, kMostThreads);
     app_.add_option("--addin", addin_, "the add-in to load; by default the one beside the program")->type_name("PATH");
     app_.add_flag("--in-process", line_.isInProcess,
                   "work in this process, for a debugger: an add-in that dies ends it untold");
@@ -69,6 +78,15 @@ class Reader {
         ->type_name("FORMAT");
     eval_->footer(kEvalFooter);
     run_->add_option("SCRIPT", line_.scripts, "script files; '-' is standard input");
+    calc_->add_option("BOOK", book_, "a workbook (.xlsx), or a .csv file as one sheet");
+    calc_->add_option("-o,--output", out_, "where to write the book")->type_name("OUT");
+    calc_->add_option("--format", format_, "how values are printed: csv (at first) or json")->type_name("FORMAT");
+    calc_->add_option("--threads", line_.calc.threads, "on how many threads; as many as processors, at first")
+        ->type_name("N");
+    calc_->add_flag("--check", line_.calc.checks, "list where values differ from those that the book has");
+    calc_->add_flag("--fail-on-error", line_.calc.failsOnError, "an error in a cell is a failure");
+    calc_->add_flag("--profile", line_.calc.profiles, "tell which functions took most time");
+    calc_->footer(kCalcFooter);
     functions_->add_option("NAME", line_.function, "one function, with its marks and help texts");
     help_->add_option("COMMAND", topic_, "a command, or scripts");
     for (CLI::App* command : app_.get_subcommands({})) command->fallthrough();
@@ -87,7 +105,7 @@ class Reader {
     }
     const std::vector<CLI::App*> chosen = app_.get_subcommands();
     for (const std::string& word : app_.remaining(true)) Refuse(word, chosen.empty() ? nullptr : chosen[0]);
-    if (chosen.empty()) throw Misuse{"expected a command: eval, run, functions or help"};
+    if (chosen.empty()) throw Misuse{"expected a command: eval, run, calc, functions or help"};
     if (chosen[0] == help_) return PrintHelp();
     return Finish(*chosen[0]);
   }
@@ -144,11 +162,15 @@ class Reader {
       line_.command = CommandLine::Command::kEval;
       if (line_.eval.formulas.empty()) throw Misuse{"eval: expected a formula"};
       for (const std::string& load : loads_) line_.eval.loads.push_back(ReadLoad(load));
+      if (format_.empty()) format_ = kFormats[0];
       const auto format = std::find(kFormats.begin(), kFormats.end(), format_);
       if (format == kFormats.end())
         throw Misuse{"there is no format " + Quoted(format_) + ", but literal, csv and json" +
                      NearNamesHint(format_, kFormats)};
       line_.eval.format = static_cast<ResultFormat>(format - kFormats.begin());
+    } else if (&command == calc_) {
+      line_.command = CommandLine::Command::kCalc;
+      FinishCalc();
     } else if (&command == run_) {
       line_.command = CommandLine::Command::kRun;
       if (line_.scripts.empty()) throw Misuse{"run: expected a script"};
@@ -158,12 +180,34 @@ class Reader {
     return std::move(line_);
   }
 
+  void FinishCalc() {
+    CalcRequest& calc = line_.calc;
+    if (book_.empty()) throw Misuse{"calc: expected a book"};
+    calc.book = PathOf(book_);
+    if (BookFormatOf(calc.book) == BookFormat::kJson) throw Misuse{"calc: " + Quoted(book_) + " is no book to be read"};
+    if (calc.threads < 1 || calc.threads > kMostThreads)
+      throw Misuse{"--threads: expected a number from 1 to " + std::to_string(kMostThreads)};
+    const bool isJson = format_ == "json";
+    if (!isJson && !format_.empty() && format_ != "csv")
+      throw Misuse{"there is no format " + Quoted(format_) + " of calc, but csv and json"};
+    calc.format = isJson ? BookFormat::kJson : BookFormat::kCsv;
+    if (out_.empty()) return;
+    if (!format_.empty()) throw Misuse{"--format is for values that are printed: OUT says by its end what it is"};
+    calc.out = PathOf(out_);
+    const auto format = BookFormatOf(calc.out);
+    if (!format) throw Misuse{"-o " + Quoted(out_) + ": expected a file that ends in .xlsx, .csv or .json"};
+    if (format == BookFormat::kXlsx && BookFormatOf(calc.book) == BookFormat::kCsv)
+      throw Misuse{"-o " + Quoted(out_) + ": a .csv file becomes no workbook; .csv and .json are possible"};
+    calc.format = *format;
+  }
+
   CommandLine line_;
-  std::string addin_, topic_, format_ = kFormats[0];
+  std::string addin_, topic_, format_, book_, out_;
   std::vector<std::string> loads_;
   CLI::App app_;
   CLI::App* const eval_ = app_.add_subcommand("eval", "evaluate each formula and print its result");
   CLI::App* const run_ = app_.add_subcommand("run", "run scripts");
+  CLI::App* const calc_ = app_.add_subcommand("calc", "recalculate a workbook");
   CLI::App* const functions_ = app_.add_subcommand("functions", "list what the add-in registered, by families");
   CLI::App* const help_ = app_.add_subcommand("help", "tell about the program or one of its commands");
 };

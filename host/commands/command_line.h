@@ -11,13 +11,14 @@
 namespace qcalc {
 
 struct CommandLine {
-  enum class Command { kEval, kRun, kFunctions };
+  enum class Command { kEval, kRun, kCalc, kFunctions };
 
   Command command = Command::kEval;
   std::filesystem::path addin;
   bool isInProcess = false;  ///< not in a process of its own
   EvalRequest eval;
   std::vector<std::string> scripts;
+  CalcRequest calc;
   std::string function;  ///< empty for all
 };
 

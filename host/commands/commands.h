@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/books/book_file.h"
 #include "host/commands/result_format.h"
 #include "host/commands/supervisor.h"
 #include "host/files/csv_request.h"
@@ -23,6 +24,19 @@ struct EvalRequest {
   std::vector<CsvLoad> loads;
   ResultFormat format = ResultFormat::kLiteral;
 };
+
+struct CalcRequest {
+  std::filesystem::path book;
+  std::filesystem::path out;  ///< empty: what is asked for is printed
+  BookFormat format = BookFormat::kCsv;
+  int threads = 1;
+  bool checks = false;
+  bool failsOnError = false;
+  bool profiles = false;
+};
+
+/// Reads the book, calculates it and writes or prints its values, or holds them against those of the file.
+Work CalcWork(const std::filesystem::path& addin, const CalcRequest& request);
 
 /// Loads the files, evaluates the formulas and prints each result. A formula that does not parse is told in its turn.
 Work EvalWork(const std::filesystem::path& addin, const EvalRequest& request);
