@@ -71,16 +71,19 @@ Value NumberResult(double number) {
 }
 
 Value ApplyUnary(FormulaOperator op, const Value& operand, NumberMarks marks) {
-  return Broadcast(std::span(&operand, 1), [op, marks](std::span<const CellView> cells) {
+  const auto apply = [op, marks](const CellView& cell) {
     // A plus sign leaves even a text as it is.
-    if (op == FormulaOperator::kPlus) return Value::OfCell(cells[0]);
-    const Value number = ToNumber(cells[0], marks);
+    if (op == FormulaOperator::kPlus) return Value::OfCell(cell);
+    const Value number = ToNumber(cell, marks);
     if (number.IsError()) return number;
     return NumberResult(op == FormulaOperator::kPercent ? number.AsNumber() / 100 : -number.AsNumber());
-  });
+  };
+  if (!operand.IsArray()) return apply(operand.AsCell());
+  return Broadcast(std::span(&operand, 1), [&](std::span<const CellView> cells) { return apply(cells[0]); });
 }
 
 Value ApplyBinary(FormulaOperator op, const Value& left, const Value& right, NumberMarks marks) {
+  if (!left.IsArray() && !right.IsArray()) return ApplyToCells(op, left.AsCell(), right.AsCell(), marks);
   const Value operands[] = {left, right};
   return Broadcast(
       operands, [op, marks](std::span<const CellView> cells) { return ApplyToCells(op, cells[0], cells[1], marks); });
