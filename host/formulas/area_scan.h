@@ -6,6 +6,7 @@
 #include "host/formulas/reference_text.h"
 #include "host/text/text_cursor.h"
 #include "host/values/constant_parser.h"
+#include "host/values/literal.h"
 
 namespace qcalc {
 
@@ -27,6 +28,21 @@ inline void SkipBrackets(TextCursor& cursor) {
   } while (depth > 0 && !cursor.AtEnd());
 }
 
+/// Moves behind a word, or a number with its exponent.
+inline void SkipWord(TextCursor& cursor) {
+  const auto skip = [&cursor] {
+    while (cursor.Peek() == '$' || IsNameByte(cursor.Peek())) cursor.Advance();
+  };
+  const std::size_t start = cursor.Position();
+  const bool isNumber = IsNumberAhead(cursor);
+  skip();
+  if (!isNumber || (cursor.Peek() != '+' && cursor.Peek() != '-')) return;
+  const char last = cursor.Slice(start).back();
+  if (last != 'E' && last != 'e') return;
+  cursor.Advance();
+  skip();
+}
+
 /// Takes a text apart that is, or may be, a formula: calls `onText(std::string_view)` for what stands before, between
 /// and behind its references, without their sheets, and `onArea(const AreaText&)` for those, in their order.
 template <typename OnText, typename OnArea>
@@ -39,6 +55,9 @@ void ScanAreas(std::string_view text, OnText&& onText, OnArea&& onArea) {
       SkipQuoted(cursor);
     } else if (byte == '[') {
       SkipBrackets(cursor);
+    } else if (byte == '#') {
+      const auto error = MatchErrorName(cursor.Rest());
+      cursor.Advance(error ? error->length : 1);
     } else if (byte == '$' || IsNameByte(byte)) {
       const std::size_t word = cursor.Position();
       if (const auto area = TakeArea(cursor)) {
@@ -46,7 +65,7 @@ void ScanAreas(std::string_view text, OnText&& onText, OnArea&& onArea) {
         onArea(*area);
         start = cursor.Position();
       } else {
-        while (!cursor.AtEnd() && (cursor.Peek() == '$' || IsNameByte(cursor.Peek()))) cursor.Advance();
+        SkipWord(cursor);
       }
     } else {
       cursor.Advance();
