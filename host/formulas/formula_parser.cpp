@@ -139,7 +139,8 @@ bool FormulaParser::IsIntersectionAhead(const FormulaNode& left) {
   cursor_.MoveTo(here - 1);
   const bool isBehindBlank = std::string_view(" \t\n\r").find(cursor_.Peek()) != std::string_view::npos;
   cursor_.MoveTo(here);
-  if (!isBehindBlank) return false;
+  // A blank between a function's name and its arguments is a slip of the pen.
+  if (!isBehindBlank || (left.kind == FormulaNode::Kind::kName && cursor_.Peek() == '(')) return false;
   if (IsDigit(cursor_.Peek())) {
     const bool isRows = TakeArea(cursor_).has_value();
     cursor_.MoveTo(here);

@@ -64,7 +64,7 @@ TEST_F(BookFormulaTest, RefusesWhatItCannotMean) {
   for (const std::string text :
        {"=Sheet1:Sheet3!A1", "='Sheet1:Sheet3'!A1", "=SUM(Q1:Q4!A1)", "=[1]Sheet1!A1", "=[1]!Total",
         "='[2]My sheet'!A1", R"(='C:\[b.xlsx]S'!A1)", "=_xlfn.LET(_xlpm.x,1,_xlpm.x)", "=_xlfn.LAMBDA(_xlpm.x,1)(2)",
-        "=_xlpm.x+1", "=T[", "=T[[#Rows],[a]]", "=T[[a]:b]", "=T[[a],[b]]", "=T[a][b]"})
+        "=_xlpm.x+1", "=T[", "=T[[#Rows],[a]]", "=T[[a]:b]", "=T[[a],[b]]", "=T[a][b]", "=SUM (A1)"})
     EXPECT_FALSE(ParseFormula(text, FormulaDialect::kBook)) << text;
   Define("empty", "=7");
   EXPECT_EQ(PrintLiteral(Evaluate(*ParseFormula("=empty+[0]!Empty", FormulaDialect::kBook), context)), "14");
