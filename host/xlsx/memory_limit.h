@@ -8,8 +8,9 @@
 
 namespace qcalc {
 
-/// Counts what grows with a book. Ten million cells, or four million formulas, or as many texts of some length, stay
-/// far within; cells strewn over all columns and rows, each of which takes the room of 1,024, do not.
+/// Counts what grows with a book. Ten million texts of twenty characters, each another, are just within, and so are two
+/// million formulas with what calculating them takes; cells strewn over all columns and rows, each of which takes the
+/// room of 1,024, are not.
 class MemoryLimit {
  public:
   /// Throws BookRefused beyond the limit.

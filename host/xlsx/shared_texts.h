@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,7 @@ class SharedTexts {
 
   MemoryLimit& limit_;
   const TextPool* pool_ = nullptr;
-  std::vector<XStringView> texts_;
+  std::deque<XStringView> texts_;
   std::vector<Copy> copies_;  // for the sheet last asked for
 };
 

@@ -23,6 +23,8 @@ namespace {
 constexpr std::int32_t kChunkRows = 1024;
 constexpr std::size_t kBytesOfChunk = kChunkRows * sizeof(CellView) + 64;
 constexpr std::size_t kBytesOfHiddenRow = 48;
+// Beside its text: as it is stored, and as the sheet will hold it.
+constexpr std::size_t kBytesOfFormula = sizeof(StoredFormula) + 256;
 
 std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r\n";
@@ -250,7 +252,7 @@ void SheetReader::ReadFormula(const XmlNode& formula, const CellAttributes& attr
     Refuse("its formula is of the type " + Shown(type) + ", which no formula has");
   // An array formula may leave its text out where it has been deleted.
   if (stored.text.empty() && !stored.master) return;
-  limit_.Take(sizeof(StoredFormula) + stored.text.size());
+  limit_.Take(kBytesOfFormula + stored.text.size());
   stored_.formulas.push_back(std::move(stored));
 }
 

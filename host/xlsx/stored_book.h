@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -31,8 +32,8 @@ struct StoredFormula {
 
 struct StoredSheet {
   Sheet* sheet = nullptr;
-  std::string part;  ///< the entry of the file that it is in
-  std::vector<StoredFormula> formulas;
+  std::string part;                    ///< the entry of the file that it is in
+  std::deque<StoredFormula> formulas;  ///< row by row
   DateCells dates;
   std::vector<Area> filtered;  ///< where rows are hidden because a filter is set
 };

@@ -12,11 +12,13 @@ namespace {
 
 constexpr std::size_t kFirstBytes = std::size_t{1} << 18;
 constexpr std::size_t kMostBytes = std::size_t{1} << 26;
+// A row of 16,384 cells, each with a formula and all attributes, has two thirds of these.
+constexpr std::size_t kMostMarks = 300'000;
 
 }  // namespace
 
 ElementSplitter::ElementSplitter(TextSource source, std::string_view container)
-    : source_(std::move(source)), container_(container), buffer_(kFirstBytes + 1) {}
+    : source_(std::move(source)), container_(container), buffer_(kFirstBytes + 1), gauge_(kMostMarks) {}
 
 // The buffer is always filled as far as it goes, and doubled when it holds nothing but one piece, so that looking for
 // markup again after each filling costs no more than reading does. Its last byte is for the zero behind a piece.
@@ -104,8 +106,7 @@ std::optional<XmlPiece> ElementSplitter::Next() {
 
 std::string_view ElementSplitter::Tail() {
   RestoreEnd();
-  while (TakeMarkup()) {
-  }
+  while (TakeMarkup()) gauge_.StartPiece();
   return TakeHeld(Text().size());
 }
 

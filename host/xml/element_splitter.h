@@ -27,7 +27,7 @@ struct XmlPiece {
 /// all pieces' gaps and elements, and the tail are the text, byte by byte, but for its byte-order mark. To be asked for
 /// in that order; what it hands over is good until the next call. Throws XmlFault for what is no XML, is not in UTF-8,
 /// declares a document type or is nested more than 256 deep, for more than 64 MiB of one piece, of the head or of the
-/// tail, and for a text that ends within an element.
+/// tail, for more than 300,000 tags and attributes in one piece, and for a text that ends within an element.
 class ElementSplitter {
  public:
   /// The container is the text's own element or a child of it, and the first of that name, whatever its prefix.

@@ -11,7 +11,6 @@ namespace qcalc {
 namespace {
 
 constexpr int kMostDepth = 256;
-constexpr std::size_t kMostMarks = 2'000'000;
 
 // Markup that ends with the word behind the first `opening` bytes.
 std::optional<XmlMarkup> Closed(std::string_view text, std::size_t begin, std::size_t opening, std::string_view word,
@@ -77,8 +76,8 @@ void XmlGauge::Count(const XmlMarkup& markup) {
   if (markup.kind == MarkupKind::kStart && ++depth_ > kMostDepth)
     throw XmlFault("its elements are nested more than " + std::to_string(kMostDepth) + " deep");
   if (markup.kind == MarkupKind::kEnd && --depth_ < 0) throw XmlFault("it has an end tag without its start tag");
-  if ((marks_ += 1 + markup.attributes) > kMostMarks)
-    throw XmlFault("one piece of it has more than " + std::to_string(kMostMarks) + " tags and attributes");
+  if ((marks_ += 1 + markup.attributes) > mostMarks_)
+    throw XmlFault("one piece of it has more than " + std::to_string(mostMarks_) + " tags and attributes");
 }
 
 void CheckBytes(std::string_view text) {

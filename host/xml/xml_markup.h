@@ -48,8 +48,10 @@ constexpr bool IsTrue(std::optional<std::string_view> attribute) { return attrib
 /// Counts what a parser would have to hold, so that no text is handed to one that would take its stack or all memory.
 class XmlGauge {
  public:
+  /// `mostMarks` tags and attributes may stand in a piece.
+  explicit XmlGauge(std::size_t mostMarks) : mostMarks_(mostMarks) {}
   /// To be called for all markup in order. Throws XmlFault for tags nested too deep, for an end without a start, and
-  /// beyond two million tags and attributes since the last StartPiece.
+  /// for more marks since the last StartPiece than one piece may have.
   void Count(const XmlMarkup& markup);
   void StartPiece() { marks_ = 0; }
   /// How many elements are open.
@@ -57,6 +59,7 @@ class XmlGauge {
 
  private:
   int depth_ = 0;
+  std::size_t mostMarks_;
   std::size_t marks_ = 0;
 };
 

@@ -8,6 +8,9 @@ namespace qcalc {
 
 namespace {
 
+// Of styles and defined names there may be tens of thousands.
+constexpr std::size_t kMostMarks = 2'000'000;
+
 const XmlNode* FirstNamed(const XmlNode* node, std::string_view name) {
   while (node && (node->type() != rapidxml::node_element || NameOf(*node) != name)) node = node->next_sibling();
   return node;
@@ -16,7 +19,7 @@ const XmlNode* FirstNamed(const XmlNode* node, std::string_view name) {
 std::string Checked(std::string text) {
   CheckBytes(text);
   text.erase(0, CheckEncoding(text));
-  XmlGauge gauge;
+  XmlGauge gauge(kMostMarks);
   ForEachMarkup(text, [&gauge](const XmlMarkup& markup) { gauge.Count(markup); });
   return text;
 }
@@ -25,14 +28,14 @@ std::string Checked(std::string text) {
 
 const XmlNode& XmlParser::Parse(std::string_view element) {
   constexpr int kFlags = rapidxml::parse_non_destructive | rapidxml::parse_validate_closing_tags;
-  document_.clear();
+  document_->clear();
   try {
     // With these flags nothing is written.
-    document_.parse<kFlags>(const_cast<char*>(element.data()));
+    document_->parse<kFlags>(const_cast<char*>(element.data()));
   } catch (const rapidxml::parse_error& fault) {
     throw XmlFault(std::string("it is not well formed: ") + fault.what());
   }
-  const XmlNode* root = document_.first_node();
+  const XmlNode* root = document_->first_node();
   if (!root || root->type() != rapidxml::node_element) throw XmlFault("it is no element in XML");
   return *root;
 }

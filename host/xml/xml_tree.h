@@ -1,10 +1,15 @@
 // Short texts in XML as trees: whole small parts, or one row of a sheet.
 #pragma once
 
+#include <memory>
 #include <optional>
-#include <rapidxml/rapidxml.hpp>
 #include <string>
 #include <string_view>
+
+// A row of a sheet's every column makes its tree in the same memory as the row before, rather than in fresh pages.
+#define RAPIDXML_STATIC_POOL_SIZE (1 << 24)
+#define RAPIDXML_DYNAMIC_POOL_SIZE (1 << 20)
+#include <rapidxml/rapidxml.hpp>
 
 #include "host/xml/xml_markup.h"
 
@@ -21,7 +26,8 @@ class XmlParser {
   const XmlNode& Parse(std::string_view element);
 
  private:
-  rapidxml::xml_document<char> document_;
+  std::unique_ptr<rapidxml::xml_document<char>> document_ =
+      std::make_unique_for_overwrite<rapidxml::xml_document<char>>();
 };
 
 /// A whole part. Throws XmlFault as ElementSplitter does.

@@ -13,9 +13,10 @@ namespace {
 
 constexpr std::uint64_t kMostEntries = 100'000;
 constexpr std::uint64_t kMostDirectoryBytes = std::uint64_t{1} << 25;
-// Ten million cells with a formula each take half of this. And the markup of sheets shrinks to a tenth or a twentieth,
-// of a thousandth that deflating can reach; where there is little of it all, any rate will do.
-constexpr std::uint64_t kMostInflatedBytes = std::uint64_t{1} << 31;
+// Ten million numbers in a sheet take half of this, which is read in seconds. And the markup of sheets shrinks to a
+// tenth or a twentieth, not to the thousandth that deflating can reach; where there is little of it all, any rate will
+// do.
+constexpr std::uint64_t kMostInflatedBytes = std::uint64_t{1} << 30;
 constexpr std::uint64_t kMostInflation = 100;
 constexpr std::uint64_t kBytesOfAnyInflation = std::uint64_t{1} << 28;
 

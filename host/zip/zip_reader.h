@@ -58,7 +58,7 @@ class ZipStream {
 };
 
 /// A zip file that is open for reading. Throws ZipFault for what is no zip file, for entries that lie outside the file
-/// or overlap, for two of one name, and for what would inflate to more than 2 GiB or to hundreds of times its size.
+/// or overlap, for two of one name, and for what would inflate to more than 1 GiB or to hundreds of times its size.
 class ZipReader {
  public:
   explicit ZipReader(const std::filesystem::path& path);
