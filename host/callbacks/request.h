@@ -37,7 +37,10 @@ struct CallbackRequest {
   HostState& Host() const { return context.host; }
   const EvaluationContext& Evaluation() const { return context.evaluation; }
   /// Those that the callback reads and writes numbers with.
-  NumberMarks Marks() const { return isInternational ? NumberMarks() : Host().settings.marks; }
+  NumberMarks Marks() const {
+    const NumberMarks& marks = Host().settings.marks;
+    return isInternational ? NumberMarks{NumberMarks().decimal, marks.uses1904} : marks;
+  }
 
   /// Argument `index` (0-based) was left out or is missing or empty.
   bool IsOmitted(std::size_t index) const;

@@ -34,17 +34,17 @@ struct Moment {
   int fraction = 0;  // of the second, in units of the digits shown
 };
 
-std::optional<Moment> MomentOf(double serial, int secondDigits) {
+std::optional<Moment> MomentOf(double serial, int secondDigits, int lastSerial) {
   int unitsOfSecond = 1;
   for (int i = 0; i < secondDigits; ++i) unitsOfSecond *= 10;
   const std::int64_t unitsOfDay = std::int64_t{kSecondsOfDay} * unitsOfSecond;
   const double day = std::floor(serial);
-  if (day < 0 || day > kLastSerial) return std::nullopt;
+  if (day < 0 || day > lastSerial) return std::nullopt;
   const auto units = static_cast<std::int64_t>(std::floor((serial - day) * static_cast<double>(unitsOfDay) + 0.5));
   const auto ofDay = static_cast<int>(units % unitsOfDay);
   const Moment moment{static_cast<int>(day) + (units == unitsOfDay ? 1 : 0), ofDay / unitsOfSecond,
                       ofDay % unitsOfSecond};
-  return moment.serial <= kLastSerial ? std::optional(moment) : std::nullopt;
+  return moment.serial <= lastSerial ? std::optional(moment) : std::nullopt;
 }
 
 // How one section shows a moment.
@@ -63,9 +63,10 @@ class DateWriter {
 
   XString Write(const Moment& moment) const {
     XString out;
-    const CalendarDay day = DayOf(moment.serial);
+    const int serial = moment.serial + DaysFrom1900(marks_.uses1904);
+    const CalendarDay day = DayOf(serial);
     for (const FormatToken& token : section_.tokens)
-      out += token.kind < Kind::kHour ? DatePart(token, day, moment.serial) : TimePart(token, moment);
+      out += token.kind < Kind::kHour ? DatePart(token, day, serial) : TimePart(token, moment);
     return out;
   }
 
@@ -134,7 +135,7 @@ class DateWriter {
 
 std::optional<XString> FormatDate(double serial, const FormatSection& section, NumberMarks marks) {
   const DateWriter writer(section, marks);
-  const auto moment = MomentOf(serial, writer.SecondDigits());
+  const auto moment = MomentOf(serial, writer.SecondDigits(), kLastSerial - DaysFrom1900(marks.uses1904));
   return moment ? std::optional(writer.Write(*moment)) : std::nullopt;
 }
 

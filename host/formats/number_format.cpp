@@ -64,8 +64,11 @@ std::optional<XString> FormatNumber(double number, const Sections& sections, Num
   const double magnitude = std::fabs(number);
   const XString sign(number < 0 && !choice.impliesSign ? 1 : 0, XTEXT('-'));
   switch (section.kind) {
-    case FormatSection::Kind::kDate:
-      return FormatDate(number, section, marks);
+    case FormatSection::Kind::kDate: {
+      // Days and times before the first are shown with a sign in the 1904 system, and not at all in that of 1900.
+      const auto date = FormatDate(marks.uses1904 ? magnitude : number, section, marks);
+      return date && marks.uses1904 ? sign + *date : date;
+    }
     case FormatSection::Kind::kGeneral:
       return sign + WithTexts(section, NumberToGeneral(magnitude, marks));
     case FormatSection::Kind::kFraction:

@@ -1,7 +1,8 @@
-// The days of the 1900 date system, and the names of the months.
+// The days of the date systems, and the names of the months.
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -27,5 +28,17 @@ std::optional<int> SerialOf(const CalendarDay& day);
 
 /// The day of a serial from 0 to kLastSerial.
 CalendarDay DayOf(int serial);
+
+/// The serial of a month's first day less 1. Months count from 1, and run on before the first and behind the twelfth
+/// into other years; `year` and the year that they lead to are within a million years.
+std::int64_t SerialBeforeMonth(std::int64_t year, std::int64_t month);
+
+/// The days of the month, from 28 to 31; February 1900 has 29.
+int DaysOfMonth(int year, int month);
+
+/// The serial of 1 January 1904, which in the 1904 system is day 0.
+constexpr int kSerialOf1904 = 1462;
+/// What a serial of the book lacks to one of the 1900 system.
+constexpr int DaysFrom1900(bool uses1904) { return uses1904 ? kSerialOf1904 : 0; }
 
 }  // namespace qcalc

@@ -159,6 +159,7 @@ std::optional<double> ReadDateTime(XStringView text, NumberMarks marks) {
   if (!tokens || tokens->empty()) return std::nullopt;
   std::optional<int> date;
   const std::size_t taken = TakeDate(*tokens, date);
+  if (taken > 0 && (*date -= DaysFrom1900(marks.uses1904)) < 0) return std::nullopt;
   if (taken == tokens->size()) return *date;
   if (taken > 0 && !(*tokens)[taken].Is(' ')) return std::nullopt;
   const auto time = ReadTime(*tokens, taken > 0 ? taken + 1 : 0, marks.decimal);

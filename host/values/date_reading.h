@@ -7,8 +7,8 @@
 
 namespace qcalc {
 
-/// The serial (1900 system) of a date, a time, or a date and a time with a blank between. Blanks around are the
-/// caller's to remove. Years are 1900 to 9999; two digits mean 1930 to 2029.
+/// The serial, in the book's date system, of a date, a time, or a date and a time with a blank between. Blanks around
+/// are the caller's to remove. Years are 1900 (or 1904) to 9999; two digits mean 1930 to 2029.
 ///   whole dates: `3/23/2002`, `2002-03-23`, `23-Mar-2002`, `Mar 23, 2002`
 ///   months: `July 2021`, `7/2021`, `2021-07`, their first day
 ///   days of the current year: `3/23`, `23-Mar`, `Mar 23`; what is no day of that month is its year: `Mar 32`, `2/30`

@@ -7,7 +7,7 @@
 namespace qcalc {
 
 /// Digits with sign, point, exponent, thousands commas, $, percent or parentheses; whole numbers with a fraction
-/// (`1 1/2`); times and dates as serials (1900 system). English (US) forms but for the marks; digits beyond the 15th
+/// (`1 1/2`); times and dates as serials. English (US) forms but for the marks; digits beyond the 15th
 /// count as zeros. #VALUE! for any other text, #NUM! beyond the range of doubles.
 Value TextToNumber(XStringView text, NumberMarks marks);
 
