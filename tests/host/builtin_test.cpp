@@ -142,7 +142,7 @@ TEST_F(BuiltinTest, TextHasTheLocalMarks) {
 }
 
 TEST_F(BuiltinTest, AreCalledByName) {
-  Check("=average(1,2) -> !average at column 2 is a function of Excel that this host does not offer");
+  Check("=irr(1,2) -> !irr at column 2 is a function of Excel that this host does not offer");
   const Value operands[] = {Value::Number(2), Value::Text(XTEXT("3"))};
   EXPECT_EQ(PrintLiteral(*CallBuiltin(XTEXT("Sum"), operands, context)), "5");
   for (const XStringView name : {XTEXT("COUNTB"), XTEXT("NA")}) EXPECT_FALSE(CallBuiltin(name, operands, context));

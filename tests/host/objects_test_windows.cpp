@@ -118,7 +118,7 @@ TEST_F(Objects, EvaluateMacroTextsWhileAlertsAreOff) {
   EXPECT_THAT(Complaints(), ElementsAre(HasSubstr("while alerts were on")));
   session.Host().application.PutProperty(ApplicationState::kAlerts, Value::Boolean(false));
   EXPECT_EQ(Follow(window, "Application.ExecuteExcel4Macro:1/0"), "error 800a07d7");
-  EXPECT_EQ(Follow(window, "Application.ExecuteExcel4Macro:AVERAGE(1)"), "800a03ec") << "which the host has not";
+  EXPECT_EQ(Follow(window, "Application.ExecuteExcel4Macro:IRR(1)"), "800a03ec") << "which the host has not";
 }
 
 TEST_F(Objects, RefuseOnDemand) {

@@ -102,8 +102,8 @@ TEST(ScriptRunning, EveryExpectationCanFail) {
 
 TEST(ScriptRunning, WhatCannotBeEvaluatedIsOneFailure) {
   const Outcome outcome = RunText(
-      "eval =AVERAGE(1)\nexpect 1\nexpect-shape 1x1\nexpect-calls xlCoerce 1\nprint\n"
-      "set B1 = =AVERAGE(1)\nset B2 = =B1\neval =B2\nexpect 1\neval =5\nexpect 5\neval =SUM(B1)\nexpect 1\n"
+      "eval =IRR(1)\nexpect 1\nexpect-shape 1x1\nexpect-calls xlCoerce 1\nprint\n"
+      "set B1 = =IRR(1)\nset B2 = =B1\neval =B2\nexpect 1\neval =5\nexpect 5\neval =SUM(B1)\nexpect 1\n"
       "eval =PLUS.UNO(1)\nexpect #NAME?\n"
       "eval =Later!A1\nexpect #REF!\nset Later!A1 = 5\neval =Later!A1\nexpect 5\neval =Other!A1\nexpect #REF!\n"
       "hide Other!3:5\neval =Other!A1\nexpect empty\neval =Calc!A1\nexpect empty\n");

@@ -4,14 +4,16 @@
 #include <cmath>
 
 #include "host/text/letter_case.h"
-#include "host/values/conversion.h"
 
 namespace qcalc {
 
 namespace {
 
 std::span<const std::span<const Builtin>> Families() {
-  static const std::array families = {ReferenceBuiltins(), NumberBuiltins(), TextBuiltins(), LookupBuiltins()};
+  static const std::array families = {
+      AggregateBuiltins(), ArrayBuiltins(),  InformationBuiltins(), LogicBuiltins(),
+      LookupBuiltins(),    NumberBuiltins(), ReferenceBuiltins(),   TextBuiltins(),
+  };
   return families;
 }
 
@@ -45,6 +47,22 @@ std::vector<Value> ScalarOperands(const BuiltinCall& call) {
   return values;
 }
 
+std::vector<Value> ScalarOperands(const BuiltinCall& call, std::size_t required,
+                                  std::initializer_list<double> defaults) {
+  std::vector<Value> values = ScalarOperands(call);
+  for (std::size_t i = values.size(); i < required + defaults.size(); ++i)
+    values.push_back(Value::Number(defaults.begin()[i - required]));
+  return values;
+}
+
+Value FirstCell(const Value& operand, const Workbooks& workbooks) {
+  if (!operand.IsReference()) return operand;
+  const Sheet* sheet = workbooks.FindSheet(operand.AsReference().sheet);
+  if (!sheet) return Value::Error(xlerrRef);
+  const Area& area = operand.AsReference().areas[0];
+  return Value::OfCell(sheet->Get(area.firstRow, area.firstColumn));
+}
+
 Value ToWholeNumber(const CellView& cell, NumberMarks marks, std::int32_t& whole) {
   const Value number = ToNumber(cell, marks);
   if (number.IsError()) return number;
@@ -53,6 +71,11 @@ Value ToWholeNumber(const CellView& cell, NumberMarks marks, std::int32_t& whole
   if (!(std::fabs(cut) <= kLimit)) return Value::Error(xlerrValue);
   whole = static_cast<std::int32_t>(cut);
   return {};
+}
+
+Value TextResult(XString text) {
+  if (text.size() > static_cast<std::size_t>(kXlMaxText)) return Value::Error(xlerrValue);
+  return Value::Text(std::move(text));
 }
 
 }  // namespace qcalc

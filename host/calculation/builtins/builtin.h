@@ -1,10 +1,14 @@
 // Excel's own functions that the host offers: the table, and what their implementations share.
 #pragma once
 
+#include <array>
+#include <initializer_list>
 #include <span>
 #include <vector>
 
+#include "host/calculation/broadcast.h"
 #include "host/calculation/evaluation_context.h"
+#include "host/values/conversion.h"
 
 namespace qcalc {
 
@@ -24,6 +28,7 @@ struct Builtin {
   /// the form kSingle, the cell in line with the formula's), `a` an array, calculated element by element in every form,
   /// `r` whatever stands there, a reference as such.
   const char* operands = "v";
+  bool isVolatile = false;  ///< may give another value in every recalculation, whether its operands changed or not
 };
 
 /// The entry of that name, in any case; null when there is none. CHOOSE, IF, IFERROR and IFNA are not among them: the
@@ -33,17 +38,44 @@ const Builtin* FindBuiltin(XStringView name);
 std::vector<XStringView> BuiltinNames();
 
 /// The entries by family.
+std::span<const Builtin> AggregateBuiltins();
+std::span<const Builtin> ArrayBuiltins();
+std::span<const Builtin> InformationBuiltins();
+std::span<const Builtin> LogicBuiltins();
 std::span<const Builtin> LookupBuiltins();
-std::span<const Builtin> ReferenceBuiltins();
 std::span<const Builtin> NumberBuiltins();
+std::span<const Builtin> ReferenceBuiltins();
 std::span<const Builtin> TextBuiltins();
 
 /// The operand at that place, dereferenced; missing when it was left out.
 Value ScalarOperand(const BuiltinCall& call, std::size_t index);
 /// All operands dereferenced.
 std::vector<Value> ScalarOperands(const BuiltinCall& call);
+/// The same; behind the first `required` ones, those that are left out at the end are the numbers of `defaults`.
+std::vector<Value> ScalarOperands(const BuiltinCall& call, std::size_t required,
+                                  std::initializer_list<double> defaults);
+/// Of a reference the value of its first cell; any other operand as it is.
+Value FirstCell(const Value& operand, const Workbooks& workbooks);
 /// A number cut off towards zero, from a cell by Excel's conversions; `whole` receives it, the result is an error or
 /// empty. Numbers beyond 2^31 give #VALUE!.
 Value ToWholeNumber(const CellView& cell, NumberMarks marks, std::int32_t& whole);
+/// A text as a result: #VALUE! where it is longer than a cell holds.
+Value TextResult(XString text);
+
+/// Calls `calculate(const double*) -> Value` element by element with the operands as numbers, kMostNumbers of them at
+/// most. What does not convert gives its error, the first one that of the element.
+constexpr std::size_t kMostNumbers = 4;
+template <typename Calculate>
+Value BroadcastNumbers(std::span<const Value> operands, NumberMarks marks, Calculate&& calculate) {
+  return Broadcast(operands, [&](std::span<const CellView> cells) {
+    std::array<double, kMostNumbers> numbers{};
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const Value number = ToNumber(cells[i], marks);
+      if (number.IsError()) return number;
+      numbers[i] = number.AsNumber();
+    }
+    return calculate(static_cast<const double*>(numbers.data()));
+  });
+}
 
 }  // namespace qcalc

@@ -50,14 +50,8 @@ Value TextOrNothing(const CellView& cell) {
 
 // Of a reference T sees the first cell alone.
 Value CallT(const BuiltinCall& call) {
-  const Value& operand = call.operands[0];
-  if (operand.IsReference()) {
-    const Sheet* sheet = call.context.workbooks->FindSheet(operand.AsReference().sheet);
-    if (!sheet) return Value::Error(xlerrRef);
-    const Area& area = operand.AsReference().areas[0];
-    return TextOrNothing(sheet->Get(area.firstRow, area.firstColumn));
-  }
-  return Broadcast(call.operands, [](std::span<const CellView> cells) { return TextOrNothing(cells[0]); });
+  const Value operands[] = {FirstCell(call.operands[0], *call.context.workbooks)};
+  return Broadcast(operands, [](std::span<const CellView> cells) { return TextOrNothing(cells[0]); });
 }
 
 Value CallText(const BuiltinCall& call) {
