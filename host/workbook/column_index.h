@@ -1,6 +1,7 @@
 // Where the values of a sheet's column stand, so that many exact lookups in it need not scan it each time.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -22,6 +23,15 @@ class ColumnIndex {
   /// that the index was built of.
   std::optional<std::int32_t> FirstRow(const CellStore& cells, const CellView& key, std::int32_t first,
                                        std::int32_t last) const;
+  /// Calls `visitor(row)` for every row from `first` to `last` that holds the key, downwards.
+  template <typename Visitor>
+  void VisitRows(const CellStore& cells, const CellView& key, std::int32_t first, std::int32_t last,
+                 Visitor&& visitor) const {
+    const Rows rows = RowsOf(cells, key);
+    for (const std::int32_t* row = std::lower_bound(rows.begin, rows.end, first); row != rows.end && *row <= last;
+         ++row)
+      visitor(*row);
+  }
   /// The last row up to `last` that can be reached from `row`, which holds the key, over rows that all do.
   std::int32_t EndOfRun(const CellStore& cells, const CellView& key, std::int32_t row, std::int32_t last) const;
 

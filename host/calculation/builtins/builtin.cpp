@@ -11,9 +11,8 @@ namespace {
 
 std::span<const std::span<const Builtin>> Families() {
   static const std::array families = {
-      AggregateBuiltins(), ArrayBuiltins(),  InformationBuiltins(), LogicBuiltins(),
-      LookupBuiltins(),    NumberBuiltins(), ReferenceBuiltins(),   TextBuiltins(),
-  };
+      AggregateBuiltins(), ArrayBuiltins(),  ConditionBuiltins(), InformationBuiltins(), LogicBuiltins(),
+      LookupBuiltins(),    NumberBuiltins(), ReferenceBuiltins(), TextBuiltins(),        TextPartBuiltins()};
   return families;
 }
 
