@@ -41,6 +41,7 @@ std::vector<XStringView> BuiltinNames();
 std::span<const Builtin> AggregateBuiltins();
 std::span<const Builtin> ArrayBuiltins();
 std::span<const Builtin> ConditionBuiltins();
+std::span<const Builtin> DateBuiltins();
 std::span<const Builtin> InformationBuiltins();
 std::span<const Builtin> LogicBuiltins();
 std::span<const Builtin> LookupBuiltins();
