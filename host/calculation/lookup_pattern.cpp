@@ -28,11 +28,22 @@ XString LookupPattern::Literal() const {
   return literal;
 }
 
-bool LookupPattern::Matches(XStringView text) const {
+std::size_t LookupPattern::FindIn(XStringView text, std::size_t start) const {
+  // Only what stands before the first run can miss at one place and fit at a later one: what misses behind it misses
+  // for good.
+  bool missedBehindRun = false;
+  for (; start <= text.size() && !missedBehindRun; ++start)
+    if (MatchesAt(text, start, false, &missedBehindRun)) return start;
+  return XStringView::npos;
+}
+
+// Whether the text from that unit on fits, as a whole or with its beginning.
+bool LookupPattern::MatchesAt(XStringView text, std::size_t unit, bool toTheEnd, bool* missedBehindRun) const {
   // A run that turns out too short takes one unit more; runs before the last one need never be looked at again.
   constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-  std::size_t element = 0, unit = 0, lastRun = kNone, runEnd = 0;
+  std::size_t element = 0, lastRun = kNone, runEnd = 0;
   while (unit < text.size()) {
+    if (!toTheEnd && element == elements_.size()) return true;
     const Element* next = element < elements_.size() ? &elements_[element] : nullptr;
     if (next && next->kind == Kind::kRun) {
       lastRun = element++;
@@ -48,6 +59,7 @@ bool LookupPattern::Matches(XStringView text) const {
     }
   }
   while (element < elements_.size() && elements_[element].kind == Kind::kRun) ++element;
+  if (missedBehindRun) *missedBehindRun = lastRun != kNone;
   return element == elements_.size();
 }
 

@@ -1,6 +1,7 @@
 // Texts with wildcards, as MATCH and VLOOKUP look for them.
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "xlcall/xchar.h"
@@ -17,7 +18,9 @@ class LookupPattern {
   /// Without wildcards: the text that it stands for, its case folded.
   XString Literal() const;
   /// Whether the whole text fits.
-  bool Matches(XStringView text) const;
+  bool Matches(XStringView text) const { return MatchesAt(text, 0, true); }
+  /// The first place from `start` on where a part of the text begins that fits; npos when there is none.
+  std::size_t FindIn(XStringView text, std::size_t start) const;
 
  private:
   enum class Kind { kUnit, kOne, kRun };
@@ -25,6 +28,8 @@ class LookupPattern {
     Kind kind;
     XCHAR unit;  ///< folded, of kUnit
   };
+
+  bool MatchesAt(XStringView text, std::size_t unit, bool toTheEnd, bool* missedBehindRun = nullptr) const;
 
   std::vector<Element> elements_;
   bool hasWildcards_ = false;

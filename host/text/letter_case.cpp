@@ -70,7 +70,19 @@ constexpr auto kFolded = [] {
   return folded;
 }();
 
+constexpr auto kRaised = [] {
+  std::array<XCHAR, 0x10000> raised{};
+  for (std::uint32_t unit = 0; unit < raised.size(); ++unit) raised[unit] = static_cast<XCHAR>(unit);
+  constexpr std::uint32_t kSharpS = 0x1E9E;  // no capital that a word of today is written with
+  for (std::uint32_t unit = raised.size(); unit-- > 0;)
+    if (kFolded[unit] != unit && unit != kSharpS)
+      raised[static_cast<std::uint16_t>(kFolded[unit])] = static_cast<XCHAR>(unit);
+  return raised;
+}();
+
 }  // namespace
+
+XCHAR CapitalUnit(XCHAR unit) { return kRaised[static_cast<std::uint16_t>(unit)]; }
 
 XCHAR FoldUnit(XCHAR unit) { return kFolded[static_cast<std::uint16_t>(unit)]; }
 

@@ -21,6 +21,9 @@ constexpr Unit SmallLetter(Unit unit) {
 /// One unit without its case: a capital letter of any script gives its small one, where that is one unit too.
 XCHAR FoldUnit(XCHAR unit);
 
+/// The capital letter of a small one, where that is one unit too; of a letter with several the first.
+XCHAR CapitalUnit(XCHAR unit);
+
 /// The text without its case, as names of sheets and functions and texts of cells are compared.
 XString FoldCase(XStringView text);
 

@@ -48,6 +48,7 @@ std::span<const Builtin> LookupBuiltins();
 std::span<const Builtin> NumberBuiltins();
 std::span<const Builtin> ReferenceBuiltins();
 std::span<const Builtin> TextBuiltins();
+std::span<const Builtin> TextPartBuiltins();
 
 /// The operand at that place, dereferenced; missing when it was left out.
 Value ScalarOperand(const BuiltinCall& call, std::size_t index);

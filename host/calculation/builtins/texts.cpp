@@ -1,8 +1,13 @@
-// CHAR, LEN, REPT, T, TEXT, UNICHAR, VALUE.
+// Texts of values and values of texts: CHAR, CODE, CONCAT, CONCATENATE, EXACT, FIXED, LEN, REPT, T, TEXT, TEXTJOIN,
+// UNICHAR, UNICODE, VALUE.
+#include <algorithm>
 #include <string>
+#include <utility>
 
 #include "host/calculation/broadcast.h"
 #include "host/calculation/builtins/builtin.h"
+#include "host/calculation/builtins/rounding.h"
+#include "host/calculation/formula_operators.h"
 #include "host/formats/number_format.h"
 #include "host/text/ansi_text.h"
 #include "host/text/utf8.h"
@@ -18,6 +23,141 @@ Value CallChar(const BuiltinCall& call) {
     if (Value fault = ToWholeNumber(cells[0], call.context.marks, code); fault.IsError()) return fault;
     if (code < 1 || code > 255) return Value::Error(xlerrValue);
     return Value::Text(FromAnsi(std::string(1, static_cast<char>(code))));
+  });
+}
+
+Value CallCode(const BuiltinCall& call) {
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
+    const Value text = ToText(cells[0], call.context.marks);
+    if (text.IsError()) return text;
+    if (text.AsText().empty()) return Value::Error(xlerrValue);
+    return Value::Number(static_cast<unsigned char>(ToAnsi(XStringView(text.AsText()).substr(0, 1))[0]));
+  });
+}
+
+Value CallUnicode(const BuiltinCall& call) {
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
+    const Value text = ToText(cells[0], call.context.marks);
+    if (text.IsError()) return text;
+    if (text.AsText().empty()) return Value::Error(xlerrValue);
+    std::size_t at = 0;
+    const char32_t number = TakeCharacter(text.AsText(), at);
+    return IsHighSurrogate(number) || IsLowSurrogate(number) ? Value::Error(xlerrValue)
+                                                             : Value::Number(static_cast<double>(number));
+  });
+}
+
+Value CallConcatenate(const BuiltinCall& call) {
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
+    XString joined;
+    for (const CellView& cell : cells) {
+      const Value text = ToText(cell, call.context.marks);
+      if (text.IsError()) return text;
+      joined += text.AsText();
+    }
+    return TextResult(std::move(joined));
+  });
+}
+
+// Calls `visitor(const CellView&)` for all elements of the operand, row by row; of a reference those down to the last
+// row that is used, unless empty ones matter.
+template <typename Visitor>
+void VisitElements(const Value& operand, const Workbooks& workbooks, bool withEmpty, Visitor&& visitor) {
+  if (!operand.IsReference()) {
+    if (!operand.IsArray()) return visitor(operand.AsCell());
+    for (const CellView& cell : operand.AsArray()->Cells()) visitor(cell);
+    return;
+  }
+  const Sheet* sheet = workbooks.FindSheet(operand.AsReference().sheet);
+  if (!sheet) return visitor(CellView::Error(xlerrRef));
+  for (Area area : operand.AsReference().areas) {
+    if (const auto used = sheet->UsedArea(); !withEmpty && used) {
+      area.lastRow = std::min(area.lastRow, used->lastRow);
+      area.lastColumn = std::min(area.lastColumn, used->lastColumn);
+    }
+    if (area.IsOnSheet()) sheet->VisitRowMajor(area, visitor);
+  }
+}
+
+// Joins texts as long as they fit in a cell.
+class Joiner {
+ public:
+  // `next` gives the text that stands before all but the first.
+  template <typename Next>
+  void Add(const CellView& cell, NumberMarks marks, Next&& next) {
+    if (fault_.IsError() || joined_.size() > static_cast<std::size_t>(kXlMaxText)) return;
+    if (cell.IsError()) {
+      fault_ = Value::OfCell(cell);
+      return;
+    }
+    if (std::exchange(isBehindFirst_, true)) joined_ += next();
+    joined_ += cell.IsText() ? cell.AsText() : XStringView(ToText(cell, marks).AsText());
+  }
+  Value Result() { return fault_.IsError() ? fault_ : TextResult(std::move(joined_)); }
+
+ private:
+  XString joined_;
+  Value fault_;
+  bool isBehindFirst_ = false;
+};
+
+Value CallConcat(const BuiltinCall& call) {
+  Joiner joiner;
+  for (const Value& operand : call.operands)
+    VisitElements(operand, *call.context.workbooks, false,
+                  [&](const CellView& cell) { joiner.Add(cell, call.context.marks, [] { return XStringView(); }); });
+  return joiner.Result();
+}
+
+// Several separators take turns.
+Value CallTextjoin(const BuiltinCall& call) {
+  std::vector<XString> separators;
+  Value fault;
+  VisitElements(call.operands[0], *call.context.workbooks, true, [&](const CellView& cell) {
+    const Value text = ToText(cell, call.context.marks);
+    if (text.IsError() && !fault.IsError()) fault = text;
+    separators.push_back(text.IsError() ? XString() : text.AsText());
+  });
+  const Value ignored = ScalarOperand(call, 1);
+  const Value ignoresEmpty = ignored.IsArray()     ? Value::Error(xlerrValue)
+                             : ignored.IsMissing() ? Value::Boolean(true)
+                                                   : ToBoolean(ignored.AsCell());
+  if (fault.IsError()) return fault;
+  if (ignoresEmpty.IsError()) return ignoresEmpty;
+  Joiner joiner;
+  std::size_t turn = 0;
+  for (const Value& operand : call.operands.subspan(2))
+    VisitElements(operand, *call.context.workbooks, !ignoresEmpty.AsBoolean(), [&](const CellView& cell) {
+      if (ignoresEmpty.AsBoolean() && (cell.IsEmpty() || (cell.IsText() && cell.AsText().empty()))) return;
+      joiner.Add(cell, call.context.marks, [&] { return XStringView(separators[turn++ % separators.size()]); });
+    });
+  return joiner.Result();
+}
+
+Value CallExact(const BuiltinCall& call) {
+  return Broadcast(ScalarOperands(call), [&](std::span<const CellView> cells) {
+    const Value left = ToText(cells[0], call.context.marks), right = ToText(cells[1], call.context.marks);
+    if (left.IsError()) return left;
+    return right.IsError() ? right : Value::Boolean(left.AsText() == right.AsText());
+  });
+}
+
+// A number with so many decimals, with thousands marks unless the third operand is true.
+Value CallFixed(const BuiltinCall& call) {
+  return Broadcast(ScalarOperands(call, 1, {2, 0}), [&](std::span<const CellView> cells) {
+    constexpr std::int32_t kMostDecimals = 127;
+    const Value number = ToNumber(cells[0], call.context.marks);
+    if (number.IsError()) return number;
+    std::int32_t decimals = 0;
+    if (Value fault = ToWholeNumber(cells[1], call.context.marks, decimals); fault.IsError()) return fault;
+    const Value isPlain = ToBoolean(cells[2]);
+    if (isPlain.IsError()) return isPlain;
+    if (decimals > kMostDecimals) return Value::Error(xlerrValue);
+    const Value rounded = NumberResult(Rounded(number.AsNumber(), std::max(decimals, -400), Rounding::kHalfAway));
+    const NumberMarks marks = call.context.marks;
+    XString format = isPlain.AsBoolean() ? XTEXT("0") : XTEXT("#") + XString(1, marks.Thousands()) + XTEXT("##0");
+    if (decimals > 0) format += marks.decimal + XString(static_cast<std::size_t>(decimals), XTEXT('0'));
+    return FormatCell(rounded.AsCell(), format, marks);
   });
 }
 
@@ -81,9 +221,19 @@ Value CallValue(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("CHAR"), 1, 1, CallChar},  {XTEXT("LEN"), 1, 1, CallLen},
-                                 {XTEXT("REPT"), 2, 2, CallRept},  {XTEXT("T"), 1, 1, CallT, "r"},
-                                 {XTEXT("TEXT"), 2, 2, CallText},  {XTEXT("UNICHAR"), 1, 1, CallUnichar},
+constexpr Builtin kBuiltins[] = {{XTEXT("CHAR"), 1, 1, CallChar},
+                                 {XTEXT("CODE"), 1, 1, CallCode},
+                                 {XTEXT("CONCAT"), 1, kXlMaxArguments, CallConcat, "r"},
+                                 {XTEXT("CONCATENATE"), 1, kXlMaxArguments, CallConcatenate},
+                                 {XTEXT("EXACT"), 2, 2, CallExact},
+                                 {XTEXT("FIXED"), 1, 3, CallFixed},
+                                 {XTEXT("TEXTJOIN"), 3, kXlMaxArguments, CallTextjoin, "rvr"},
+                                 {XTEXT("UNICODE"), 1, 1, CallUnicode},
+                                 {XTEXT("LEN"), 1, 1, CallLen},
+                                 {XTEXT("REPT"), 2, 2, CallRept},
+                                 {XTEXT("T"), 1, 1, CallT, "r"},
+                                 {XTEXT("TEXT"), 2, 2, CallText},
+                                 {XTEXT("UNICHAR"), 1, 1, CallUnichar},
                                  {XTEXT("VALUE"), 1, 1, CallValue}};
 
 }  // namespace
