@@ -46,6 +46,7 @@ std::span<const Builtin> InformationBuiltins();
 std::span<const Builtin> LogicBuiltins();
 std::span<const Builtin> LookupBuiltins();
 std::span<const Builtin> NumberBuiltins();
+std::span<const Builtin> PlaceBuiltins();
 std::span<const Builtin> ReferenceBuiltins();
 std::span<const Builtin> TextBuiltins();
 std::span<const Builtin> TextPartBuiltins();
