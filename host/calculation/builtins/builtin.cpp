@@ -10,10 +10,10 @@ namespace qcalc {
 namespace {
 
 std::span<const std::span<const Builtin>> Families() {
-  static const std::array families = {AggregateBuiltins(), ArrayBuiltins(),       ConditionBuiltins(),
-                                      DateBuiltins(),      InformationBuiltins(), LogicBuiltins(),
-                                      LookupBuiltins(),    NumberBuiltins(),      PlaceBuiltins(),
-                                      ReferenceBuiltins(), TextBuiltins(),        TextPartBuiltins()};
+  static const std::array families = {AggregateBuiltins(),   ArrayBuiltins(),     ConditionBuiltins(), DateBuiltins(),
+                                      InformationBuiltins(), LogicBuiltins(),     LookupBuiltins(),    NumberBuiltins(),
+                                      PlaceBuiltins(),       ReferenceBuiltins(), SortBuiltins(),      TextBuiltins(),
+                                      TextPartBuiltins()};
   return families;
 }
 

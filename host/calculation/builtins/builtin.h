@@ -48,6 +48,7 @@ std::span<const Builtin> LookupBuiltins();
 std::span<const Builtin> NumberBuiltins();
 std::span<const Builtin> PlaceBuiltins();
 std::span<const Builtin> ReferenceBuiltins();
+std::span<const Builtin> SortBuiltins();
 std::span<const Builtin> TextBuiltins();
 std::span<const Builtin> TextPartBuiltins();
 
