@@ -19,8 +19,8 @@ double Rounded(double number, int decimals, Rounding rounding) {
   DecimalDigits decimal = DigitsOf(std::fabs(number));
   const int kept = std::max(decimal.exponent + 1 + decimals, 0);
   if (decimal.IsZero() || kept > kShownDigits) return number;
-  if (rounding != Rounding::kHalfAway && decimal.Decimals() > decimals) {
-    // What is cut off becomes one digit, which rounds as it should.
+  // What is cut off becomes one digit, which rounds as it should.
+  if (rounding != Rounding::kHalfAway && kept < static_cast<int>(decimal.digits.size())) {
     decimal.digits.resize(static_cast<std::size_t>(kept));
     decimal.digits += rounding == Rounding::kAway ? '9' : '0';
     if (kept == 0) decimal.exponent = -decimals - 1;
