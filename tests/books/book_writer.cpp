@@ -117,6 +117,7 @@ void WriteFunctions(const std::string& data, const std::string& excel, const std
   }
   table.name = name.data();
   table.columns = listed.data();
+  table.no_autofilter = LXW_TRUE;
   worksheet_add_table(sheet, 0, 0, Row(used.lastRow), Column(used.lastColumn), &table);
   lxw_worksheet* dates = writer.AddSheet("Dates");
   lxw_datetime day = kDay;

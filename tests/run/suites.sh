@@ -3,6 +3,7 @@
 source tests/run/functions.sh
 source tests/run/runners.sh
 source tests/run/command_line.sh
+source tests/run/books.sh
 source tests/run/companion.sh
 
 guarded=build/windows/bin/Quillmere4_guarded.xll
@@ -55,7 +56,7 @@ declare -A wanted=()
 want() {
   local part
   case $1 in
-    checks | companion | faults | fuzz | generator | guard | models | scripts | unit) wanted[$1]=all ;;
+    books | checks | companion | faults | fuzz | generator | guard | models | scripts | unit) wanted[$1]=all ;;
     host)
       wanted[host]=all
       want_some scripts host windows
@@ -94,8 +95,8 @@ run_tests() {
   (($#)) || set -- checks faults fuzz generator guard host models scripts unit
   for word in "$@"; do
     want "$word" || {
-      echo "no tests named '$word'. There are checks, companion, faults, fuzz, generator, guard, host, models, scripts, unit," \
-        "and of a family: $(families | paste -sd ' ')" >&2
+      echo "no tests named '$word'. There are books, checks, companion, faults, fuzz, generator, guard, host, models," \
+        "scripts, unit, and of a family: $(families | paste -sd ' ')" >&2
       return 2
     }
   done
@@ -108,6 +109,7 @@ run_tests() {
     each_suite run_in "$build"
     wait
   done
+  ! is_wanted books whole || run_books
   ! is_wanted companion whole || run_companion
   close_runs
 }
