@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/files/csv.h"
+#include "host/books/csv_book.h"
 #include "host/files/csv_rewriting.h"
-#include "host/files/file_text.h"
 #include "host/formulas/formula_pool.h"
 #include "host/output/sheet_text.h"
 #include "host/process/output_file.h"
@@ -22,17 +21,8 @@ namespace qcalc {
 namespace {
 
 constexpr std::size_t kMostErrorsNamed = 100'000;
-constexpr std::size_t kMostUnitsOfSheetName = 31;
 
 XString NameOf(const std::filesystem::path& path) { return FromUtf8(TextOf(path.filename())).value_or(XTEXT("book")); }
-
-// The sheet of a CSV file has the file's name, as far as a sheet can have it.
-XString SheetNameOf(const std::filesystem::path& path) {
-  XString name = FromUtf8(TextOf(path.stem())).value_or(XString());
-  std::erase_if(name, [](XCHAR unit) { return XStringView(XTEXT("[]:*?/\\'")).find(unit) != XStringView::npos; });
-  name.resize(std::min(name.size(), kMostUnitsOfSheetName));
-  return name.empty() ? XTEXT("Sheet1") : name;
-}
 
 }  // namespace
 
@@ -45,10 +35,13 @@ std::optional<BookFormat> BookFormatOf(const std::filesystem::path& path) {
 }
 
 BookFile::BookFile(const std::filesystem::path& path, Workbooks& workbooks, bool keepsCached) : path_(path) {
-  if (BookFormatOf(path) == BookFormat::kCsv)
-    ReadCsv(path, workbooks);
-  else
+  if (BookFormatOf(path) == BookFormat::kCsv) {
+    CsvBook read = ReadCsvBook(path, workbooks, NameOf(path));
+    stored_ = std::move(read.stored);
+    csv_ = std::move(read.text);
+  } else {
     stored_ = ReadXlsx(path, workbooks, NameOf(path));
+  }
   book_ = &FirstSheet().ItsBook();
   EnterNames();
   for (StoredSheet& sheet : stored_.sheets) {
@@ -58,23 +51,6 @@ BookFile::BookFile(const std::filesystem::path& path, Workbooks& workbooks, bool
     }
     EnterFormulas(sheet);
   }
-}
-
-void BookFile::ReadCsv(const std::filesystem::path& path, Workbooks& workbooks) {
-  auto read = ReadFile(path);
-  if (const auto* failure = std::get_if<FileFailure>(&read)) throw BookRefused(failure->reason);
-  csv_ = std::get<std::string>(std::move(read));
-  StoredSheet& stored = stored_.sheets.emplace_back();
-  stored.sheet = &workbooks.BookNamed(NameOf(path)).SheetNamed(SheetNameOf(path));
-  CsvOptions options;
-  options.takeFormula = [&](CellPosition at, std::string_view formula) {
-    stored.formulas.push_back(
-        {at, FormulaForm::kSpilling, Area::OfCell(at.row, at.column), std::string(formula), std::nullopt});
-  };
-  const auto loaded = LoadCsv(*csv_, *stored.sheet, 0, 0, options);
-  if (const auto* error = std::get_if<CsvError>(&loaded))
-    throw BookRefused("line " + std::to_string(error->line) + ", column " + std::to_string(error->column) + ": " +
-                      error->message);
 }
 
 void BookFile::EnterNames() {

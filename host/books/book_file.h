@@ -49,7 +49,6 @@ class BookFile {
   void Print(ByteOutput& out, BookFormat format) const;
 
  private:
-  void ReadCsv(const std::filesystem::path& path, Workbooks& workbooks);
   void EnterNames();
   void EnterFormulas(StoredSheet& sheet);
   SheetResults ResultsOf(const StoredSheet& sheet) const;

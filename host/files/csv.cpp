@@ -26,10 +26,12 @@ bool ReadPlainNumber(std::string_view field, double& number) {
   return true;
 }
 
+constexpr const char* kNoUtf8 = "expected UTF-8 in this field";
+
 CellView TextCell(std::string_view field, CellStore& cells, const CsvReader& reader) {
   XCHAR* start = cells.Pool().Reserve(field.size());
   const XCHAR* end = FromUtf8(field, start);
-  if (!end) throw reader.FaultAtField("expected UTF-8 in this field");
+  if (!end) throw reader.FaultAtField(kNoUtf8);
   const auto units = static_cast<std::size_t>(end - start);
   if (units > static_cast<std::size_t>(kXlMaxText))
     throw reader.FaultAtField("expected at most " + std::to_string(kXlMaxText) + " characters in a cell, found " +
@@ -98,6 +100,7 @@ class CsvLoader {
                                       " fields in a record, found more");
           const auto number = static_cast<std::size_t>(index);
           if (options.takeFormula && field.size() > 1 && field[0] == '=') {
+            if (!FromUtf8(field)) throw reader.FaultAtField(kNoUtf8);
             options.takeFormula({row_ + static_cast<std::int32_t>(record), column_ + static_cast<std::int32_t>(index)},
                                 field.substr(1));
             field = {};

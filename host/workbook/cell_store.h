@@ -18,6 +18,9 @@ namespace qcalc {
 /// limits. Any number of threads may read while none writes.
 class CellStore {
  public:
+  /// So many rows of a column take memory at once, as soon as one of them holds anything.
+  static constexpr std::int32_t kChunkRows = 1024;
+
   CellStore() : pool_(std::make_shared<TextPool>()) {}
 
   /// The cell's content; a text stays good until the next write.
@@ -109,7 +112,6 @@ class CellStore {
   }
 
  private:
-  static constexpr std::int32_t kChunkRows = 1024;
   static constexpr CellView kEmptyCell{};
   struct Chunk {
     std::array<CellView, kChunkRows> cells;

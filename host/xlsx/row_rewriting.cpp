@@ -23,7 +23,7 @@ std::optional<std::int32_t> ColumnIn(std::string_view cell) {
 
 /// The whole number of that attribute; nothing where it has none.
 std::optional<std::int32_t> NumberOf(std::string_view tag, std::string_view name) {
-  const auto value = AttributeOf(tag, name);
+  const auto value = AttributeOfTag(tag, name);
   return value ? ReadWhole<std::int32_t>(*value) : std::nullopt;
 }
 
@@ -49,7 +49,7 @@ void RowRewriting::ReadColumnStyles(std::string_view head) {
     const std::string_view tag = markup->In(head);
     if (!markup->IsTag() || NameOfTag(tag) != "col") continue;
     const auto first = NumberOf(tag, "min"), last = NumberOf(tag, "max");
-    const auto style = AttributeOf(tag, "style");
+    const auto style = AttributeOfTag(tag, "style");
     if (first && last && style) columnStyles_.push_back({*first - 1, *last - 1, std::string(*style)});
   }
 }
@@ -68,7 +68,7 @@ void RowRewriting::AppendRow(std::string& out, std::string_view gap, std::string
     out += row;
     return;
   }
-  if (IsTrue(AttributeOf(tag, "customFormat"))) rowStyle_ = AttributeOf(tag, "s").value_or("");
+  if (IsTrue(AttributeOfTag(tag, "customFormat"))) rowStyle_ = AttributeOfTag(tag, "s").value_or("");
   RewriteRow(out, parts);
 }
 
@@ -98,7 +98,7 @@ void RowRewriting::RewriteRow(std::string& out, const XmlChildren& row) {
   while (const auto piece = children.Next()) {
     const bool isCell = NameOfTag(piece->element) == "c";
     if (isCell)
-      column = ColumnIn(AttributeOf(XmlChildren(piece->element).Tag(), "r").value_or("")).value_or(column + 1);
+      column = ColumnIn(AttributeOfTag(XmlChildren(piece->element).Tag(), "r").value_or("")).value_or(column + 1);
     AppendNewCells(isCell ? column : kXlMaxColumns);
     cells_ += piece->gap;
     if (isCell && columns_.Take(column))
@@ -152,7 +152,7 @@ void RowRewriting::RewriteCell(std::string_view cell, std::int32_t column) {
 
 void RowRewriting::AppendFormula(std::string_view formula, const FormulaResult& result) {
   const std::string_view tag = XmlChildren(formula).Tag();
-  if (result.fillsNow == result.filledBefore || AttributeOf(tag, "t") != "array") {
+  if (result.fillsNow == result.filledBefore || AttributeOfTag(tag, "t") != "array") {
     cells_ += formula;
     return;
   }

@@ -24,7 +24,7 @@ std::string HeadWithArea(std::string_view head, const SheetResults& results) {
   for (auto markup = FindMarkup(head, 0); markup; markup = FindMarkup(head, markup->end)) {
     const std::string_view tag = markup->In(head);
     if (!markup->IsTag() || NameOfTag(tag) != "dimension") continue;
-    const auto written = AttributeOf(tag, "ref");
+    const auto written = AttributeOfTag(tag, "ref");
     const auto reference = ParseReference(written.value_or(""));
     if (!reference) break;
     Area area = reference->area;

@@ -52,11 +52,4 @@ std::optional<XmlAttribute> TakeAttribute(std::string_view& rest) {
   return attribute;
 }
 
-std::optional<std::string_view> AttributeOf(std::string_view tag, std::string_view name) {
-  std::string_view rest = PartsOfTag(tag).attributes;
-  while (const auto attribute = TakeAttribute(rest))
-    if (attribute->name == name) return attribute->value;
-  return std::nullopt;
-}
-
 }  // namespace qcalc

@@ -47,7 +47,4 @@ struct XmlTagParts {
 };
 XmlTagParts PartsOfTag(std::string_view tag);
 
-/// The value of the tag's attribute of that name, entities not decoded; nothing, where it has none.
-std::optional<std::string_view> AttributeOf(std::string_view tag, std::string_view name);
-
 }  // namespace qcalc

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <string>
 
+#include "host/books/csv_book.h"
 #include "host/files/csv_request.h"
 #include "host/files/csv_rewriting.h"
 #include "host/files/file_text.h"
@@ -120,6 +121,29 @@ TEST_F(CsvTest, KeepsWhatNoFormulaFills) {
             "\xEF\xBB\xBF 007,\"1,50\",\"a,b\"\r\n=,2026-01-02,=?\r\n");
   EXPECT_EQ(rewritten("1\n\"={1,2;3,4}\"\n\n01,,\n"), "1\n1,2\n3,4\n01,,\n");
   EXPECT_EQ(rewritten("x,\"={1;2;3}\",\"={TRUE,#N/A}\""), "x,1,TRUE,#N/A\n,2\n,3");
+  std::filesystem::remove(path);
+}
+
+TEST_F(CsvTest, AsABook) {
+  const auto path = std::filesystem::temp_directory_path() / "qcalc [a]-a name that is longer than any.csv";
+  const auto read = [&](const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+    return ReadCsvBook(path, workbooks, XTEXT("csv"));
+  };
+  const CsvBook book = read("\"=SUM(B1,\"\"x\"\")\",007,=\n2026-01-02,=1");
+  const StoredSheet& stored = book.stored.sheets.at(0);
+  EXPECT_EQ(stored.sheet->Name(), XTEXT("qcalc _a_-a name that is longer"));
+  EXPECT_EQ(PrintLiteral(stored.sheet->Read(AreaOf("A1:C2"))), R"({empty,7,"=";"2026-01-02",empty,empty})");
+  EXPECT_EQ(stored.formulas.size(), 2u);
+  EXPECT_EQ(stored.formulas[0].text + stored.formulas[1].text, "SUM(B1,\"x\")1");
+  workbooks.Close(*workbooks.FindBook(XTEXT("csv")));
+  // A few cells in each of all columns, each of which would take the memory of 1,024.
+  std::string wide, strewn;
+  for (int column = 0; column < kXlMaxColumns; ++column) wide += column ? ",1" : "1";
+  for (int block = 0; block < 3; ++block) strewn += wide + std::string(1024, '\n');
+  for (const std::string& refused : {std::string("1,\"x"), std::string("=\xFF"), strewn})
+    EXPECT_THROW(read(refused), BookRefused);
+  EXPECT_EQ(workbooks.FindBook(XTEXT("csv")), nullptr);
   std::filesystem::remove(path);
 }
 
