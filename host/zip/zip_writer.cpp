@@ -17,7 +17,7 @@ namespace {
 constexpr std::uint16_t kVersion = 20;  // of what is needed to read it: deflated entries, and folders
 constexpr std::uint32_t kSizesMark = 0x08074b50;
 constexpr std::uint64_t kMostBytes = zip::kIn64 - 1;
-// Twice as fast as the library's own choice, for a tenth more bytes.
+// Twice as fast as the library's own choice, for a fifth more bytes.
 constexpr int kLevel = 3;
 
 void RequireSize(std::uint64_t size, std::string_view what) {
