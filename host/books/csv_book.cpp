@@ -32,13 +32,18 @@ BookRefused Refusal(const CsvError& error) {
                      error.message);
 }
 
-/// Refuses fields so far from one another that each would take the memory of many.
+/// Refuses what no sheet holds, more fields than are worth reading, and fields so far from one another that each would
+/// take the memory of many.
 void TakeMemory(std::string_view text, MemoryLimit& limit) {
   constexpr std::size_t kChunkBytes = CellStore::kChunkRows * sizeof(CellView);
+  std::int64_t fields = 0;
   std::vector<std::int64_t> chunks;  // of each column
   CsvReader(text, ",").Read(
       [&](std::int64_t record, std::int64_t index, std::string_view field) {
-        if (field.empty() || index >= kXlMaxColumns || record >= kXlMaxRows) return;
+        if (index >= kXlMaxColumns || record >= kXlMaxRows) throw BookRefused("it has more than fits on a sheet");
+        if (++fields > kMaxArrayCells)
+          throw BookRefused("it has more than " + std::to_string(kMaxArrayCells) + " fields");
+        if (field.empty()) return;
         if (field[0] == '=') limit.Take(sizeof(StoredFormula) + sizeof(FormulaCell));
         const auto column = static_cast<std::size_t>(index);
         if (column >= chunks.size()) chunks.resize(column + 1);
