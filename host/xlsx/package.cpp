@@ -71,8 +71,7 @@ std::vector<Relationship> Package::RelationshipsOf(std::string_view part,
   std::vector<Relationship> relationships;
   const std::string name = RelationshipsPartOf(part);
   if (!Has(name)) return relationships;
-  ReadPieces(name, "", "Relationships", [&](ElementSplitter& splitter) {
-    XmlParser parser;
+  ReadPieces(name, "", "Relationships", [&](ElementSplitter& splitter, XmlParser& parser) {
     splitter.Head();
     while (const auto piece = splitter.Next()) {
       const XmlNode& element = parser.Parse(piece->element);
@@ -92,18 +91,15 @@ std::vector<Relationship> Package::RelationshipsOf(std::string_view part,
 
 void Package::ReadTree(const std::string& part, const std::string& what,
                        const std::function<void(const XmlNode& root)>& read) const {
-  InPart(part, [&] {
-    const XmlPart tree(zip_.ReadWhole(Require(part, what), kMostTreeBytes));
-    read(tree.Root());
-  });
+  InPart(part, [&] { read(parser_.ParsePart(zip_.ReadWhole(Require(part, what), kMostTreeBytes))); });
 }
 
 void Package::ReadPieces(const std::string& part, const std::string& what, std::string_view container,
-                         const std::function<void(ElementSplitter& splitter)>& read) const {
+                         const std::function<void(ElementSplitter& splitter, XmlParser& parser)>& read) const {
   InPart(part, [&] {
     ZipStream stream = zip_.Open(Require(part, what));
     ElementSplitter splitter([&stream](std::span<char> into) { return stream.Read(into); }, container);
-    read(splitter);
+    read(splitter, parser_);
   });
 }
 

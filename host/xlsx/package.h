@@ -34,15 +34,16 @@ class Package {
   /// Reads the part as a tree, hands its element to `read` and drops it. `what` the part is, if it should be missing.
   void ReadTree(const std::string& part, const std::string& what,
                 const std::function<void(const XmlNode& root)>& read) const;
-  /// Reads the part piece by piece.
+  /// Reads the part piece by piece; `parser` makes trees of them.
   void ReadPieces(const std::string& part, const std::string& what, std::string_view container,
-                  const std::function<void(ElementSplitter& splitter)>& read) const;
+                  const std::function<void(ElementSplitter& splitter, XmlParser& parser)>& read) const;
 
  private:
   const ZipEntry& Require(const std::string& part, const std::string& what) const;
 
   const ZipReader& zip_;
   mutable std::set<const ZipEntry*> read_;
+  mutable XmlParser parser_;
 };
 
 }  // namespace qcalc

@@ -7,8 +7,7 @@ namespace qcalc {
 
 void SharedTexts::Read(const Package& package, const std::string& part, TextPool& pool) {
   pool_ = &pool;
-  package.ReadPieces(part, "the shared strings", "sst", [&](ElementSplitter& splitter) {
-    XmlParser parser;
+  package.ReadPieces(part, "the shared strings", "sst", [&](ElementSplitter& splitter, XmlParser& parser) {
     splitter.Head();
     while (const auto piece = splitter.Next()) {
       const XmlNode& element = parser.Parse(piece->element);

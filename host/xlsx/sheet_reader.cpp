@@ -92,8 +92,7 @@ void SheetReader::Refuse(const std::string& what) const { throw BookRefused(Plac
 void SheetReader::Remark(const std::string& what) { remarks_.Add(Place() + ": " + what); }
 
 void SheetReader::Read(const Package& package) {
-  package.ReadPieces(stored_.part, "a worksheet", "sheetData", [this](ElementSplitter& splitter) {
-    XmlParser parser;
+  package.ReadPieces(stored_.part, "a worksheet", "sheetData", [this](ElementSplitter& splitter, XmlParser& parser) {
     ReadBeforeCells(splitter.Head());
     while (const auto piece = splitter.Next()) {
       const XmlNode& row = parser.Parse(piece->element);

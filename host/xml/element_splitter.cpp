@@ -10,7 +10,7 @@ namespace qcalc {
 
 namespace {
 
-constexpr std::size_t kFirstBytes = std::size_t{1} << 18;
+constexpr std::size_t kFirstBytes = std::size_t{1} << 16;
 constexpr std::size_t kMostBytes = std::size_t{1} << 26;
 // A row of 16,384 cells, each with a formula and all attributes, has two thirds of these.
 constexpr std::size_t kMostMarks = 300'000;

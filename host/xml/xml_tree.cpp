@@ -16,14 +16,6 @@ const XmlNode* FirstNamed(const XmlNode* node, std::string_view name) {
   return node;
 }
 
-std::string Checked(std::string text) {
-  CheckBytes(text);
-  text.erase(0, CheckEncoding(text));
-  XmlGauge gauge(kMostMarks);
-  ForEachMarkup(text, [&gauge](const XmlMarkup& markup) { gauge.Count(markup); });
-  return text;
-}
-
 }  // namespace
 
 const XmlNode& XmlParser::Parse(std::string_view element) {
@@ -40,7 +32,14 @@ const XmlNode& XmlParser::Parse(std::string_view element) {
   return *root;
 }
 
-XmlPart::XmlPart(std::string text) : text_(Checked(std::move(text))), root_(&parser_.Parse(text_)) {}
+const XmlNode& XmlParser::ParsePart(std::string part) {
+  CheckBytes(part);
+  part.erase(0, CheckEncoding(part));
+  XmlGauge gauge(kMostMarks);
+  ForEachMarkup(part, [&gauge](const XmlMarkup& markup) { gauge.Count(markup); });
+  part_ = std::move(part);
+  return Parse(part_);
+}
 
 const XmlNode* FindChild(const XmlNode& element, std::string_view name) {
   return FirstNamed(element.first_node(), name);

@@ -6,9 +6,10 @@
 #include <string>
 #include <string_view>
 
-// A row of a sheet's every column makes its tree in the same memory as the row before, rather than in fresh pages.
-#define RAPIDXML_STATIC_POOL_SIZE (1 << 24)
-#define RAPIDXML_DYNAMIC_POOL_SIZE (1 << 20)
+// Rows of up to some thousand cells make their trees in the same memory again and again, wider ones in one block more,
+// which the C library keeps at hand.
+#define RAPIDXML_STATIC_POOL_SIZE (1 << 20)
+#define RAPIDXML_DYNAMIC_POOL_SIZE (30 << 20)
 #include <rapidxml/rapidxml.hpp>
 
 #include "host/xml/xml_markup.h"
@@ -24,24 +25,13 @@ class XmlParser {
   /// The element that the text consists of, good until the next call. A zero byte stands behind the text, which went
   /// through an XmlGauge and outlives the tree. Throws XmlFault for what is not well formed.
   const XmlNode& Parse(std::string_view element);
+  /// The same of a whole part, which is checked first: XmlFault as ElementSplitter throws it.
+  const XmlNode& ParsePart(std::string part);
 
  private:
+  std::string part_;
   std::unique_ptr<rapidxml::xml_document<char>> document_ =
       std::make_unique_for_overwrite<rapidxml::xml_document<char>>();
-};
-
-/// A whole part. Throws XmlFault as ElementSplitter does.
-class XmlPart {
- public:
-  explicit XmlPart(std::string text);
-  XmlPart(const XmlPart&) = delete;
-  XmlPart& operator=(const XmlPart&) = delete;
-  const XmlNode& Root() const { return *root_; }
-
- private:
-  std::string text_;
-  XmlParser parser_;
-  const XmlNode* root_;
 };
 
 /// The element's name without its prefix.
