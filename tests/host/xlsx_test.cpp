@@ -5,8 +5,9 @@
 #include <string>
 
 #include "host/formulas/reference_text.h"
+#include "host/values/literal.h"
 #include "host/xlsx/xlsx_reader.h"
-#include "tests/host/model_fixture.h"
+#include "tests/host/case_table.h"
 #include "tests/host/zip_builder.h"
 
 namespace qcalc {
