@@ -62,9 +62,11 @@ class Calculator:
         return status, re.findall(r"^(\w+)!\w+: .*, the book has .*$", told, re.M), told
 
     def evaluated(self, formula):
-        done = subprocess.run([self.program, "eval", "--load", f"Data={DATA}", "--format", "json", "=" + formula],
-                              stdout=subprocess.PIPE, text=True, timeout=60)
-        value = json.loads(done.stdout)
+        """What the formula gives, in rows; what is told of it, where it cannot be evaluated."""
+        status, told = self("eval", "--load", f"Data={DATA}", "--format", "json", "=" + formula)
+        if status != 0:
+            return told
+        value = json.loads(told)
         return value if isinstance(value, list) else [[value]]
 
 
