@@ -13,8 +13,9 @@ namespace qcalc {
 struct HostSettings {
   XString version = XTEXT("16.0");
   NumberMarks marks;
-  bool shortReferences = true;  ///< references to the current sheet go out as SRef, else as Ref with its id
-  bool narrowCalls = false;     ///< functions that have an 8-bit entry point are called by that one
+  bool shortReferences = true;     ///< references to the current sheet go out as SRef, else as Ref with its id
+  bool hasWorkbookMacros = false;  ///< xlUDF finds the host's own functions of the macro language (workbook_macros.h)
+  bool narrowCalls = false;        ///< functions that have an 8-bit entry point are called by that one
 };
 
 /// Functions of the macro language, reached through xlUDF.

@@ -1,5 +1,6 @@
 // Callbacks that calculate: Excel's own functions, formulas, functions of the macro language.
 #include "host/addin/text_evaluation.h"
+#include "host/addin/workbook_macros.h"
 #include "host/calculation/builtins/builtin.h"
 #include "host/calculation/evaluator.h"
 #include "host/callbacks/handlers.h"
@@ -56,8 +57,10 @@ CallbackAnswer HandleUdf(CallbackRequest& request) {
   if (const RegisteredFunction* function = RegisteredAt(request, 0)) return CallRegistered(request, *function);
   if (!name) return Value::Error(xlerrName);
   const auto macro = host.macroFunctions.results.find(FoldCase(*name));
-  if (macro == host.macroFunctions.results.end()) return Value::Error(xlerrName);
+  const bool isMade = macro != host.macroFunctions.results.end();
+  if (!isMade && !(host.settings.hasWorkbookMacros && IsWorkbookMacro(*name))) return Value::Error(xlerrName);
   if (request.context.place == Place::kThreadSafeFunction) throw NotThreadSafe{};
+  if (!isMade) return CallWorkbookMacro(*name, request.ValueAt(1), request.Evaluation());
   host.macroFunctions.lastArgument = request.ValueAt(1);
   return macro->second;
 }

@@ -25,19 +25,19 @@ from vba_project import compressed, encrypted
 MODULE = "QuillmereWorkbook"
 VALUE = "Error 2015"  # how LibreOffice shows what CVErr makes of xlErrValue
 
-# A1 to A5, A7, A8 and A10 are filled; rows 6 and 8 are hidden. Only the first of the merged cells D2 to D5 has a value.
-HIDDEN = [6, 8]
-CELLS = {**{f"A{row}": row for row in (1, 2, 3, 4, 5, 7, 8, 10)}, "B9": '=""', "C3": "=NA()", "D2": "merged",
-         "F12:F13": "{=2*{1;2}}", "KN20": "far"}
-GAPS = {
-    # A whole column, cells of one, the cells below the last; an empty text of a formula, an error, merged cells.
-    "COUNTROWS": {"A:A": 10, "A3:A4": 8, "A10": 1, "A11": 0, "A1:B1": 10, "B:B": 9, "C1": 3, "D1": 2, "E:E": 0,
-                  "KO1": 0, "1:1": 20, "A2,C9": 9, "C9,B9,A2": 9, "E1,E3:E4": 0},
-    # Over the hidden row that is empty, not counting the hidden one before the gap; from a hidden row and an empty one.
-    "COUNTCONTIGROWS": {"A1": 7, "A:A": 7, "A6": 2, "A8": 0, "A9": 0, "A10": 1, "A1:B1": 10, "A1,B3": 10, "B9,A1": 10,
-                        "B9": 1, "1:1": 10, "9:9": 2, "C3": 1, "D2": 1, "E1": 0, "A1000": 0},
-    "COUNTUSEDROWS": {"A:A": 20, "A20": 1, "A23": 0, "KZ7,A5": 16},
-    "HASFORMULA": {"A:A": 0, "B:B": 1, "C3": 1, "A1:D2": 0, "F13": 1, "A1,C1:C2": 0, "A1,C1:C3": 1, "KO1:KO9": 0}}
+
+def table(name):
+    """A table of companion_cases.h, as pairs of texts in its order."""
+    written = (pathlib.Path(__file__).parent / "companion_cases.h").read_text()
+    lines = re.search(rf'{name} = R"\((.*?)\n\)";', written, re.S)[1].strip()
+    return [tuple(map(str.strip, case.split(" -> "))) for case in re.split(r" \| |\n", lines)]
+
+
+CELLS = {place: float(content) if content.isdigit() else content for place, content in table("kCompanionCells")}
+HIDDEN = [int(line) for line, _ in table("kCompanionHidden")]
+GAPS = {}
+for asked, result in table("kCompanionCases"):
+    GAPS.setdefault(asked.split()[0], {})[asked.split()[1]] = result
 # Texts on the sheet that EVAL looks at, and what it gives as LibreOffice evaluates: references alone.
 TEXTS = {"A1": "=B1", "A2": " =B1", "A3": "B1:B2", "A4": "B1,B2", "A5": "=1+", "A6": " = ", "B1": "found", "B2": "too",
          "C1": 2.5, "C3": "=" + " " * 254 + "B1", "C4": "=" + " " * 253 + "B1"}
