@@ -230,6 +230,20 @@ TEST_F(BuiltinTest, Lookups) {
       =LOOKUP(2,1/{1,0,1,0},{1,2,3,4}) -> 3 | =LOOKUP({1,3},{1,2,3}) -> {1,3})");
 }
 
+TEST_F(BuiltinTest, SearchesFromEitherEnd) {
+  Set("A1", "{\"a*\",10;\"ab\",20;empty,30;\"AB\",40;5,50;2,60;9,70;5,80}");
+  Check(R"(
+      =XMATCH("ab",A1:A8) -> 2 | =XMATCH("a*",A1:A8) -> 1 | =XMATCH("a*",A1:A8,2,-1) -> 4
+      =XMATCH("ab",A1:A8,0,-1) -> 4 | =XMATCH(6,A1:A8,-1) -> 5 | =XMATCH(6,A1:A8,-1,-1) -> 8 | =XMATCH(6,A1:A8,1) -> 7
+      =XMATCH(1,A1:A8,-1) -> #N/A | =XMATCH(Z1,A1:A8) -> 3 | =XMATCH({2,"x"},A1:A8) -> {6,#N/A}
+      =XMATCH(1,A1:B8) -> #VALUE! | =XMATCH(1,A1,3) -> #VALUE! | =XMATCH(#NUM!,A1:A8) -> #NUM!
+      =XMATCH(2,{1,2,3},0,2) -> 2 | =XLOOKUP(9,A1:A8,B1:B8) -> @[Book1]Sheet1!B7
+      =XLOOKUP("AB",A1:A8,A1:B8) -> @[Book1]Sheet1!A2:B2 | =XLOOKUP(7,A1:A8,B1:B8,"none") -> "none"
+      =XLOOKUP(7,A1:A8,B1:B8) -> #N/A | =XLOOKUP(7,A1:A8,B1:B8,,1) -> @[Book1]Sheet1!B7
+      =XLOOKUP({5;2},A1:A8,B1:B8,,,-1) -> {80;60} | =XLOOKUP(2,{1,2},{1,2;3,4}) -> {2;4}
+      =XLOOKUP(2,{1,2},{1;2}) -> #VALUE!)");
+}
+
 TEST_F(BuiltinTest, SortedFilteredUnique) {
   Set("A1", "{3,\"b\";empty,\"B\";\"a\",\"x\";TRUE,1;#N/A,1;1,\"b\";\"A\",2;3,\"B\"}");
   Check(R"(

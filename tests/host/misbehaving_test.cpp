@@ -208,7 +208,7 @@ TEST_F(Misbehaving, CallbacksThatAreRefused) {
       =CALLED.SAFE(16387,A1,2) -> -128, xlSet may not be made from a thread-safe function
       =CALLED.MACRO(16387,A1,2) -> -2, xlSet may not be made from a macro-sheet equivalent
       =CALLED.SAFE(148,"A1") -> -128, xlfIndirect may not be made from a thread-safe function
-      =CALLED(148,"A1") -> -32, not offered by this host
+      =CALLED(125,"row") -> -32, not offered by this host
       =CALLED.SAFE(16393) -> -128, xlGetName may not be made from a thread-safe function
       =CALLED.SAFE(16400,1,2) -> -32, xlAsyncReturn is not offered by this host
       =CALLED.SAFE(255,"text") -> -128, xlUDF reached a function that is not thread-safe from one that is

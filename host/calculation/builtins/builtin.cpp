@@ -12,8 +12,8 @@ namespace {
 std::span<const std::span<const Builtin>> Families() {
   static const std::array families = {AggregateBuiltins(),   ArrayBuiltins(),     ConditionBuiltins(), DateBuiltins(),
                                       InformationBuiltins(), LogicBuiltins(),     LookupBuiltins(),    NumberBuiltins(),
-                                      PlaceBuiltins(),       ReferenceBuiltins(), SortBuiltins(),      TextBuiltins(),
-                                      TextPartBuiltins()};
+                                      PlaceBuiltins(),       ReferenceBuiltins(), SearchBuiltins(),    SortBuiltins(),
+                                      TextBuiltins(),        TextPartBuiltins()};
   return families;
 }
 

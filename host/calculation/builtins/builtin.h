@@ -48,6 +48,7 @@ std::span<const Builtin> LookupBuiltins();
 std::span<const Builtin> NumberBuiltins();
 std::span<const Builtin> PlaceBuiltins();
 std::span<const Builtin> ReferenceBuiltins();
+std::span<const Builtin> SearchBuiltins();
 std::span<const Builtin> SortBuiltins();
 std::span<const Builtin> TextBuiltins();
 std::span<const Builtin> TextPartBuiltins();
@@ -61,6 +62,8 @@ std::vector<Value> ScalarOperands(const BuiltinCall& call, std::size_t required,
                                   std::initializer_list<double> defaults);
 /// Of a reference the value of its first cell; any other operand as it is.
 Value FirstCell(const Value& operand, const Workbooks& workbooks);
+/// The cells of that part of a reference (a reference again), of an array, or the single value; zero-based, within it.
+Value TakePart(const Value& source, const Area& part);
 /// A number cut off towards zero, from a cell by Excel's conversions; `whole` receives it, the result is an error or
 /// empty. Numbers beyond 2^31 give #VALUE!.
 Value ToWholeNumber(const CellView& cell, NumberMarks marks, std::int32_t& whole);

@@ -43,6 +43,8 @@ Area PartOf(std::int32_t row, std::int32_t column, const Size& size) {
           column == 0 ? size.columns - 1 : column - 1};
 }
 
+}  // namespace
+
 Value TakePart(const Value& source, const Area& part) {
   if (source.IsReference()) {
     const Reference& whole = source.AsReference();
@@ -61,6 +63,8 @@ Value TakePart(const Value& source, const Area& part) {
       builder.SetShared(row, column, array.At(part.firstRow + row, part.firstColumn + column));
   return Value::OfArray(builder.Finish());
 }
+
+namespace {
 
 Value IndexAt(const Value& source, bool columnGiven, const CellView& rowCell, const CellView& columnCell,
               NumberMarks marks) {
