@@ -53,12 +53,9 @@ Value CallCount(const BuiltinCall& call) {
 
 // Empty cells and texts without a unit.
 Value CallCountblank(const BuiltinCall& call) {
-  const Value& operand = call.operands[0];
-  if (operand.IsError()) return operand;
-  if (!operand.IsReference() || operand.AsReference().areas.size() > 1) return Value::Error(xlerrValue);
-  const Sheet* sheet = call.context.workbooks->FindSheet(operand.AsReference().sheet);
-  if (!sheet) return Value::Error(xlerrRef);
-  const Area& area = operand.AsReference().areas[0];
+  Range range;
+  if (Value fault = ReadRange(call.operands[0], *call.context.workbooks, range); fault.IsError()) return fault;
+  const auto& [sheet, area] = range;
   std::int64_t count = std::int64_t{area.Rows()} * area.Columns();
   sheet->VisitUsed(area, [&](std::int32_t, std::int32_t, const CellView& cell) {
     if (!cell.IsText() || !cell.AsText().empty()) --count;
@@ -98,10 +95,9 @@ Value CallRanked(const BuiltinCall& call) {
 Value UsedPart(const Value& operand, const Workbooks& workbooks, std::int32_t& rows, std::int32_t& columns) {
   rows = columns = 1;
   if (operand.IsReference()) {
-    const Reference& reference = operand.AsReference();
-    const Sheet* sheet = workbooks.FindSheet(reference.sheet);
-    if (!sheet || reference.areas.size() > 1) return Value::Error(sheet ? xlerrValue : xlerrRef);
-    Area area = reference.areas[0];
+    Range range;
+    if (Value fault = ReadRange(operand, workbooks, range); fault.IsError()) return fault;
+    auto& [sheet, area] = range;
     rows = area.Rows();
     columns = area.Columns();
     const auto used = sheet->UsedArea();

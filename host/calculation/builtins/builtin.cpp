@@ -55,6 +55,13 @@ std::vector<Value> ScalarOperands(const BuiltinCall& call, std::size_t required,
   return values;
 }
 
+Value ReadRange(const Value& operand, const Workbooks& workbooks, Range& range) {
+  if (operand.IsError()) return operand;
+  if (!operand.IsReference() || operand.AsReference().areas.size() > 1) return Value::Error(xlerrValue);
+  range = {workbooks.FindSheet(operand.AsReference().sheet), operand.AsReference().areas[0]};
+  return range.sheet ? Value() : Value::Error(xlerrRef);
+}
+
 Value FirstCell(const Value& operand, const Workbooks& workbooks) {
   if (!operand.IsReference()) return operand;
   const Sheet* sheet = workbooks.FindSheet(operand.AsReference().sheet);

@@ -62,6 +62,13 @@ std::vector<Value> ScalarOperands(const BuiltinCall& call, std::size_t required,
                                   std::initializer_list<double> defaults);
 /// Of a reference the value of its first cell; any other operand as it is.
 Value FirstCell(const Value& operand, const Workbooks& workbooks);
+/// One area of a sheet.
+struct Range {
+  const Sheet* sheet = nullptr;
+  Area area;
+};
+/// The operand as cells: an error, #VALUE! for what is no reference to one area, or empty and `range` set.
+Value ReadRange(const Value& operand, const Workbooks& workbooks, Range& range);
 /// The cells of that part of a reference (a reference again), of an array, or the single value; zero-based, within it.
 Value TakePart(const Value& source, const Area& part);
 /// A number cut off towards zero, from a cell by Excel's conversions; `whole` receives it, the result is an error or

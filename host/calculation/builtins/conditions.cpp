@@ -7,11 +7,6 @@ namespace qcalc {
 
 namespace {
 
-struct Range {
-  const Sheet* sheet = nullptr;
-  Area area;
-};
-
 struct Condition {
   Range range;
   Criterion criterion;
@@ -21,14 +16,6 @@ struct Condition {
   }
 };
 using Conditions = std::vector<Condition>;
-
-// An error, or empty and `range` set. Ranges are of cells: arrays will not do.
-Value ReadRange(const Value& operand, const Workbooks& workbooks, Range& range) {
-  if (operand.IsError()) return operand;
-  if (!operand.IsReference() || operand.AsReference().areas.size() > 1) return Value::Error(xlerrValue);
-  range = {workbooks.FindSheet(operand.AsReference().sheet), operand.AsReference().areas[0]};
-  return range.sheet ? Value() : Value::Error(xlerrRef);
-}
 
 bool SameSize(const Area& left, const Area& right) {
   return left.Rows() == right.Rows() && left.Columns() == right.Columns();
@@ -41,7 +28,7 @@ std::size_t FirstOfFilled(const Conditions& conditions) {
   return static_cast<std::size_t>(found - conditions.begin());
 }
 
-// Whether those from `first` up to `end` hold.
+// Whether those from `first` up to `end` take the cells at that place, counted from the first of their ranges.
 bool AllTake(const Conditions& conditions, std::size_t first, std::size_t end, std::int32_t row, std::int32_t column) {
   for (std::size_t i = first; i < end; ++i)
     if (!conditions[i].Takes(row, column)) return false;

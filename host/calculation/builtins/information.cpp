@@ -25,14 +25,11 @@ bool IsText(const CellView& cell) { return cell.IsText(); }
 Value CallIsRef(const BuiltinCall& call) { return Value::Boolean(call.operands[0].IsReference()); }
 
 Value CallIsFormula(const BuiltinCall& call) {
-  const Value& operand = call.operands[0];
-  if (operand.IsError()) return operand;
-  if (!operand.IsReference() || operand.AsReference().areas.size() > 1) return Value::Error(xlerrValue);
-  const Sheet* sheet = call.context.workbooks->FindSheet(operand.AsReference().sheet);
-  if (!sheet) return Value::Error(xlerrRef);
-  const Area& area = operand.AsReference().areas[0];
+  Range range;
+  if (Value fault = ReadRange(call.operands[0], *call.context.workbooks, range); fault.IsError()) return fault;
+  const Area& area = range.area;
   const auto isFormula = [&](std::int32_t row, std::int32_t column) {
-    return Value::Boolean(sheet->FindFormula({area.firstRow + row, area.firstColumn + column}) != nullptr);
+    return Value::Boolean(range.sheet->FindFormula({area.firstRow + row, area.firstColumn + column}) != nullptr);
   };
   if (area.IsOneCell()) return isFormula(0, 0);
   ArrayBuilder builder(area.Rows(), area.Columns());
