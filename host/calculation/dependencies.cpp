@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/calculation/addin_functions.h"
+#include "host/calculation/builtins/builtin.h"
 #include "host/formulas/formula_node.h"
 #include "host/text/letter_case.h"
 
@@ -34,10 +35,11 @@ const Dependencies::Traits& Dependencies::TraitsOf(std::size_t number) {
   const FormulaTree& tree = places_.At(number).cell->formula.Tree();
   const auto [found, isNew] = traits_.try_emplace(&tree);
   Traits& traits = found->second;
-  if (!isNew || !context_.addin) return traits;
+  if (!isNew) return traits;
   for (const FormulaNode* call : tree.calls) {
-    const AddinFunction* function = context_.addin->Find(call->name);
-    traits.isVolatile = traits.isVolatile || (function && function->isVolatile);
+    const Builtin* builtin = FindBuiltin(call->name);
+    const AddinFunction* function = builtin || !context_.addin ? nullptr : context_.addin->Find(call->name);
+    traits.isVolatile = traits.isVolatile || (builtin && builtin->isVolatile) || (function && function->isVolatile);
     traits.isThreadSafe = traits.isThreadSafe && (!function || function->isThreadSafe);
   }
   return traits;

@@ -220,6 +220,12 @@ TEST_F(BuiltinTest, Places) {
       =INDIRECT("R[-5]C",FALSE) -> #REF! | =INDIRECT("R[x]C1",FALSE) -> #REF!)");
 }
 
+// What they read does not stand in the formula: they are calculated every time.
+TEST_F(BuiltinTest, PlacesFoundWhileCalculating) {
+  Follow("A1 -> =SUM(OFFSET(C1,0,0,2,1)) | B1 -> =INDIRECT(\"C\"&1) | C1 -> =C2*2 | C2 -> 1", "A1 -> 3 | B1 -> 2");
+  Follow("C2 -> 2", "A1 -> 6 | B1 -> 4");
+}
+
 TEST_F(BuiltinTest, Lookups) {
   Set("A1", "{\"a\",\"b\",\"c\";1,2,3;\"x\",\"y\",empty}");
   Check(R"(

@@ -84,7 +84,7 @@ Place Find(const CellView& key, const CellLine& line, const SearchModes& modes) 
 }
 
 Value CallXmatch(const BuiltinCall& call) {
-  const Table table(call.operands[1], *call.context.workbooks);
+  const LookupTable table(call.operands[1], *call.context.workbooks);
   SearchModes modes;
   if (Value fault = ReadModes(call, 2, modes); fault.IsError()) return fault;
   const Value keys[] = {ScalarOperand(call, 0)};
@@ -100,7 +100,8 @@ Value CallXmatch(const BuiltinCall& call) {
 // The row of the answers beside the key that was found, or where keys stand in a row the column below it: a reference
 // where the answers are one. Of several keys each has the first cell of its answer.
 Value CallXlookup(const BuiltinCall& call) {
-  const Table table(call.operands[1], *call.context.workbooks), answers(call.operands[2], *call.context.workbooks);
+  const LookupTable table(call.operands[1], *call.context.workbooks),
+      answers(call.operands[2], *call.context.workbooks);
   SearchModes modes;
   if (Value fault = ReadModes(call, 4, modes); fault.IsError()) return fault;
   const Value& source = call.operands[2];
