@@ -71,7 +71,11 @@ class ReadWalk {
     open_.pop_back();
   }
 
+  // Where a function finds an end, what lies between is known only once it is calculated.
   void VisitRange(const FormulaNode& range, CellShift shift, const SheetAreaVisitor& visitor) {
+    bool isKnown = true;
+    VisitNodes(range, [&](const FormulaNode& node) { isKnown = isKnown && node.kind != FormulaNode::Kind::kCall; });
+    if (!isKnown) return;
     std::vector<SheetArea> spans;
     const SheetAreaVisitor widen = [&spans](const SheetArea& part) {
       const auto span =

@@ -13,9 +13,9 @@ void VisitReadsWith(const Formula& formula, const Sheet& sheet, CellPosition cal
                     const std::function<void(const SheetArea&)>& visitor);
 
 /// Calls `visitor(const SheetArea&)` for each area that the formula of that cell can read: what it refers to, also by
-/// names and tables, as they are now. What spilled from a cell is told as that cell, and a range whose ends functions
-/// find as all that lies around what stands in it. `names` are those of scripts and may be null. Areas may come twice;
-/// sheets that are not there do not come.
+/// names and tables, as they are now. What spilled from a cell is told as that cell, and of a range whose ends
+/// functions find what stands in it: a cell between that is not calculated is met when it is read. `names` are those of
+/// scripts and may be null. Areas may come twice; sheets that are not there do not come.
 template <typename Visitor>
 void VisitReads(const Formula& formula, const Sheet& sheet, CellPosition caller, const NamedValues* names,
                 Visitor&& visitor) {

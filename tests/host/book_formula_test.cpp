@@ -94,6 +94,8 @@ TEST_F(BookFormulaTest, NamesGoAlongWithTheCell) {
       R"(=Total*Rate -> 3 | =left -> @[Book1]Sheet1!C2 | =Sheet1!rate -> 0.25 | =me -> #NAME? | =Nowhere!rate -> #REF!)");
   EXPECT_EQ(EvalAs(FormulaForm::kSingle, "=left*2"), "12");
   EXPECT_EQ(ReadsOf(*ParseFormula("=left+total+me")), "C2 A1:A3");
+  Follow("G1 -> =Total*2 | G2 -> =G1+1", "G2 -> 25");
+  Follow("A1 -> 5", "G2 -> 33");
   for (int i = 0; i < 60; ++i) {
     const std::string next = "name_" + std::to_string(i + 1);
     Define("name_" + std::to_string(i), "=" + next + "+" + next);
@@ -128,7 +130,7 @@ TEST_F(BookFormulaTest, MovesWhatIsNotFixed) {
     return PrintLiteral(Dereference(Evaluate(ParseFormula("=B2+$A1")->Moved(rows, columns), context), workbooks));
   };
   EXPECT_EQ(valueAt(0, 0) + valueAt(1, 1) + valueAt(-1, -1), "6131");
-  EXPECT_EQ(ReadsOf(ParseFormula("=B1:INDEX(C:C,2)+Sheet1!A1")->Moved(-1, 0)), "B:C B1048576 C:C A1048576");
+  EXPECT_EQ(ReadsOf(ParseFormula("=B2:INDEX(C:C,2)+Sheet1!B3:(A1)")->Moved(1, 0)), "B3 C:C A2:B4 B4 A2");
 }
 
 TEST_F(BookFormulaTest, PoolsEqualFormulas) {
