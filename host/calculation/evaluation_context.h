@@ -24,15 +24,13 @@ struct EvaluationContext {
   const NamedValues* names = nullptr;
   IAddinFunctions* addin = nullptr;
   Reference caller;   ///< the calling cells; what xlfCaller answers
-  NumberMarks marks;  ///< of numbers in texts; those of formulas are always points
+  NumberMarks marks;  ///< of numbers and dates in texts; those of formulas are always points
   /// Where the calling cell keeps what xlfVolatile asks for; may be null.
   std::optional<bool>* askedVolatile = nullptr;
   FormulaForm form = FormulaForm::kSpilling;
   /// A function that nobody knows ends the evaluation with a FormulaError, where it is #NAME? else: a file's cell keeps
   /// what the function's owner had it give.
   bool refusesUnknown = false;
-  /// Whether days count from January 1, 1904, as 0, as in books that once came from a Macintosh; else from 1900.
-  bool uses1904 = false;
   /// Notes what calls of functions cost; may be null.
   FunctionProfile* profile = nullptr;
 };

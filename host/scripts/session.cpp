@@ -145,8 +145,9 @@ EvaluationContext Session::Prepare() {
 CalculationOutcome Session::CalculateBooks(const BookCalculation& settings) {
   Open();
   objects_.ShowBooks();
+  host_.settings.marks.uses1904 = settings.uses1904;
+  host_.settings.hasWorkbookMacros = true;
   EvaluationContext context = Context();
-  context.uses1904 = settings.uses1904;
   context.profile = settings.profile;
   context.refusesUnknown = true;
   CalculationThreads threads(host_.mainThread, settings.threads);

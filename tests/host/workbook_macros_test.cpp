@@ -44,8 +44,8 @@ class WorkbookMacroTest : public ModelTest {
   }
   Value ReferenceTo(const Sheet& target, const std::string& references, bool isExchanged) {
     Reference reference{target.Id(), {}};
-    for (const ReferenceText& text : *ParseReferences("(" + references + ")"))
-      reference.areas.push_back(isExchanged ? Exchanged(text.area) : text.area);
+    const Parsed<std::vector<ReferenceText>> parsed = ParseReferences("(" + references + ")");
+    for (const ReferenceText& text : *parsed) reference.areas.push_back(isExchanged ? Exchanged(text.area) : text.area);
     return Value::OfReference(std::move(reference));
   }
   std::string Evaluated(std::string_view text) { return Call("EVAL", Value::Text(Wide(text))); }

@@ -20,10 +20,11 @@ std::span<const std::span<const Builtin>> Families() {
 }  // namespace
 
 const Builtin* FindBuiltin(XStringView name) {
-  static const auto byName = [] {
-    CaselessMap<XStringView, const Builtin*> table;
+  // Never destroyed: a thread may calculate while the program ends.
+  static const auto& byName = *[] {
+    auto* table = new CaselessMap<XStringView, const Builtin*>;
     for (const auto family : Families())
-      for (const Builtin& builtin : family) table.emplace(builtin.name, &builtin);
+      for (const Builtin& builtin : family) table->emplace(builtin.name, &builtin);
     return table;
   }();
   const auto found = byName.find(name);
