@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::size_t kQuarantineBytes = 16u << 20;
 constexpr std::size_t kLargestQuarantined = 1u << 20;
+constexpr std::size_t kMostQuarantined = 4096;  // small ones: beyond that they would fill the caches
 
 }  // namespace
 
@@ -77,7 +78,7 @@ void Loans::Quarantine(Loan loan) {
   loan.block.Poison();
   returnedBytes_ += loan.block.size();
   returned_.push_back(std::move(loan));
-  while (returnedBytes_ > kQuarantineBytes) ReleaseOldest();
+  while (returnedBytes_ > kQuarantineBytes || returned_.size() > kMostQuarantined) ReleaseOldest();
 #endif
 }
 
