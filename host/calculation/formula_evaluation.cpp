@@ -6,6 +6,7 @@
 #include "host/calculation/formula_operators.h"
 #include "host/text/letter_case.h"
 #include "host/text/utf8.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 
@@ -15,6 +16,15 @@ namespace {
 constexpr int kMostDepth = 3 * kMaxFormulaDepth;
 // Names of names may stand for more than could ever be calculated.
 constexpr int kMostNames = 10'000;
+
+// Whether what remains of the two is below their 15 digits. Excel makes that 0 where it is a formula's last operation,
+// as in =0.1+0.2-0.3.
+bool Cancels(FormulaOperator op, const Value& left, const Value& right) {
+  if ((op != FormulaOperator::kAdd && op != FormulaOperator::kSubtract) || !left.IsNumber() || !right.IsNumber())
+    return false;
+  const double other = op == FormulaOperator::kAdd ? -right.AsNumber() : right.AsNumber();
+  return CompareCells(left.AsCell(), CellView::Number(other)) == 0;
+}
 
 }  // namespace
 
@@ -180,16 +190,22 @@ Value FormulaEvaluation::EvaluateHeld(const FormulaNode& node) {
 
 // Walks a chain of operators from its left end.
 Value FormulaEvaluation::EvaluateChain(const FormulaNode& node) {
+  const bool isLast = depth_ == 1;
   if (node.children[0]->kind != FormulaNode::Kind::kBinary) {
     const Value left = EvaluateHeld(*node.children[0]);
-    return ApplyBinary(node.op, left, EvaluateHeld(*node.children[1]), context_.marks);
+    const Value right = EvaluateHeld(*node.children[1]);
+    return isLast && Cancels(node.op, left, right) ? Value::Number(0)
+                                                   : ApplyBinary(node.op, left, right, context_.marks);
   }
   std::vector<const FormulaNode*> chain;
   const FormulaNode* first = &node;
   for (; first->kind == FormulaNode::Kind::kBinary; first = first->children[0].get()) chain.push_back(first);
   Value left = EvaluateHeld(*first);
-  for (auto link = chain.rbegin(); link != chain.rend(); ++link)
-    left = ApplyBinary((*link)->op, left, EvaluateHeld(*(*link)->children[1]), context_.marks);
+  for (auto link = chain.rbegin(); link != chain.rend(); ++link) {
+    const Value right = EvaluateHeld(*(*link)->children[1]);
+    const bool isZero = isLast && *link == &node && Cancels(node.op, left, right);
+    left = isZero ? Value::Number(0) : ApplyBinary((*link)->op, left, right, context_.marks);
+  }
   return left;
 }
 
