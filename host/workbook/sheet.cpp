@@ -1,5 +1,6 @@
 #include "host/workbook/sheet.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
@@ -110,6 +111,12 @@ void Sheet::PutFormula(CellPosition position, Formula formula, FormulaForm form,
 }
 
 void Sheet::Clear(const Area& area) { Set(area, Value::Empty()); }
+
+bool Sheet::IsRowFiltered(std::int32_t row) const {
+  return IsRowHidden(row) && std::any_of(filters_.begin(), filters_.end(), [row](const Area& area) {
+           return row > area.firstRow && row <= area.lastRow;
+         });
+}
 
 void Sheet::Hide(std::set<std::int32_t>& lines, std::int32_t first, std::int32_t last, bool hidden) {
   if (!hidden) {

@@ -83,6 +83,9 @@ class Sheet {
 
   void HideRows(std::int32_t first, std::int32_t last, bool hidden) { Hide(hiddenRows_, first, last, hidden); }
   bool IsRowHidden(std::int32_t row) const { return hiddenRows_.contains(row); }
+  /// Hidden rows below the first row of the area are hidden by a filter.
+  void AddFilter(const Area& area) { filters_.push_back(area); }
+  bool IsRowFiltered(std::int32_t row) const;
   void HideColumns(std::int32_t first, std::int32_t last, bool hidden) { Hide(hiddenColumns_, first, last, hidden); }
   bool IsColumnHidden(std::int32_t column) const { return hiddenColumns_.contains(column); }
 
@@ -141,6 +144,7 @@ class Sheet {
   std::map<std::pair<std::int32_t, std::int32_t>, CellPosition> spilled_;
   std::set<std::int32_t> hiddenRows_;
   std::set<std::int32_t> hiddenColumns_;
+  std::vector<Area> filters_;
   std::vector<Area> changes_;
 };
 

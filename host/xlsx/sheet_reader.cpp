@@ -105,8 +105,13 @@ void SheetReader::Read(const Package& package) {
 
 void SheetReader::ReadBeforeCells(std::string_view head) {
   ForEachMarkup(head, [&](const XmlMarkup& markup) {
-    if (const std::string_view tag = markup.In(head); markup.IsTag() && NameOfTag(tag) == "sheetFormatPr")
-      hidesUnwritten_ = IsTrue(AttributeOfTag(tag, "zeroHeight"));
+    const std::string_view tag = markup.In(head);
+    if (!markup.IsTag()) return;
+    if (NameOfTag(tag) == "sheetFormatPr") hidesUnwritten_ = IsTrue(AttributeOfTag(tag, "zeroHeight"));
+    if (NameOfTag(tag) != "col" || !IsTrue(AttributeOfTag(tag, "hidden"))) return;
+    const auto first = ReadWhole<std::int32_t>(AttributeOfTag(tag, "min").value_or(""));
+    const auto last = ReadWhole<std::int32_t>(AttributeOfTag(tag, "max").value_or(""));
+    if (first && last && *first >= 1 && *last <= kXlMaxColumns) stored_.sheet->HideColumns(*first - 1, *last - 1, true);
   });
 }
 
@@ -298,7 +303,7 @@ void SheetReader::ReadBehindCells(std::string_view tail) {
       area = AreaOfRef(AttributeOfTag(tag, "ref").value_or(""));
     if (markup.kind == MarkupKind::kEnd && --depth < 0) area.reset();
     if (markup.IsTag() && NameOfTag(tag) == "filterColumn" && area)
-      stored_.filtered.push_back(*std::exchange(area, std::nullopt));
+      stored_.sheet->AddFilter(*std::exchange(area, std::nullopt));
   });
 }
 

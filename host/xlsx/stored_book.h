@@ -35,7 +35,6 @@ struct StoredSheet {
   std::string part;                    ///< the entry of the file that it is in
   std::deque<StoredFormula> formulas;  ///< row by row
   DateCells dates;
-  std::vector<Area> filtered;  ///< where rows are hidden because a filter is set
 };
 
 /// A defined name; those that Excel makes for itself (`_xlnm.Print_Area`) are not among them.

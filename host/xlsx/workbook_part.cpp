@@ -105,8 +105,7 @@ StoredTable ReadTablePart(const Package& package, const std::string& part, Store
                      std::to_string(area->Columns()));
     const XmlNode* filter = FindChild(root, "autoFilter");
     if (!filter || !FindChild(*filter, "filterColumn")) return;
-    if (const auto filtered = AreaOfRef(FindAttribute(*filter, "ref").value_or("")))
-      sheet.filtered.push_back(*filtered);
+    if (const auto filtered = AreaOfRef(FindAttribute(*filter, "ref").value_or(""))) sheet.sheet->AddFilter(*filtered);
   });
   return table;
 }

@@ -10,10 +10,10 @@
 namespace qcalc {
 
 /// Reads a workbook into a book of that name, which is made and must not be open yet: the cells' values, last results
-/// of formulas among them, and which rows are hidden, go into its sheets, all else into what comes back. Files are
-/// taken for hostile: a part, an index or a reference that is not there, cells out of order, a DOCTYPE, and what would
-/// take more than a gigabyte of memory or inflate to more than the zip reader allows, are refused. Throws BookRefused,
-/// and then there is no such book.
+/// of formulas among them, and which rows and columns are hidden, go into its sheets, all else into what comes back.
+/// Files are taken for hostile: a part, an index or a reference that is not there, cells out of order, a DOCTYPE, and
+/// what would take more than a gigabyte of memory or inflate to more than the zip reader allows, are refused. Throws
+/// BookRefused, and then there is no such book.
 StoredBook ReadXlsx(const std::filesystem::path& path, Workbooks& workbooks, const XString& name);
 
 /// The same of a zip file that is open. ZipFault may come through.

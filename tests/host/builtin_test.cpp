@@ -86,6 +86,8 @@ TEST_F(BuiltinTest, SubtotalsPassOverEachOtherAndHiddenRows) {
       =SUBTOTAL(7,A1:A2) -> 0.7071067811865476 | =SUBTOTAL(8,A1:A2) -> 0.5 | =SUBTOTAL(10,A1:A2) -> 0.5
       =SUBTOTAL(111,A1:A4) -> 2.25 | =SUBTOTAL(9,A1:B1) -> #NUM! | =SUBTOTAL(9,{1}) -> #VALUE!
       =SUBTOTAL(12,A1) -> #VALUE! | =SUBTOTAL(209,A1) -> #VALUE! | =SUBTOTAL(2,5) -> #VALUE!)");
+  sheet.AddFilter(AreaOf("A1:A4"));
+  Check("=SUBTOTAL(9,A:A) -> 15");
 }
 
 TEST_F(BuiltinTest, Conditions) {

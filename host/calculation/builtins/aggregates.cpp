@@ -146,8 +146,8 @@ bool IsSubtotal(const FormulaCell* cell) {
   return found;
 }
 
-// Calls `visitor(position, const CellView&)` for each cell that is no subtotal itself and, where those do not count, in
-// no hidden row.
+// Calls `visitor(const CellView&)` for each cell that is no subtotal itself and that no filter hides and, where those
+// do not count, in no hidden row.
 template <typename Visitor>
 Value VisitSubtotalled(const BuiltinCall& call, bool countsHidden, Visitor&& visitor) {
   for (const Value& operand : call.operands.subspan(1)) {
@@ -157,7 +157,8 @@ Value VisitSubtotalled(const BuiltinCall& call, bool countsHidden, Visitor&& vis
     FirstError error;
     for (const Area& area : operand.AsReference().areas)
       sheet->VisitUsed(area, [&](std::int32_t row, std::int32_t column, const CellView& cell) {
-        if ((!countsHidden && sheet->IsRowHidden(row)) || IsSubtotal(sheet->FindFormula({row, column}))) return;
+        const bool isLeft = countsHidden ? sheet->IsRowFiltered(row) : sheet->IsRowHidden(row);
+        if (isLeft || IsSubtotal(sheet->FindFormula({row, column}))) return;
         if (cell.IsError()) error.Note({row, column}, cell);
         visitor(cell);
       });
@@ -201,7 +202,7 @@ Value Subtotal(const BuiltinCall& call, std::int32_t function) {
   return Aggregated(kKinds[function - 1], walk);
 }
 
-// 1 to 11 count hidden rows, 101 to 111 do not. Rows that a filter hides are hidden rows here like others.
+// 1 to 11 count hidden rows, 101 to 111 do not; rows that a filter hides count for none.
 Value CallSubtotal(const BuiltinCall& call) {
   const Value functions[] = {ScalarOperand(call, 0)};
   return Broadcast(functions, [&](std::span<const CellView> cells) {
