@@ -3,11 +3,11 @@
 
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <string>
 #include <thread>
 
 #include "host/addin/call_context.h"
+#include "host/process/brief_mutex.h"
 #include "host/values/value.h"
 
 namespace qcalc {
@@ -56,7 +56,7 @@ class ReturnedValues {
   const Library* library_ = nullptr;
   void (*autoFree12_)(XLOPER12*) = nullptr;
   void (*autoFree_)(XLOPER*) = nullptr;
-  std::mutex mutex_;
+  BriefMutex mutex_;
   // Results between their return and their release; two of one address are two threads in one slot.
   std::map<const void*, std::thread::id> inHand_;
   // Results in the library's static data, which belong to the thread that first returned one.

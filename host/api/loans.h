@@ -8,7 +8,6 @@
 #include <deque>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -16,6 +15,7 @@
 
 #include "host/api/complaints.h"
 #include "host/api/junk_block.h"
+#include "host/process/brief_mutex.h"
 
 namespace qcalc {
 
@@ -63,7 +63,7 @@ class Loans {
   void Quarantine(Loan loan);
 
   Complaints& complaints_;
-  mutable std::mutex mutex_;
+  mutable BriefMutex mutex_;
   std::map<const void*, Loan, std::less<>> loans_;
   // Blocks that came back are kept a while, poisoned: an address stays unique and a late write shows.
   std::deque<Loan> returned_;

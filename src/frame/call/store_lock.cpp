@@ -1,5 +1,7 @@
 #include "frame/call/store_lock.h"
 
+#include <immintrin.h>
+
 #include <algorithm>
 #include <boost/thread/lock_types.hpp>
 
@@ -18,15 +20,26 @@ CStoreMutex** PlaceInGuard(CStoreMutex* mutex) noexcept {
   return place == end ? nullptr : place;
 }
 
+/// Looks again for about a microsecond. A store is locked for less, and a thread that is sent to sleep costs both
+/// threads several.
+bool TakenBriefly(boost::timed_mutex& mutex) {
+  constexpr int kTries = 40;
+  for (int i = 0; i < kTries; ++i) {
+    if (mutex.try_lock()) return true;
+    _mm_pause();
+  }
+  return false;
+}
+
 }  // namespace
 
 CStoreLock::CStoreLock(CStoreMutex& mutex) : mutex_(&mutex) {
-  mutex.mutex_.lock();
+  if (!TakenBriefly(mutex.mutex_)) mutex.mutex_.lock();
   NoteInGuard();
 }
 
 CStoreLock::CStoreLock(CStoreMutex& mutex, std::chrono::milliseconds wait) : mutex_(nullptr) {
-  if (!mutex.mutex_.try_lock_for(boost::chrono::milliseconds(wait.count()))) return;
+  if (!TakenBriefly(mutex.mutex_) && !mutex.mutex_.try_lock_for(boost::chrono::milliseconds(wait.count()))) return;
   mutex_ = &mutex;
   NoteInGuard();
 }
