@@ -136,7 +136,8 @@ Value Addin::CallHere(const RegisteredFunction& function, std::span<const Value>
       throw FormulaError(frame.function + " was not called: " + reason);
     frame.isSpoilt = true;
   }
-  const FolderGuard folder(host_.complaints, frame.function);
+  std::optional<FolderGuard> folder;
+  if (host_.settings.watchesFolder) folder.emplace(host_.complaints, frame.function);
   std::optional<ScreenGuard> screen;
   if (frame.place == Place::kCommand) screen.emplace(host_.complaints, host_.application, frame.function);
   const std::uintptr_t word = CallExport(function, arguments, frame);

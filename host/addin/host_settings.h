@@ -15,6 +15,7 @@ struct HostSettings {
   NumberMarks marks;
   bool shortReferences = true;     ///< references to the current sheet go out as SRef, else as Ref with its id
   bool hasWorkbookMacros = false;  ///< xlUDF finds the host's own functions of the macro language (workbook_macros.h)
+  bool watchesFolder = true;       ///< around each call of a function; asking the system is a tenth of a short one
   bool narrowCalls = false;        ///< functions that have an 8-bit entry point are called by that one
 };
 

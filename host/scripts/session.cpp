@@ -2,6 +2,7 @@
 
 #include <mutex>
 
+#include "host/addin/call_guards.h"
 #include "host/addin/evaluation_watch.h"
 #include "host/calculation/builtins/builtin.h"
 #include "host/calculation/evaluator.h"
@@ -147,6 +148,9 @@ CalculationOutcome Session::CalculateBooks(const BookCalculation& settings) {
   objects_.ShowBooks();
   host_.settings.marks.uses1904 = settings.uses1904;
   host_.settings.hasWorkbookMacros = true;
+  host_.settings.watchesFolder = false;
+  const std::string what = "a function of the book's";
+  const FolderGuard folder(host_.complaints, what);
   EvaluationContext context = Context();
   context.profile = settings.profile;
   context.refusesUnknown = true;
