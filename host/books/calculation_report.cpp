@@ -57,7 +57,8 @@ std::vector<NamedArea> AreasOf(std::vector<SheetCell> cells) {
 }
 
 std::string FormulaIn(const SheetCell& cell, const Workbooks& workbooks) {
-  return workbooks.FindSheet(cell.sheet)->FindFormula(cell.position)->formula.Text();
+  const std::string text = workbooks.FindSheet(cell.sheet)->FindFormula(cell.position)->formula.Text();
+  return text.starts_with('=') ? text : "=" + text;
 }
 
 }  // namespace
