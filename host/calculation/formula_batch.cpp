@@ -9,8 +9,8 @@ namespace qcalc {
 
 namespace {
 
-// Arrays beyond this many cells together are not held at once (256 MB).
-constexpr std::int64_t kMostCellsHeld = std::int64_t{1} << 24;
+// Results are not held at once beyond so much, but for one.
+constexpr std::size_t kMostBytesHeld = std::size_t{1} << 28;
 
 // Waking threads and waiting for them takes some microseconds of each.
 constexpr double kSecondsWorthThreads = 100e-6;
@@ -18,12 +18,16 @@ constexpr double kSecondsWorthThreads = 100e-6;
 // So many at a time are taken from the list that all threads share.
 constexpr std::size_t kGrain = 8;
 
-std::int64_t CellsOf(const FormulaBatch::Result& result) {
-  const auto* value = std::get_if<Value>(&result);
-  return value && value->IsArray() ? static_cast<std::int64_t>(value->AsArray()->Size()) : 0;
-}
-
 }  // namespace
+
+std::size_t BytesOf(const Value& value) {
+  if (value.IsText()) return value.AsText().size() * sizeof(XCHAR);
+  if (!value.IsArray()) return 0;
+  std::size_t bytes = 0;
+  for (const CellView& cell : value.AsArray()->Cells())
+    bytes += sizeof(CellView) + (cell.IsText() ? cell.AsText().size() * sizeof(XCHAR) : 0);
+  return bytes;
+}
 
 void FormulaBatch::Clear() {
   numbers_.clear();
@@ -46,7 +50,7 @@ bool FormulaBatch::IsWorthThreads() const {
 void FormulaBatch::Evaluate() {
   using Clock = std::chrono::steady_clock;
   results_.resize(numbers_.size());
-  cellsHeld_ = 0;
+  bytesHeld_ = 0;
   std::atomic<std::size_t> nextOnMain{0}, nextOnAny{0};
   std::atomic<std::int64_t> nanoseconds{0};
   const auto work = [&](int thread) {
@@ -70,10 +74,11 @@ void FormulaBatch::EvaluateAll(const std::vector<std::size_t>& indexes, std::ato
   // One result is always taken, however large.
   for (std::size_t from = next.fetch_add(kGrain); from < indexes.size(); from = next.fetch_add(kGrain))
     for (std::size_t i = from; i < std::min(from + kGrain, indexes.size()); ++i) {
-      if (cellsHeld_.load(std::memory_order_relaxed) > kMostCellsHeld) continue;
+      if (bytesHeld_.load(std::memory_order_relaxed) > kMostBytesHeld) continue;
       Result& result = results_[indexes[i]];
       result = EvaluateOne(numbers_[indexes[i]], context);
-      if (const std::int64_t cells = CellsOf(result)) cellsHeld_ += cells;
+      if (const auto* value = std::get_if<Value>(&result))
+        if (const std::size_t bytes = BytesOf(*value)) bytesHeld_ += bytes;
     }
 }
 

@@ -15,6 +15,9 @@
 
 namespace qcalc {
 
+/// What the value takes beside itself: a text its units, an array its cells and their texts.
+std::size_t BytesOf(const Value& value);
+
 /// Nothing is written while a batch is evaluated: its results are kept until all are there. That makes the results the
 /// same on any number of threads, and needs no lock between those who read.
 class FormulaBatch {
@@ -58,7 +61,7 @@ class FormulaBatch {
   std::vector<std::size_t> numbers_;
   std::vector<std::size_t> onAnyThread_, onMainThread_;  // indexes of numbers_
   std::vector<Result> results_;
-  std::atomic<std::int64_t> cellsHeld_{0};
+  std::atomic<std::size_t> bytesHeld_{0};
   double secondsSpent_ = 0;  // of all threads, in all batches
   std::int64_t evaluated_ = 0;
 };

@@ -50,7 +50,8 @@ class Calculation {
         places_(dependencies_.Places()),
         progress_(places_.Size()),
         batch_(places_, context, settings.threads, settings.unknown),
-        writer_(dependencies_) {}
+        writer_(dependencies_),
+        mostBytes_(settings.mostBytes) {}
 
   CalculationOutcome Run() {
     for (const std::size_t number : dependencies_.SpreadDirt()) Enqueue(number);
@@ -113,7 +114,12 @@ class Calculation {
     if (const auto* failure = std::get_if<FormulaBatch::Failure>(&result)) return Fail(number, failure->reason);
     progress_[number].state = State::kIdle;
     if (++progress_[number].timesCalculated > kMostTimes) return Fail(number, kUnsettled);
-    for (const std::size_t reader : writer_.Write(number, std::get<Value>(result))) Soiled(reader);
+    const Value& value = std::get<Value>(result);
+    if ((bytesHeld_ += BytesOf(value)) > mostBytes_) {
+      bytesHeld_ -= BytesOf(value);
+      return Fail(number, "its result no longer fits into memory");
+    }
+    for (const std::size_t reader : writer_.Write(number, value)) Soiled(reader);
     result = FormulaBatch::NotReached{};
     ReleaseWaiters(number);
   }
@@ -224,6 +230,8 @@ class Calculation {
   std::vector<Progress> progress_;
   FormulaBatch batch_;
   ResultWriter writer_;
+  const std::size_t mostBytes_;
+  std::size_t bytesHeld_ = 0;  // by what results are beyond numbers and the like
   std::deque<std::size_t> queue_;
   std::vector<std::size_t> waited_;  // all that wait, and some that no longer do
   std::vector<std::uint32_t> walkOf_;

@@ -1,7 +1,9 @@
 // Recalculation: formula cells in dependency order, on several threads, spilled results.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,8 @@ struct CalculationOutcome {
 struct CalculationSettings {
   UnknownNames* unknown = nullptr;         ///< Evaluate's
   ICalculationThreads* threads = nullptr;  ///< without them, all is done on this thread
+  /// What texts and arrays of results may take in all; a formula whose result goes beyond has no value.
+  std::size_t mostBytes = std::numeric_limits<std::size_t>::max();
 };
 
 /// Calculates every dirty formula cell of all books: cells before the formulas that read them, each with its own cells

@@ -17,6 +17,8 @@ namespace qcalc {
 namespace {
 
 constexpr std::size_t kProfiledFunctions = 20;
+// With what the book itself may take, and a batch of results, it stays near a gigabyte.
+constexpr std::size_t kMostBytesOfResults = std::size_t{384} << 20;
 
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
@@ -71,7 +73,8 @@ class Calc {
   CalculationOutcome Calculate() {
     ProcessJournal().formulasDue = book_->Formulas();
     FunctionProfile* const profile = request_.profiles ? &profile_.emplace() : nullptr;
-    const CalculationOutcome outcome = session_.CalculateBooks({request_.threads, book_->Stored().uses1904, profile});
+    const CalculationOutcome outcome =
+        session_.CalculateBooks({request_.threads, kMostBytesOfResults, book_->Stored().uses1904, profile});
     ProcessJournal().formulasDue = 0;
     return outcome;
   }

@@ -155,7 +155,7 @@ CalculationOutcome Session::CalculateBooks(const BookCalculation& settings) {
   context.profile = settings.profile;
   context.refusesUnknown = true;
   CalculationThreads threads(host_.mainThread, settings.threads);
-  CalculationOutcome outcome = qcalc::Recalculate(host_.workbooks, context, {&unknown_, &threads});
+  CalculationOutcome outcome = qcalc::Recalculate(host_.workbooks, context, {&unknown_, &threads, settings.mostBytes});
   RaiseEvent(ApplicationState::kCalculated);
   return outcome;
 }

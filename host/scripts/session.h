@@ -23,6 +23,7 @@ class AddinFailure : public std::runtime_error {
 
 struct BookCalculation {
   int threads = 1;
+  std::size_t mostBytes = std::numeric_limits<std::size_t>::max();  ///< CalculationSettings'
   bool uses1904 = false;
   FunctionProfile* profile = nullptr;
 };
