@@ -9,7 +9,6 @@ namespace qcalc {
 namespace {
 
 constexpr std::int64_t kDayMilliseconds = 86'400'000;
-constexpr int kDaysTo1904 = 1462;  // of the 1900 system
 constexpr int kDayThatNeverWas = 60;
 
 void AppendDigits(std::string& out, int number, std::size_t width) {
@@ -25,7 +24,7 @@ bool AppendIsoDate(std::string& out, double serial, bool uses1904) {
   if (!(serial >= 0 && serial < kLastSerial + 1)) return false;
   const auto total = static_cast<std::int64_t>(std::llround(serial * kDayMilliseconds));
   const bool isTimeAlone = serial < 1 && total < kDayMilliseconds;
-  const std::int64_t day = total / kDayMilliseconds + (uses1904 ? kDaysTo1904 : 0);
+  const std::int64_t day = total / kDayMilliseconds + DaysFrom1900(uses1904);
   const auto time = static_cast<int>(total % kDayMilliseconds);
   if (!isTimeAlone) {
     if (day > kLastSerial || day == kDayThatNeverWas) return false;

@@ -9,9 +9,6 @@ namespace qcalc {
 
 namespace {
 
-// How many days the 1904 system is behind.
-constexpr int kDaysUpTo1904 = 1462;
-
 // A number of exactly so many digits off the front of the text; -1 where none stands there.
 int TakeDigits(std::string_view& text, std::size_t digits) {
   if (text.size() < digits) return -1;
@@ -36,8 +33,8 @@ std::optional<int> TakeDay(std::string_view& text, bool uses1904) {
   if (!Accept(text, '-')) return std::nullopt;
   day.day = TakeDigits(text, 2);
   const std::optional<int> serial = SerialOf(day);
-  if (!serial || !uses1904) return serial;
-  return *serial < kDaysUpTo1904 ? std::nullopt : std::optional(*serial - kDaysUpTo1904);
+  const int behind = DaysFrom1900(uses1904);
+  return !serial || *serial < behind ? std::nullopt : std::optional(*serial - behind);
 }
 
 // The part of a day; seconds may have a fraction, or be left out.

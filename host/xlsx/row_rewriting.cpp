@@ -6,19 +6,15 @@
 #include "host/process/checked_output.h"
 #include "host/text/digits.h"
 #include "host/xlsx/cell_markup.h"
+#include "host/xlsx/cell_name.h"
 
 namespace qcalc {
 namespace {
 
-/// Of `AB12` the column, from 0; nothing for what is no cell.
+/// The column of the cell of that name; nothing for what is no cell.
 std::optional<std::int32_t> ColumnIn(std::string_view cell) {
-  std::int32_t column = 0;
-  for (const char letter : cell.substr(0, cell.find_first_of("0123456789"))) {
-    const char capital = static_cast<char>(letter & ~0x20);
-    if (capital < 'A' || capital > 'Z' || column > kXlMaxColumns) return std::nullopt;
-    column = column * 26 + (capital - 'A' + 1);
-  }
-  return column > 0 ? std::optional(column - 1) : std::nullopt;
+  std::int32_t row = 0, column = 0;
+  return ReadCellName(cell, row, column) ? std::optional(column) : std::nullopt;
 }
 
 /// The whole number of that attribute; nothing where it has none.

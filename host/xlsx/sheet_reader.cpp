@@ -10,6 +10,7 @@
 #include "host/text/text_cursor.h"
 #include "host/text/utf8.h"
 #include "host/values/literal.h"
+#include "host/xlsx/cell_name.h"
 #include "host/xlsx/cell_text.h"
 #include "host/xlsx/iso_date.h"
 #include "host/xml/xml_fault.h"
@@ -20,8 +21,7 @@ namespace qcalc {
 namespace {
 
 // What the store makes for each 1,024 rows of a column that hold anything.
-constexpr std::int32_t kChunkRows = 1024;
-constexpr std::size_t kBytesOfChunk = kChunkRows * sizeof(CellView) + 64;
+constexpr std::size_t kBytesOfChunk = CellStore::kChunkRows * sizeof(CellView) + 64;
 constexpr std::size_t kBytesOfHiddenRow = 48;
 // Beside its text: as it is stored, and as the sheet will hold it.
 constexpr std::size_t kBytesOfFormula = sizeof(StoredFormula) + 256;
@@ -30,19 +30,6 @@ std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r\n";
   const std::size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
   return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
-
-// `B7` in letters and digits alone, as attributes have it: read by the million.
-bool ReadCellName(std::string_view name, std::int32_t& row, std::int32_t& column) {
-  std::size_t at = 0;
-  for (column = 0; at < name.size() && at < 4 && name[at] >= 'A' && name[at] <= 'Z'; ++at)
-    column = column * 26 + (name[at] - 'A' + 1);
-  if (at == 0 || at == name.size() || !IsDigit(name[at])) return false;
-  const auto [end, fault] = std::from_chars(name.data() + at, name.data() + name.size(), row);
-  --row;
-  --column;
-  return fault == std::errc() && end == name.data() + name.size() && row >= 0 && row < kXlMaxRows &&
-         column < kXlMaxColumns;
 }
 
 // A finite number, 0 for one that is too small for a double.
@@ -177,7 +164,7 @@ void SheetReader::MarkDate(const CellAttributes& attributes) {
 
 void SheetReader::Store(const CellView& value) {
   const auto column = static_cast<std::size_t>(column_);
-  const std::int32_t chunks = row_ / kChunkRows + 1;
+  const std::int32_t chunks = row_ / CellStore::kChunkRows + 1;
   if (column >= chunksOf_.size()) chunksOf_.resize(column + 1);
   if (std::int32_t& soFar = chunksOf_[column]; chunks > soFar) {
     limit_.Take(kBytesOfChunk + static_cast<std::size_t>(chunks - soFar) * sizeof(void*));
