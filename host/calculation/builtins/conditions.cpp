@@ -39,8 +39,8 @@ bool AllTake(const Conditions& conditions, std::size_t first, std::size_t end, s
 // with that number is none that empty cells meet.
 template <typename Visitor>
 void VisitFilled(const Conditions& conditions, std::size_t filled, Visitor&& visitor) {
-  const auto& [range, criterion] = conditions[filled];
-  criterion.VisitMatches(*range.sheet, range.area, [&](std::int32_t row, std::int32_t column) {
+  const Range& range = conditions[filled].range;
+  conditions[filled].criterion.VisitMatches(*range.sheet, range.area, [&](std::int32_t row, std::int32_t column) {
     row -= range.area.firstRow;
     column -= range.area.firstColumn;
     if (AllTake(conditions, 0, filled, row, column) && AllTake(conditions, filled + 1, conditions.size(), row, column))
@@ -59,9 +59,9 @@ double CountPlaces(const Conditions& conditions) {
   // Empty cells meet all: what is left out are cells that something stands in, each by the first that it fails.
   count = std::int64_t{area.Rows()} * area.Columns();
   for (std::size_t i = 0; i < conditions.size(); ++i) {
-    const auto& [range, criterion] = conditions[i];
+    const Range& range = conditions[i].range;
     range.sheet->VisitUsed(range.area, [&](std::int32_t row, std::int32_t column, const CellView& cell) {
-      if (!criterion.Matches(cell) &&
+      if (!conditions[i].criterion.Matches(cell) &&
           AllTake(conditions, 0, i, row - range.area.firstRow, column - range.area.firstColumn))
         --count;
     });
@@ -77,7 +77,8 @@ Value AggregatePlaces(Aggregate kind, const Conditions& conditions, const Range&
       if (cell.IsNumber()) visitor(cell.AsNumber());
       if (cell.IsError()) error.Note({row, column}, cell);
     };
-    const auto& [sheet, area] = values;
+    const Sheet* const sheet = values.sheet;
+    const Area& area = values.area;
     if (const std::size_t filled = FirstOfFilled(conditions); filled < conditions.size())
       VisitFilled(conditions, filled, [&](std::int32_t row, std::int32_t column) {
         take(row, column, sheet->Get(area.firstRow + row, area.firstColumn + column));
