@@ -10,8 +10,6 @@
 
 namespace {
 
-using qcalc::Area;
-
 struct Part {
   std::string name, text;
 };
@@ -49,7 +47,6 @@ void Check(const qcalc::StoredBook& book) {
       Expect(!formula.master || (*formula.master < i && !sheet.formulas[*formula.master].text.empty()));
       Expect(i == 0 || sheet.formulas[i - 1].position < formula.position);
     }
-    for (const Area& area : sheet.filtered) Expect(area.IsOnSheet());
     if (const auto used = sheet.sheet->UsedArea())
       sheet.sheet->VisitUsed(*used, [](std::int32_t, std::int32_t, const qcalc::CellView& cell) {
         Expect(!cell.IsText() || cell.AsText().size() <= 32'767);
