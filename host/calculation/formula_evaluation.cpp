@@ -14,8 +14,6 @@ namespace {
 
 // A formula nests so deep at most; what the names in it stand for nests deeper.
 constexpr int kMostDepth = 3 * kMaxFormulaDepth;
-// Names of names may stand for more than could ever be calculated.
-constexpr int kMostNames = 10'000;
 
 // Whether what remains of the two is below their 15 digits. Excel makes that 0 where it is a formula's last operation,
 // as in =0.1+0.2-0.3.
@@ -121,8 +119,9 @@ Value FormulaEvaluation::EvaluateName(const FormulaNode& node) {
 // Element by element in every form, as Excel has it.
 Value FormulaEvaluation::EvaluateFormulaOfName(const Formula& formula) {
   if (std::find(openNames_.begin(), openNames_.end(), &formula) != openNames_.end()) return Value::Error(xlerrName);
-  if (++namesEvaluated_ > kMostNames)
-    throw FormulaError("its names stand for too much: more than " + std::to_string(kMostNames) + " names in names");
+  if (++namesEvaluated_ > kMostNamesFollowed)
+    throw FormulaError("its names stand for too much: more than " + std::to_string(kMostNamesFollowed) +
+                       " names in names");
   const CellPosition caller = CallingCell().value_or(CellPosition{});
   const Temporarily shift(shift_, formula.Shift().Plus(caller.row, caller.column));
   const Temporarily form(isSingle_, false);
@@ -190,22 +189,21 @@ Value FormulaEvaluation::EvaluateHeld(const FormulaNode& node) {
 
 // Walks a chain of operators from its left end.
 Value FormulaEvaluation::EvaluateChain(const FormulaNode& node) {
-  const bool isLast = depth_ == 1;
+  const bool isWhole = depth_ == 1;
+  const auto operate = [&](const FormulaNode& link, const Value& left, const Value& right) {
+    if (isWhole && &link == &node && Cancels(node.op, left, right)) return Value::Number(0);
+    return ApplyBinary(link.op, left, right, context_.marks);
+  };
   if (node.children[0]->kind != FormulaNode::Kind::kBinary) {
     const Value left = EvaluateHeld(*node.children[0]);
-    const Value right = EvaluateHeld(*node.children[1]);
-    return isLast && Cancels(node.op, left, right) ? Value::Number(0)
-                                                   : ApplyBinary(node.op, left, right, context_.marks);
+    return operate(node, left, EvaluateHeld(*node.children[1]));
   }
   std::vector<const FormulaNode*> chain;
   const FormulaNode* first = &node;
   for (; first->kind == FormulaNode::Kind::kBinary; first = first->children[0].get()) chain.push_back(first);
   Value left = EvaluateHeld(*first);
-  for (auto link = chain.rbegin(); link != chain.rend(); ++link) {
-    const Value right = EvaluateHeld(*(*link)->children[1]);
-    const bool isZero = isLast && *link == &node && Cancels(node.op, left, right);
-    left = isZero ? Value::Number(0) : ApplyBinary((*link)->op, left, right, context_.marks);
-  }
+  for (auto link = chain.rbegin(); link != chain.rend(); ++link)
+    left = operate(**link, left, EvaluateHeld(*(*link)->children[1]));
   return left;
 }
 

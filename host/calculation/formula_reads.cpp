@@ -12,9 +12,6 @@ namespace {
 
 using SheetAreaVisitor = std::function<void(const SheetArea&)>;
 
-// Names that stand for more than this are not followed: no evaluation goes so far.
-constexpr int kMostNames = 10'000;
-
 // Walks through one formula and what the names in it stand for.
 class ReadWalk {
  public:
@@ -65,7 +62,7 @@ class ReadWalk {
     if (!sheet) return;
     const Formula* formula = sheet->ItsBook().Names().Find(node.name, sheet->Id());
     if (!formula) return VisitTable(TableReference{.table = node.name, .hasData = true}, visitor);
-    if (std::find(open_.begin(), open_.end(), formula) != open_.end() || ++namesVisited_ > kMostNames) return;
+    if (std::find(open_.begin(), open_.end(), formula) != open_.end() || ++namesVisited_ > kMostNamesFollowed) return;
     open_.push_back(formula);
     Visit(formula->Tree(), formula->Shift().Plus(caller_.row, caller_.column), visitor);
     open_.pop_back();

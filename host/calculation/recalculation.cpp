@@ -115,10 +115,9 @@ class Calculation {
     progress_[number].state = State::kIdle;
     if (++progress_[number].timesCalculated > kMostTimes) return Fail(number, kUnsettled);
     const Value& value = std::get<Value>(result);
-    if ((bytesHeld_ += BytesOf(value)) > mostBytes_) {
-      bytesHeld_ -= BytesOf(value);
-      return Fail(number, "its result no longer fits into memory");
-    }
+    const std::size_t bytes = BytesOf(value);
+    if (bytesHeld_ + bytes > mostBytes_) return Fail(number, "its result no longer fits into memory");
+    bytesHeld_ += bytes;
     for (const std::size_t reader : writer_.Write(number, value)) Soiled(reader);
     result = FormulaBatch::NotReached{};
     ReleaseWaiters(number);

@@ -1,20 +1,11 @@
 #include "host/output/comparison.h"
 
-#include <cmath>
-
 #include "host/formulas/reference_text.h"
-#include "host/values/decimal_digits.h"
 #include "host/values/literal.h"
+#include "host/values/value_order.h"
 
 namespace qcalc {
 namespace {
-
-bool EqualTo15Digits(double stored, double value) {
-  if (stored == value) return true;
-  if (!std::isfinite(stored) || !std::isfinite(value) || std::signbit(stored) != std::signbit(value)) return false;
-  const DecimalDigits left = DigitsOf(std::fabs(stored)), right = DigitsOf(std::fabs(value));
-  return left.exponent == right.exponent && left.digits == right.digits;
-}
 
 void Tell(const Sheet& sheet, CellPosition at, const CellView& stored, const CellView& value, Comparison& comparison) {
   ++comparison.compared;
@@ -49,14 +40,13 @@ bool EqualsStored(const CellView& stored, const CellView& value) {
   if (stored.Kind() != value.Kind()) return false;
   switch (value.Kind()) {
     case CellKind::kNumber:
-      return EqualTo15Digits(stored.AsNumber(), value.AsNumber());
+      return CompareCells(stored, value) == 0;
     case CellKind::kText:
       return stored.AsText() == value.AsText();
     case CellKind::kBoolean:
       return stored.AsBoolean() == value.AsBoolean();
     case CellKind::kError:
-      return stored.AsError() == value.AsError() ||
-             (stored.AsError() == xlerrValue && value.AsError() > xlerrGettingData);
+      return stored.AsError() == value.AsError() || (stored.AsError() == xlerrValue && IsNewerError(value.AsError()));
     case CellKind::kEmpty:
       break;
   }

@@ -12,6 +12,9 @@ namespace qcalc {
 constexpr std::int32_t kErrorSpill = 45;
 constexpr std::int32_t kErrorCalc = 50;
 
+/// Whether the error is younger than the first workbook files, which have no word for it: #VALUE! stands for it there.
+constexpr bool IsNewerError(std::int32_t code) { return code > xlerrGettingData; }
+
 /// The number as a value of Excel's, which knows no subnormal ones: they are 0. What is not finite stays as it is.
 constexpr double WithoutSubnormal(double number) {
   constexpr double kLeast = std::numeric_limits<double>::min();

@@ -8,6 +8,10 @@
 
 namespace qcalc {
 
+/// So many names one formula may use, those in its names counted, which may stand for more than could ever be
+/// calculated.
+constexpr int kMostNamesFollowed = 10'000;
+
 /// Names are without case. References without `$` are those of a formula in A1 and go along with the cell that uses the
 /// name. Any number of threads may look while none defines.
 class DefinedNames {

@@ -9,9 +9,6 @@
 namespace qcalc {
 namespace {
 
-// The last error that files have had a word for from the start, by its number.
-constexpr std::int32_t kLastOldError = xlerrGettingData;
-
 bool IsHexDigit(XCHAR unit) {
   return (unit >= '0' && unit <= '9') || (unit >= 'A' && unit <= 'F') || (unit >= 'a' && unit <= 'f');
 }
@@ -82,7 +79,7 @@ void AppendContent(std::string& out, const CellView& cell) {
       out += cell.AsBoolean() ? '1' : '0';
       break;
     case CellKind::kError:
-      out += ErrorName(cell.AsError() > kLastOldError ? std::int32_t{xlerrValue} : cell.AsError());
+      out += ErrorName(IsNewerError(cell.AsError()) ? std::int32_t{xlerrValue} : cell.AsError());
       break;
     case CellKind::kEmpty:
       break;
