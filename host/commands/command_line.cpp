@@ -61,7 +61,7 @@ CsvLoad ReadLoad(const std::string& written) {
 class Reader {
  public:
   Reader() : app_("qcalc, the headless calculator: runs the add-in where there is no Excel.", "qcalc") {
-    app_.set_version_flag("--version", "qcalc 4.0");
+    app_.set_version_flag("--version", "qcalc " QCALC_VERSION);
     app_.allow_windows_style_options(false);  // a path may begin with "/" on every build
     app_.require_subcommand(0, 1);
     app_.allow_extras();  // told here, with near ones

@@ -29,7 +29,7 @@ void WriteFile(const std::filesystem::path& path, const std::string& text) {
   if (!file.flush()) throw std::runtime_error(path.string() + ": cannot be written");
 }
 
-int Generate(const std::string& folder, const std::vector<std::string>& paths) {
+int Generate(const std::string& folder, const std::string& version, const std::vector<std::string>& paths) {
   Diagnostics diagnostics;
   std::vector<Family> families;
   for (const std::string& path : paths) families.push_back(ReadFamily(path, ReadFile(path), diagnostics));
@@ -37,7 +37,7 @@ int Generate(const std::string& folder, const std::vector<std::string>& paths) {
   std::cerr << diagnostics.Text();
   if (!diagnostics.All().empty()) return 1;
   std::vector<GeneratedFile> files = GenerateCode(families);
-  files.push_back(FunctionPages(families));
+  files.push_back(FunctionPages(version, families));
   for (const GeneratedFile& file : files) WriteFile(std::filesystem::path(folder) / file.name, file.text);
   return 0;
 }
@@ -46,13 +46,14 @@ int Generate(const std::string& folder, const std::vector<std::string>& paths) {
 
 int main(int argc, char** argv) {
   CLI::App app("Turns the tables of functions into records, exports and declarations of implementations.");
-  std::string folder;
+  std::string folder, version;
   std::vector<std::string> paths;
   app.add_option("--out", folder, "folder to write to")->required();
+  app.add_option("--version", version, "the add-in's, for the functions' pages")->required();
   app.add_option("tables", paths, "one TOML file a family")->required();
   CLI11_PARSE(app, argc, argv);
   try {
-    return Generate(folder, paths);
+    return Generate(folder, version, paths);
   } catch (const std::exception& error) {
     std::cerr << error.what() << "\n";
     return 1;

@@ -84,6 +84,8 @@ struct Function {
   std::string exampleResult;
   std::string exampleGiven;                ///< what the workbook holds, for the reader
   std::vector<std::string> exampleBefore;  ///< the same as commands of a script
+  std::vector<std::string> remarks;        ///< what surprises people, a sentence or two each
+  std::vector<std::string> related;        ///< names of functions, of any family, in the order shown
   Place place;
 
   /// The export's name without suffix.
@@ -93,8 +95,10 @@ struct Function {
 };
 
 struct Family {
-  std::string name;  ///< the table's file name without ".toml"
-  std::string file;  ///< the path it was read from
+  std::string name;          ///< the table's file name without ".toml"
+  std::string title;         ///< for people: "Sorts and lists"
+  std::string introduction;  ///< for the family's page
+  std::string file;          ///< the path it was read from
   int firstHelpId = 0;
   int lastHelpId = 0;
   std::vector<Setting> settings;

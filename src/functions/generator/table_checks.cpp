@@ -126,6 +126,24 @@ void CheckHelpIdBlocks(const std::vector<Family>& families, Diagnostics& diagnos
   }
 }
 
+/// Related functions are shown as links: each is there, is another one, and stands once.
+void CheckRelated(const std::vector<Family>& families, Diagnostics& diagnostics) {
+  std::set<std::string> pages;
+  for (const Family& family : families)
+    for (const Function& function : family.functions)
+      if (function.type == MacroType::kFunction) pages.insert(function.name);
+  for (const Family& family : families)
+    for (const Function& function : family.functions) {
+      std::set<std::string> met = {function.name};
+      for (const std::string& name : function.related) {
+        if (!pages.contains(name))
+          diagnostics.Add(function.place, "'" + name + "', related to '" + function.name + "', has no page");
+        else if (!met.insert(name).second)
+          diagnostics.Add(function.place, "'" + name + "' stands twice on the page of '" + function.name + "'");
+      }
+    }
+}
+
 }  // namespace
 
 void CheckTables(const std::vector<Family>& families, Diagnostics& diagnostics) {
@@ -148,6 +166,7 @@ void CheckTables(const std::vector<Family>& families, Diagnostics& diagnostics) 
     }
   }
   CheckHelpIdBlocks(families, diagnostics);
+  CheckRelated(families, diagnostics);
 }
 
 }  // namespace quillmere::generator

@@ -49,8 +49,10 @@ class FamilyReader {
   }
 
   void ReadHead(const toml::table& table) {
-    const StrictTable fields = Fields(table, "[family]", {"help_ids"});
+    const StrictTable fields = Fields(table, "[family]", {"title", "introduction", "help_ids"});
     family_.place = fields.OwnPlace();
+    family_.title = ReadText(fields, "title", false);
+    family_.introduction = ReadText(fields, "introduction", true);
     const std::vector<std::int64_t> ids = fields.Integers("help_ids");
     if (ids.size() != 2 || ids[0] < 1 || ids[1] < ids[0] || ids[1] > INT32_MAX) {
       fields.ComplainAt("help_ids", "help_ids are the first and the last help id of the family");
@@ -109,9 +111,10 @@ class FamilyReader {
   }
 
   void ReadFunction(const toml::table& table) {
-    const StrictTable fields = Fields(table, "[[function]]",
-                                      {"name", "like", "implementation", "settings", "arguments", "type", "marks",
-                                       "category", "help_id", "interfaces", "description", "long_text", "example"});
+    const StrictTable fields =
+        Fields(table, "[[function]]",
+               {"name", "like", "implementation", "settings", "arguments", "type", "marks", "category", "help_id",
+                "interfaces", "description", "long_text", "example", "remarks", "related"});
     Function function;
     const bool isLike = fields.Has("like");
     if (isLike) TakeOver(function, fields);
@@ -128,7 +131,17 @@ class FamilyReader {
     if (fields.Has("description") || !isLike) function.description = ReadText(fields, "description", false);
     function.longText = ReadText(fields, "long_text", true);
     ReadExample(function, fields);
+    function.remarks = ReadRemarks(fields);
+    function.related = fields.OptionalTexts("related");
     family_.functions.push_back(std::move(function));
+  }
+
+  std::vector<std::string> ReadRemarks(const StrictTable& fields) {
+    std::vector<std::string> remarks = fields.OptionalTexts("remarks");
+    for (const std::string& remark : remarks)
+      if (const auto fault = remark.empty() ? std::optional<std::string>("is empty") : TextFault(remark, false))
+        fields.ComplainAt("remarks", "a remark " + *fault);
+    return remarks;
   }
 
   /// Begins with what another function above declares; a help id, a page and an example are each function's own.
