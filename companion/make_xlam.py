@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Writes Quillmere's companion, the add-in of macro-language functions, from the modules beside this script:
-Quillmere4.xlam, and each module as Excel's editor imports it.
+QuillmereVba.xlam, and each module as Excel's editor imports it.
 
     make_xlam.py FOLDER
 
@@ -93,7 +93,7 @@ def main():
     for path in sorted(pathlib.Path(__file__).parent.glob("*.bas")):
         modules[path.stem] = source = path.read_text(encoding="ascii").replace("\n", "\r\n")
         (folder / path.name).write_bytes(source.encode("ascii"))
-    write_xlam(folder / "Quillmere4.xlam", modules)
+    write_xlam(folder / "QuillmereVba.xlam", modules)
 
 
 if __name__ == "__main__":

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Holds the companion against its definitions: how it is packed, and what its functions give in LibreOffice.
 
-    companion_test.py Quillmere4.xlam
+    companion_test.py QuillmereVba.xlam
 
 Every case runs twice, in rows and, on a sheet with rows and columns exchanged, in columns.
 """
@@ -80,7 +80,7 @@ def packing(xlam, source):
     yield "smaller", len(compressed(source.encode())) < len(source) / 2, True
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run([sys.executable, ROOT / "companion/make_xlam.py", folder], check=True)
-        yield "made again", (pathlib.Path(folder) / "Quillmere4.xlam").read_bytes() == xlam.read_bytes(), True
+        yield "made again", (pathlib.Path(folder) / "QuillmereVba.xlam").read_bytes() == xlam.read_bytes(), True
 
 
 def exchanged(reference):

@@ -14,6 +14,6 @@ run_companion() {
   companion
   echo '0 1' >"$logs/companion.result"
   read -r good bad < <(run_scripts "$logs/companion.log" tests/companion/companion_test.py \
-    build/companion/Quillmere4.xlam) || good=0 bad=1
+    build/companion/QuillmereVba.xlam) || good=0 bad=1
   report companion "$good" "$bad"
 }
