@@ -46,7 +46,8 @@ FunctionPages ReadFunctionPages(const std::filesystem::path& addin) {
   if (const auto* failure = std::get_if<FileFailure>(&read)) throw std::runtime_error(shown + ": " + failure->reason);
   FunctionPages pages;
   try {
-    for (const Json& page : Json::parse(std::get<std::string>(read)).at("functions"))
+    const Json file = Json::parse(std::get<std::string>(read));
+    for (const Json& page : file.at("functions"))
       pages[FoldCase(FromUtf8(page.at("name").get<std::string>()).value_or(XString()))] = ReadFunction(page);
   } catch (const Json::exception& error) {
     throw std::runtime_error(shown + ": it holds no pages of functions: " + error.what());
