@@ -57,6 +57,7 @@ interfaces = [12, 4]
 description = "Finds, first"
 long_text = "Long."
 example = { formula = "=FIND.FIRST(1)", result = "1" }
+related = ["Case.FIND"]
 
 [[function]]
 name = "FIND.ALL"
@@ -68,7 +69,7 @@ marks = []
 description = "Finds"
 long_text = "Long."
 example = { formula = "=FIND.ALL(1)", result = "2" }
-related = ["FIND.FIRST"]
+related = ["FIND.FIRST" ]
 
 [[function]]
 name = "TellCommand"
@@ -94,6 +95,7 @@ arguments = [
 help_id = 101
 long_text = "Long."
 example = { formula = "=Case.FIND(1)", result = "1" }
+related = ["FIND.FIRST"]
 
 [argument]
 Lookup_Values = { kind = "Value", help = "What to find" }
@@ -185,8 +187,9 @@ constexpr std::string_view kMistakes = R"cases(
     description = "Tells" => description = "Tells\u001F" -> description holds U+001F
     description = "Tells" => description = "Tells\u0080" -> description holds U+0080
     example = { formula = "=FIND.ALL(1)", result = "2" } => -> -9 [[function]] has no 'example'
-    related = ["FIND.FIRST"] => related = ["FIND.ALL"] -> -10 'FIND.ALL', related to 'FIND.ALL', has no page
-    related = ["FIND.FIRST"] => related = ["FIND.FIRST", "FIND.FIRST"] -> -10 'FIND.FIRST' stands twice on the page of 'FIND.ALL'
+    related = ["FIND.FIRST" ] => related = ["FIND.ALL"] -> -10 'FIND.ALL', related to 'FIND.ALL', has no page
+    related = ["FIND.FIRST" ] => related = ["FIND.FIRST", "FIND.FIRST"] -> -10 'FIND.FIRST' stands twice on the page of 'FIND.ALL'
+    related = ["Case.FIND"] => -> -12 [[function]] has no 'related'
     formula = "=FIND.ALL(1)" => formula = "=OTHER(1)" -> the example is no formula that calls FIND.ALL
     , result = "2" => -> an example has no 'result'
     help_ids = [100, 199] => help_ids = [100, 199 -> +2 Error while parsing array
@@ -205,14 +208,14 @@ constexpr std::string_view kMistakes = R"cases(
     like = "MA_Method" => like = "Pairs" -> no single argument 'Pairs' stands above
     name = "Other_Method" => name = "Other Method" -> 'Other Method' cannot name an argument
     name = "Col{}" => name = "Col" -> 'Col' is repeated and has no {}
-    name = "Other_Method" => name = "lookup_values" -> -39 'FIND.ALL' has two arguments 'lookup_values'
+    name = "Other_Method" => name = "lookup_values" -> -40 'FIND.ALL' has two arguments 'lookup_values'
     helped = 1 => helped = 4 -> 'helped' in a run of arguments is not a whole number from 0 to 3
     "Other", { => "Another", { -> no [argument.Another] stands in this table
-    "Other", { => "MA_Method", { -> +34 no function takes the argument 'Other_Method'
-    repeat = 3 => repeat = 32 -> -54 the argument names of 'FIND.FIRST' have
-    repeat = 3 => repeat = 130 -> -54 'FIND.FIRST' has 264 arguments; Excel takes 255
-    repeat = 3, helped = 1 => repeat = 122 -> -54 'FIND.FIRST' has 249 argument help texts
-    repeat = 3 => repeat = 14 -> -54 'FIND.FIRST' has 32 arguments; an 8-bit entry point takes 30
+    "Other", { => "MA_Method", { -> +35 no function takes the argument 'Other_Method'
+    repeat = 3 => repeat = 32 -> -56 the argument names of 'FIND.FIRST' have
+    repeat = 3 => repeat = 130 -> -56 'FIND.FIRST' has 264 arguments; Excel takes 255
+    repeat = 3, helped = 1 => repeat = 122 -> -56 'FIND.FIRST' has 249 argument help texts
+    repeat = 3 => repeat = 14 -> -56 'FIND.FIRST' has 32 arguments; an 8-bit entry point takes 30
     , values = ["First", "All"] => -> an enumeration lists its values
     settings = ["mode", => settings = ["mood", -> no [[setting]] 'mood' stands in this table
     "caseSensitive", "position", => "caseSensitive", -> +20 'Search' takes no setting 'position'

@@ -132,7 +132,10 @@ class FamilyReader {
     function.longText = ReadText(fields, "long_text", true);
     ReadExample(function, fields);
     function.remarks = ReadRemarks(fields);
-    function.related = fields.OptionalTexts("related");
+    const bool hasPage = function.type == MacroType::kFunction;
+    function.related = hasPage ? fields.Texts("related") : fields.OptionalTexts("related");
+    if (hasPage && fields.Has("related") && function.related.empty())
+      fields.ComplainAt("related", "no function is related to " + function.name);
     family_.functions.push_back(std::move(function));
   }
 
