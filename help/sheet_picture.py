@@ -1,0 +1,152 @@
+"""Tables that look like a piece of a worksheet: of a sample workbook, and of an example's result."""
+import html
+import re
+import tomllib
+
+import openpyxl
+from openpyxl.utils import get_column_letter, range_boundaries
+
+from number_formats import shown
+
+LOADED_PREFIX = re.compile(r"_xl(?:l|fn|ws|pm)\.")
+REFERENCE = re.compile(r"\$?\b([A-Z]{1,3})\$?(\d+)\b")
+
+
+class Cell:
+    """What is drawn of one cell: `kind` is "text", "number", "truth" or "error"."""
+
+    def __init__(self, value, number_format="General"):
+        self.text, self.style, self.is_result, self.is_formula = shown(value, number_format), "", False, False
+        self.is_bold = self.wraps = False
+        self.kind = "number"
+        if isinstance(value, bool):
+            self.kind = "truth"
+        elif value is None or isinstance(value, str):
+            self.kind = "error" if re.fullmatch(r"#[A-Z/0]+[!?]?|#N/A", value or "") else "text"
+
+    def html(self, has_room):
+        """The cell; a text goes on over the next cell if that leaves it room, as in Excel."""
+        classes = [self.kind] if self.kind != "text" else []
+        classes += [name for name, holds in [("bold", self.is_bold), ("filled", self.style), ("result", self.is_result),
+                                             ("formula", self.is_formula), ("wraps", self.wraps),
+                                             ("over", has_room and self.kind == "text" and self.text)] if holds]
+        written = f' class="{" ".join(classes)}"' if classes else ""
+        return f'<td{written}{self.style}>{html.escape(self.text, quote=False)}</td>'
+
+
+def sheet(rows, first_row, first_column, formula, caption, widths=None):
+    """A figure of these rows of Cells, of which the one with `is_formula` holds the formula. The caption is HTML; widths
+    are pixels of the columns."""
+    letters = [get_column_letter(first_column + place) for place in range(len(rows[0]))]
+    at, = [f"{letters[column]}{first_row + row}" for row, cells in enumerate(rows)
+           for column, cell in enumerate(cells) if cell.is_formula][:1] or [""]
+    columns = "".join(f'<col style="width:{width}px">' for width in [36, *widths]) if widths else ""
+    fixed = f' fixed" style="width:{36 + sum(widths)}px' if widths else ""
+    head = "".join(f'<th scope="col">{letter}</th>' for letter in letters)
+    body = "".join(
+        f'<tr><th scope="row">{number}</th>'
+        + "".join(cell.html(all(not other.text for other in cells[place + 1:place + 2]))
+                  for place, cell in enumerate(cells)) + "</tr>\n"
+        for number, cells in enumerate(rows, first_row))
+    return (f'<figure class="sheet">\n<div class="bar"><span class="at">{at}</span><span class="fx">fx</span>'
+            f'<code>{html.escape(formula, quote=False)}</code></div>\n'
+            f'<div class="grid" tabindex="0" role="group" aria-label="Cells"><table class="cells{fixed}">'
+            f'<colgroup>{columns}</colgroup>\n<thead><tr><th></th>{head}</tr></thead>\n<tbody>\n{body}</tbody></table></div>\n'
+            f"<figcaption>{caption}</figcaption>\n</figure>\n")
+
+
+def pictures(samples, family):
+    """The pictures that the definition of a family's sample workbook asks for, of the cells that are in it; none when the
+    folder has no such definition. ValueError for one that shows no formula of ours."""
+    definition = samples / "books" / f"{family}.toml"
+    if not definition.exists():
+        return []
+    wanted = tomllib.loads(definition.read_text(encoding="utf-8")).get("picture", [])
+    path = samples / f"{family}.xlsx"
+    formulas, values = openpyxl.load_workbook(path), openpyxl.load_workbook(path, data_only=True)
+    return [picture(formulas[one["sheet"]], values[one["sheet"]], one["range"], html.escape(one["caption"], quote=False))
+            for one in wanted]
+
+
+def picture(formulas, values, place, caption):
+    left, top, right, bottom = range_boundaries(place)
+    rows = [[sheet_cell(cell) for cell in row] for row in values[place]]
+    shown_formula = None
+    for row in formulas[place]:
+        for cell in row:
+            if not (isinstance(cell.value, str) and cell.data_type == "f" and "_xll." in cell.value):
+                continue
+            covered = formulas.formula_attributes.get(cell.coordinate, {}).get("ref", cell.coordinate)
+            for_left, for_top, for_right, for_bottom = range_boundaries(covered)
+            for drawn in rows[for_top - top:for_bottom - top + 1]:
+                for result in drawn[for_left - left:for_right - left + 1]:
+                    result.is_result = True
+            if shown_formula is None:
+                shown_formula = LOADED_PREFIX.sub("", "=" + cell.value.removeprefix("="))
+                rows[cell.row - top][cell.column - left].is_formula = True
+    if shown_formula is None:
+        raise ValueError(f"{values.title}!{place}: no formula of ours to show")
+    widths = column_widths(values)
+    return sheet(rows, top, left, shown_formula, caption, [widths.get(at, 64) for at in range(left, right + 1)])
+
+
+def column_widths(worksheet):
+    """Pixels of the columns whose width the sheet says, by number."""
+    widths = {}
+    for dimension in worksheet.column_dimensions.values():
+        if dimension.width:
+            for at in range(dimension.min or 1, (dimension.max or 1) + 1):
+                widths[at] = round(dimension.width * 7 + 5)
+    return widths
+
+
+def sheet_cell(cell):
+    result = Cell(cell.value, cell.number_format)
+    result.is_bold, result.wraps = bool(cell.font.b), bool(cell.alignment.wrap_text)
+    # A colour of the theme is no colour that could be written here.
+    fill = cell.fill.fgColor.rgb if cell.fill.fill_type == "solid" and cell.fill.fgColor.type == "rgb" else None
+    ink = cell.font.color.rgb if cell.font.color and cell.font.color.type == "rgb" else None
+    if fill:
+        ink = f"#{ink[2:]}" if ink else "#000000"
+        result.style = f' style="background:#{fill[2:]};--fill:#{fill[2:]};color:{ink}"'
+    return result
+
+
+def example_sheet(formula, result, given):
+    """The result of an example, in a sheet where it is not in the way of what the formula refers to: in no row or column
+    of those."""
+    rows = [[Cell(value) for value in row] for row in parsed(result)]
+    for row in rows:
+        for cell in row:
+            cell.is_result = True
+    rows[0][0].is_formula = True
+    used = [range_boundaries(letters + digits)[:2] for letters, digits in REFERENCE.findall(f"{formula} {given or ''}")]
+    first_row, first_column = (max(at[1] for at in used) + 1, max(at[0] for at in used) + 1) if used else (1, 1)
+    size = "The result is one value" if len(rows) == len(rows[0]) == 1 else \
+        f"The result has {counted(len(rows), 'row')} and {counted(len(rows[0]), 'column')}"
+    caption = f"{size}, where {html.escape(given, quote=False)}." if given else f"{size}."
+    return sheet(rows, first_row, first_column, formula, caption)
+
+
+def counted(number, thing):
+    return f"{number} {thing}" if number == 1 else f"{number} {thing}s"
+
+
+def parsed(result):
+    """The rows of values of an example's result: an array as it is written in a formula, or one value."""
+    if not result.startswith("{"):
+        return [[parsed_value(result)]]
+    rows = [[]]
+    for value, end in re.findall(r'("(?:[^"]|"")*"|[^,;{}"]+)([,;}])', result):
+        rows[-1].append(parsed_value(value))
+        if end == ";":
+            rows.append([])
+    return rows
+
+
+def parsed_value(text):
+    if text.startswith('"'):
+        return text[1:-1].replace('""', '"')
+    if text in ("TRUE", "FALSE"):
+        return text == "TRUE"
+    return text if text.startswith("#") else float(text)
