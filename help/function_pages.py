@@ -38,7 +38,7 @@ class Function:
         self.description, self.text = said["description"], said["page"]
         self.example, self.result, self.given = said.get("example"), said.get("result"), said.get("given")
         self.remarks, self.related = said["remarks"], said["related"]
-        self.arguments = said["arguments"]
+        self.arguments = arguments_of(said)
         self.lines, self.syntax = [], []
         for run in runs(self.arguments):
             self.lines += lines_of(run)
@@ -63,6 +63,17 @@ class Help:
                                key=lambda family: family.title)
         self.functions = [function for family in self.families for function in family.functions]
         self.by_name = {function.name: function for function in self.functions}
+
+
+def arguments_of(said):
+    """The arguments, with those before a run of pairs as required: the pairs are about them, and a function that takes
+    pairs says in its own words what is missing, so that they are not declared as required."""
+    arguments = said["arguments"]
+    first_round = [argument for argument in arguments if argument.get("round") == 1]
+    if len(first_round) > 1:
+        for argument in arguments[:arguments.index(first_round[0])]:
+            argument["required"] = True
+    return arguments
 
 
 def must_be_given(argument):

@@ -6,7 +6,7 @@ import re
 import shutil
 
 from function_pages import START
-from page_bodies import SUMMARY, escaped
+from page_bodies import SUMMARY, breakable, escaped
 
 SOURCES = pathlib.Path(__file__).parent / "site"
 ICON = ('<svg viewBox="0 0 24 24" width="26" height="26" aria-hidden="true"><rect x="2" y="2" width="20" height="20" rx="4"'
@@ -14,9 +14,8 @@ ICON = ('<svg viewBox="0 0 24 24" width="26" height="26" aria-hidden="true"><rec
         ' opacity=".45"/><path d="M7 7h4v4H7z" fill="currentColor"/></svg>')
 SEARCH = """<form class="search" role="search" hidden>
 <input type="search" id="search" role="combobox" aria-label="Search functions" aria-expanded="false" aria-controls="found"
- aria-autocomplete="list" autocomplete="off" spellcheck="false" placeholder="Search functions: a name, or what it does">
-<ul id="found" role="listbox" aria-label="Functions found" hidden></ul>
-<p class="quiet" role="status" id="told"></p>
+ aria-autocomplete="list" autocomplete="off" spellcheck="false" placeholder="Search by name or what it does">
+<div class="popup"><ul id="found" role="listbox" aria-label="Functions found"></ul><p class="quiet" role="status"></p></div>
 </form>
 """
 
@@ -52,7 +51,7 @@ def page(title, body, search="", aside="", kind=""):
 
 def neighbours(family, here):
     listed = "".join(f'<li><a href="{one.file}"{" aria-current=" + chr(34) + "page" + chr(34) if one is here else ""}>'
-                     f"{one.name}</a></li>\n" for one in family.functions)
+                     f"{breakable(one.name)}</a></li>\n" for one in family.functions)
     return (f'<nav class="family" aria-label="{html.escape(family.title)}"><h2><a href="{family.file}">'
             f"{escaped(family.title)}</a></h2>\n<ul>\n{listed}</ul></nav>\n")
 

@@ -8,6 +8,8 @@ from sheet_picture import counted, example_sheet
 SUMMARY = "Quillmere is an add-in for Microsoft Excel on 64-bit Windows: worksheet functions that are missed in Excel, " \
           "fast on a million rows."
 
+REQUIRED = ' <span class="required">required</span>'
+
 
 def escaped(text):
     return html.escape(text, quote=False)
@@ -23,10 +25,10 @@ class Bodies:
     def start(self):
         cards = "".join(
             f'<li class="card"><h2><a href="{family.file}">{escaped(family.title)}</a></h2>\n'
-            f"<p>{escaped(family.introduction)}</p>\n"
+            f"<p>{escaped(first_paragraph(family.introduction))}</p>\n"
             f'<p class="count">{counted(len(family.functions), "function")}</p></li>\n' for family in self.book.families)
         names = sorted(self.links, key=str.lower)
-        listed = "".join(f'<li><a href="{self.links[name]}">{name}</a></li>\n' for name in names)
+        listed = "".join(f'<li><a href="{self.links[name]}">{breakable(name)}</a></li>\n' for name in names)
         return (f'<ul class="cards">\n{cards}</ul>\n'
                 f'<section class="all"><h2 id="all">All {counted(len(names), "function")}</h2>\n'
                 f'<ul class="names">\n{listed}</ul></section>\n')
@@ -76,8 +78,12 @@ class Bodies:
         return f'<nav class="trail" aria-label="Where this page is"><a href="{START}">All families</a>{here}</nav>\n'
 
 
+def first_paragraph(text):
+    return text.split("\n\n")[0]
+
+
 def breakable(name):
-    """A name as a heading, which narrow screens break behind its dots."""
+    """A name that narrow columns break behind its dots."""
     return name.replace(".", ".<wbr>")
 
 
@@ -91,20 +97,17 @@ def syntax(function):
 
 def arguments(function):
     rows = "".join(
-        f'<tr><th scope="row">{shortened(line.names)}</th>\n'
+        f'<tr><th scope="row">{shortened(line.names)}{REQUIRED if line.is_required else ""}</th>\n'
         f"<td><p>{escaped(line.help)}</p>\n{said_of(line)}</td></tr>\n" for line in function.lines)
     return ('<table class="arguments"><thead><tr><th scope="col">Argument</th><th scope="col">What it is</th></tr></thead>\n'
             f"<tbody>\n{rows}</tbody></table>\n")
 
 
 def said_of(line):
-    """Whether an argument is required, what it is when it is left out, and the codes that it takes."""
-    notes = []
-    if line.is_required:
-        notes.append('<span class="note required">Required</span>')
+    """What an argument is when it is left out, and the codes that it takes."""
+    result = ""
     if line.default is not None:
-        notes.append(f'<span class="note">Left out: <code>{escaped(line.default)}</code></span>')
-    result = f'<p class="notes">{" ".join(notes)}</p>\n' if notes else ""
+        result = f'<p class="default">Left out: <code>{escaped(line.default)}</code></p>\n'
     if line.choices:
         listed = "".join(f'<tr><td><code>{choice["code"]}</code></td><td>{escaped(choice["text"])}</td></tr>\n'
                          for choice in line.choices)

@@ -4,6 +4,7 @@ import html
 import re
 
 ERRORS = r"#(?:N/A|VALUE!|REF!|DIV/0!|NUM!|NAME\?|NULL!|CALC!|SPILL!)"
+SAYING = re.compile(r'"[A-Za-z][^"]*\s[^"]*"')  # in quotes for being said, not for being typed
 CLOSING = {"(": ")", "{": "}"}
 
 
@@ -35,9 +36,10 @@ class Prose:
         found, end = match[0], match.end()
         if match["call"] or match["open"]:
             end = closed(text, end if match["call"] else match.start())
-            if end:
-                return code(text[match.start():end]), end
-            return html.escape(found, quote=False), match.end()
+            if not end:
+                return html.escape(found, quote=False), match.end()
+            whole = text[match.start():end]
+            return html.escape(whole, quote=False) if SAYING.fullmatch(whole) else code(whole), end
         if match["error"]:
             return code(found), end
         if match["name"] and found != self.own and not text[:match.start()].endswith("Excel's "):

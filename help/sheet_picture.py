@@ -9,6 +9,8 @@ from openpyxl.utils import get_column_letter, range_boundaries
 from number_formats import shown
 
 LOADED_PREFIX = re.compile(r"_xl(?:l|fn|ws|pm)\.")
+# Pixels of one digit, which columns are measured by, and of what is around it.
+DIGIT, PADDING = 6.6, 8
 REFERENCE = re.compile(r"\$?\b([A-Z]{1,3})\$?(\d+)\b")
 
 
@@ -96,7 +98,7 @@ def column_widths(worksheet):
     for dimension in worksheet.column_dimensions.values():
         if dimension.width:
             for at in range(dimension.min or 1, (dimension.max or 1) + 1):
-                widths[at] = round(dimension.width * 7 + 5)
+                widths[at] = round(dimension.width * DIGIT + PADDING)
     return widths
 
 

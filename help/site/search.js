@@ -4,7 +4,8 @@
   const form = document.querySelector(".search");
   const input = document.getElementById("search");
   const list = document.getElementById("found");
-  const told = document.getElementById("told");
+  const popup = form.querySelector(".popup");
+  const told = popup.querySelector("[role=status]");
   const most = 10;
   let active = -1;
 
@@ -66,8 +67,8 @@
     const all = matches(input.value);
     list.replaceChildren(...all.slice(0, most).map(option));
     const isTyped = input.value.trim() !== "";
-    list.hidden = !all.length;
-    input.setAttribute("aria-expanded", String(!list.hidden));
+    popup.classList.toggle("open", isTyped);
+    input.setAttribute("aria-expanded", String(all.length > 0));
     told.textContent = !isTyped ? "" : !all.length ? "No function found. Try another word for it." :
       all.length > most ? "The first " + most + " of " + all.length + " functions" :
         all.length === 1 ? "1 function" : all.length + " functions";
@@ -75,14 +76,15 @@
   }
 
   function close() {
-    list.hidden = true;
+    list.replaceChildren();
     told.textContent = "";
+    popup.classList.remove("open");
     input.setAttribute("aria-expanded", "false");
     choose(-1);
   }
 
   function open() {
-    const link = list.hidden || active < 0 ? null : list.children[active].querySelector("a");
+    const link = active < 0 ? null : list.children[active].querySelector("a");
     if (link) location.href = link.href;
   }
 
@@ -92,7 +94,7 @@
     if (input.value.trim()) show();
   });
   input.addEventListener("keydown", function (event) {
-    const count = list.hidden ? 0 : list.children.length;
+    const count = list.children.length;
     if (event.key === "Escape") close();
     else if (event.key === "ArrowDown" && count) choose((active + 1) % count);
     else if (event.key === "ArrowUp" && count) choose((active + count - 1) % count);
