@@ -28,7 +28,7 @@ def main():
     parser.add_argument("--out", type=pathlib.Path, required=True, help="the folder that is written to")
     asked = parser.parse_args()
     book = Help(asked.functions)
-    bodies = Bodies(book, {family.name: pictures(asked.samples, family.name) for family in book.families})
+    bodies = Bodies(book, {family.name: pictures(asked.samples, family) for family in book.families})
     asked.out.mkdir(parents=True, exist_ok=True)
     write_site(asked.out / "html", book, bodies)
     write_intellisense(asked.out / "Quillmere4.intellisense.xml", book.functions, CHM)

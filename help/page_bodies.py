@@ -107,7 +107,7 @@ def said_of(line):
     """What an argument is when it is left out, and the codes that it takes."""
     result = ""
     if line.default is not None:
-        result = f'<p class="default">Left out: <code>{escaped(line.default)}</code></p>\n'
+        result = f'<p class="default">When left out: <code>{escaped(line.default)}</code></p>\n'
     if line.choices:
         listed = "".join(f'<tr><td><code>{choice["code"]}</code></td><td>{escaped(choice["text"])}</td></tr>\n'
                          for choice in line.choices)

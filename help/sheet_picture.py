@@ -11,6 +11,9 @@ from number_formats import shown
 LOADED_PREFIX = re.compile(r"_xl(?:l|fn|ws|pm)\.")
 # Pixels of one digit, which columns are measured by, and of what is around it.
 DIGIT, PADDING = 6.6, 8
+GAP = 28  # of a column that is empty
+NUMBERS = 36  # of that of the row numbers
+MOST_FORMULAS = 3  # above a picture
 REFERENCE = re.compile(r"\$?\b([A-Z]{1,3})\$?(\d+)\b")
 
 
@@ -36,60 +39,62 @@ class Cell:
         return f'<td{written}{self.style}>{html.escape(self.text, quote=False)}</td>'
 
 
-def sheet(rows, first_row, first_column, formula, caption, widths=None):
-    """A figure of these rows of Cells, of which the one with `is_formula` holds the formula. The caption is HTML; widths
-    are pixels of the columns."""
+def sheet(rows, first_row, first_column, formulas, caption, widths=None):
+    """A figure of rows of Cells: under a bar for each of the formulas, pairs of the place of a cell, as a row and column
+    of these rows, and what it holds. The caption is HTML; widths are pixels of the columns."""
     letters = [get_column_letter(first_column + place) for place in range(len(rows[0]))]
-    at, = [f"{letters[column]}{first_row + row}" for row, cells in enumerate(rows)
-           for column, cell in enumerate(cells) if cell.is_formula][:1] or [""]
-    columns = "".join(f'<col style="width:{width}px">' for width in [36, *widths]) if widths else ""
-    fixed = f' fixed" style="width:{36 + sum(widths)}px' if widths else ""
+    bars = ""
+    for (row, column), formula in formulas:
+        rows[row][column].is_formula = True
+        bars += (f'<div class="bar"><span class="at">{letters[column]}{first_row + row}</span><span class="fx">fx</span>'
+                 f"<code>{html.escape(formula, quote=False)}</code></div>\n")
+    columns = "".join(f'<col style="width:{width}px">' for width in [NUMBERS, *widths]) if widths else ""
+    fixed = f' fixed" style="width:{NUMBERS + sum(widths)}px' if widths else ""
     head = "".join(f'<th scope="col">{letter}</th>' for letter in letters)
     body = "".join(
         f'<tr><th scope="row">{number}</th>'
         + "".join(cell.html(all(not other.text for other in cells[place + 1:place + 2]))
                   for place, cell in enumerate(cells)) + "</tr>\n"
         for number, cells in enumerate(rows, first_row))
-    return (f'<figure class="sheet">\n<div class="bar"><span class="at">{at}</span><span class="fx">fx</span>'
-            f'<code>{html.escape(formula, quote=False)}</code></div>\n'
-            f'<div class="grid" tabindex="0" role="group" aria-label="Cells"><table class="cells{fixed}">'
-            f'<colgroup>{columns}</colgroup>\n<thead><tr><th></th>{head}</tr></thead>\n<tbody>\n{body}</tbody></table></div>\n'
-            f"<figcaption>{caption}</figcaption>\n</figure>\n")
+    return (f'<figure class="sheet">\n{bars}<div class="grid" tabindex="0" role="group" aria-label="Cells">'
+            f'<table class="cells{fixed}"><colgroup>{columns}</colgroup>\n<thead><tr><td></td>{head}</tr></thead>\n'
+            f"<tbody>\n{body}</tbody></table></div>\n<figcaption>{caption}</figcaption>\n</figure>\n")
 
 
 def pictures(samples, family):
-    """The pictures that the definition of a family's sample workbook asks for, of the cells that are in it; none when the
+    """The pictures that the definition of a Family's sample workbook asks for, of the cells that are in it; none when the
     folder has no such definition. ValueError for one that shows no formula of ours."""
-    definition = samples / "books" / f"{family}.toml"
+    definition = samples / "books" / f"{family.name}.toml"
     if not definition.exists():
         return []
     wanted = tomllib.loads(definition.read_text(encoding="utf-8")).get("picture", [])
-    path = samples / f"{family}.xlsx"
+    path = samples / f"{family.name}.xlsx"
     formulas, values = openpyxl.load_workbook(path), openpyxl.load_workbook(path, data_only=True)
-    return [picture(formulas[one["sheet"]], values[one["sheet"]], one["range"], html.escape(one["caption"], quote=False))
+    own = {function.name for function in family.functions}
+    return [picture(formulas[one["sheet"]], values[one["sheet"]], one["range"], own, html.escape(one["caption"], quote=False))
             for one in wanted]
 
 
-def picture(formulas, values, place, caption):
+def picture(formulas, values, place, own, caption):
+    """The cells at a place, under the formulas there that call functions of the names `own`, or of the add-in at all when
+    there are none."""
     left, top, right, bottom = range_boundaries(place)
     rows = [[sheet_cell(cell) for cell in row] for row in values[place]]
-    shown_formula = None
-    for row in formulas[place]:
-        for cell in row:
-            if not (isinstance(cell.value, str) and cell.data_type == "f" and "_xll." in cell.value):
-                continue
-            covered = formulas.formula_attributes.get(cell.coordinate, {}).get("ref", cell.coordinate)
-            for_left, for_top, for_right, for_bottom = range_boundaries(covered)
-            for drawn in rows[for_top - top:for_bottom - top + 1]:
-                for result in drawn[for_left - left:for_right - left + 1]:
-                    result.is_result = True
-            if shown_formula is None:
-                shown_formula = LOADED_PREFIX.sub("", "=" + cell.value.removeprefix("="))
-                rows[cell.row - top][cell.column - left].is_formula = True
-    if shown_formula is None:
+    found = [cell for row in formulas[place] for cell in row if cell.data_type == "f" and "_xll." in cell.value]
+    if not found:
         raise ValueError(f"{values.title}!{place}: no formula of ours to show")
+    for cell in found:
+        covered = formulas.formula_attributes.get(cell.coordinate, {}).get("ref", cell.coordinate)
+        for_left, for_top, for_right, for_bottom = range_boundaries(covered)
+        for drawn in rows[for_top - top:for_bottom - top + 1]:
+            for result in drawn[for_left - left:for_right - left + 1]:
+                result.is_result = True
+    of_family = [cell for cell in found if own & set(re.findall(r"_xll\.([\w.]+)", cell.value))]
+    told = [((cell.row - top, cell.column - left), LOADED_PREFIX.sub("", "=" + cell.value.removeprefix("=")))
+            for cell in (of_family or found)[:MOST_FORMULAS]]
     widths = column_widths(values)
-    return sheet(rows, top, left, shown_formula, caption, [widths.get(at, 64) for at in range(left, right + 1)])
+    drawn = [widths.get(at, 64) if any(row[at - left].text for row in rows) else GAP for at in range(left, right + 1)]
+    return sheet(rows, top, left, told, caption, drawn)
 
 
 def column_widths(worksheet):
@@ -121,13 +126,12 @@ def example_sheet(formula, result, given):
     for row in rows:
         for cell in row:
             cell.is_result = True
-    rows[0][0].is_formula = True
     used = [range_boundaries(letters + digits)[:2] for letters, digits in REFERENCE.findall(f"{formula} {given or ''}")]
     first_row, first_column = (max(at[1] for at in used) + 1, max(at[0] for at in used) + 1) if used else (1, 1)
     size = "The result is one value" if len(rows) == len(rows[0]) == 1 else \
         f"The result has {counted(len(rows), 'row')} and {counted(len(rows[0]), 'column')}"
     caption = f"{size}, where {html.escape(given, quote=False)}." if given else f"{size}."
-    return sheet(rows, first_row, first_column, formula, caption)
+    return sheet(rows, first_row, first_column, [((0, 0), formula)], caption)
 
 
 def counted(number, thing):

@@ -5,6 +5,7 @@ source tests/run/runners.sh
 source tests/run/command_line.sh
 source tests/run/books.sh
 source tests/run/companion.sh
+source tests/run/help.sh
 
 guarded=build/windows/bin/Quillmere4_guarded.xll
 
@@ -38,6 +39,7 @@ each_suite() {
     "$@" guard     windows fault_guard_tests        whole  'fault guard, Windows'   program windows fault_guard_tests
     "$@" unit      windows unit_tests               whole  'unit tests, Windows'    program windows unit_tests
     "$@" models    windows model_tests              whole  'models, Windows'        program windows model_tests
+    "$@" help      windows qcalc                    whole  'help'                   help windows
 
     "$@" fuzz      fuzz    fuzzers                  whole  'fuzzers'                fuzzers
 
@@ -56,7 +58,7 @@ declare -A wanted=()
 want() {
   local part
   case $1 in
-    books | checks | companion | faults | fuzz | generator | guard | models | scripts | unit) wanted[$1]=all ;;
+    books | checks | companion | faults | fuzz | generator | guard | help | models | pages | scripts | unit) wanted[$1]=all ;;
     host)
       wanted[host]=all
       want_some scripts host windows
@@ -88,15 +90,15 @@ run_in() {
   at_once "${runner}_suite" "$name" "$part" "${wanted[$part]}" "${@:8}"
 }
 
-# run_tests [WORD...]: the parts of that name, or all that need no LibreOffice; native ones first, since their build is the
+# run_tests [WORD...]: the parts of that name, or all that need no LibreOffice or Chromium; native ones first, since their build is the
 # cheapest.
 run_tests() {
   local word build targets
-  (($#)) || set -- checks faults fuzz generator guard host models scripts unit
+  (($#)) || set -- checks faults fuzz generator guard help host models scripts unit
   for word in "$@"; do
     want "$word" || {
-      echo "no tests named '$word'. There are books, checks, companion, faults, fuzz, generator, guard, host, models," \
-        "scripts, unit, and of a family: $(families | paste -sd ' ')" >&2
+      echo "no tests named '$word'. There are books, checks, companion, faults, fuzz, generator, guard, help, host," \
+        "models, pages, scripts, unit, and of a family: $(families | paste -sd ' ')" >&2
       return 2
     }
   done
@@ -111,5 +113,6 @@ run_tests() {
   done
   ! is_wanted books whole || run_books
   ! is_wanted companion whole || run_companion
+  ! is_wanted pages whole || run_pages
   close_runs
 }
