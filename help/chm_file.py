@@ -1,4 +1,5 @@
-"""The help as one compiled file, which Windows' own viewer shows: a page for each help id, contents, index and search."""
+"""The help as one compiled file, which Windows' own viewer shows: a page for each help id, contents, index and
+search."""
 import os
 import pathlib
 import re
@@ -25,16 +26,19 @@ SYSTEM_MADE = struct.pack("<HH", 10, 4)  # kind and length of the entry of #SYST
 WORDS = {
     "averages": "averag", "balances": "balance", "case of letters": "case.?(in)?sensitive|letter case|upper and lower",
     "comparing": r"compare|\bcomparing", "concatenating": "concat", "counting": "count", "criteria": "criteri",
-    "distinct values": "distinct", "duplicates": "dupe", "errors": "error", "evaluating texts": "eval2", "filters": "filter",
+    "distinct values": "distinct", "duplicates": "dupe", "errors": "error", "evaluating texts": "eval2",
+    "filters": "filter",
     "formulas": "formula2|eval2", "Gini coefficient": "gini", "headers": "header", "hidden rows": "hidden|visible",
     "inserting rows or columns": "splice", "interpolation": "interpolat", "joining tables": "matching|match in",
-    "joining texts": "concat", "logical values": r"logical|\btrue\b", "lookups": "look ?up", "matches, n-th": r"\bnth\b|n-th",
+    "joining texts": "concat", "logical values": r"logical|\btrue\b", "lookups": "look ?up",
+    "matches, n-th": r"\bnth\b|n-th",
     "medians": "median", "memory": "memory|stored|stores", "moving averages": "moving average", "padding": r"\bpad",
     "patterns": "pattern|wildcard", "positions": "position|row numbers?", "previous values": "previous",
     "regular expressions": "regular expression|regex", "repeating": r"^repeat|\brepeats", "resizing": "resiz",
     "reversing": "revers", "roll-forwards": "corkscrew", "running totals": "accumulat|cumulative", "slices": "slice",
     "sorting": r"sortc|sortb", "splitting texts": "split", "stacking": "append|stack", "sums": r"\bsum",
-    "totals": r"totals\b", "unpivoting": "pivot", "used rows and columns": "countused|countcontig", "wildcards": "wildcard"}
+    "totals": r"totals\b", "unpivoting": "pivot", "used rows and columns": "countused|countcontig",
+    "wildcards": "wildcard"}
 MOST_TOPICS = 12  # a word of more functions leads to their families
 
 
@@ -99,13 +103,14 @@ def index(book):
     for word, pattern in WORDS.items():
         topics = [one for one in book.functions if re.search(pattern, f"{one.name} {one.description}", re.I)]
         entries[word] = topics if len(topics) <= MOST_TOPICS else list(dict.fromkeys(one.family for one in topics))
+    keywords = sorted(filter(entries.get, entries), key=lambda keyword: (keyword.lower(), keyword))
     return tree("".join(item(keyword, *((topic.title, topic.file) for topic in entries[keyword]))
-                        for keyword in sorted(entries, key=lambda keyword: (keyword.lower(), keyword)) if entries[keyword]))
+                        for keyword in keywords))
 
 
 def project(book, files, target):
-    """What the compiler makes of the files. Its own binary index has bytes that it never set, differently each time; the
-    viewer reads contents and index as they are written."""
+    """What the compiler makes of the files. Its own binary index has bytes that it never set, differently each time;
+    the viewer reads contents and index as they are written."""
     aliases = "".join(f"ID{function.help_id}={function.file}\n" for function in book.functions)
     numbers = "".join(f"#define ID{function.help_id} {function.help_id}\n" for function in book.functions)
     return f"""[OPTIONS]
@@ -146,7 +151,8 @@ def compiled(files, project_file, target):
             shutil.copy(os.path.realpath(needed), copy)
         told = ""
         for way in ways_to_change_root():
-            ran = subprocess.run([*way, folder, COMPILER, f"/{project_file}"], capture_output=True, text=True, check=False)
+            ran = subprocess.run([*way, folder, COMPILER, f"/{project_file}"], capture_output=True, text=True,
+                                 check=False)
             told += f"{' '.join(way)}: {ran.stdout}{ran.stderr}"
             if ran.returncode == 0 and (root / target).exists():
                 return (root / target).read_bytes()
@@ -159,8 +165,8 @@ def ways_to_change_root():
 
 
 def without_time(content):
-    """The file with one moment for all, wherever the compiler writes when it ran: in the header, and in #SYSTEM, which is
-    the first of the files within to be stored."""
+    """The file with one moment for all, wherever the compiler writes when it ran: in the header, and in #SYSTEM, which
+    is stored as it is."""
     result = bytearray(content)
     struct.pack_into(">I", result, MADE_IN_HEADER, MADE)
     at = result.find(SYSTEM_MADE, result.find(b"HHA Version") - 32) + len(SYSTEM_MADE)

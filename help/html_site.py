@@ -9,13 +9,15 @@ from function_pages import START
 from page_bodies import SUMMARY, breakable, escaped
 
 SOURCES = pathlib.Path(__file__).parent / "site"
-ICON = ('<svg viewBox="0 0 24 24" width="26" height="26" aria-hidden="true"><rect x="2" y="2" width="20" height="20" rx="4"'
-        ' fill="currentColor" opacity=".16"/><path d="M7 7h4v4H7zM13 7h4v4h-4zM7 13h4v4H7zM13 13h4v4h-4z" fill="currentColor"'
-        ' opacity=".45"/><path d="M7 7h4v4H7z" fill="currentColor"/></svg>')
+ICON = ('<svg viewBox="0 0 24 24" width="26" height="26" aria-hidden="true" fill="currentColor">'
+        '<rect x="2" y="2" width="20" height="20" rx="4" opacity=".16"/>'
+        '<path d="M7 7h4v4H7zM13 7h4v4h-4zM7 13h4v4H7zM13 13h4v4h-4z" opacity=".45"/><path d="M7 7h4v4H7z"/></svg>')
 SEARCH = """<form class="search" role="search" hidden>
-<input type="search" id="search" role="combobox" aria-label="Search functions" aria-expanded="false" aria-controls="found"
- aria-autocomplete="list" autocomplete="off" spellcheck="false" placeholder="Search by name or what it does">
-<div class="popup"><ul id="found" role="listbox" aria-label="Functions found"></ul><p class="quiet" role="status"></p></div>
+<input type="search" id="search" role="combobox" aria-label="Search functions" aria-expanded="false"
+ aria-controls="found" aria-autocomplete="list" autocomplete="off" spellcheck="false"
+ placeholder="Search by name or what it does">
+<div class="popup"><ul id="found" role="listbox" aria-label="Functions found"></ul>
+<p class="quiet" role="status"></p></div>
 </form>
 """
 
@@ -80,7 +82,8 @@ def write_site(folder, book, bodies):
         body = bodies.trail(family) + bodies.family(family)
         pages[family.file] = page(f"{family.title} - Quillmere", body, SEARCH, neighbours(family, None))
         for function in family.functions:
-            body = f"{bodies.trail(family, function.name)}<article>\n{bodies.function(function)}</article>\n{bodies.way(function)}"
+            body = (f"{bodies.trail(family, function.name)}<article>\n{bodies.function(function)}</article>\n"
+                    f"{bodies.way(function)}")
             pages[function.file] = page(f"{function.name} - Quillmere", body, SEARCH, neighbours(family, function))
     for name, text in pages.items():
         (folder / name).write_text(text, encoding="utf-8")

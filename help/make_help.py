@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Writes Quillmere's help from what the build says of the functions: html/, the static site, Quillmere4.chm, which Excel
-opens at a function's help id, and Quillmere4.intellisense.xml, the argument help while typing. The pictures of families
-come from the sample workbooks.
+"""Writes Quillmere's help from what the build says of the functions: html/, the static site, Quillmere4.chm, which
+Excel opens at a function's help id, and Quillmere4.intellisense.xml, the argument help while typing. The pictures of
+families come from the sample workbooks.
 
 The same sources give the same bytes, wherever and whenever. With the packages fp-utils and python3-openpyxl.
 """
@@ -15,7 +15,7 @@ from chm_file import write_chm
 from function_pages import Help
 from html_site import write_site
 from intellisense import write_intellisense
-from page_bodies import Bodies
+from page_bodies import TOUR, Bodies
 from sheet_picture import pictures
 
 CHM = "Quillmere4.chm"
@@ -28,7 +28,9 @@ def main():
     parser.add_argument("--out", type=pathlib.Path, required=True, help="the folder that is written to")
     asked = parser.parse_args()
     book = Help(asked.functions)
-    bodies = Bodies(book, {family.name: pictures(asked.samples, family) for family in book.families})
+    drawn = {family.name: pictures(asked.samples, family.name, {function.name for function in family.functions})
+             for family in book.families}
+    bodies = Bodies(book, drawn | {TOUR: pictures(asked.samples, TOUR, set())})
     asked.out.mkdir(parents=True, exist_ok=True)
     write_site(asked.out / "html", book, bodies)
     write_intellisense(asked.out / "Quillmere4.intellisense.xml", book.functions, CHM)

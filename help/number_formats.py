@@ -10,8 +10,8 @@ DATE_PARTS = {"yyyy": "%Y", "yy": "%y", "mmmm": "%B", "mmm": "%b", "mm": "%m", "
 
 
 def shown(value, number_format="General"):
-    """The text of a value: None, a bool, a number, a date or time of openpyxl, or a text. ValueError for a format that is
-    not known here."""
+    """The text of a value: None, a bool, a number, a date or time of openpyxl, or a text. ValueError for a format that
+    is not known here."""
     if value is None:
         return ""
     if isinstance(value, bool):

@@ -5,9 +5,10 @@ from function_pages import START, argument_words, shortened
 from prose import Prose
 from sheet_picture import counted, example_sheet
 
-SUMMARY = "Quillmere is an add-in for Microsoft Excel on 64-bit Windows: worksheet functions that are missed in Excel, " \
-          "fast on a million rows."
+SUMMARY = ("Quillmere is an add-in for Microsoft Excel on 64-bit Windows: worksheet functions that are missed in "
+           "Excel, fast on a million rows.")
 
+TOUR = "tour"  # the sample workbook of all families
 REQUIRED = ' <span class="required">required</span>'
 
 
@@ -16,7 +17,7 @@ def escaped(text):
 
 
 class Bodies:
-    """The bodies of all pages of a Help, with `pictures`, a list of figures by name of family."""
+    """The bodies of all pages of a Help, with `pictures`, lists of figures by name of family and for TOUR."""
 
     def __init__(self, book, pictures):
         self.book, self.pictures = book, pictures
@@ -26,10 +27,11 @@ class Bodies:
         cards = "".join(
             f'<li class="card"><h2><a href="{family.file}">{escaped(family.title)}</a></h2>\n'
             f"<p>{escaped(first_paragraph(family.introduction))}</p>\n"
-            f'<p class="count">{counted(len(family.functions), "function")}</p></li>\n' for family in self.book.families)
+            f'<p class="count">{counted(len(family.functions), "function")}</p></li>\n'
+            for family in self.book.families)
         names = sorted(self.links, key=str.lower)
         listed = "".join(f'<li><a href="{self.links[name]}">{breakable(name)}</a></li>\n' for name in names)
-        return (f'<ul class="cards">\n{cards}</ul>\n'
+        return ("".join(self.pictures.get(TOUR, [])[:1]) + f'<ul class="cards">\n{cards}</ul>\n'
                 f'<section class="all"><h2 id="all">All {counted(len(names), "function")}</h2>\n'
                 f'<ul class="names">\n{listed}</ul></section>\n')
 
@@ -48,7 +50,8 @@ class Bodies:
                  f'<p class="lead">{escaped(function.description)}</p>\n', syntax(function)]
         if function.remarks:
             remarks = "".join(f"<li>{prose.line(remark)}</li>\n" for remark in function.remarks)
-            parts.append(f'<section class="remarks"><h2 id="good-to-know">Good to know</h2>\n<ul>\n{remarks}</ul></section>\n')
+            parts.append('<section class="remarks"><h2 id="good-to-know">Good to know</h2>\n'
+                         f"<ul>\n{remarks}</ul></section>\n")
         if function.example:
             parts.append('<h2 id="example">Example</h2>\n'
                          + example_sheet(function.example, function.result, function.given))
@@ -99,8 +102,8 @@ def arguments(function):
     rows = "".join(
         f'<tr><th scope="row">{shortened(line.names)}{REQUIRED if line.is_required else ""}</th>\n'
         f"<td><p>{escaped(line.help)}</p>\n{said_of(line)}</td></tr>\n" for line in function.lines)
-    return ('<table class="arguments"><thead><tr><th scope="col">Argument</th><th scope="col">What it is</th></tr></thead>\n'
-            f"<tbody>\n{rows}</tbody></table>\n")
+    return ('<table class="arguments"><thead><tr><th scope="col">Argument</th><th scope="col">What it is</th></tr>'
+            f"</thead>\n<tbody>\n{rows}</tbody></table>\n")
 
 
 def said_of(line):

@@ -1,10 +1,10 @@
-"""Plain texts of the function table as HTML: paragraphs, with what is typed in a formula set as code, names of functions
-as links and names of arguments marked."""
+"""Plain texts of the function table as HTML: paragraphs, with what is typed in a formula set as code, names of
+functions as links and names of arguments marked."""
 import html
 import re
 
 ERRORS = r"#(?:N/A|VALUE!|REF!|DIV/0!|NUM!|NAME\?|NULL!|CALC!|SPILL!)"
-SAYING = re.compile(r'"[A-Za-z][^"]*\s[^"]*"')  # in quotes for being said, not for being typed
+SAYING = re.compile(r'"[A-Za-z][^"]*\s\w[^"]*"')  # in quotes for being said, not for being typed
 CLOSING = {"(": ")", "{": "}"}
 
 
@@ -15,9 +15,10 @@ class Prose:
     def __init__(self, links, own=None, words=()):
         names = "|".join(map(re.escape, sorted(links, key=len, reverse=True)))
         self.links, self.own, self.words = links, own, words
-        self.token = re.compile(
-            rf"""(?P<call>(?:(?<![\w.])=[A-Za-z][\w.]*|(?<![\w.=])[A-Z][A-Z0-9.]+)(?=\())|(?P<open>[{{"])|(?P<error>{ERRORS})|"""
-            rf"""(?P<name>(?<![\w.])(?:{names})(?!\w|\.\w))|(?P<word>[A-Za-z]\w*)""")
+        self.token = re.compile("|".join([
+            r"(?P<call>(?:(?<![\w.])=[A-Za-z][\w.]*|(?<![\w.=])[A-Z][A-Z0-9.]+)(?=\())",
+            r'(?P<open>(?<![^\s(]){|")',  # a brace inside a word is one of a regular expression
+            rf"(?P<error>{ERRORS})", rf"(?P<name>(?<![\w.])(?:{names})(?!\w|\.\w))", r"(?P<word>[A-Za-z]\w*)"]))
 
     def paragraphs(self, text):
         return "".join(f"<p>{self.line(part)}</p>\n" for part in re.split(r"\n\s*\n", text.strip()))

@@ -39,14 +39,15 @@ class Cell:
         return f'<td{written}{self.style}>{html.escape(self.text, quote=False)}</td>'
 
 
-def sheet(rows, first_row, first_column, formulas, caption, widths=None):
-    """A figure of rows of Cells: under a bar for each of the formulas, pairs of the place of a cell, as a row and column
-    of these rows, and what it holds. The caption is HTML; widths are pixels of the columns."""
-    letters = [get_column_letter(first_column + place) for place in range(len(rows[0]))]
+def sheet(rows, first_column, formulas, caption, widths=None):
+    """A figure of rows of Cells, by their numbers: under a bar for each of the formulas, pairs of the place of a cell,
+    as the number of its row and its place in that, and what it holds. The caption is HTML; widths are pixels of the
+    columns."""
+    letters = [get_column_letter(first_column + place) for place in range(len(next(iter(rows.values()))))]
     bars = ""
     for (row, column), formula in formulas:
         rows[row][column].is_formula = True
-        bars += (f'<div class="bar"><span class="at">{letters[column]}{first_row + row}</span><span class="fx">fx</span>'
+        bars += (f'<div class="bar"><span class="at">{letters[column]}{row}</span><span class="fx">fx</span>'
                  f"<code>{html.escape(formula, quote=False)}</code></div>\n")
     columns = "".join(f'<col style="width:{width}px">' for width in [NUMBERS, *widths]) if widths else ""
     fixed = f' fixed" style="width:{NUMBERS + sum(widths)}px' if widths else ""
@@ -55,46 +56,49 @@ def sheet(rows, first_row, first_column, formulas, caption, widths=None):
         f'<tr><th scope="row">{number}</th>'
         + "".join(cell.html(all(not other.text for other in cells[place + 1:place + 2]))
                   for place, cell in enumerate(cells)) + "</tr>\n"
-        for number, cells in enumerate(rows, first_row))
+        for number, cells in rows.items())
     return (f'<figure class="sheet">\n{bars}<div class="grid" tabindex="0" role="group" aria-label="Cells">'
             f'<table class="cells{fixed}"><colgroup>{columns}</colgroup>\n<thead><tr><td></td>{head}</tr></thead>\n'
             f"<tbody>\n{body}</tbody></table></div>\n<figcaption>{caption}</figcaption>\n</figure>\n")
 
 
-def pictures(samples, family):
-    """The pictures that the definition of a Family's sample workbook asks for, of the cells that are in it; none when the
-    folder has no such definition. ValueError for one that shows no formula of ours."""
-    definition = samples / "books" / f"{family.name}.toml"
+def pictures(samples, name, own):
+    """The pictures that the definition of a sample workbook asks for, of the cells that are in it, with the formulas
+    that call functions of the names `own`; none when the folder has no such definition. ValueError for one that shows
+    no formula of ours."""
+    definition = samples / "books" / f"{name}.toml"
     if not definition.exists():
         return []
     wanted = tomllib.loads(definition.read_text(encoding="utf-8")).get("picture", [])
-    path = samples / f"{family.name}.xlsx"
+    path = samples / f"{name}.xlsx"
     formulas, values = openpyxl.load_workbook(path), openpyxl.load_workbook(path, data_only=True)
-    own = {function.name for function in family.functions}
-    return [picture(formulas[one["sheet"]], values[one["sheet"]], one["range"], own, html.escape(one["caption"], quote=False))
-            for one in wanted]
+    return [picture(formulas[one["sheet"]], values[one["sheet"]], one["range"], own,
+                    html.escape(one["caption"], quote=False)) for one in wanted]
 
 
 def picture(formulas, values, place, own, caption):
-    """The cells at a place, under the formulas there that call functions of the names `own`, or of the add-in at all when
-    there are none."""
+    """The visible cells at a place, under the formulas there that call functions of the names `own`, or of the
+    add-in at all when there are none."""
     left, top, right, bottom = range_boundaries(place)
-    rows = [[sheet_cell(cell) for cell in row] for row in values[place]]
-    found = [cell for row in formulas[place] for cell in row if cell.data_type == "f" and "_xll." in cell.value]
+    rows = {number: [sheet_cell(cell) for cell in row] for number, row in enumerate(values[place], top)
+            if not values.row_dimensions[number].hidden}
+    found = [cell for row in formulas[place] for cell in row
+             if cell.data_type == "f" and "_xll." in cell.value and cell.row in rows]
     if not found:
         raise ValueError(f"{values.title}!{place}: no formula of ours to show")
     for cell in found:
         covered = formulas.formula_attributes.get(cell.coordinate, {}).get("ref", cell.coordinate)
         for_left, for_top, for_right, for_bottom = range_boundaries(covered)
-        for drawn in rows[for_top - top:for_bottom - top + 1]:
-            for result in drawn[for_left - left:for_right - left + 1]:
+        for number in rows.keys() & set(range(for_top, for_bottom + 1)):
+            for result in rows[number][for_left - left:for_right - left + 1]:
                 result.is_result = True
     of_family = [cell for cell in found if own & set(re.findall(r"_xll\.([\w.]+)", cell.value))]
-    told = [((cell.row - top, cell.column - left), LOADED_PREFIX.sub("", "=" + cell.value.removeprefix("=")))
+    told = [((cell.row, cell.column - left), LOADED_PREFIX.sub("", "=" + cell.value.removeprefix("=")))
             for cell in (of_family or found)[:MOST_FORMULAS]]
     widths = column_widths(values)
-    drawn = [widths.get(at, 64) if any(row[at - left].text for row in rows) else GAP for at in range(left, right + 1)]
-    return sheet(rows, top, left, told, caption, drawn)
+    drawn = [widths.get(at, 64) if any(row[at - left].text for row in rows.values()) else GAP
+             for at in range(left, right + 1)]
+    return sheet(rows, left, told, caption, drawn)
 
 
 def column_widths(worksheet):
@@ -120,8 +124,8 @@ def sheet_cell(cell):
 
 
 def example_sheet(formula, result, given):
-    """The result of an example, in a sheet where it is not in the way of what the formula refers to: in no row or column
-    of those."""
+    """The result of an example, in a sheet where it is not in the way of what the formula refers to: in no row or
+    column of those."""
     rows = [[Cell(value) for value in row] for row in parsed(result)]
     for row in rows:
         for cell in row:
@@ -131,7 +135,7 @@ def example_sheet(formula, result, given):
     size = "The result is one value" if len(rows) == len(rows[0]) == 1 else \
         f"The result has {counted(len(rows), 'row')} and {counted(len(rows[0]), 'column')}"
     caption = f"{size}, where {html.escape(given, quote=False)}." if given else f"{size}."
-    return sheet(rows, first_row, first_column, [((0, 0), formula)], caption)
+    return sheet(dict(enumerate(rows, first_row)), first_column, [((first_row, 0), formula)], caption)
 
 
 def counted(number, thing):

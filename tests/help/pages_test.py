@@ -25,7 +25,8 @@ OVERFLOWING = """return Array.from(document.querySelectorAll("body *"))
   .concat(document.documentElement.scrollWidth > innerWidth ? ["the page"] : [])"""
 # What is typed, how many lines down Enter is pressed, and the page that it opens.
 SEARCHES = [("vstack", 0, "vstack"), ("Case lookup2", 1, "rgx-case-avlookup2"), ("moving average", 0, "movavg"),
-            ("gini", 0, "ginicoeff"), ("rgxmid", 0, "rgx-mid"), ("backcast", 0, "movavg"), ("interpolat", 1, "vlinterp2"),
+            ("gini", 0, "ginicoeff"), ("rgxmid", 0, "rgx-mid"), ("backcast", 0, "movavg"),
+            ("interpolat", 1, "vlinterp2"),
             ("qqqq", 0, "index")]
 
 
