@@ -32,7 +32,7 @@ def page(title, body, search="", aside="", kind=""):
 <meta name="viewport" content="width=device-width, initial-scale=1">
 <link rel="icon" href="data:,">
 <link rel="stylesheet" href="style.css">
-<link rel="stylesheet" href="dark.css" id="dark" media="(prefers-color-scheme: dark)">
+<link rel="stylesheet" href="dark.css" id="dark" media="screen and (prefers-color-scheme: dark)">
 <script src="colours.js"></script>
 <script src="functions.js" defer></script>
 <script src="search.js" defer></script>

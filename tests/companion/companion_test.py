@@ -15,10 +15,11 @@ import tempfile
 
 sys.dont_write_bytecode = True
 ROOT = pathlib.Path(__file__).parents[2]
-sys.path += [str(ROOT / "companion"), str(ROOT / "tests/office")]
+sys.path += [str(ROOT / "companion"), str(ROOT / "tests/office"), str(ROOT / "tests/run")]
 
 import uno
 
+from closing import close
 from session import desktop_of_office, open_book
 from vba_project import compressed, encrypted
 
@@ -194,10 +195,7 @@ def main():
         cases.append(("the loaded source", loaded, source.split("\n", 1)[1].rstrip()))
         cases += answers(book)
         book.book.close(True)
-    failed = [f"{name}: {str(got)[:500]}, not {str(expected)[:500]}"
-              for name, got, expected in cases if got != expected]
-    print(*failed, f"{len(cases) - len(failed)} passed, {len(failed)} failed", sep="\n")
-    sys.exit(bool(failed))
+    close(cases)
 
 
 if __name__ == "__main__":

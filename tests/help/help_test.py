@@ -18,10 +18,11 @@ import xml.etree.ElementTree as ElementTree
 
 sys.dont_write_bytecode = True
 ROOT = pathlib.Path(__file__).parents[2]
-sys.path.append(str(ROOT / "help"))
+sys.path += [str(ROOT / "help"), str(ROOT / "tests/run")]
 
 from chm import chm, chmlib
 
+from closing import close
 from number_formats import shown
 from prose import Prose
 from sheet_picture import parsed
@@ -189,10 +190,7 @@ def main():
         cases += compiled(made / "Quillmere4.chm", functions, families)
         cases += argument_help(made / "Quillmere4.intellisense.xml", functions)
         cases += same(made, pathlib.Path(second) / "help")
-    failed = [f"{name}: {str(got)[:500]}, not {str(expected)[:500]}"
-              for name, got, expected in cases if got != expected]
-    print(*failed, f"{len(cases) - len(failed)} passed, {len(failed)} failed", sep="\n")
-    sys.exit(bool(failed))
+    close(cases)
 
 
 if __name__ == "__main__":
