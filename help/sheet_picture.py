@@ -9,8 +9,8 @@ from openpyxl.utils import get_column_letter, range_boundaries
 from number_formats import shown
 
 LOADED_PREFIX = re.compile(r"_xl(?:l|fn|ws|pm)\.")
-# Pixels of one digit, which columns are measured by, and of what is around it.
-DIGIT, PADDING = 6.6, 8
+# Pixels of one digit, which columns are measured by, of a wide letter, and of what is around them.
+DIGIT, LETTER, PADDING = 6.6, 9.5, 8
 GAP = 28  # of a column that is empty
 NUMBERS = 36  # of that of the row numbers
 MOST_FORMULAS = 3  # above a picture
@@ -96,8 +96,9 @@ def picture(formulas, values, place, own, caption):
     told = [((cell.row, cell.column - left), LOADED_PREFIX.sub("", "=" + cell.value.removeprefix("=")))
             for cell in (of_family or found)[:MOST_FORMULAS]]
     widths = column_widths(values)
-    drawn = [widths.get(at, 64) if any(row[at - left].text for row in rows.values()) else GAP
-             for at in range(left, right + 1)]
+    longest = [max(len(row[place].text) for row in rows.values()) for place in range(right + 1 - left)]
+    drawn = [min(widths.get(at, 64), max(round(length * LETTER + PADDING), 64)) if length else GAP
+             for at, length in enumerate(longest, left)]
     return sheet(rows, left, told, caption, drawn)
 
 
