@@ -1,0 +1,54 @@
+// Writes a sample workbook from its description, without the values of its formulas:
+//     sample_writer --functions FOLDER --data FOLDER BOOK.toml OUT.xlsx
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "functions/generator/table_reader.h"
+#include "samples/writer/sample_book.h"
+
+namespace {
+
+using namespace samples;
+
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw std::runtime_error(path.string() + ": cannot be read");
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+/// The names of the add-in's functions, as the tables in the folder declare them.
+std::set<std::string> DeclaredFunctions(const std::string& folder, Diagnostics& diagnostics) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() != ".toml") continue;
+    const auto family = quillmere::generator::ReadFamily(entry.path().string(), ReadFile(entry.path()), diagnostics);
+    for (const auto& function : family.functions) names.insert(function.name);
+  }
+  return names;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  CLI::App app("Writes a sample workbook from its description.");
+  std::string functions, data, description, out;
+  app.add_option("--functions", functions, "folder of the tables of functions")->required();
+  app.add_option("--data", data, "folder of the data")->required();
+  app.add_option("description", description, "what the workbook holds")->required();
+  app.add_option("out", out, "the workbook")->required();
+  CLI11_PARSE(app, count, words);
+  try {
+    Diagnostics diagnostics;
+    const auto names = DeclaredFunctions(functions, diagnostics);
+    const Book book = ReadBook(description, ReadFile(description), names, diagnostics);
+    if (diagnostics.All().empty()) WriteBook(book, data, out, diagnostics);
+    std::cerr << diagnostics.Text();
+    return diagnostics.All().empty() ? 0 : 1;
+  } catch (const std::exception& error) {
+    std::cerr << "sample_writer: " << error.what() << "\n";
+    return 2;
+  }
+}
