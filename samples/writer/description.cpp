@@ -71,12 +71,13 @@ Input ReadInput(const Reading& reading, const toml::table& from) {
 
 Result ReadResult(const Reading& reading, const toml::table& from) {
   const StrictTable table =
-      reading.Table(from, "a result", {"fills", "formula", "header", "quiet", "formats", "labels"});
+      reading.Table(from, "a result", {"fills", "formula", "header", "quiet", "errors", "formats", "labels"});
   Result result;
   result.fills = AreaOf(table, "fills");
   result.formula = table.Text("formula");
   result.hasHeader = table.OptionalBoolean("header");
   result.isQuiet = table.OptionalBoolean("quiet");
+  table.OptionalBoolean("errors");  // that error values are meant is for the tests
   result.formats = table.OptionalTexts("formats");
   result.labels = table.OptionalTexts("labels");
   if (!result.labels.empty() && result.fills.firstRow == 0) table.ComplainAt("labels", "there is no row above");
@@ -103,12 +104,15 @@ Example ReadExample(const Reading& reading, const toml::table& from) {
 }
 
 Chart ReadChart(const Reading& reading, const toml::table& from) {
-  const StrictTable table = reading.Table(from, "a chart", {"at", "title", "type", "series"});
+  const StrictTable table =
+      reading.Table(from, "a chart", {"at", "title", "type", "series", "category_format", "label_every"});
   Chart chart;
   chart.at = AreaOf(table, "at");
   chart.title = table.Text("title");
   chart.type = table.Text("type");
   if (chart.type != "line" && chart.type != "column") table.ComplainAt("type", "a chart is a line or a column");
+  chart.categoryFormat = table.OptionalText("category_format").value_or("");
+  chart.labelEvery = static_cast<int>(table.OptionalInteger("label_every", 1, kXlMaxRows, 0));
   for (const toml::table* series : table.OptionalTables("series")) {
     const StrictTable one = reading.Table(*series, "a series", {"name", "values", "categories"});
     chart.series.push_back({one.Text("name"), one.Text("values"), one.OptionalText("categories").value_or("")});

@@ -66,6 +66,8 @@ struct Chart {
   std::string title;
   std::string type;  ///< "line" or "column"
   std::vector<Series> series;
+  std::string categoryFormat;  ///< how dates of the categories are shown
+  int labelEvery = 0;          ///< every how many categories one is labelled; as Excel likes it when 0
 };
 
 struct Sheet {

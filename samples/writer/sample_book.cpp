@@ -20,6 +20,7 @@ namespace {
 constexpr const char* kStart = "Start here";
 constexpr int kStartNameWidth = 24, kStartTextWidth = 92;
 constexpr double kLineHeight = 15;
+constexpr double kPageWidth = 1'020, kPageHeight = 660;  // of A4 within its margins, in pixels, lying
 
 /// A column is as wide as so many digits; of letters as they come in texts it takes a tenth more.
 int CharactersIn(int width) { return width * 11 / 10; }
@@ -134,7 +135,7 @@ class BookWriter {
     std::vector<bool> isDate(static_cast<std::size_t>(std::get<qcalc::CsvExtent>(loaded).columns));
     from.VisitUsed(from.UsedArea().value(), [&](std::int32_t row, std::int32_t column, const qcalc::CellView& cell) {
       const std::string& numbers = FormatOf(sheet.formats, column);
-      lxw_format* format = styles_.Get(row == 0 ? Style::kDataHeader : Style::kData, row == 0 ? "" : numbers);
+      lxw_format* format = styles_.Get(row == 0 ? Style::kDataHeader : Style::kData, numbers);
       if (cell.IsNumber()) {
         worksheet_write_number(to, Row(row), Column(column), cell.AsNumber(), format);
         return;
@@ -164,12 +165,42 @@ class BookWriter {
     worksheet_set_row(to, 0, 30, nullptr);
     worksheet_freeze_panes(to, 1, 0);
     std::int32_t free = 2;  // the first row that nothing stands in
+    std::vector<lxw_row_t> breaks;
+    const int rowsOfPage = SetScale(sheet, to);
+    std::int32_t page = 0;  // where the last page begins
     for (const Example& example : sheet.examples) {
       if (example.row < free)
         diagnostics_.Add(example.place, "the example begins above row " + std::to_string(free + 1) +
                                             ", up to which the one before it reaches");
       free = WriteExample(sheet, example, to) + 2;
+      if (free - page > rowsOfPage && example.row > 2) {
+        page = example.row;
+        breaks.push_back(Row(page));
+      }
     }
+    breaks.push_back(0);  // the library's end of a list
+    worksheet_set_h_pagebreaks(to, breaks.data());
+  }
+
+  /// Makes the columns fit on a page, on which examples are to stay whole: breaks between them count in Excel only
+  /// beside a scale of one's own. How many rows a page has then.
+  int SetScale(const Sheet& sheet, lxw_worksheet* to) {
+    std::int32_t last = 0;
+    for (const Example& example : sheet.examples) {
+      for (const Input& input : example.inputs) last = std::max(last, input.cells.lastColumn);
+      for (const Result& result : example.results) last = std::max(last, result.fills.lastColumn);
+    }
+    const double scale = std::min(1.0, kPageWidth / PixelsOf(sheet, 0, last));
+    worksheet_set_print_scale(to, static_cast<std::uint16_t>(scale * 100));
+    worksheet_set_margins(to, 0.5, 0.5, 0.6, 0.6);
+    return static_cast<int>(kPageHeight / scale / 20) - 2;  // headings are higher
+  }
+
+  static double PixelsOf(const Sheet& sheet, std::int32_t first, std::int32_t last) {
+    double wide = 0;
+    for (std::int32_t column = first; column <= last; ++column)
+      wide += Column(column) < sheet.widths.size() ? static_cast<double>(sheet.widths[Column(column)]) * 7 + 5 : 64;
+    return wide;
   }
 
   /// The last row that the example takes.
@@ -206,7 +237,7 @@ class BookWriter {
         if (Column(column) >= cells.size()) break;
         const bool isHeader = input.hasHeader && row == 0;
         WriteConstant(to, input.cells.firstRow + row, input.cells.firstColumn + column, cells[Column(column)],
-                      isHeader ? Style::kInputHeader : Style::kInput, isHeader ? "" : FormatOf(input.formats, column));
+                      isHeader ? Style::kInputHeader : Style::kInput, FormatOf(input.formats, column));
       }
   }
 
@@ -234,11 +265,12 @@ class BookWriter {
     const auto format = [&](std::int32_t row, std::int32_t column) {
       const bool isHeader = result.hasHeader && row == fills.firstRow;
       return styles_.Get(isHeader ? Style::kResultHeader : Style::kResult,
-                         isHeader ? "" : FormatOf(result.formats, column - fills.firstColumn));
+                         FormatOf(result.formats, column - fills.firstColumn));
     };
     for (std::size_t column = 0; column < result.labels.size(); ++column)
-      WriteText(to, fills.firstRow - 1, fills.firstColumn + static_cast<std::int32_t>(column), result.labels[column],
-                Style::kResultHeader);
+      worksheet_write_string(to, Row(fills.firstRow - 1), Column(fills.firstColumn + static_cast<int>(column)),
+                             result.labels[column].c_str(),
+                             styles_.Get(Style::kResultHeader, FormatOf(result.formats, static_cast<int>(column))));
     lxw_format* first = format(fills.firstRow, fills.firstColumn);
     if (!result.spills) {
       worksheet_write_formula(to, Row(fills.firstRow), Column(fills.firstColumn), result.stored.c_str(), first);
@@ -262,6 +294,18 @@ class BookWriter {
         lxw_chart_series* line = chart_add_series(
             drawn, series.categories.empty() ? nullptr : series.categories.c_str(), series.values.c_str());
         chart_series_set_name(line, series.name.c_str());
+        // What was measured stands back behind what is made of it.
+        const bool isFirst = &series == &chart.series.front();
+        lxw_chart_line look{};
+        look.color = isFirst ? 0x9DB7DD : 0xC55A11;
+        look.width = isFirst ? 1.0F : 2.25F;
+        if (chart.type == "line") chart_series_set_line(line, &look);
+      }
+      chart_axis_set_label_position(drawn->x_axis, LXW_CHART_AXIS_LABEL_POSITION_LOW);
+      if (!chart.categoryFormat.empty()) chart_axis_set_num_format(drawn->x_axis, chart.categoryFormat.c_str());
+      if (chart.labelEvery > 0) {
+        chart_axis_set_interval_unit(drawn->x_axis, static_cast<std::uint16_t>(chart.labelEvery));
+        chart_axis_set_interval_tick(drawn->x_axis, static_cast<std::uint16_t>(chart.labelEvery));
       }
       chart_title_set_name(drawn, chart.title.c_str());
       chart_legend_set_position(drawn, LXW_CHART_LEGEND_BOTTOM);
@@ -271,11 +315,8 @@ class BookWriter {
 
   /// Over just those cells: a chart is measured in pixels, of which its own size is 480 by 288.
   void InsertChart(const Sheet& sheet, const Area& at, lxw_chart* chart, lxw_worksheet* to) {
-    double wide = 0;
-    for (std::int32_t column = at.firstColumn; column <= at.lastColumn; ++column)
-      wide += Column(column) < sheet.widths.size() ? static_cast<double>(sheet.widths[Column(column)]) * 7 + 5 : 64;
     lxw_chart_options options{};
-    options.x_scale = wide / 480;
+    options.x_scale = PixelsOf(sheet, at.firstColumn, at.lastColumn) / 480;
     options.y_scale = at.Rows() * 20 / 288.0;
     worksheet_insert_chart_opt(to, Row(at.firstRow), Column(at.firstColumn), chart, &options);
   }

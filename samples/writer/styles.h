@@ -27,7 +27,8 @@ class Styles {
  public:
   explicit Styles(lxw_workbook* book) : book_(book) {}
 
-  /// The format of that style that shows numbers in that way; "" is Excel's own.
+  /// The format of that style in a column of numbers that are shown in that way; "" is a column of texts, which stand
+  /// on the left.
   lxw_format* Get(Style style, const std::string& numbers = "");
 
  private:
