@@ -20,7 +20,7 @@ namespace {
 constexpr const char* kStart = "Start here";
 constexpr int kStartNameWidth = 24, kStartTextWidth = 92;
 constexpr double kLineHeight = 15;
-constexpr double kPageWidth = 1'020, kPageHeight = 660;  // of A4 within its margins, in pixels, lying
+constexpr double kPageWidth = 940, kPageHeight = 640;  // of A4 within its margins, in pixels, lying
 
 /// A column is as wide as so many digits; of letters as they come in texts it takes a tenth more.
 int CharactersIn(int width) { return width * 11 / 10; }

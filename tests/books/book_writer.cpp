@@ -1,6 +1,5 @@
 // Writes workbooks to try the calculator on, by a library that knows nothing of it:
 //     book_writer functions DATA.csv EXCEL.txt ADDIN.txt OUT.xlsx   the formulas of two lists, over the data
-//     book_writer sample DATA.csv OUT.xlsx                          a report on the weather, with a chart
 //     book_writer cells ROWS COLUMNS OUT.xlsx                       numbers and texts, every tenth column formulas
 #include <xlsxwriter.h>
 
@@ -31,8 +30,6 @@ struct BookWriter {
     format_set_bg_color(bold, 0xDDEBF7);
     date = workbook_add_format(book);
     format_set_num_format(date, "yyyy-mm-dd hh:mm");
-    decimal = workbook_add_format(book);
-    format_set_num_format(decimal, "0.0");
   }
 
   void Close() {
@@ -42,7 +39,7 @@ struct BookWriter {
   lxw_worksheet* AddSheet(const char* name) const { return workbook_add_worksheet(book, name); }
 
   lxw_workbook* book;
-  lxw_format *bold, *date, *decimal;
+  lxw_format *bold, *date;
 };
 
 lxw_row_t Row(std::int32_t row) { return static_cast<lxw_row_t>(row); }
@@ -132,40 +129,6 @@ void WriteFunctions(const std::string& data, const std::string& excel, const std
   writer.Close();
 }
 
-void WriteSample(const std::string& data, const std::string& out) {
-  BookWriter writer(out);
-  lxw_worksheet* report = writer.AddSheet("Report");
-  lxw_worksheet* sheet = writer.AddSheet("Days");
-  WriteData(writer, sheet, data);
-  const auto text = [&](lxw_row_t row, const char* what) { worksheet_write_string(report, row, 0, what, writer.bold); };
-  const auto spill = [&](lxw_row_t row, lxw_row_t rows, lxw_col_t columns, const char* formula) {
-    worksheet_write_dynamic_array_formula(report, row, 1, row + rows - 1, columns, formula, writer.decimal);
-  };
-  worksheet_set_column(report, 0, 0, 34, nullptr);
-  worksheet_set_column(report, 1, 3, 14, writer.decimal);
-  text(0, "Weather to look for");
-  worksheet_write_string(report, 0, 1, "rain", nullptr);
-  text(1, "Days of it");
-  worksheet_write_formula(report, 1, 1, "=COUNTIF(Days!F2:F1462,B1)", nullptr);
-  text(2, "Rain of those days, mm");
-  worksheet_write_formula(report, 2, 1, "=SUMIF(Days!F2:F1462,B1,Days!B2:B1462)", writer.decimal);
-  text(3, "Wind of 9 January 2012, m/s");
-  worksheet_write_formula(report, 3, 1, "=_xll.AVLOOKUP2(\"2012/01/09\",Days!A1:F1462,5)", writer.decimal);
-  text(4, "Coldest, warmest");
-  worksheet_write_formula(report, 4, 1, "=MIN(Days!D2:D1462)", writer.decimal);
-  worksheet_write_formula(report, 4, 2, "=MAX(Days!C2:C1462)", writer.decimal);
-  text(6, "The wettest days");
-  spill(6, 4, 3,
-        "{=_xll.VSTACK(\"\",{\"date\",\"precipitation\",\"temp_max\"},_xll.FILTER.IFS(0,Days!A2:F1462,{1,2,3},2,\">"
-        "50\"))}");
-  text(12, "Rain added up, January 2015");
-  spill(12, 31, 1, "{=_xll.ACCUMULATE(_xll.FILTER.IFS(0,Days!A2:F1462,2,1,\"~2015/01/*\"))}");
-  lxw_chart* chart = workbook_add_chart(writer.book, LXW_CHART_LINE);
-  chart_add_series(chart, nullptr, "=Report!$B$13:$B$43");
-  worksheet_insert_chart(report, 6, 5, chart);
-  writer.Close();
-}
-
 void WriteCells(std::int32_t rows, std::int32_t columns, const std::string& out) {
   BookWriter writer(out);
   lxw_worksheet* sheet = writer.AddSheet("Cells");
@@ -190,8 +153,6 @@ int main(int count, char** words) try {
   const std::string kind = count > 1 ? words[1] : "";
   if (kind == "functions" && count == 6)
     WriteFunctions(words[2], words[3], words[4], words[5]);
-  else if (kind == "sample" && count == 4)
-    WriteSample(words[2], words[3]);
   else if (kind == "cells" && count == 5)
     WriteCells(std::stoi(words[2]), std::stoi(words[3]), words[4]);
   else

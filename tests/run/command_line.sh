@@ -49,15 +49,15 @@ command_line_suite() {
   fi
   # Books: what is told of one with an error, a circle and an unknown function, and one that holds what it gives.
   printf '=1/0,=C1,=B1,=NOBODY(1),=D1+1,"=SUM(1,2)"\n=A1:B1,=NOBODY(2)\n' >"$folder/wrong.csv"
-  said 0 'weather.xlsx: 48 values compared, 0 different\|.*: 7 formulas, 0 errors, ' \
-    "${qcalc[@]}" calc samples/weather.xlsx --check --threads 3
+  said 0 'tour.xlsx: 1,225 values compared, 0 different\|.*: 14 formulas, 0 errors, ' \
+    "${qcalc[@]}" calc samples/tour.xlsx --check --threads 3
   said 1 'D1 is not calculated: NOBODY at .*: =NOBODY\(1\); nor is wrong!B2\|.*circular reference: wrong!B1 -> wrong!C1 -> wrong!B1\|' \
     "${qcalc[@]}" calc "$folder/wrong.csv"
   said 1 'since they read those: wrong!A2, wrong!E1\|.*errors in wrong!A1\|.*: 2 formulas, 6 not calculated, 1 error, ' \
     "${qcalc[@]}" calc "$folder/wrong.csv" --fail-on-error -o "$folder/out.json"
   said 2 'living.calc: it is no zip file' "${qcalc[@]}" calc "$folder/living.calc"
-  said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" calc samples/weather.xlsx
-  said 4 'the output could not be written: .*nowhere' "${qcalc[@]}" calc samples/weather.xlsx -o "$folder/nowhere/out.csv"
+  said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" calc samples/tour.xlsx
+  said 4 'the output could not be written: .*nowhere' "${qcalc[@]}" calc samples/tour.xlsx -o "$folder/nowhere/out.csv"
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" eval =1
   said 4 "$lost" "${to_full_disk[@]}" "${bad_addin[@]}" run "$folder/living.calc"
   said 4 "$lost" "${to_full_disk[@]}" "${qcalc[@]}" functions

@@ -6,6 +6,7 @@ source tests/run/command_line.sh
 source tests/run/books.sh
 source tests/run/companion.sh
 source tests/run/help.sh
+source tests/run/samples.sh
 
 guarded=build/windows/bin/Quillmere4_guarded.xll
 
@@ -27,6 +28,7 @@ each_suite() {
     "$@" models    asan    model_tests              family 'models, asan'           program asan model_tests
     "$@" unit      asan    unit_tests               family 'unit tests, asan'       program asan unit_tests
     "$@" generator asan    generator_tests          whole  'generator tests, asan'  program asan generator_tests
+    "$@" samples   asan    qcalc,sample_writer      whole  'samples, asan'          samples asan
     "$@" checks    asan    Quillmere4               whole  'the native library'     needed
 
     "$@" faults    windows fault_tests              whole  'faults, guarded pages'  program $windows_faults --addin $guarded
@@ -38,6 +40,7 @@ each_suite() {
     "$@" host      windows qcalc,misbehaving        whole  'command line, Windows'  command_line windows
     "$@" guard     windows fault_guard_tests        whole  'fault guard, Windows'   program windows fault_guard_tests
     "$@" unit      windows unit_tests               whole  'unit tests, Windows'    program windows unit_tests
+    "$@" samples   windows qcalc                    whole  'samples, Windows'       samples windows
     "$@" models    windows model_tests              whole  'models, Windows'        program windows model_tests
     "$@" help      windows qcalc                    whole  'help'                   help windows
 
@@ -58,7 +61,9 @@ declare -A wanted=()
 want() {
   local part
   case $1 in
-    books | checks | companion | faults | fuzz | generator | guard | help | models | pages | scripts | unit) wanted[$1]=all ;;
+    books | checks | companion | faults | fuzz | generator | guard | help | models | package | pages | samples | scripts | unit)
+      wanted[$1]=all
+      ;;
     host)
       wanted[host]=all
       want_some scripts host windows
@@ -94,11 +99,11 @@ run_in() {
 # cheapest.
 run_tests() {
   local word build targets
-  (($#)) || set -- checks faults fuzz generator guard help host models scripts unit
+  (($#)) || set -- checks faults fuzz generator guard help host models samples scripts unit
   for word in "$@"; do
     want "$word" || {
       echo "no tests named '$word'. There are books, checks, companion, faults, fuzz, generator, guard, help, host," \
-        "models, pages, scripts, unit, and of a family: $(families | paste -sd ' ')" >&2
+        "models, package, pages, samples, scripts, unit, and of a family: $(families | paste -sd ' ')" >&2
       return 2
     }
   done
@@ -113,6 +118,7 @@ run_tests() {
   done
   ! is_wanted books whole || run_books
   ! is_wanted companion whole || run_companion
+  ! is_wanted package whole || run_sample_prints
   ! is_wanted pages whole || run_pages
   close_runs
 }
