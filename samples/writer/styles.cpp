@@ -76,14 +76,17 @@ void Apply(lxw_format* format, Style style) {
   }
 }
 
+bool IsHeader(Style style) {
+  return style == Style::kDataHeader || style == Style::kInputHeader || style == Style::kResultHeader;
+}
+
 /// Texts keep away from the numbers on their left, and headers stand above what they head.
 void Align(lxw_format* format, Style style, bool ofNumbers) {
-  const bool isHeader = style == Style::kDataHeader || style == Style::kInputHeader || style == Style::kResultHeader;
-  const bool isCell = isHeader || style == Style::kData || style == Style::kInput || style == Style::kResult;
+  const bool isCell = IsHeader(style) || style == Style::kData || style == Style::kInput || style == Style::kResult;
   if (isCell && !ofNumbers) {
     format_set_align(format, LXW_ALIGN_LEFT);
     format_set_indent(format, 1);
-  } else if (isHeader) {
+  } else if (IsHeader(style)) {
     format_set_align(format, LXW_ALIGN_RIGHT);
   }
 }
@@ -96,7 +99,7 @@ lxw_format* Styles::Get(Style style, const std::string& numbers) {
   format = workbook_add_format(book_);
   Apply(format, style);
   Align(format, style, !numbers.empty());
-  if (!numbers.empty()) format_set_num_format(format, numbers.c_str());
+  if (!numbers.empty() && !IsHeader(style)) format_set_num_format(format, numbers.c_str());
   return format;
 }
 
