@@ -55,7 +55,7 @@ def answers(folder):
                                            for example in sheet.get("example", [])]
         yield f"{book.name} shows", [text for text in headings if text not in words], [], told
         yield f"{book.name} has no unknown name and no cell too narrow", re.findall(r"#NAME\?|###+", words.replace(
-            "without it shows #NAME?", "")), [], told
+            "Without it Excel shows #NAME?", "")), [], told
 
 
 def main():
