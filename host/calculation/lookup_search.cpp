@@ -7,32 +7,32 @@ namespace qcalc {
 
 namespace {
 
-using Place = std::optional<std::int32_t>;
+using FoundAt = std::optional<std::int32_t>;
 
 // A search that ends within so many cells of a column asks for no index and leaves no trace.
 constexpr std::int32_t kShortSearch = 64;
 
 bool AcceptAny(const CellView&) { return true; }
 
-Place FindEqual(const CellView& key, const CellLine& line) {
+FoundAt FindEqual(const CellView& key, const CellLine& line) {
   const auto equals = [&key](const CellView& cell) { return EqualsKey(key, cell); };
   const std::int32_t last = line.Size() - 1;
   const Sheet* sheet = line.ColumnSheet();
   if (!sheet || last < kShortSearch) return line.Find(0, last, key.Kind(), equals);
-  if (const Place near = line.Find(0, kShortSearch - 1, key.Kind(), equals)) return near;
+  if (const FoundAt near = line.Find(0, kShortSearch - 1, key.Kind(), equals)) return near;
   const CellStore& cells = sheet->Cells();
   const std::int32_t firstRow = line.FirstRow();
   if (const auto index = sheet->Indexes().Find(cells, line.SheetColumn())) {
     const auto row = index->FirstRow(cells, key, firstRow + kShortSearch, firstRow + last);
-    return row ? Place(*row - firstRow) : std::nullopt;
+    return row ? FoundAt(*row - firstRow) : std::nullopt;
   }
-  const Place found = line.Find(kShortSearch, last, key.Kind(), equals);
+  const FoundAt found = line.Find(kShortSearch, last, key.Kind(), equals);
   const std::int32_t end = std::min(found.value_or(last), cells.RowsReached(line.SheetColumn()) - firstRow);
   if (end > kShortSearch) sheet->Indexes().NoteScan(cells, line.SheetColumn(), end - kShortSearch);
   return found;
 }
 
-Place FindUnsorted(const CellView& key, const CellLine& line) {
+FoundAt FindUnsorted(const CellView& key, const CellLine& line) {
   if (!key.IsText()) return FindEqual(key, line);
   const LookupPattern pattern(key.AsText());
   if (pattern.HasWildcards())
@@ -59,12 +59,12 @@ std::int32_t EndOfRun(const CellView& key, const CellLine& line, std::int32_t pl
   return place;
 }
 
-Place FindAscending(const CellView& key, const CellLine& line) {
+FoundAt FindAscending(const CellView& key, const CellLine& line) {
   std::int32_t low = -1, high = line.Size();
   while (high - low > 1) {
     std::int32_t middle = low + (high - low) / 2;
     if (line.At(middle).Kind() != key.Kind()) {
-      const Place next = line.Find(middle + 1, high - 1, key.Kind(), AcceptAny);
+      const FoundAt next = line.Find(middle + 1, high - 1, key.Kind(), AcceptAny);
       if (!next || (*next == high - 1 && CompareKey(key, line.At(*next)) < 0)) {
         high = middle;
         continue;
@@ -75,15 +75,15 @@ Place FindAscending(const CellView& key, const CellLine& line) {
     if (order == 0) return EndOfRun(key, line, middle, high);
     (order < 0 ? high : low) = middle;
   }
-  return low < 0 ? std::nullopt : Place(low);
+  return low < 0 ? std::nullopt : FoundAt(low);
 }
 
 // Whether Excel goes through descending cells by halves, too, is not known. From the front on up to the first smaller
 // one gives what it gives on sorted cells.
-Place FindDescending(const CellView& key, const CellLine& line) {
-  Place best;
+FoundAt FindDescending(const CellView& key, const CellLine& line) {
+  FoundAt best;
   std::int32_t from = 0;
-  while (const Place next = line.Find(from, line.Size() - 1, key.Kind(), AcceptAny)) {
+  while (const FoundAt next = line.Find(from, line.Size() - 1, key.Kind(), AcceptAny)) {
     const auto order = CompareKey(key, line.At(*next));
     if (order > 0) break;
     best = next;

@@ -48,9 +48,8 @@ std::optional<FormulaOperator> TakeOperator(TextCursor& cursor, std::span<const 
 bool IsQualified(const FormulaNode& node) { return !node.reference.sheet.empty() || !node.reference.book.empty(); }
 
 bool MayBeReference(const FormulaNode& node) {
-  using Kind = FormulaNode::Kind;
-  if (node.kind == Kind::kConstant) return node.constant.IsError();
-  return node.kind != Kind::kUnary && node.kind != Kind::kBinary;
+  if (node.kind == FormulaNode::Kind::kConstant) return node.constant.IsError();
+  return node.kind != FormulaNode::Kind::kUnary && node.kind != FormulaNode::Kind::kBinary;
 }
 
 }  // namespace

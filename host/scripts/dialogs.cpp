@@ -76,7 +76,7 @@ ScriptAction ParseExpectUntouched(ScriptLine& line) {
   };
 }
 
-constexpr ScriptCommandForm kCommands[] = {
+constexpr ScriptCommandForm kDialogCommands[] = {
     {"dialog", "dialog FUNCTION [TITLE]", ParseDialog},
     {"unnamed-dialog", "unnamed-dialog FUNCTION", ParseUnnamedDialog},
     {"close-dialog", "close-dialog", ParseCloseDialog},
@@ -89,6 +89,6 @@ constexpr ScriptCommandForm kCommands[] = {
 
 }  // namespace
 
-std::span<const ScriptCommandForm> DialogCommands() { return kCommands; }
+std::span<const ScriptCommandForm> DialogCommands() { return kDialogCommands; }
 
 }  // namespace qcalc

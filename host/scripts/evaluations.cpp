@@ -100,7 +100,7 @@ ScriptAction ParseShow(ScriptLine& line) {
   };
 }
 
-constexpr ScriptCommandForm kCommands[] = {
+constexpr ScriptCommandForm kEvaluationCommands[] = {
     {"eval", "eval =FORMULA", ParseEval},
     {"recalc", "recalc N =FORMULA", ParseRecalc},
     {"parallel", "parallel T N =FORMULA", ParseParallel},
@@ -117,6 +117,6 @@ constexpr ScriptCommandForm kCommands[] = {
 
 }  // namespace
 
-std::span<const ScriptCommandForm> EvaluationCommands() { return kCommands; }
+std::span<const ScriptCommandForm> EvaluationCommands() { return kEvaluationCommands; }
 
 }  // namespace qcalc

@@ -132,7 +132,7 @@ ScriptAction ParseExpectUdf(ScriptLine& line) {
   };
 }
 
-constexpr ScriptCommandForm kCommands[] = {
+constexpr ScriptCommandForm kExpectationCommands[] = {
     {"expect", "expect LITERAL or expect =FORMULA", ParseExpect},
     {"expect~", "expect~ LITERAL", ParseExpectNearly},
     {"expect-ref", "expect-ref REF", ParseExpectRef},
@@ -144,6 +144,6 @@ constexpr ScriptCommandForm kCommands[] = {
 
 }  // namespace
 
-std::span<const ScriptCommandForm> ExpectationCommands() { return kCommands; }
+std::span<const ScriptCommandForm> ExpectationCommands() { return kExpectationCommands; }
 
 }  // namespace qcalc

@@ -118,7 +118,7 @@ ScriptAction ParseDoubleFree(ScriptLine&) {
   return [](ScriptRunner& runner) { runner.ItsSession().Host().faults.FreeTwice(); };
 }
 
-constexpr ScriptCommandForm kCommands[] = {
+constexpr ScriptCommandForm kFaultCommands[] = {
     {"fail", "fail NAME CODE [NTH]", ParseFail},
     {"mutate", "mutate ARG null, type N, bits N, length N, dims RxC, pointer or nested", ParseMutate},
     {"fail-alloc", "fail-alloc N [once or on]", ParseFailAlloc},
@@ -129,6 +129,6 @@ constexpr ScriptCommandForm kCommands[] = {
 
 }  // namespace
 
-std::span<const ScriptCommandForm> FaultCommands() { return kCommands; }
+std::span<const ScriptCommandForm> FaultCommands() { return kFaultCommands; }
 
 }  // namespace qcalc

@@ -164,7 +164,7 @@ ScriptAction ParseExpectRtd(ScriptLine& line) {
   };
 }
 
-constexpr ScriptCommandForm kCommands[] = {
+constexpr ScriptCommandForm kObjectCommands[] = {
     {"refuse", "refuse NAME HRESULT [NTH]", ParseRefuse},
     {"com", "com single, com multi or com none", ParseCom},
     {"book-windows", "book-windows on or book-windows off", ParseBookWindows},
@@ -179,6 +179,6 @@ constexpr ScriptCommandForm kCommands[] = {
 
 }  // namespace
 
-std::span<const ScriptCommandForm> ObjectCommands() { return kCommands; }
+std::span<const ScriptCommandForm> ObjectCommands() { return kObjectCommands; }
 
 }  // namespace qcalc

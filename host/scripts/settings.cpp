@@ -156,7 +156,7 @@ ScriptAction ParseLet(ScriptLine& line) {
   };
 }
 
-constexpr ScriptCommandForm kCommands[] = {
+constexpr ScriptCommandForm kSettingCommands[] = {
     {"case", "case TEXT", ParseCase},
     {"book", "book NAME", ParseBook},
     {"sheet", "sheet NAME", ParseSheet},
@@ -176,6 +176,6 @@ constexpr ScriptCommandForm kCommands[] = {
 
 }  // namespace
 
-std::span<const ScriptCommandForm> SettingCommands() { return kCommands; }
+std::span<const ScriptCommandForm> SettingCommands() { return kSettingCommands; }
 
 }  // namespace qcalc

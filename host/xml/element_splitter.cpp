@@ -13,12 +13,12 @@ namespace {
 constexpr std::size_t kFirstBytes = std::size_t{1} << 16;
 constexpr std::size_t kMostBytes = std::size_t{1} << 26;
 // A row of 16,384 cells, each with a formula and all attributes, has two thirds of these.
-constexpr std::size_t kMostMarks = 300'000;
+constexpr std::size_t kMostMarksOfElement = 300'000;
 
 }  // namespace
 
 ElementSplitter::ElementSplitter(TextSource source, std::string_view container)
-    : source_(std::move(source)), container_(container), buffer_(kFirstBytes + 1), gauge_(kMostMarks) {}
+    : source_(std::move(source)), container_(container), buffer_(kFirstBytes + 1), gauge_(kMostMarksOfElement) {}
 
 // The buffer is always filled as far as it goes, and doubled when it holds nothing but one piece, so that looking for
 // markup again after each filling costs no more than reading does. Its last byte is for the zero behind a piece.

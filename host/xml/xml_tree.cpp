@@ -9,7 +9,7 @@ namespace qcalc {
 namespace {
 
 // Of styles and defined names there may be tens of thousands.
-constexpr std::size_t kMostMarks = 2'000'000;
+constexpr std::size_t kMostMarksOfFile = 2'000'000;
 
 const XmlNode* FirstNamed(const XmlNode* node, std::string_view name) {
   while (node && (node->type() != rapidxml::node_element || NameOf(*node) != name)) node = node->next_sibling();
@@ -35,7 +35,7 @@ const XmlNode& XmlParser::Parse(std::string_view element) {
 const XmlNode& XmlParser::ParsePart(std::string part) {
   CheckBytes(part);
   part.erase(0, CheckEncoding(part));
-  XmlGauge gauge(kMostMarks);
+  XmlGauge gauge(kMostMarksOfFile);
   ForEachMarkup(part, [&gauge](const XmlMarkup& markup) { gauge.Count(markup); });
   part_ = std::move(part);
   return Parse(part_);

@@ -19,7 +19,7 @@ class BookFormulaTest : public ModelTest {
     context.caller = {sheet.Id(), {Area::OfCell(1, 4)}};  // E2
   }
   void Define(std::string_view name, std::string_view formula, IDSHEET owner = 0) {
-    sheet.ItsBook().Names().Define(Wide(name), owner, *ParseFormula(formula, FormulaDialect::kBook));
+    sheet.ItsBook().Names().Define(WideText(name), owner, *ParseFormula(formula, FormulaDialect::kBook));
   }
   std::string EvalAs(FormulaForm form, std::string_view formula) {
     context.form = form;

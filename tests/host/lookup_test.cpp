@@ -117,7 +117,7 @@ class RandomColumn : public ModelTest {
         return Value::Boolean(Below(2) == 0);
       case 1:
       case 2:
-        return Value::Text(Wide((Below(2) ? "k" : "K") + std::to_string(Below(kinds_))));
+        return Value::Text(WideText((Below(2) ? "k" : "K") + std::to_string(Below(kinds_))));
       default:
         return Value::Number(Below(9) == 0 ? -0.0 : Below(kinds_));
     }

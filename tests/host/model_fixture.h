@@ -17,7 +17,7 @@
 
 namespace qcalc {
 
-inline XString Wide(std::string_view text) { return FromUtf8(text).value(); }
+inline XString WideText(std::string_view text) { return FromUtf8(text).value(); }
 
 /// GET.REF(U, U) gives its first operand back, GET.VALUE(Q, Q) likewise; both say what arrived. GET.NEXT gives 1, 2, 3.
 class FakeAddin : public IAddinFunctions {

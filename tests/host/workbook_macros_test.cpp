@@ -35,12 +35,12 @@ class WorkbookMacroTest : public ModelTest {
     } else if (content.starts_with("=")) {
       target.SetFormula(area, formula(content));
     } else {
-      target.Set(area, Value::Text(Wide(content)));
+      target.Set(area, Value::Text(WideText(content)));
     }
   }
 
   std::string Call(const std::string& name, const Value& operand) {
-    return PrintLiteral(CallWorkbookMacro(Wide(name + "vba"), operand, context));
+    return PrintLiteral(CallWorkbookMacro(WideText(name + "vba"), operand, context));
   }
   Value ReferenceTo(const Sheet& target, const std::string& references, bool isExchanged) {
     Reference reference{target.Id(), {}};
@@ -48,7 +48,7 @@ class WorkbookMacroTest : public ModelTest {
     for (const ReferenceText& text : *parsed) reference.areas.push_back(isExchanged ? Exchanged(text.area) : text.area);
     return Value::OfReference(std::move(reference));
   }
-  std::string Evaluated(std::string_view text) { return Call("EVAL", Value::Text(Wide(text))); }
+  std::string Evaluated(std::string_view text) { return Call("EVAL", Value::Text(WideText(text))); }
 
   Sheet& across;
 };

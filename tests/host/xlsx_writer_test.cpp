@@ -59,7 +59,8 @@ TEST_F(XlsxWriterTest, CellsByTheirKinds) {
     AppendCellValue(out, "x:", cell);
     return out;
   };
-  const XString text = Wide("a<&>_x0041__x41_") + XTEXT('\r') + static_cast<XCHAR>(0xD800) + Wide("\u00E4\U0001F600");
+  const XString text =
+      WideText("a<&>_x0041__x41_") + XTEXT('\r') + static_cast<XCHAR>(0xD800) + WideText("\u00E4\U0001F600");
   EXPECT_EQ(markup(CellView::Text(text)),
             "<c t=\"str\"><x:v>a&lt;&amp;&gt;_x005F_x0041__x41__x000D__xD800_\u00E4\U0001F600</x:v>");
   EXPECT_EQ(markup(CellView::Text(XTEXT("\n"))), "<c t=\"str\"><x:v xml:space=\"preserve\">\n</x:v>");

@@ -213,31 +213,32 @@ Value CallSubtotal(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("AVERAGE"), 1, kXlMaxArguments, CallAggregate<Aggregate::kAverage>, "r"},
-                                 {XTEXT("COUNT"), 1, kXlMaxArguments, CallCount, "r"},
-                                 {XTEXT("COUNTA"), 1, kXlMaxArguments, CallCounta, "r"},
-                                 {XTEXT("COUNTBLANK"), 1, 1, CallCountblank, "r"},
-                                 {XTEXT("LARGE"), 2, 2, CallRanked<true>, "rv"},
-                                 {XTEXT("MAX"), 1, kXlMaxArguments, CallAggregate<Aggregate::kGreatest>, "r"},
-                                 {XTEXT("MEDIAN"), 1, kXlMaxArguments, CallMedian, "r"},
-                                 {XTEXT("MIN"), 1, kXlMaxArguments, CallAggregate<Aggregate::kLeast>, "r"},
-                                 {XTEXT("PRODUCT"), 1, kXlMaxArguments, CallAggregate<Aggregate::kProduct>, "r"},
-                                 {XTEXT("SMALL"), 2, 2, CallRanked<false>, "rv"},
-                                 {XTEXT("STDEV"), 1, kXlMaxArguments, CallSpread<true, true>, "r"},
-                                 {XTEXT("STDEV.P"), 1, kXlMaxArguments, CallSpread<false, true>, "r"},
-                                 {XTEXT("STDEV.S"), 1, kXlMaxArguments, CallSpread<true, true>, "r"},
-                                 {XTEXT("STDEVP"), 1, kXlMaxArguments, CallSpread<false, true>, "r"},
-                                 {XTEXT("SUBTOTAL"), 2, kXlMaxArguments, CallSubtotal, "vr"},
-                                 {XTEXT("SUM"), 1, kXlMaxArguments, CallAggregate<Aggregate::kSum>, "r"},
-                                 {XTEXT("SUMPRODUCT"), 1, kXlMaxArguments, CallSumproduct, "a"},
-                                 {XTEXT("SUMSQ"), 1, kXlMaxArguments, CallAggregate<Aggregate::kSquares>, "r"},
-                                 {XTEXT("VAR"), 1, kXlMaxArguments, CallSpread<true, false>, "r"},
-                                 {XTEXT("VAR.P"), 1, kXlMaxArguments, CallSpread<false, false>, "r"},
-                                 {XTEXT("VAR.S"), 1, kXlMaxArguments, CallSpread<true, false>, "r"},
-                                 {XTEXT("VARP"), 1, kXlMaxArguments, CallSpread<false, false>, "r"}};
+constexpr Builtin kAggregateBuiltins[] = {
+    {XTEXT("AVERAGE"), 1, kXlMaxArguments, CallAggregate<Aggregate::kAverage>, "r"},
+    {XTEXT("COUNT"), 1, kXlMaxArguments, CallCount, "r"},
+    {XTEXT("COUNTA"), 1, kXlMaxArguments, CallCounta, "r"},
+    {XTEXT("COUNTBLANK"), 1, 1, CallCountblank, "r"},
+    {XTEXT("LARGE"), 2, 2, CallRanked<true>, "rv"},
+    {XTEXT("MAX"), 1, kXlMaxArguments, CallAggregate<Aggregate::kGreatest>, "r"},
+    {XTEXT("MEDIAN"), 1, kXlMaxArguments, CallMedian, "r"},
+    {XTEXT("MIN"), 1, kXlMaxArguments, CallAggregate<Aggregate::kLeast>, "r"},
+    {XTEXT("PRODUCT"), 1, kXlMaxArguments, CallAggregate<Aggregate::kProduct>, "r"},
+    {XTEXT("SMALL"), 2, 2, CallRanked<false>, "rv"},
+    {XTEXT("STDEV"), 1, kXlMaxArguments, CallSpread<true, true>, "r"},
+    {XTEXT("STDEV.P"), 1, kXlMaxArguments, CallSpread<false, true>, "r"},
+    {XTEXT("STDEV.S"), 1, kXlMaxArguments, CallSpread<true, true>, "r"},
+    {XTEXT("STDEVP"), 1, kXlMaxArguments, CallSpread<false, true>, "r"},
+    {XTEXT("SUBTOTAL"), 2, kXlMaxArguments, CallSubtotal, "vr"},
+    {XTEXT("SUM"), 1, kXlMaxArguments, CallAggregate<Aggregate::kSum>, "r"},
+    {XTEXT("SUMPRODUCT"), 1, kXlMaxArguments, CallSumproduct, "a"},
+    {XTEXT("SUMSQ"), 1, kXlMaxArguments, CallAggregate<Aggregate::kSquares>, "r"},
+    {XTEXT("VAR"), 1, kXlMaxArguments, CallSpread<true, false>, "r"},
+    {XTEXT("VAR.P"), 1, kXlMaxArguments, CallSpread<false, false>, "r"},
+    {XTEXT("VAR.S"), 1, kXlMaxArguments, CallSpread<true, false>, "r"},
+    {XTEXT("VARP"), 1, kXlMaxArguments, CallSpread<false, false>, "r"}};
 
 }  // namespace
 
-std::span<const Builtin> AggregateBuiltins() { return kBuiltins; }
+std::span<const Builtin> AggregateBuiltins() { return kAggregateBuiltins; }
 
 }  // namespace qcalc

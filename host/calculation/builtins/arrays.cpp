@@ -48,11 +48,11 @@ Value CallTranspose(const BuiltinCall& call) {
   return Value::OfArray(builder.Finish());
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("SEQUENCE"), 1, 4, CallSequence},
-                                 {XTEXT("TRANSPOSE"), 1, 1, CallTranspose, "a"}};
+constexpr Builtin kArrayBuiltins[] = {{XTEXT("SEQUENCE"), 1, 4, CallSequence},
+                                      {XTEXT("TRANSPOSE"), 1, 1, CallTranspose, "a"}};
 
 }  // namespace
 
-std::span<const Builtin> ArrayBuiltins() { return kBuiltins; }
+std::span<const Builtin> ArrayBuiltins() { return kArrayBuiltins; }
 
 }  // namespace qcalc

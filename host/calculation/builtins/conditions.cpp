@@ -157,7 +157,7 @@ constexpr auto kPairsBehindValues = [] {
   return letters;
 }();
 
-constexpr Builtin kBuiltins[] = {
+constexpr Builtin kConditionBuiltins[] = {
     {XTEXT("AVERAGEIF"), 2, 3, CallIf<Aggregate::kAverage>, "rvr"},
     {XTEXT("AVERAGEIFS"), 3, kXlMaxArguments, CallIfs<Aggregate::kAverage>, kPairsBehindValues.data()},
     {XTEXT("COUNTIF"), 2, 2, CallCountifs, "rv"},
@@ -169,6 +169,6 @@ constexpr Builtin kBuiltins[] = {
 
 }  // namespace
 
-std::span<const Builtin> ConditionBuiltins() { return kBuiltins; }
+std::span<const Builtin> ConditionBuiltins() { return kConditionBuiltins; }
 
 }  // namespace qcalc

@@ -140,25 +140,25 @@ double Now(NumberMarks marks) {
 Value CallNow(const BuiltinCall& call) { return Value::Number(Now(call.context.marks)); }
 Value CallToday(const BuiltinCall& call) { return Value::Number(std::floor(Now(call.context.marks))); }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("DATE"), 3, 3, CallDate},
-                                 {XTEXT("DATEVALUE"), 1, 1, CallReading<false>},
-                                 {XTEXT("DAY"), 1, 1, CallPartOfDay<&CalendarDay::day>},
-                                 {XTEXT("DAYS"), 2, 2, CallDays},
-                                 {XTEXT("EDATE"), 2, 2, CallMonthsOn<false>},
-                                 {XTEXT("EOMONTH"), 2, 2, CallMonthsOn<true>},
-                                 {XTEXT("HOUR"), 1, 1, CallPartOfTime<3600, 24>},
-                                 {XTEXT("MINUTE"), 1, 1, CallPartOfTime<60, 60>},
-                                 {XTEXT("MONTH"), 1, 1, CallPartOfDay<&CalendarDay::month>},
-                                 {XTEXT("NOW"), 0, 0, CallNow, "v", true},
-                                 {XTEXT("SECOND"), 1, 1, CallPartOfTime<1, 60>},
-                                 {XTEXT("TIME"), 3, 3, CallTime},
-                                 {XTEXT("TIMEVALUE"), 1, 1, CallReading<true>},
-                                 {XTEXT("TODAY"), 0, 0, CallToday, "v", true},
-                                 {XTEXT("WEEKDAY"), 1, 2, CallWeekday},
-                                 {XTEXT("YEAR"), 1, 1, CallPartOfDay<&CalendarDay::year>}};
+constexpr Builtin kDateBuiltins[] = {{XTEXT("DATE"), 3, 3, CallDate},
+                                     {XTEXT("DATEVALUE"), 1, 1, CallReading<false>},
+                                     {XTEXT("DAY"), 1, 1, CallPartOfDay<&CalendarDay::day>},
+                                     {XTEXT("DAYS"), 2, 2, CallDays},
+                                     {XTEXT("EDATE"), 2, 2, CallMonthsOn<false>},
+                                     {XTEXT("EOMONTH"), 2, 2, CallMonthsOn<true>},
+                                     {XTEXT("HOUR"), 1, 1, CallPartOfTime<3600, 24>},
+                                     {XTEXT("MINUTE"), 1, 1, CallPartOfTime<60, 60>},
+                                     {XTEXT("MONTH"), 1, 1, CallPartOfDay<&CalendarDay::month>},
+                                     {XTEXT("NOW"), 0, 0, CallNow, "v", true},
+                                     {XTEXT("SECOND"), 1, 1, CallPartOfTime<1, 60>},
+                                     {XTEXT("TIME"), 3, 3, CallTime},
+                                     {XTEXT("TIMEVALUE"), 1, 1, CallReading<true>},
+                                     {XTEXT("TODAY"), 0, 0, CallToday, "v", true},
+                                     {XTEXT("WEEKDAY"), 1, 2, CallWeekday},
+                                     {XTEXT("YEAR"), 1, 1, CallPartOfDay<&CalendarDay::year>}};
 
 }  // namespace
 
-std::span<const Builtin> DateBuiltins() { return kBuiltins; }
+std::span<const Builtin> DateBuiltins() { return kDateBuiltins; }
 
 }  // namespace qcalc

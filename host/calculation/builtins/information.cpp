@@ -79,23 +79,23 @@ Value CallErrorType(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("ERROR.TYPE"), 1, 1, CallErrorType},
-                                 {XTEXT("ISBLANK"), 1, 1, CallTest<IsBlank>},
-                                 {XTEXT("ISERR"), 1, 1, CallTest<IsErrorButNa>},
-                                 {XTEXT("ISERROR"), 1, 1, CallTest<IsError>},
-                                 {XTEXT("ISFORMULA"), 1, 1, CallIsFormula, "r"},
-                                 {XTEXT("ISLOGICAL"), 1, 1, CallTest<IsLogical>},
-                                 {XTEXT("ISNA"), 1, 1, CallTest<IsNa>},
-                                 {XTEXT("ISNONTEXT"), 1, 1, CallTest<IsNonText>},
-                                 {XTEXT("ISNUMBER"), 1, 1, CallTest<IsNumber>},
-                                 {XTEXT("ISREF"), 1, 1, CallIsRef, "r"},
-                                 {XTEXT("ISTEXT"), 1, 1, CallTest<IsText>},
-                                 {XTEXT("N"), 1, 1, CallN, "r"},
-                                 {XTEXT("NA"), 0, 0, CallNa},
-                                 {XTEXT("TYPE"), 1, 1, CallType, "r"}};
+constexpr Builtin kInformationBuiltins[] = {{XTEXT("ERROR.TYPE"), 1, 1, CallErrorType},
+                                            {XTEXT("ISBLANK"), 1, 1, CallTest<IsBlank>},
+                                            {XTEXT("ISERR"), 1, 1, CallTest<IsErrorButNa>},
+                                            {XTEXT("ISERROR"), 1, 1, CallTest<IsError>},
+                                            {XTEXT("ISFORMULA"), 1, 1, CallIsFormula, "r"},
+                                            {XTEXT("ISLOGICAL"), 1, 1, CallTest<IsLogical>},
+                                            {XTEXT("ISNA"), 1, 1, CallTest<IsNa>},
+                                            {XTEXT("ISNONTEXT"), 1, 1, CallTest<IsNonText>},
+                                            {XTEXT("ISNUMBER"), 1, 1, CallTest<IsNumber>},
+                                            {XTEXT("ISREF"), 1, 1, CallIsRef, "r"},
+                                            {XTEXT("ISTEXT"), 1, 1, CallTest<IsText>},
+                                            {XTEXT("N"), 1, 1, CallN, "r"},
+                                            {XTEXT("NA"), 0, 0, CallNa},
+                                            {XTEXT("TYPE"), 1, 1, CallType, "r"}};
 
 }  // namespace
 
-std::span<const Builtin> InformationBuiltins() { return kBuiltins; }
+std::span<const Builtin> InformationBuiltins() { return kInformationBuiltins; }
 
 }  // namespace qcalc

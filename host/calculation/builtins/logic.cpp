@@ -57,15 +57,15 @@ Value CallNot(const BuiltinCall& call) {
 Value CallTrue(const BuiltinCall&) { return Value::Boolean(true); }
 Value CallFalse(const BuiltinCall&) { return Value::Boolean(false); }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("AND"), 1, kXlMaxArguments, CallAnd, "r"},
-                                 {XTEXT("FALSE"), 0, 0, CallFalse},
-                                 {XTEXT("NOT"), 1, 1, CallNot},
-                                 {XTEXT("OR"), 1, kXlMaxArguments, CallOr, "r"},
-                                 {XTEXT("TRUE"), 0, 0, CallTrue},
-                                 {XTEXT("XOR"), 1, kXlMaxArguments, CallXor, "r"}};
+constexpr Builtin kLogicBuiltins[] = {{XTEXT("AND"), 1, kXlMaxArguments, CallAnd, "r"},
+                                      {XTEXT("FALSE"), 0, 0, CallFalse},
+                                      {XTEXT("NOT"), 1, 1, CallNot},
+                                      {XTEXT("OR"), 1, kXlMaxArguments, CallOr, "r"},
+                                      {XTEXT("TRUE"), 0, 0, CallTrue},
+                                      {XTEXT("XOR"), 1, kXlMaxArguments, CallXor, "r"}};
 
 }  // namespace
 
-std::span<const Builtin> LogicBuiltins() { return kBuiltins; }
+std::span<const Builtin> LogicBuiltins() { return kLogicBuiltins; }
 
 }  // namespace qcalc

@@ -97,13 +97,13 @@ Value CallLookup(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("HLOOKUP"), 3, 4, CallTableLookup<true>, "vrv"},
-                                 {XTEXT("LOOKUP"), 2, 3, CallLookup, "vaa"},
-                                 {XTEXT("MATCH"), 2, 3, CallMatch, "vrv"},
-                                 {XTEXT("VLOOKUP"), 3, 4, CallTableLookup<false>, "vrv"}};
+constexpr Builtin kLookupBuiltins[] = {{XTEXT("HLOOKUP"), 3, 4, CallTableLookup<true>, "vrv"},
+                                       {XTEXT("LOOKUP"), 2, 3, CallLookup, "vaa"},
+                                       {XTEXT("MATCH"), 2, 3, CallMatch, "vrv"},
+                                       {XTEXT("VLOOKUP"), 3, 4, CallTableLookup<false>, "vrv"}};
 
 }  // namespace
 
-std::span<const Builtin> LookupBuiltins() { return kBuiltins; }
+std::span<const Builtin> LookupBuiltins() { return kLookupBuiltins; }
 
 }  // namespace qcalc

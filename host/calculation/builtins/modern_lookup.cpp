@@ -127,11 +127,11 @@ Value CallXlookup(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("XLOOKUP"), 3, 6, CallXlookup, "vrrrv"},
-                                 {XTEXT("XMATCH"), 2, 4, CallXmatch, "vrv"}};
+constexpr Builtin kSearchBuiltins[] = {{XTEXT("XLOOKUP"), 3, 6, CallXlookup, "vrrrv"},
+                                       {XTEXT("XMATCH"), 2, 4, CallXmatch, "vrv"}};
 
 }  // namespace
 
-std::span<const Builtin> SearchBuiltins() { return kBuiltins; }
+std::span<const Builtin> SearchBuiltins() { return kSearchBuiltins; }
 
 }  // namespace qcalc

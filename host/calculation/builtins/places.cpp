@@ -137,13 +137,13 @@ Value CallIndirect(const BuiltinCall& call) {
   return isA1.IsError() ? isA1 : ReferenceNamed(name.AsText(), isA1.AsBoolean(), call.context);
 }
 
-constexpr Builtin kBuiltins[] = {
+constexpr Builtin kPlaceBuiltins[] = {
     {XTEXT("ADDRESS"), 2, 5, CallAddress},           {XTEXT("AREAS"), 1, 1, CallAreas, "r"},
     {XTEXT("COLUMN"), 0, 1, CallLines<false>, "r"},  {XTEXT("INDIRECT"), 1, 2, CallIndirect, "v", true},
     {XTEXT("OFFSET"), 3, 5, CallOffset, "rv", true}, {XTEXT("ROW"), 0, 1, CallLines<true>, "r"}};
 
 }  // namespace
 
-std::span<const Builtin> PlaceBuiltins() { return kBuiltins; }
+std::span<const Builtin> PlaceBuiltins() { return kPlaceBuiltins; }
 
 }  // namespace qcalc

@@ -114,12 +114,12 @@ Value CallIndex(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("COLUMNS"), 1, 1, CallColumns, "r"},
-                                 {XTEXT("INDEX"), 2, 4, CallIndex, "rv"},
-                                 {XTEXT("ROWS"), 1, 1, CallRows, "r"}};
+constexpr Builtin kReferenceBuiltins[] = {{XTEXT("COLUMNS"), 1, 1, CallColumns, "r"},
+                                          {XTEXT("INDEX"), 2, 4, CallIndex, "rv"},
+                                          {XTEXT("ROWS"), 1, 1, CallRows, "r"}};
 
 }  // namespace
 
-std::span<const Builtin> ReferenceBuiltins() { return kBuiltins; }
+std::span<const Builtin> ReferenceBuiltins() { return kReferenceBuiltins; }
 
 }  // namespace qcalc

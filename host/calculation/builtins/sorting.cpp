@@ -185,12 +185,12 @@ Value CallFilter(const BuiltinCall& call) {
   return instead.IsMissing() ? Value::Error(kErrorCalc) : instead;
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("FILTER"), 2, 3, CallFilter, "a"},
-                                 {XTEXT("SORT"), 1, 4, CallSort, "a"},
-                                 {XTEXT("UNIQUE"), 1, 3, CallUnique, "avv"}};
+constexpr Builtin kSortBuiltins[] = {{XTEXT("FILTER"), 2, 3, CallFilter, "a"},
+                                     {XTEXT("SORT"), 1, 4, CallSort, "a"},
+                                     {XTEXT("UNIQUE"), 1, 3, CallUnique, "avv"}};
 
 }  // namespace
 
-std::span<const Builtin> SortBuiltins() { return kBuiltins; }
+std::span<const Builtin> SortBuiltins() { return kSortBuiltins; }
 
 }  // namespace qcalc

@@ -149,21 +149,21 @@ XString Proper(const XString& text) {
   return result;
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("CLEAN"), 1, 1, CallChange<Cleaned>},
-                                 {XTEXT("FIND"), 2, 3, CallFind},
-                                 {XTEXT("LEFT"), 1, 2, CallEnd<false>},
-                                 {XTEXT("LOWER"), 1, 1, CallChange<SmallLetters>},
-                                 {XTEXT("MID"), 3, 3, CallMid},
-                                 {XTEXT("PROPER"), 1, 1, CallChange<Proper>},
-                                 {XTEXT("REPLACE"), 4, 4, CallReplace},
-                                 {XTEXT("RIGHT"), 1, 2, CallEnd<true>},
-                                 {XTEXT("SEARCH"), 2, 3, CallSearch},
-                                 {XTEXT("SUBSTITUTE"), 3, 4, CallSubstitute},
-                                 {XTEXT("TRIM"), 1, 1, CallChange<Trimmed>},
-                                 {XTEXT("UPPER"), 1, 1, CallChange<Capitals>}};
+constexpr Builtin kTextPartBuiltins[] = {{XTEXT("CLEAN"), 1, 1, CallChange<Cleaned>},
+                                         {XTEXT("FIND"), 2, 3, CallFind},
+                                         {XTEXT("LEFT"), 1, 2, CallEnd<false>},
+                                         {XTEXT("LOWER"), 1, 1, CallChange<SmallLetters>},
+                                         {XTEXT("MID"), 3, 3, CallMid},
+                                         {XTEXT("PROPER"), 1, 1, CallChange<Proper>},
+                                         {XTEXT("REPLACE"), 4, 4, CallReplace},
+                                         {XTEXT("RIGHT"), 1, 2, CallEnd<true>},
+                                         {XTEXT("SEARCH"), 2, 3, CallSearch},
+                                         {XTEXT("SUBSTITUTE"), 3, 4, CallSubstitute},
+                                         {XTEXT("TRIM"), 1, 1, CallChange<Trimmed>},
+                                         {XTEXT("UPPER"), 1, 1, CallChange<Capitals>}};
 
 }  // namespace
 
-std::span<const Builtin> TextPartBuiltins() { return kBuiltins; }
+std::span<const Builtin> TextPartBuiltins() { return kTextPartBuiltins; }
 
 }  // namespace qcalc

@@ -221,23 +221,23 @@ Value CallValue(const BuiltinCall& call) {
   });
 }
 
-constexpr Builtin kBuiltins[] = {{XTEXT("CHAR"), 1, 1, CallChar},
-                                 {XTEXT("CODE"), 1, 1, CallCode},
-                                 {XTEXT("CONCAT"), 1, kXlMaxArguments, CallConcat, "r"},
-                                 {XTEXT("CONCATENATE"), 1, kXlMaxArguments, CallConcatenate},
-                                 {XTEXT("EXACT"), 2, 2, CallExact},
-                                 {XTEXT("FIXED"), 1, 3, CallFixed},
-                                 {XTEXT("TEXTJOIN"), 3, kXlMaxArguments, CallTextjoin, "rvr"},
-                                 {XTEXT("UNICODE"), 1, 1, CallUnicode},
-                                 {XTEXT("LEN"), 1, 1, CallLen},
-                                 {XTEXT("REPT"), 2, 2, CallRept},
-                                 {XTEXT("T"), 1, 1, CallT, "r"},
-                                 {XTEXT("TEXT"), 2, 2, CallText},
-                                 {XTEXT("UNICHAR"), 1, 1, CallUnichar},
-                                 {XTEXT("VALUE"), 1, 1, CallValue}};
+constexpr Builtin kTextBuiltins[] = {{XTEXT("CHAR"), 1, 1, CallChar},
+                                     {XTEXT("CODE"), 1, 1, CallCode},
+                                     {XTEXT("CONCAT"), 1, kXlMaxArguments, CallConcat, "r"},
+                                     {XTEXT("CONCATENATE"), 1, kXlMaxArguments, CallConcatenate},
+                                     {XTEXT("EXACT"), 2, 2, CallExact},
+                                     {XTEXT("FIXED"), 1, 3, CallFixed},
+                                     {XTEXT("TEXTJOIN"), 3, kXlMaxArguments, CallTextjoin, "rvr"},
+                                     {XTEXT("UNICODE"), 1, 1, CallUnicode},
+                                     {XTEXT("LEN"), 1, 1, CallLen},
+                                     {XTEXT("REPT"), 2, 2, CallRept},
+                                     {XTEXT("T"), 1, 1, CallT, "r"},
+                                     {XTEXT("TEXT"), 2, 2, CallText},
+                                     {XTEXT("UNICHAR"), 1, 1, CallUnichar},
+                                     {XTEXT("VALUE"), 1, 1, CallValue}};
 
 }  // namespace
 
-std::span<const Builtin> TextBuiltins() { return kBuiltins; }
+std::span<const Builtin> TextBuiltins() { return kTextBuiltins; }
 
 }  // namespace qcalc
