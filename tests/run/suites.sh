@@ -7,6 +7,7 @@ source tests/run/books.sh
 source tests/run/companion.sh
 source tests/run/help.sh
 source tests/run/samples.sh
+source tests/run/package.sh
 
 guarded=build/windows/bin/Quillmere4_guarded.xll
 
@@ -43,6 +44,8 @@ each_suite() {
     "$@" samples   windows qcalc                    whole  'samples, Windows'       samples windows
     "$@" models    windows model_tests              whole  'models, Windows'        program windows model_tests
     "$@" help      windows qcalc                    whole  'help'                   help windows
+    "$@" setup     windows qcalc                    whole  'setup'                  setup
+    "$@" package   windows qcalc                    whole  'the Windows library'    needed
 
     "$@" fuzz      fuzz    fuzzers                  whole  'fuzzers'                fuzzers
 
@@ -61,9 +64,8 @@ declare -A wanted=()
 want() {
   local part
   case $1 in
-    books | checks | companion | faults | fuzz | generator | guard | help | models | package | pages | samples | scripts | unit)
-      wanted[$1]=all
-      ;;
+    books | checks | companion | faults | fuzz | generator | guard | help | models | package | pages | samples | scripts | \
+      setup | unit) wanted[$1]=all ;;
     host)
       wanted[host]=all
       want_some scripts host windows
@@ -95,15 +97,15 @@ run_in() {
   at_once "${runner}_suite" "$name" "$part" "${wanted[$part]}" "${@:8}"
 }
 
-# run_tests [WORD...]: the parts of that name, or all that need no LibreOffice or Chromium; native ones first, since their build is the
-# cheapest.
+# run_tests [WORD...]: the parts of that name, or all that need no LibreOffice or Chromium and build nothing twice; native
+# ones first, since their build is the cheapest.
 run_tests() {
   local word build targets
-  (($#)) || set -- checks faults fuzz generator guard help host models samples scripts unit
+  (($#)) || set -- checks faults fuzz generator guard help host models samples scripts setup unit
   for word in "$@"; do
     want "$word" || {
       echo "no tests named '$word'. There are books, checks, companion, faults, fuzz, generator, guard, help, host," \
-        "models, package, pages, samples, scripts, unit, and of a family: $(families | paste -sd ' ')" >&2
+        "models, package, pages, samples, scripts, setup, unit, and of a family: $(families | paste -sd ' ')" >&2
       return 2
     }
   done
@@ -120,5 +122,6 @@ run_tests() {
   ! is_wanted companion whole || run_companion
   ! is_wanted package whole || run_sample_prints
   ! is_wanted pages whole || run_pages
+  ! is_wanted package whole || run_package
   close_runs
 }

@@ -1,0 +1,48 @@
+# shellcheck shell=bash disable=SC2154
+# What a user installs.
+
+# Makes the package twice, and installs it. Wine is one of its own, with the files of the other: this one's Excel must not
+# be the windows of other suites.
+setup_suite() {
+  local name=$1 log=$logs/$1.log good=0 bad=1 folder=$root/$logs/package file registry
+  export WINEPREFIX=$root/build/wine-setup
+  rm -rf "$WINEPREFIX"
+  cp -al "$root/build/wine" "$WINEPREFIX"
+  for registry in system user userdef; do
+    cp --remove-destination "$root/build/wine/$registry.reg" "$WINEPREFIX"
+  done
+  start_wineserver
+  if silently pack "$folder/first" 2>"$log" && silently pack "$folder/second" 2>"$log"; then
+    read -r good bad < <(run_scripts "$log" tests/package/setup_test.py "$folder/first" build/windows/bin/qcalc.exe) ||
+      good=0 bad=1
+    for file in "$folder"/first/Quillmere4-*; do
+      if cmp "$file" "$folder/second/${file##*/}" >>"$log" 2>&1; then
+        good=$((good + 1))
+      else
+        bad=$((bad + 1))
+      fi
+    done
+  fi
+  wineserver -k || true
+  report "$name" "$good" "$bad"
+}
+
+# The add-in once more, of a clone in another folder and without the compiler's cache: the same bytes.
+run_package() {
+  local folder good=0 bad=0
+  folder=$(mktemp -d)
+  if (
+    git clone -q "$root" "$folder/elsewhere"
+    cd "$folder/elsewhere"
+    export CCACHE_DISABLE=1
+    cmake --preset windows
+    cmake --build --preset windows --target Quillmere4
+    cmp "$root/build/windows/bin/Quillmere4.xll" build/windows/bin/Quillmere4.xll
+  ) >"$logs/package.log" 2>&1; then
+    good=1
+  else
+    bad=1
+  fi
+  rm -rf "$folder"
+  report package "$good" "$bad"
+}
