@@ -2,7 +2,8 @@
 ;   makensis -DOUT=FOLDER quillmere.nsi
 ; where FOLDER has what make_package.py wrote there: files.nsh, which says version, size and files, and the files.
 ;
-; Exit codes: 0 done, 1 cancelled, 2 a file could not be written, 3 Excel is 32-bit, 4 Excel is running.
+; Exit codes: 0 done, 1 cancelled, 2 a file could not be written, 3 Excel is 32-bit, 4 Excel is running or
+; has a file of ours in use.
 Target amd64-unicode
 RequestExecutionLevel user
 ManifestDPIAware true
@@ -18,7 +19,7 @@ AllowSkipFiles off
 !define PROGRAMS_KEY Software\Microsoft\Windows\CurrentVersion\Uninstall
 !define UNINSTALL_KEY ${PROGRAMS_KEY}\Quillmere4
 !define OFFICE_KEY Software\Microsoft\Office
-!define RUNNING "Excel is running. Save your work and close Excel, then try again."
+!define RUNNING "Excel is running, or the help of Quillmere is open. Save your work and close it, then try again."
 !define THIRTY_TWO_BITS "Excel on this computer is 32-bit, and Quillmere needs 64-bit Excel. In Excel, \
 File > Account > About Excel shows which one it is. Nothing was installed."
 
@@ -35,13 +36,15 @@ VIAddVersionKey FileVersion ${VERSION}
 VIAddVersionKey ProductVersion ${VERSION}
 VIAddVersionKey LegalCopyright "The authors of Quillmere"
 
+!define MUI_ICON "${NSISDIR}/Contrib/Graphics/Icons/nsis3-install.ico"
+!define MUI_UNICON "${NSISDIR}/Contrib/Graphics/Icons/nsis3-uninstall.ico"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${NSISDIR}/Contrib/Graphics/Wizard/nsis3-metro.bmp"
 !define MUI_WELCOMEPAGE_TEXT "This installs Quillmere ${VERSION}, worksheet functions for 64-bit Excel, for you alone; \
-no administrator is needed.$\r$\n$\r$\nPlease close Excel first.$\r$\n$\r$\nIt goes to $INSTDIR, and is removed again in \
-Windows' Settings > Apps."
+no administrator is needed.$\r$\n$\r$\nPlease close Excel first.$\r$\n$\r$\nRemove it again in Windows' Settings > Apps."
 !define MUI_FINISHPAGE_TITLE "Quillmere is installed"
-!define MUI_FINISHPAGE_TEXT "Excel loads it from its next start on.$\r$\n$\r$\nStart Excel, and type into a cell:\
-$\r$\n$\r$\n    =REVERSE.TEXT($\"Excel$\")$\r$\n$\r$\nIt gives lecxE. Help and sample workbooks are in the Start menu, \
-under Quillmere."
+!define MUI_FINISHPAGE_TEXT_LARGE
+!define MUI_FINISHPAGE_TEXT "Excel loads it from its next start on. To try it, type into a cell:$\r$\n$\r$\n\
+    =REVERSE.TEXT($\"Excel$\")$\r$\n$\r$\nIt gives lecxE. Help and sample workbooks are in the Start menu."
 !define MUI_FINISHPAGE_SHOWREADME "$INSTDIR\help\index.html"
 !define MUI_FINISHPAGE_SHOWREADME_TEXT "Show the help"
 !insertmacro MUI_PAGE_WELCOME
@@ -51,21 +54,26 @@ under Quillmere."
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE English
 
-; Ends with 4 as long as Excel runs, or anything else that has the add-in in use: an Excel that another program started
-; shows no window.
+; $0 becomes 1 if an installed file is in use.
+!macro FindUse FILE
+  ${If} ${FileExists} "$INSTDIR\${FILE}"
+    ClearErrors
+    FileOpen $1 "$INSTDIR\${FILE}" a
+    ${If} ${Errors}
+      StrCpy $0 1
+    ${Else}
+      FileClose $1
+    ${EndIf}
+  ${EndIf}
+!macroend
+
+; Ends with 4 as long as Excel runs, or has the add-in in use: an Excel that another program started shows no window. Help
+; that is open could not be replaced either.
 !macro RefuseWhileExcelRuns
   ${Do}
     FindWindow $0 XLMAIN
-    StrCpy $1 ""
-    ${If} ${FileExists} "$INSTDIR\${ADDIN}"
-      ClearErrors
-      FileOpen $1 "$INSTDIR\${ADDIN}" a
-      ${If} ${Errors}
-        StrCpy $0 1
-      ${Else}
-        FileClose $1
-      ${EndIf}
-    ${EndIf}
+    !insertmacro FindUse ${ADDIN}
+    !insertmacro FindUse Quillmere4.chm
     ${If} $0 = 0
       ${Break}
     ${EndIf}
@@ -221,6 +229,7 @@ Section
   ${If} ${FileExists} "$0\Uninstall.exe"
     ExecWait '"$0\Uninstall.exe" /S _?=$0' $1
     ${If} $1 <> 0
+      MessageBox MB_OK|MB_ICONSTOP "The version that is there could not be removed. Is Excel running?" /SD IDOK
       SetErrorLevel $1
       Quit
     ${EndIf}
