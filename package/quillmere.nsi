@@ -84,10 +84,10 @@ no administrator is needed.$\r$\n$\r$\nPlease close Excel first.$\r$\n$\r$\nRemo
   ${Loop}
 !macroend
 
-; Of the list of add-ins that Excel opens at its start, in the key $Options: the values OPEN, OPEN1, OPEN2 and so on, of
-; which Excel reads none behind a gap. Takes ours out, whichever folder they name, and moves the others up in their order;
-; with $Adding = 1 puts ours behind them. Add-ins without a tick, which are names in another key, lose ours too.
-Var Options
+; The add-ins that Excel opens at its start, in the key $ExcelKey\Options: the values OPEN, OPEN1, OPEN2 and so on, of which
+; Excel reads none behind a gap. WriteLists takes ours out, whichever folder they name, and moves the others up in their
+; order; with $Adding = 1 it puts ours behind them. Add-ins without a tick, in the key Add-in Manager, lose ours too.
+Var ExcelKey
 Var Adding
 
 !macro ExcelLists un
@@ -112,16 +112,16 @@ Function ${un}WriteLists
   ${For} $R3 0 999
     !insertmacro OpenName $1 $R3
     ClearErrors
-    ReadRegStr $2 HKCU "$Options\Options" $1
+    ReadRegStr $2 HKCU "$ExcelKey\Options" $1
     ${IfNot} ${Errors}
       Call ${un}NamesOurs
       ${If} $3 = 1
-        DeleteRegValue HKCU "$Options\Options" $1
+        DeleteRegValue HKCU "$ExcelKey\Options" $1
       ${Else}
         ${If} $R2 < $R3
           !insertmacro OpenName $4 $R2
-          WriteRegStr HKCU "$Options\Options" $4 $2
-          DeleteRegValue HKCU "$Options\Options" $1
+          WriteRegStr HKCU "$ExcelKey\Options" $4 $2
+          DeleteRegValue HKCU "$ExcelKey\Options" $1
         ${EndIf}
         IntOp $R2 $R2 + 1
       ${EndIf}
@@ -129,22 +129,22 @@ Function ${un}WriteLists
   ${Next}
   ${If} $Adding = 1
     !insertmacro OpenName $1 $R2
-    WriteRegStr HKCU "$Options\Options" $1 '/R "$INSTDIR\${ADDIN}"'
+    WriteRegStr HKCU "$ExcelKey\Options" $1 '/R "$INSTDIR\${ADDIN}"'
     IntOp $R2 $R2 + 1
     !insertmacro OpenName $1 $R2
-    WriteRegStr HKCU "$Options\Options" $1 '"$INSTDIR\${COMPANION}"'
+    WriteRegStr HKCU "$ExcelKey\Options" $1 '"$INSTDIR\${COMPANION}"'
   ${EndIf}
 
   StrCpy $R3 0
   ${Do}
     ClearErrors
-    EnumRegValue $2 HKCU "$Options\Add-in Manager" $R3
+    EnumRegValue $2 HKCU "$ExcelKey\Add-in Manager" $R3
     ${If} ${Errors}
       ${Break}
     ${EndIf}
     Call ${un}NamesOurs
     ${If} $3 = 1
-      DeleteRegValue HKCU "$Options\Add-in Manager" $2
+      DeleteRegValue HKCU "$ExcelKey\Add-in Manager" $2
     ${Else}
       IntOp $R3 $R3 + 1
     ${EndIf}
@@ -242,12 +242,12 @@ Section
   WriteUninstaller "$INSTDIR\Uninstall.exe"
 
   StrCpy $Adding 1
-  StrCpy $Options "${OFFICE_KEY}\16.0\Excel"
+  StrCpy $ExcelKey "${OFFICE_KEY}\16.0\Excel"
   Call WriteLists
   !macro WriteListsOf OFFICE
-    StrCpy $Options "${OFFICE_KEY}\${OFFICE}\Excel"
+    StrCpy $ExcelKey "${OFFICE_KEY}\${OFFICE}\Excel"
     ClearErrors
-    EnumRegKey $0 HKCU $Options 0
+    EnumRegKey $0 HKCU $ExcelKey 0
     ${IfNot} ${Errors}
       Call WriteLists
     ${EndIf}
@@ -273,11 +273,11 @@ SectionEnd
 Section Uninstall
   StrCpy $Adding 0
   !macro RemoveFrom OFFICE
-    StrCpy $Options "${OFFICE_KEY}\${OFFICE}\Excel"
+    StrCpy $ExcelKey "${OFFICE_KEY}\${OFFICE}\Excel"
     Call un.WriteLists
     ; Where Excel never started, these keys came with us.
-    DeleteRegKey /ifempty HKCU "$Options\Options"
-    DeleteRegKey /ifempty HKCU $Options
+    DeleteRegKey /ifempty HKCU "$ExcelKey\Options"
+    DeleteRegKey /ifempty HKCU $ExcelKey
     DeleteRegKey /ifempty HKCU "${OFFICE_KEY}\${OFFICE}"
   !macroend
   !insertmacro RemoveFrom 16.0
