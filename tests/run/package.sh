@@ -4,13 +4,13 @@
 # Makes the package twice, and installs it. Wine is one of its own, with the files of the other: this one's Excel must not
 # be the windows of other suites.
 setup_suite() {
-  local name=$1 log=$logs/$1.log good=0 bad=1 folder=$root/$logs/package file registry
+  local name=$1 log=$logs/$1.log good=0 bad=1 folder=$root/$logs/package file
   export WINEPREFIX=$root/build/wine-setup
   rm -rf "$WINEPREFIX"
-  cp -al "$root/build/wine" "$WINEPREFIX"
-  for registry in system user userdef; do
-    cp --remove-destination "$root/build/wine/$registry.reg" "$WINEPREFIX"
-  done
+  mkdir -p "$WINEPREFIX"
+  cp -a "$root"/build/wine/{*.reg,.update-timestamp,dosdevices} "$WINEPREFIX"
+  # Temporary files of other suites come and go while this goes through them.
+  cp -al "$root/build/wine/drive_c" "$WINEPREFIX" 2>/dev/null || true
   start_wineserver
   if silently pack "$folder/first" 2>"$log" && silently pack "$folder/second" 2>"$log"; then
     read -r good bad < <(run_scripts "$log" tests/package/setup_test.py "$folder/first" build/windows/bin/qcalc.exe) ||
@@ -32,12 +32,12 @@ run_package() {
   local folder good=0 bad=0
   folder=$(mktemp -d)
   if (
-    git clone -q "$root" "$folder/elsewhere"
-    cd "$folder/elsewhere"
-    export CCACHE_DISABLE=1
-    cmake --preset windows
-    cmake --build --preset windows --target Quillmere4
-    cmp "$root/build/windows/bin/Quillmere4.xll" build/windows/bin/Quillmere4.xll
+    git clone -q "$root" "$folder/elsewhere" &&
+      cd "$folder/elsewhere" &&
+      export CCACHE_DISABLE=1 &&
+      cmake --preset windows &&
+      cmake --build --preset windows --target Quillmere4 &&
+      cmp "$root/build/windows/bin/Quillmere4.xll" build/windows/bin/Quillmere4.xll
   ) >"$logs/package.log" 2>&1; then
     good=1
   else
