@@ -27,8 +27,9 @@ setup_suite() {
   report "$name" "$good" "$bad"
 }
 
-# The add-in once more, of a clone in another folder and without the compiler's cache: the same bytes.
-run_package() {
+# The add-in once more, of a clone in another folder and without the compiler's cache: the same bytes. Part of the suite that
+# is left out of all.
+run_second_build() {
   local folder good=0 bad=0
   folder=$(mktemp -d)
   if (

@@ -122,6 +122,6 @@ run_tests() {
   ! is_wanted companion whole || run_companion
   ! is_wanted package whole || run_sample_prints
   ! is_wanted pages whole || run_pages
-  ! is_wanted package whole || run_package
+  ! is_wanted package whole || run_second_build
   close_runs
 }
