@@ -23,8 +23,10 @@ sys.path += [str(ROOT / "help"), str(ROOT / "tests/run")]
 from chm import chm, chmlib
 
 from closing import close
+from function_pages import Help
 from number_formats import shown
 from prose import Prose
+from readme_list import with_list
 from sheet_picture import parsed
 
 SHOWN = [(7 / 3, "General", "2.333333333"), (1e11 / 3, "General", "3.33333E+10"), (0.125, "0%", "13%"),
@@ -181,6 +183,8 @@ def main():
     cases = [(f"{value} as {form}", shown(value, form), text) for value, form, text in SHOWN]
     cases += [(text, Prose({"VSTACKF": "f"}, None, {"Fill"}).line(text), written) for text, written in PROSE]
     cases.append(("an array", parsed('{"a;""",-1.5;#N/A,TRUE}'), [['a;"', -1.5], ["#N/A", True]]))
+    readme = (ROOT / "README.md").read_text(encoding="utf-8")
+    cases.append(("README's list", readme, with_list(readme, Help(source))))
     with tempfile.TemporaryDirectory() as first, tempfile.TemporaryDirectory(suffix=" elsewhere") as second:
         for folder in (first, second):
             subprocess.run([ROOT / "help/make_help.py", "--functions", source.resolve(), "--samples", samples.resolve(),
