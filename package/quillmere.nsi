@@ -296,3 +296,12 @@ Section Uninstall
   RMDir $INSTDIR
   RMDir "$LOCALAPPDATA\Programs"
 SectionEnd
+
+; To remove its folder the uninstaller goes on from a copy of itself in the folder for temporary files. That is left to
+; another program, which gives this one two seconds to end.
+Function un.onUninstSuccess
+  ${If} $EXEDIR != $INSTDIR
+    SetOutPath $TEMP
+    ExecShell "" "$SYSDIR\cmd.exe" '/D /C ping -n 3 127.0.0.1 >nul & del /Q "$EXEPATH" & rd "$EXEDIR"' SW_HIDE
+  ${EndIf}
+FunctionEnd

@@ -28,6 +28,8 @@ LISTS = OFFICE + r"\{}\Excel\Options"
 CLICK = r"HKEY_LOCAL_MACHINE\Software\Microsoft\Office\ClickToRun\Configuration"
 PATHS = r"HKEY_LOCAL_MACHINE\Software\Microsoft\Windows\CurrentVersion\App Paths\excel.exe"
 OTHERS = ['/R "C:\\Others\\first.xll"', '"C:\\Others\\MyQuillmere4.xll"']
+
+
 def wine(*command):
     """Runs a Windows program: its status, and what it printed."""
     with tempfile.TemporaryFile("w+") as output:
@@ -47,12 +49,17 @@ def setup():
 
 
 def remove():
-    """As Windows' settings do: the program goes on from a copy of itself, and ends when all is gone."""
+    """As Windows' settings do: the program goes on from a copy of itself, and all is gone when that has gone too."""
     wine(rf"{FOLDER}\Uninstall.exe", "/S")
     for _ in range(100):
-        if not (DRIVE / FOLDER[3:].replace("\\", "/")).exists():
+        if not (DRIVE / FOLDER[3:].replace("\\", "/")).exists() and not copies():
             break
         time.sleep(0.1)
+
+
+def copies():
+    """What uninstallers left of themselves."""
+    return [str(path) for path in DRIVE.rglob("~nsu*")]
 
 
 def change(key, **values):
@@ -95,7 +102,7 @@ def cases():
     before = state()
     yield "installed where Excel never started", (setup(), opened()), (0, OURS)
     remove()
-    yield "nothing is left", state(), before
+    yield "nothing is left", (state(), copies()), (before, [])
 
     change(LISTS.format("16.0"), OPEN=OTHERS[0], OPEN1=OTHERS[1], Font="Calibri,11")
     change(LISTS.format("15.0"), Font="Calibri,11")
