@@ -51,6 +51,9 @@ struct UncalculatedCell {
 /// Thrown by IAddinFunctions::Call when a thread-safe function reached, through xlUDF or xlfEvaluate, one that is not.
 struct NotThreadSafe {};
 
+/// The cells that the reference means in a formula there: a reference, or the error that it is.
+Value CellsOfTable(const Table& table, const TableReference& reference, const EvaluationContext& context);
+
 /// Throws UncalculatedCell for the first cell of the reference whose value does not count yet.
 void CheckCalculated(const Reference& reference, const Workbooks& workbooks);
 

@@ -91,11 +91,7 @@ Value FormulaEvaluation::EvaluateTable(const TableReference& reference) const {
     Note(UnknownNames::Kind::kName, reference.table);
     return Value::Error(xlerrRef);
   }
-  const auto caller = CallingCell();
-  const auto cells = table->Resolve(reference, caller ? caller->row : -1);
-  if (const auto* error = std::get_if<std::int32_t>(&cells)) return Value::Error(*error);
-  const auto& where = std::get<SheetArea>(cells);
-  return Value::OfReference({where.sheet, {where.area}});
+  return CellsOfTable(*table, reference, context_);
 }
 
 // What scripts call so goes first, then a sheet's own names, then the book's, then its tables.

@@ -91,7 +91,8 @@ TEST_F(BookFormulaTest, NamesGoAlongWithTheCell) {
   Define("me", "=me+Other");
   Define("other", "=ME*me");
   Check(
-      R"(=Total*Rate -> 3 | =left -> @[Book1]Sheet1!C2 | =Sheet1!rate -> 0.25 | =me -> #NAME? | =Nowhere!rate -> #REF!)");
+      R"(=Total*Rate -> 3 | =left -> @[Book1]Sheet1!C2 | =Sheet1!rate -> 0.25 | =me -> #NAME? | =Nowhere!rate -> #REF!
+      =INDIRECT("Left") -> @[Book1]Sheet1!C2 | =INDIRECT("Sheet1!left") -> @[Book1]Sheet1!C2 | =INDIRECT("rate") -> #REF!)");
   EXPECT_EQ(EvalAs(FormulaForm::kSingle, "=left*2"), "12");
   EXPECT_EQ(ReadsOf(*ParseFormula("=left+total+me")), "C2 A1:A3");
   Follow("G1 -> =Total*2 | G2 -> =G1+1", "G2 -> 25");
@@ -115,7 +116,8 @@ TEST_F(BookFormulaTest, TablesByTheirColumns) {
       =Sales[[#Headers],[#Data],[name]] -> @[Book1]Sheet1!A1:A4 | =Sales[[#Totals],['#]] -> @[Book1]Sheet1!C5
       =Sales[[Name]:[It''s '[x']]] -> @[Book1]Sheet1!A2:B4 | =Sales[[#This Row],[Name]] -> @[Book1]Sheet1!A2
       =Sales[@] -> @[Book1]Sheet1!A2:C2 | =Sales[@Name] -> @[Book1]Sheet1!A2 | =Sales[@[Name]:['#]] -> @[Book1]Sheet1!A2:C2
-      =Sales[None] -> #REF! | =None[Name] -> #REF! | =Bare[#Headers] -> #REF! | =Bare[#All] -> @[Book1]Sheet1!A1:A3)");
+      =Sales[None] -> #REF! | =None[Name] -> #REF! | =Bare[#Headers] -> #REF! | =Bare[#All] -> @[Book1]Sheet1!A1:A3
+      =INDIRECT("sales") -> @[Book1]Sheet1!A2:C4 | =INDIRECT("Sales[@Name]") -> @[Book1]Sheet1!A2 | =INDIRECT("None[a]") -> #REF!)");
   EXPECT_EQ(ReadsOf(*ParseFormula("=Sales[@Name]+SUM(Bare)")), "A2 A1:A3");
   context.caller = {sheet.Id(), {Area::OfCell(4, 4)}};
   EXPECT_EQ(Eval("=Sales[@Name]"), "#VALUE!");

@@ -2,6 +2,8 @@
 #include <string>
 
 #include "host/calculation/builtins/builtin.h"
+#include "host/formulas/formula.h"
+#include "host/formulas/formula_node.h"
 #include "host/formulas/r1c1_text.h"
 #include "host/formulas/reference_text.h"
 #include "host/text/letter_case.h"
@@ -106,6 +108,38 @@ Value CallOffset(const BuiltinCall& call) {
   return area.IsOnSheet() ? Value::OfReference({start.AsReference().sheet, {area}}) : Value::Error(xlerrRef);
 }
 
+const Sheet* SheetOf(const ReferenceText& text, const EvaluationContext& context) {
+  return text.book.empty() && text.sheet.empty() ? context.sheet
+                                                 : context.workbooks->FindSheet(text.book, text.sheet, context.sheet);
+}
+
+Value ReferenceTo(const ReferenceText& text, const CellShift& shift, const EvaluationContext& context) {
+  const Sheet* sheet = SheetOf(text, context);
+  return sheet ? Value::OfReference({sheet->Id(), {text.At(shift)}}) : Value::Error(xlerrRef);
+}
+
+// The cells that a name of the book stands for, or one of its tables or a part of that. What a name would have to
+// calculate first is none to Excel here.
+Value CellsNamed(std::string_view text, const EvaluationContext& context) {
+  const auto parsed = ParseFormula(text, FormulaDialect::kBook);
+  const Sheet* sheet = parsed ? SheetOf(parsed->Root().reference, context) : nullptr;
+  if (!sheet) return Value::Error(xlerrRef);
+  const FormulaNode& node = parsed->Root();
+  TableReference reference{.table = node.name, .hasData = true};
+  if (node.kind == FormulaNode::Kind::kName) {
+    if (const Formula* formula = sheet->ItsBook().Names().Find(node.name, sheet->Id())) {
+      if (formula->Root().kind != FormulaNode::Kind::kReference) return Value::Error(xlerrRef);
+      const Area caller = context.caller.areas.empty() ? Area() : context.caller.areas[0];
+      return ReferenceTo(formula->Root().reference, formula->Shift().Plus(caller.firstRow, caller.firstColumn),
+                         context);
+    }
+  } else if (node.kind == FormulaNode::Kind::kTable) {
+    reference = *node.table;
+  }
+  const Table* table = sheet->ItsBook().ItsTables().Find(reference.table);
+  return table ? CellsOfTable(*table, reference, context) : Value::Error(xlerrRef);
+}
+
 // The reference that a text names: by its cells, or by a name that stands for some.
 Value ReferenceNamed(const XString& name, bool isA1, const EvaluationContext& context) {
   const std::string text = ToUtf8(name);
@@ -116,16 +150,11 @@ Value ReferenceNamed(const XString& name, bool isA1, const EvaluationContext& co
   } else if (auto parsed = ParseReference(text)) {
     reference = *parsed;
   }
-  if (reference) {
-    const Sheet* sheet = reference->book.empty() && reference->sheet.empty()
-                             ? context.sheet
-                             : context.workbooks->FindSheet(reference->book, reference->sheet, context.sheet);
-    return sheet ? Value::OfReference({sheet->Id(), {reference->area}}) : Value::Error(xlerrRef);
-  }
+  if (reference) return ReferenceTo(*reference, {}, context);
   if (context.names)
     if (const auto found = context.names->find(FoldCase(name)); found != context.names->end())
       if (found->second.IsReference()) return found->second;
-  return Value::Error(xlerrRef);
+  return CellsNamed(text, context);
 }
 
 Value CallIndirect(const BuiltinCall& call) {
