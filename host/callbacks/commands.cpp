@@ -12,9 +12,9 @@ CallbackAnswer HandleAlert(CallbackRequest& request) {
   if (!text) return request.WrongArgument(1, "a text");
   const double kind = request.NumberAt(1).value_or(kInformation);
   if (kind != kQuestion && kind != kInformation && kind != kError) return request.WrongArgument(2, "1, 2 or 3");
-  constexpr XStringView kKinds[] = {XTEXT("alert (question)"), XTEXT("alert"), XTEXT("alert (error)")};
+  constexpr XStringView kTitles[] = {XTEXT("alert (question)"), XTEXT("alert"), XTEXT("alert (error)")};
   const bool isQuestion = kind == kQuestion;
-  const Answer answer = ProcessAnswers().Take(kKinds[static_cast<int>(kind) - 1], *text, {}, isQuestion);
+  const Answer answer = ProcessAnswers().Take(kTitles[static_cast<int>(kind) - 1], *text, {}, isQuestion);
   return Value::Boolean(!isQuestion || answer != Answer::kNo);
 }
 

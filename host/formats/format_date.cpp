@@ -12,7 +12,7 @@ namespace qcalc {
 
 namespace {
 
-using Kind = FormatToken::Kind;
+using TokenKind = FormatToken::Kind;
 
 constexpr std::array<std::string_view, 7> kDayNames = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                        "Thursday", "Friday", "Saturday"};
@@ -52,9 +52,9 @@ class DateWriter {
  public:
   DateWriter(const FormatSection& section, NumberMarks marks) : section_(section), marks_(marks) {
     for (const FormatToken& token : section.tokens) {
-      hasTime_ = hasTime_ || token.kind >= Kind::kHour;
-      hasHalfDay_ = hasHalfDay_ || token.Is(Kind::kHalfDay);
-      if (token.Is(Kind::kSecondFraction)) secondDigits_ = std::max(secondDigits_, token.count);
+      hasTime_ = hasTime_ || token.kind >= TokenKind::kHour;
+      hasHalfDay_ = hasHalfDay_ || token.Is(TokenKind::kHalfDay);
+      if (token.Is(TokenKind::kSecondFraction)) secondDigits_ = std::max(secondDigits_, token.count);
     }
   }
 
@@ -66,7 +66,7 @@ class DateWriter {
     const int serial = moment.serial + DaysFrom1900(marks_.uses1904);
     const CalendarDay day = DayOf(serial);
     for (const FormatToken& token : section_.tokens)
-      out += token.kind < Kind::kHour ? DatePart(token, day, serial) : TimePart(token, moment);
+      out += token.kind < TokenKind::kHour ? DatePart(token, day, serial) : TimePart(token, moment);
     return out;
   }
 
@@ -74,14 +74,14 @@ class DateWriter {
   static XString DatePart(const FormatToken& token, const CalendarDay& day, int serial) {
     const auto name = [&](std::string_view whole) { return Units(token.count == 3 ? whole.substr(0, 3) : whole); };
     switch (token.kind) {
-      case Kind::kYear:
+      case TokenKind::kYear:
         return token.count <= 2 ? Padded(day.year % 100, 2) : Padded(day.year, 4);
-      case Kind::kMonth: {
+      case TokenKind::kMonth: {
         const std::string_view month = kMonthNames[static_cast<std::size_t>(day.month - 1)];
         if (token.count == 5) return Units(month.substr(0, 1));
         return token.count <= 2 ? Padded(day.month, token.count) : name(month);
       }
-      case Kind::kDay:
+      case TokenKind::kDay:
         // Day 1 of the system was a Monday, which Excel, with its 29 February 1900, takes for a Sunday.
         if (token.count > 2) return name(kDayNames[static_cast<std::size_t>((serial + 6) % 7)]);
         return Padded(day.day, token.count);
@@ -94,19 +94,19 @@ class DateWriter {
     const int hour = moment.second / 3600;
     const std::int64_t elapsed = std::int64_t{moment.serial} * kSecondsOfDay + moment.second;
     switch (token.kind) {
-      case Kind::kHour:
+      case TokenKind::kHour:
         return Padded(hasHalfDay_ ? (hour + 11) % 12 + 1 : hour, std::min(token.count, 2));
-      case Kind::kMinute:
+      case TokenKind::kMinute:
         return Padded(moment.second / 60 % 60, token.count);
-      case Kind::kSecond:
+      case TokenKind::kSecond:
         return Padded(moment.second % 60, std::min(token.count, 2));
-      case Kind::kHalfDay:
+      case TokenKind::kHalfDay:
         return HalfDay(token.text, hour >= 12);
-      case Kind::kSecondFraction:
+      case TokenKind::kSecondFraction:
         return SecondFraction(token.count, moment.fraction);
-      case Kind::kElapsedHours:
+      case TokenKind::kElapsedHours:
         return Padded(elapsed / 3600, token.count);
-      case Kind::kElapsedMinutes:
+      case TokenKind::kElapsedMinutes:
         return Padded(elapsed / 60, token.count);
       default:
         return Padded(elapsed, token.count);

@@ -11,7 +11,7 @@ namespace qcalc {
 
 namespace {
 
-using Kind = FormatToken::Kind;
+using TokenKind = FormatToken::Kind;
 using Tokens = std::span<const FormatToken>;
 
 // Of whole numbers; a numerator may be beyond integers.
@@ -26,10 +26,11 @@ struct FractionParts {
 
   explicit FractionParts(Tokens tokens) {
     std::size_t slash = 0;
-    while (!tokens[slash].Is(Kind::kSlash)) ++slash;
+    while (!tokens[slash].Is(TokenKind::kSlash)) ++slash;
     std::size_t first = slash, last = slash + 1;
-    while (first > 0 && tokens[first - 1].Is(Kind::kDigit)) --first;
-    while (last < tokens.size() && (tokens[last].Is(Kind::kDigit) || tokens[last].Is(Kind::kFixedDigit))) ++last;
+    while (first > 0 && tokens[first - 1].Is(TokenKind::kDigit)) --first;
+    while (last < tokens.size() && (tokens[last].Is(TokenKind::kDigit) || tokens[last].Is(TokenKind::kFixedDigit)))
+      ++last;
     whole = tokens.first(first);
     numerator = tokens.subspan(first, slash - first);
     denominator = tokens.subspan(slash + 1, last - slash - 1);
@@ -38,7 +39,7 @@ struct FractionParts {
   // The denominator that the format names, 0 for none.
   double FixedDenominator() const {
     double fixed = 0;
-    if (!denominator.front().Is(Kind::kFixedDigit)) return 0;
+    if (!denominator.front().Is(TokenKind::kFixedDigit)) return 0;
     for (const FormatToken& digit : denominator.first(std::min<std::size_t>(denominator.size(), kMostDigits)))
       fixed = fixed * 10 + (digit.mark >= '0' && digit.mark <= '9' ? digit.mark - '0' : 0);
     return fixed;
@@ -81,8 +82,8 @@ void WriteWholePart(const DecimalDigits& number, Tokens tokens, bool isAll, XCHA
   WholeDigits digits(number, CountPlaces(tokens), separator);
   int places = CountPlaces(tokens);
   for (const FormatToken& token : tokens) {
-    if (token.Is(Kind::kLiteral)) out += token.text;
-    if (!token.Is(Kind::kDigit)) continue;
+    if (token.Is(TokenKind::kLiteral)) out += token.text;
+    if (!token.Is(TokenKind::kDigit)) continue;
     const bool isForced = --places == 0 && isAll && number.IsZero();
     digits.WritePlace(isForced ? XTEXT('0') : token.mark, out);
   }

@@ -10,7 +10,7 @@ namespace qcalc {
 
 namespace {
 
-using Kind = FormatToken::Kind;
+using TokenKind = FormatToken::Kind;
 using Tokens = std::span<const FormatToken>;
 
 // The tokens before the point, between point and exponent, and from the exponent on.
@@ -18,11 +18,11 @@ struct Parts {
   Tokens whole, decimals, exponent;
 
   explicit Parts(Tokens tokens) {
-    const auto find = [&](Kind kind) {
+    const auto find = [&](TokenKind kind) {
       const auto found = std::find_if(tokens.begin(), tokens.end(), [&](const auto& token) { return token.Is(kind); });
       return static_cast<std::size_t>(found - tokens.begin());
     };
-    const std::size_t power = find(Kind::kExponent), point = std::min(find(Kind::kDecimalMark), power);
+    const std::size_t power = find(TokenKind::kExponent), point = std::min(find(TokenKind::kDecimalMark), power);
     whole = tokens.first(point);
     decimals = tokens.subspan(point, power - point);
     exponent = tokens.subspan(power);
@@ -38,15 +38,15 @@ void WriteUnplacedWhole(const DecimalDigits& number, XString& out) {
 void WriteDecimals(const DecimalDigits& number, Tokens tokens, NumberMarks marks, XString& out) {
   int needed = number.Decimals(), place = 0;
   for (const FormatToken& token : tokens) {
-    if (!token.Is(Kind::kDigit)) continue;
+    if (!token.Is(TokenKind::kDigit)) continue;
     ++place;
     if (token.mark == '0') needed = std::max(needed, place);
   }
   place = 0;
   for (const FormatToken& token : tokens) {
-    if (token.Is(Kind::kDecimalMark)) out += marks.decimal;
-    if (token.Is(Kind::kLiteral)) out += token.text;
-    if (!token.Is(Kind::kDigit)) continue;
+    if (token.Is(TokenKind::kDecimalMark)) out += marks.decimal;
+    if (token.Is(TokenKind::kLiteral)) out += token.text;
+    if (!token.Is(TokenKind::kDigit)) continue;
     ++place;
     if (place <= needed)
       out += static_cast<XCHAR>(number.At(-place));

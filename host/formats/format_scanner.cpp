@@ -10,9 +10,11 @@ namespace qcalc {
 
 namespace {
 
-using Kind = FormatToken::Kind;
+using TokenKind = FormatToken::Kind;
 
-void AddLiteral(FormatSection& section, XStringView text) { section.tokens.push_back({Kind::kLiteral, XString(text)}); }
+void AddLiteral(FormatSection& section, XStringView text) {
+  section.tokens.push_back({TokenKind::kLiteral, XString(text)});
+}
 
 bool IsColor(XStringView inside) {
   for (const XStringView color : {XTEXT("black"), XTEXT("blue"), XTEXT("cyan"), XTEXT("green"), XTEXT("magenta"),
@@ -30,15 +32,17 @@ std::optional<FormatToken> ElapsedPart(XStringView inside) {
   const XCHAR letter = SmallLetter(inside.front());
   const bool isRun = std::all_of(inside.begin(), inside.end(), [&](XCHAR unit) { return SmallLetter(unit) == letter; });
   if (!isRun || (letter != 'h' && letter != 'm' && letter != 's')) return std::nullopt;
-  const Kind kind = letter == 'h' ? Kind::kElapsedHours : letter == 'm' ? Kind::kElapsedMinutes : Kind::kElapsedSeconds;
+  const TokenKind kind = letter == 'h'   ? TokenKind::kElapsedHours
+                         : letter == 'm' ? TokenKind::kElapsedMinutes
+                                         : TokenKind::kElapsedSeconds;
   return FormatToken{kind, {}, 0, static_cast<int>(inside.size())};
 }
 
 // Whether a point stands behind seconds.
 bool IsBehindSeconds(const std::vector<FormatToken>& tokens) {
-  if (tokens.size() < 2 || !tokens.back().Is(Kind::kDecimalMark)) return false;
+  if (tokens.size() < 2 || !tokens.back().Is(TokenKind::kDecimalMark)) return false;
   const FormatToken& before = tokens[tokens.size() - 2];
-  return before.Is(Kind::kSecond) || before.Is(Kind::kElapsedSeconds);
+  return before.Is(TokenKind::kSecond) || before.Is(TokenKind::kElapsedSeconds);
 }
 
 }  // namespace
@@ -72,7 +76,7 @@ bool FormatScanner::TakeToken(FormatSection& section) {
   auto& tokens = section.tokens;
   if (unit == marks_.decimal || unit == marks_.Thousands()) {
     Take();
-    tokens.push_back({unit == marks_.decimal ? Kind::kDecimalMark : Kind::kThousands});
+    tokens.push_back({unit == marks_.decimal ? TokenKind::kDecimalMark : TokenKind::kThousands});
     return true;
   }
   switch (unit) {
@@ -90,24 +94,24 @@ bool FormatScanner::TakeToken(FormatSection& section) {
       [[fallthrough]];
     case '#':
     case '?':
-      tokens.push_back({Kind::kDigit, {}, Take()});
+      tokens.push_back({TokenKind::kDigit, {}, Take()});
       return true;
     case '%':
       Take();
-      tokens.push_back({Kind::kPercent});
+      tokens.push_back({TokenKind::kPercent});
       return true;
     case '/':
       Take();
-      tokens.push_back({Kind::kSlash});
+      tokens.push_back({TokenKind::kSlash});
       return true;
     case '@':
       Take();
-      tokens.push_back({Kind::kText});
+      tokens.push_back({TokenKind::kText});
       return true;
     default:
       if (SmallLetter(unit) >= 'a' && SmallLetter(unit) <= 'z') return TakeLetters(section);
       if (IsDigit(unit))
-        tokens.push_back({Kind::kFixedDigit, {}, Take()});
+        tokens.push_back({TokenKind::kFixedDigit, {}, Take()});
       else
         AddLiteral(section, XString(1, Take()));
       return true;
@@ -134,7 +138,7 @@ bool FormatScanner::TakeEscape(FormatSection& section) {
 // A point with zeros behind seconds; Excel shows three digits at most.
 bool FormatScanner::TakeSecondFraction(FormatSection& section) {
   constexpr int kMostDigits = 3;
-  FormatToken fraction{Kind::kSecondFraction};
+  FormatToken fraction{TokenKind::kSecondFraction};
   for (; !rest_.empty() && rest_.front() == '0'; Take()) ++fraction.count;
   section.tokens.back() = fraction;
   return fraction.count <= kMostDigits;
@@ -143,13 +147,13 @@ bool FormatScanner::TakeSecondFraction(FormatSection& section) {
 // Letters without a meaning stand for themselves; those that belong to other calendars have none here.
 bool FormatScanner::TakeLetters(FormatSection& section) {
   if (AcceptWord(XTEXT("general"))) {
-    section.tokens.push_back({Kind::kGeneral});
+    section.tokens.push_back({TokenKind::kGeneral});
     return true;
   }
   for (const XStringView word : {XTEXT("am/pm"), XTEXT("a/p")}) {
     const XString written(rest_.substr(0, word.size()));
     if (!AcceptWord(word)) continue;
-    section.tokens.push_back({Kind::kHalfDay, written});
+    section.tokens.push_back({TokenKind::kHalfDay, written});
     return true;
   }
   switch (SmallLetter(rest_.front())) {
@@ -174,11 +178,11 @@ bool FormatScanner::TakeDatePart(FormatSection& section) {
   const XCHAR letter = SmallLetter(rest_.front());
   FormatToken token;
   for (; !rest_.empty() && SmallLetter(rest_.front()) == letter; Take()) ++token.count;
-  token.kind = letter == 'y'   ? Kind::kYear
-               : letter == 'm' ? Kind::kMonth
-               : letter == 'd' ? Kind::kDay
-               : letter == 'h' ? Kind::kHour
-                               : Kind::kSecond;
+  token.kind = letter == 'y'   ? TokenKind::kYear
+               : letter == 'm' ? TokenKind::kMonth
+               : letter == 'd' ? TokenKind::kDay
+               : letter == 'h' ? TokenKind::kHour
+                               : TokenKind::kSecond;
   section.tokens.push_back(std::move(token));
   return true;
 }
@@ -186,7 +190,7 @@ bool FormatScanner::TakeDatePart(FormatSection& section) {
 bool FormatScanner::TakeExponent(FormatSection& section) {
   const XCHAR letter = Take();
   if (rest_.empty() || (rest_.front() != '+' && rest_.front() != '-')) return false;
-  section.tokens.push_back({Kind::kExponent, {}, letter, Take() == '+' ? 1 : 0});
+  section.tokens.push_back({TokenKind::kExponent, {}, letter, Take() == '+' ? 1 : 0});
   return true;
 }
 

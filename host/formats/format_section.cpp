@@ -8,35 +8,36 @@ namespace qcalc {
 
 namespace {
 
-using Kind = FormatToken::Kind;
+using TokenKind = FormatToken::Kind;
 using Tokens = std::vector<FormatToken>;
 
-bool Has(const Tokens& tokens, Kind kind) {
+bool Has(const Tokens& tokens, TokenKind kind) {
   return std::any_of(tokens.begin(), tokens.end(), [kind](const FormatToken& token) { return token.Is(kind); });
 }
 
-void MakeLiteral(FormatToken& token, XCHAR unit) { token = {Kind::kLiteral, XString(1, unit)}; }
+void MakeLiteral(FormatToken& token, XCHAR unit) { token = {TokenKind::kLiteral, XString(1, unit)}; }
 
 // What has no part in dates is shown as it stands.
 bool FinishDate(FormatSection& section, NumberMarks marks) {
   section.kind = FormatSection::Kind::kDate;
-  for (const Kind strange : {Kind::kDigit, Kind::kExponent, Kind::kText, Kind::kGeneral})
+  for (const TokenKind strange : {TokenKind::kDigit, TokenKind::kExponent, TokenKind::kText, TokenKind::kGeneral})
     if (Has(section.tokens, strange)) return false;
   for (FormatToken& token : section.tokens) {
-    if (token.Is(Kind::kDecimalMark)) MakeLiteral(token, marks.decimal);
-    if (token.Is(Kind::kThousands)) MakeLiteral(token, marks.Thousands());
-    if (token.Is(Kind::kPercent)) MakeLiteral(token, XTEXT('%'));
-    if (token.Is(Kind::kSlash)) MakeLiteral(token, XTEXT('/'));
-    if (token.Is(Kind::kFixedDigit)) MakeLiteral(token, token.mark);
+    if (token.Is(TokenKind::kDecimalMark)) MakeLiteral(token, marks.decimal);
+    if (token.Is(TokenKind::kThousands)) MakeLiteral(token, marks.Thousands());
+    if (token.Is(TokenKind::kPercent)) MakeLiteral(token, XTEXT('%'));
+    if (token.Is(TokenKind::kSlash)) MakeLiteral(token, XTEXT('/'));
+    if (token.Is(TokenKind::kFixedDigit)) MakeLiteral(token, token.mark);
   }
   // m and mm right behind hours or right before seconds are minutes.
   FormatToken* previous = nullptr;
   for (FormatToken& token : section.tokens) {
-    if (!token.IsDatePart() || token.Is(Kind::kHalfDay)) continue;
-    const bool isSecond = token.Is(Kind::kSecond) || token.Is(Kind::kElapsedSeconds);
-    if (isSecond && previous && previous->Is(Kind::kMonth) && previous->count <= 2) previous->kind = Kind::kMinute;
-    const bool isBehindHour = previous && (previous->Is(Kind::kHour) || previous->Is(Kind::kElapsedHours));
-    if (token.Is(Kind::kMonth) && token.count <= 2 && isBehindHour) token.kind = Kind::kMinute;
+    if (!token.IsDatePart() || token.Is(TokenKind::kHalfDay)) continue;
+    const bool isSecond = token.Is(TokenKind::kSecond) || token.Is(TokenKind::kElapsedSeconds);
+    if (isSecond && previous && previous->Is(TokenKind::kMonth) && previous->count <= 2)
+      previous->kind = TokenKind::kMinute;
+    const bool isBehindHour = previous && (previous->Is(TokenKind::kHour) || previous->Is(TokenKind::kElapsedHours));
+    if (token.Is(TokenKind::kMonth) && token.count <= 2 && isBehindHour) token.kind = TokenKind::kMinute;
     previous = &token;
   }
   return true;
@@ -47,17 +48,17 @@ bool FinishDate(FormatSection& section, NumberMarks marks) {
 void FinishThousands(FormatSection& section, NumberMarks marks) {
   Tokens& tokens = section.tokens;
   for (std::size_t i = 0; i < tokens.size();) {
-    if (!tokens[i].Is(Kind::kThousands)) {
+    if (!tokens[i].Is(TokenKind::kThousands)) {
       ++i;
       continue;
     }
     std::size_t end = i;
-    while (end < tokens.size() && tokens[end].Is(Kind::kThousands)) ++end;
-    if (i == 0 || !tokens[i - 1].Is(Kind::kDigit)) {
+    while (end < tokens.size() && tokens[end].Is(TokenKind::kThousands)) ++end;
+    if (i == 0 || !tokens[i - 1].Is(TokenKind::kDigit)) {
       for (; i < end; ++i) MakeLiteral(tokens[i], marks.Thousands());
       continue;
     }
-    if (end < tokens.size() && tokens[end].Is(Kind::kDigit))
+    if (end < tokens.size() && tokens[end].Is(TokenKind::kDigit))
       section.isGrouped = true;
     else
       section.scale -= 3 * static_cast<int>(end - i);
@@ -67,9 +68,11 @@ void FinishThousands(FormatSection& section, NumberMarks marks) {
 
 // A slash between digits makes a fraction of a number.
 bool IsFraction(const Tokens& tokens) {
-  const auto isDigit = [](const FormatToken& token) { return token.Is(Kind::kDigit) || token.Is(Kind::kFixedDigit); };
+  const auto isDigit = [](const FormatToken& token) {
+    return token.Is(TokenKind::kDigit) || token.Is(TokenKind::kFixedDigit);
+  };
   for (std::size_t i = 1; i + 1 < tokens.size(); ++i)
-    if (tokens[i].Is(Kind::kSlash) && tokens[i - 1].Is(Kind::kDigit) && isDigit(tokens[i + 1])) return true;
+    if (tokens[i].Is(TokenKind::kSlash) && tokens[i - 1].Is(TokenKind::kDigit) && isDigit(tokens[i + 1])) return true;
   return false;
 }
 
@@ -80,25 +83,25 @@ bool FinishNumber(FormatSection& section, NumberMarks marks) {
   bool hasSlash = false, hasPoint = false, hasExponent = false;
   for (std::size_t i = 0; i < section.tokens.size(); ++i) {
     FormatToken& token = section.tokens[i];
-    if (token.Is(Kind::kPercent)) {
+    if (token.Is(TokenKind::kPercent)) {
       section.scale += 2;
       MakeLiteral(token, XTEXT('%'));
-    } else if (token.Is(Kind::kExponent)) {
-      if (hasExponent || isFraction || i + 1 == section.tokens.size() || !section.tokens[i + 1].Is(Kind::kDigit))
+    } else if (token.Is(TokenKind::kExponent)) {
+      if (hasExponent || isFraction || i + 1 == section.tokens.size() || !section.tokens[i + 1].Is(TokenKind::kDigit))
         return false;
       hasExponent = true;
-    } else if (token.Is(Kind::kDecimalMark)) {
+    } else if (token.Is(TokenKind::kDecimalMark)) {
       if (isFraction) return false;
       if (hasPoint || hasExponent) MakeLiteral(token, marks.decimal);
       hasPoint = true;
-    } else if (token.Is(Kind::kSlash)) {
+    } else if (token.Is(TokenKind::kSlash)) {
       if (!isFraction || hasSlash) MakeLiteral(token, XTEXT('/'));
       hasSlash = true;
-    } else if (token.Is(Kind::kFixedDigit) && !hasSlash) {
+    } else if (token.Is(TokenKind::kFixedDigit) && !hasSlash) {
       MakeLiteral(token, token.mark);
     }
   }
-  const bool hasDigits = Has(section.tokens, Kind::kDigit) || hasPoint;
+  const bool hasDigits = Has(section.tokens, TokenKind::kDigit) || hasPoint;
   section.kind = isFraction    ? FormatSection::Kind::kFraction
                  : hasExponent ? FormatSection::Kind::kScientific
                  : hasDigits   ? FormatSection::Kind::kNumber
@@ -109,8 +112,8 @@ bool FinishNumber(FormatSection& section, NumberMarks marks) {
 bool Finish(FormatSection& section, NumberMarks marks) {
   if (std::any_of(section.tokens.begin(), section.tokens.end(), [](const auto& token) { return token.IsDatePart(); }))
     return FinishDate(section, marks);
-  const bool hasText = Has(section.tokens, Kind::kText), isGeneral = Has(section.tokens, Kind::kGeneral);
-  if ((hasText || isGeneral) && Has(section.tokens, Kind::kDigit)) return false;
+  const bool hasText = Has(section.tokens, TokenKind::kText), isGeneral = Has(section.tokens, TokenKind::kGeneral);
+  if ((hasText || isGeneral) && Has(section.tokens, TokenKind::kDigit)) return false;
   if (!FinishNumber(section, marks)) return false;
   if (isGeneral) section.kind = FormatSection::Kind::kGeneral;
   if (hasText) section.kind = FormatSection::Kind::kText;

@@ -71,7 +71,7 @@ DistinctColumn DistinctTexts(const CellLine& line, const LineRanks& ranks, const
 }
 
 /// Whether most cells of a column are texts, and few of those distinct.
-bool HasFewTexts(const LineRanks& ranks, std::int32_t rows) {
+bool RanksFewTexts(const LineRanks& ranks, std::int32_t rows) {
   constexpr std::int32_t kRowsOfText = 8;
   return ranks.Texts() > rows / 2 && static_cast<std::int32_t>(ranks.FirstPlaces().size()) <= rows / kRowsOfText;
 }
@@ -91,7 +91,7 @@ CXlOper PaintRows(const CXlCells& cells, const SortedRows& sorted) {
     const auto key = std::ranges::find_if(sorted.keys, isOfColumn);
     if (key == sorted.keys.end()) continue;
     const LineRanks& ranks = sorted.ranks[static_cast<std::size_t>(key - sorted.keys.begin())];
-    if (!ranks.AreKnown() || !HasFewTexts(ranks, cells.rows)) continue;
+    if (!ranks.AreKnown() || !RanksFewTexts(ranks, cells.rows)) continue;
     paintTo(column);
     const DistinctColumn& texts = distinct.emplace_back(DistinctTexts(key->cells, ranks, sorted.order));
     const CXlCells once{texts.cells.data(), static_cast<std::int32_t>(texts.cells.size()), 1};

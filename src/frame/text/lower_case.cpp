@@ -8,7 +8,7 @@
 namespace quillmere {
 namespace {
 
-constexpr CaseRange kRanges[] = {
+constexpr CaseRange kToLower[] = {
 #include "frame/text/lower_case_ranges.inc"
 };
 
@@ -19,7 +19,7 @@ bool IsAscii(__m128i block) {
 
 }  // namespace
 
-XCHAR LowerCaseByTable(XCHAR unit) noexcept { return MapByRange(kRanges, unit); }
+XCHAR LowerCaseByTable(XCHAR unit) noexcept { return MapByRange(kToLower, unit); }
 
 void LowerTo(XCHAR* to, XStringView text) {
   FoldTo(to, text);

@@ -7,7 +7,7 @@
 namespace quillmere {
 namespace {
 
-constexpr CaseRange kRanges[] = {
+constexpr CaseRange kToUpper[] = {
 #include "frame/text/upper_case_ranges.inc"
 };
 
@@ -16,7 +16,7 @@ constexpr CaseRange kRanges[] = {
 XCHAR UpperCase(XCHAR unit) noexcept {
   if (unit < 0x80) [[likely]]
     return unit >= XTEXT('a') && unit <= XTEXT('z') ? static_cast<XCHAR>(unit - 0x20) : unit;
-  return MapByRange(kRanges, unit);
+  return MapByRange(kToUpper, unit);
 }
 
 void AssignUpperCase(XString& upper, XStringView text) {

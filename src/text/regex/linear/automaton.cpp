@@ -46,7 +46,7 @@ void Automaton::Clear(std::size_t stride) {
   std::ranges::fill(begins_, kUnknown);
 }
 
-Automaton::Way Automaton::Begin(UnitClass before, bool needsUnits) {
+Automaton::Way Automaton::Begin(ClassNumber before, bool needsUnits) {
   if (classes_.Count() > stride_) Clear(std::bit_ceil(classes_.Count()));
   const UnitRow asked = classes_.AskedOf(before) | (needsUnits ? kNeedsUnits : 0);
   if (begins_[asked] == kUnknown) {
@@ -59,7 +59,7 @@ Automaton::Way Automaton::Begin(UnitClass before, bool needsUnits) {
 }
 
 /// Makes room for a class that was found since the states were made.
-void Automaton::WidenFor(UnitClass unitClass, Way& state) {
+void Automaton::WidenFor(ClassNumber unitClass, Way& state) {
   if (unitClass < stride_) return;
   const State kept = states_[state / stride_ - kSinks];
   next_.Clear();
@@ -124,7 +124,7 @@ void Automaton::AnswerSideBySide(const XStringView* texts, bool* answers) {
     answers[text] = states[text] == kUnknown ? Answer(texts[text]) : states[text] == foundState_;
 }
 
-Automaton::Way Automaton::Find(Way state, UnitClass unitClass) {
+Automaton::Way Automaton::Find(Way state, ClassNumber unitClass) {
   WidenFor(unitClass, state);
   if (const Way known = table_[state + unitClass]; known != kUnknown) return known;
   next_.Clear();

@@ -47,7 +47,7 @@ class Automaton {
   void Answer(const XStringView* texts, std::size_t count, bool* answers);
 
   /// The state where a walk begins, behind what is of a class. With `needsUnits` a match is none if it has no unit.
-  Way Begin(UnitClass before, bool needsUnits = false);
+  Way Begin(ClassNumber before, bool needsUnits = false);
 
   /// The way from a state by a unit, or by an edge of the text. Other states than the one returned are gone.
   Way Next(Way state, XCHAR unit) {
@@ -56,7 +56,7 @@ class Automaton {
       return Find(state, classes_.Of(unit));
     return way;
   }
-  Way NextByClass(Way state, UnitClass unitClass) {
+  Way NextByClass(Way state, ClassNumber unitClass) {
     const Way way = table_[state + unitClass];
     return way == kUnknown ? Find(state, unitClass) : way;
   }
@@ -77,7 +77,7 @@ class Automaton {
     UnitRow before;  ///< what assertions ask of the unit before, and kNeedsUnits
   };
   /// A bit beyond those of assertions.
-  static constexpr UnitRow kNeedsUnits = kAnyUnit;
+  static constexpr UnitRow kNeedsUnits = kAnyUnitRow;
 
   /// Places that are being collected, each once.
   struct Places {
@@ -92,8 +92,8 @@ class Automaton {
   };
 
   void Clear(std::size_t stride);
-  void WidenFor(UnitClass unitClass, Way& state);
-  Way Find(Way state, UnitClass unitClass);
+  void WidenFor(ClassNumber unitClass, Way& state);
+  Way Find(Way state, ClassNumber unitClass);
   void AnswerSideBySide(const XStringView* texts, bool* answers);
   bool Decide(const State& state, UnitRow after);
   bool Holds(Assertion assertion, UnitRow before, UnitRow after) const;

@@ -44,7 +44,7 @@ std::optional<LinearMatcher::Found> LinearMatcher::Find(XStringView text, std::s
 std::optional<std::size_t> LinearMatcher::EndOfFirst(XStringView text, std::size_t from, bool needsUnits,
                                                      RegexSteps& steps) {
   Automaton& automaton = MadeOnce(first_, forward_, classes_, Question::kFirst, Direction::kForward);
-  const UnitClass before = from == 0 ? kBeginClass : classes_.Of(text[from - 1]);
+  const ClassNumber before = from == 0 ? kBeginClass : classes_.Of(text[from - 1]);
   std::optional<std::size_t> end;
   Automaton::Way state = automaton.Begin(before, needsUnits);
   for (std::size_t at = from; !automaton.IsOver(state); ++at) {

@@ -15,7 +15,7 @@ class Writer {
     const StepPlace match = Add({Kind::kMatch});
     program.matchBegin = Emit(static_cast<std::uint16_t>(tree_.size() - 1), match);
     program.searchBegin = Choose(program.matchBegin, 0, false);
-    const StepPlace skip = Add({.kind = Kind::kUnit, .next = program.searchBegin, .atom = kAnyUnit});
+    const StepPlace skip = Add({.kind = Kind::kUnit, .next = program.searchBegin, .atom = kAnyUnitRow});
     if (steps_.size() >= kMostSteps) return {};
     steps_[program.searchBegin].other = skip;
     program.steps = std::move(steps_);

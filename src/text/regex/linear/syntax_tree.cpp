@@ -3,7 +3,7 @@
 namespace quillmere::text {
 namespace {
 
-using Kind = SyntaxNode::Kind;
+using NodeKind = SyntaxNode::Kind;
 
 bool IsOneOf(XCHAR unit, XStringView units) { return units.find(unit) != XStringView::npos; }
 
@@ -20,7 +20,7 @@ class Reader {
     const std::uint16_t root = ReadChoice();
     if (!isRead_ || !rest_.empty()) return std::nullopt;
     // A root of its own, which is the last node in any case.
-    Append(Add({Kind::kSequence, tree_[root].mayBeEmpty}), root);
+    Append(Add({NodeKind::kSequence, tree_[root].mayBeEmpty}), root);
     return std::move(tree_);
   }
 
@@ -40,7 +40,7 @@ class Reader {
   }
   std::uint16_t Fail() {
     isRead_ = false;
-    return Add({Kind::kSequence, true});
+    return Add({NodeKind::kSequence, true});
   }
 
   bool StartsWith(XCHAR unit) const { return !rest_.empty() && rest_.front() == unit; }
@@ -53,7 +53,7 @@ class Reader {
   std::uint16_t ReadChoice() {
     const std::uint16_t first = ReadSequence();
     if (!StartsWith(XTEXT('|'))) return first;
-    const std::uint16_t choice = Add({Kind::kChoice, tree_[first].mayBeEmpty});
+    const std::uint16_t choice = Add({NodeKind::kChoice, tree_[first].mayBeEmpty});
     Append(choice, first);
     while (isRead_ && Skip(XTEXT("|"))) {
       const std::uint16_t other = ReadSequence();
@@ -64,7 +64,7 @@ class Reader {
   }
 
   std::uint16_t ReadSequence() {
-    const std::uint16_t sequence = Add({Kind::kSequence, true});
+    const std::uint16_t sequence = Add({NodeKind::kSequence, true});
     while (isRead_ && !rest_.empty() && rest_.front() != XTEXT('|') && rest_.front() != XTEXT(')')) {
       const std::uint16_t part = ReadRepeat(ReadItem());
       Append(sequence, part);
@@ -77,7 +77,7 @@ class Reader {
     if (Skip(XTEXT("(?:"))) return ReadGroup();
     if (rest_.starts_with(XTEXT("(?")) || rest_.starts_with(XTEXT("(*"))) return Fail();
     if (Skip(XTEXT("("))) return ReadGroup();
-    if (Skip(XTEXT("."))) return Unit(kAnyUnit);
+    if (Skip(XTEXT("."))) return Unit(kAnyUnitRow);
     if (Skip(XTEXT("^"))) return Place(Assertion::kLineBegin);
     if (Skip(XTEXT("$"))) return Place(Assertion::kLineEnd);
     if (StartsWith(XTEXT('['))) return ReadSet();
@@ -90,7 +90,7 @@ class Reader {
 
   std::uint16_t Unit(UnitRow atom) {
     if (atom == 0) return Fail();
-    SyntaxNode node{Kind::kUnit, false};
+    SyntaxNode node{NodeKind::kUnit, false};
     node.atom = atom;
     return Add(node);
   }
@@ -104,7 +104,7 @@ class Reader {
       classes_.Ask(kTextBegin);
     else
       classes_.Ask(assertion == Assertion::kEndOfText ? kTextEnd : kWordUnit);
-    SyntaxNode node{Kind::kAssertion, true};
+    SyntaxNode node{NodeKind::kAssertion, true};
     node.assertion = assertion;
     return Add(node);
   }
@@ -158,7 +158,7 @@ class Reader {
 
   /// Reads what follows an item.
   std::uint16_t ReadRepeat(std::uint16_t item) {
-    SyntaxNode node{Kind::kRepeat, false};
+    SyntaxNode node{NodeKind::kRepeat, false};
     if (Skip(XTEXT("*")))
       node.most = SyntaxNode::kEndless;
     else if (Skip(XTEXT("+")))

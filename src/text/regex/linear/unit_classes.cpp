@@ -26,8 +26,8 @@ UnitRow UnitClasses::BitOf(XStringView spelling, bool isLiteral) {
   return UnitRow{1} << (kFirstAtom + place);
 }
 
-UnitClass UnitClasses::Of(XCHAR unit) {
-  if (const UnitClass known = Known(unit); known != kUnknownClass) return known;
+ClassNumber UnitClasses::Of(XCHAR unit) {
+  if (const ClassNumber known = Known(unit); known != kUnknownClass) return known;
   const UnitRow row = FindRow(unit);
   Page* page = &first_;
   if (unit >= kPageUnits) {
@@ -38,17 +38,17 @@ UnitClass UnitClasses::Of(XCHAR unit) {
   }
   const auto place = std::find(rows_.begin() + 1, rows_.end(), row) - rows_.begin();
   if (place == std::ssize(rows_)) rows_.push_back(row);
-  return (*page)[unit % kPageUnits] = static_cast<UnitClass>(place);
+  return (*page)[unit % kPageUnits] = static_cast<ClassNumber>(place);
 }
 
 UnitRow UnitClasses::FindRow(XCHAR unit) {
   const auto& traits = expression_.get_traits();
-  UnitRow row = kAnyUnit;
+  UnitRow row = kAnyUnitRow;
   if (traits.isctype(unit, expression_.get_data().m_word_mask)) row |= kWordUnit;
   if (boost::BOOST_REGEX_DETAIL_NS::is_separator(unit)) row |= kLineSeparator;
   if (unit == XTEXT('\r')) row |= kReturn;
   if (unit == XTEXT('\n')) row |= kFeed;
-  row &= asked_ | kAnyUnit;
+  row &= asked_ | kAnyUnitRow;
   const XCHAR translated = traits.translate(unit, anyCase_);
   UnitRow bit = UnitRow{1} << kFirstAtom;
   for (Atom& atom : atoms_) {

@@ -22,14 +22,14 @@ inline constexpr UnitRow kFeed = 8;
 inline constexpr UnitRow kTextBegin = 16;
 inline constexpr UnitRow kTextEnd = 32;
 inline constexpr UnitRow kAskedByAssertions = kWordUnit | kLineSeparator | kReturn | kFeed | kTextBegin | kTextEnd;
-inline constexpr UnitRow kAnyUnit = 64;  ///< the atom that matches every unit
-inline constexpr int kFirstAtom = 8;     ///< the bit of the next one
+inline constexpr UnitRow kAnyUnitRow = 64;  ///< the atom that matches every unit
+inline constexpr int kFirstAtom = 8;        ///< the bit of the next one
 
 /// A set of units that have the same row, in all that the expression asks.
-using UnitClass = std::uint16_t;
-inline constexpr UnitClass kUnknownClass = 0;  ///< of units that have not been met
-inline constexpr UnitClass kBeginClass = 1;    ///< of what is before a text
-inline constexpr UnitClass kEndClass = 2;      ///< of what is behind it
+using ClassNumber = std::uint16_t;
+inline constexpr ClassNumber kUnknownClass = 0;  ///< of units that have not been met
+inline constexpr ClassNumber kBeginClass = 1;    ///< of what is before a text
+inline constexpr ClassNumber kEndClass = 2;      ///< of what is behind it
 
 /// The classes of an expression; found as units turn up in texts, since most expressions meet few.
 class UnitClasses {
@@ -46,23 +46,23 @@ class UnitClasses {
   void Ask(UnitRow bits) noexcept { asked_ |= bits; }
 
   /// What assertions ask of a row.
-  UnitRow AskedOf(UnitClass unitClass) const noexcept { return rows_[unitClass] & asked_ & kAskedByAssertions; }
-  UnitRow RowOf(UnitClass unitClass) const noexcept { return rows_[unitClass]; }
+  UnitRow AskedOf(ClassNumber unitClass) const noexcept { return rows_[unitClass] & asked_ & kAskedByAssertions; }
+  UnitRow RowOf(ClassNumber unitClass) const noexcept { return rows_[unitClass]; }
   std::size_t Count() const noexcept { return rows_.size(); }
 
   /// The class of a unit, or kUnknownClass.
-  UnitClass Known(XCHAR unit) const noexcept {
+  ClassNumber Known(XCHAR unit) const noexcept {
     if (unit < kPageUnits) [[likely]]
       return first_[unit];
     const Page* const page = pages_.empty() ? nullptr : pages_[unit / kPageUnits].get();
     return page ? (*page)[unit % kPageUnits] : kUnknownClass;
   }
   /// The class of a unit, found now if need be.
-  UnitClass Of(XCHAR unit);
+  ClassNumber Of(XCHAR unit);
 
  private:
   static constexpr std::size_t kPageUnits = 256;
-  using Page = std::array<UnitClass, kPageUnits>;
+  using Page = std::array<ClassNumber, kPageUnits>;
 
   struct Atom {
     XString spelling;  ///< a unit, translated, where the library does not compile it
