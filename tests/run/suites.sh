@@ -114,11 +114,15 @@ run_tests() {
   for build in asan windows fuzz tsan; do
     mapfile -t targets < <(each_suite targets_in "$build" | sort -u)
     ((${#targets[@]})) || continue
-    build_preset "$build" "${targets[@]}"
+    # What is still running of the build before goes first.
+    if ! (renice -n 10 "$BASHPID" >/dev/null && build_preset "$build" "${targets[@]}"); then
+      wait
+      return 1
+    fi
     [[ $build != windows ]] || enter_wine
     each_suite run_in "$build"
-    wait
   done
+  wait
   ! is_wanted books whole || run_books
   ! is_wanted companion whole || run_companion
   if is_wanted package whole; then
