@@ -10,7 +10,7 @@ from number_formats import shown
 
 LOADED_PREFIX = re.compile(r"_xl(?:l|fn|ws|pm)\.")
 # Pixels of one digit, which columns are measured by, of a wide letter, and of what is around them.
-DIGIT, LETTER, PADDING = 6.6, 9.5, 8
+DIGIT, LETTER, PADDING = 8, 9.5, 8
 GAP = 28  # of a column that is empty
 NUMBERS = 36  # of that of the row numbers
 MOST_FORMULAS = 3  # above a picture
