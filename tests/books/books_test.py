@@ -12,10 +12,11 @@ import zipfile
 
 sys.dont_write_bytecode = True
 ROOT = pathlib.Path(__file__).parents[2]
-sys.path.append(str(ROOT / "tests/office"))
+sys.path += [str(ROOT / "tests/office"), str(ROOT / "tests/run")]
 
 import uno
 
+from closing import close
 from session import desktop_of_office, open_book
 
 DATA = ROOT / "samples/data/seattle-weather.csv"
@@ -105,10 +106,7 @@ def main():
             "com.sun.star.beans.PropertyValue", "FilterName", 0, "Calc MS Excel 2007 XML", 0),))
         book.close(True)
     cases = list(answers(Calculator(program), folder, written, converted))
-    failed = [f"{name}: {str(got)[:500]}, not {str(expected)[:500]}\n{told[:5000]}"
-              for name, got, expected, told in cases if got != expected]
-    print(*failed, f"{len(cases) - len(failed)} passed, {len(failed)} failed", sep="\n")
-    sys.exit(bool(failed))
+    close(cases)
 
 
 main()
