@@ -9,11 +9,7 @@ set_up_office() {
 }
 
 run_companion() {
-  local good bad
   set_up_office
   companion
-  echo '0 1' >"$logs/companion.result"
-  read -r good bad < <(run_scripts "$logs/companion.log" tests/companion/companion_test.py \
-    build/companion/QuillmereVba.xlam) || good=0 bad=1
-  report companion "$good" "$bad"
+  counted_suite companion tests/companion/companion_test.py build/companion/QuillmereVba.xlam
 }

@@ -139,6 +139,14 @@ run_scripts() {
   echo "$good $bad"
 }
 
+# counted_suite NAME COMMAND...: a program that closes as scripts do.
+counted_suite() {
+  local name=$1 good bad
+  echo '0 1' >"$logs/$name.result"
+  read -r good bad < <(run_scripts "$logs/$name.log" "${@:2}") || good=0 bad=1
+  report "$name" "$good" "$bad"
+}
+
 # run_batches COUNT SCRIPT...: for scripts_suite, whose variables it fills: the scripts, COUNT of them to a process.
 run_batches() {
   local count=$1 at batch some_good some_bad

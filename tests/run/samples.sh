@@ -20,10 +20,7 @@ samples_suite() {
 
 # The sample workbooks in LibreOffice, part of the suite that is left out of all.
 run_sample_prints() {
-  local good bad
   packages+=(poppler-utils fonts-crosextra-carlito)
   set_up_office
-  echo '0 1' >"$logs/prints.result"
-  read -r good bad < <(run_scripts "$logs/prints.log" tests/samples/print_test.py "$logs/prints") || good=0 bad=1
-  report prints "$good" "$bad"
+  counted_suite prints tests/samples/print_test.py "$logs/prints"
 }
