@@ -167,16 +167,11 @@ void CheckPicture(const Reading& reading, const toml::table& from, const Book& b
 Book ReadBook(const std::string& path, std::string_view text, const std::set<std::string>& functions,
               Diagnostics& diagnostics) {
   Book book;
-  toml::table root;
-  try {
-    root = toml::parse(text, path);
-  } catch (const toml::parse_error& error) {
-    diagnostics.Add({path, static_cast<int>(error.source().begin.line)}, std::string(error.description()));
-    return book;
-  }
+  const std::optional<toml::table> root = ParseToml(path, text, diagnostics);
+  if (!root) return book;
   const Reading reading{path, functions, diagnostics};
   const StrictTable table =
-      reading.Table(root, "a book", {"title", "introduction", "try", "sources", "sheet", "picture"});
+      reading.Table(*root, "a book", {"title", "introduction", "try", "sources", "sheet", "picture"});
   book.title = table.Text("title");
   book.introduction = table.Texts("introduction");
   book.toTry = table.Texts("try");

@@ -108,13 +108,8 @@ Value CallOffset(const BuiltinCall& call) {
   return area.IsOnSheet() ? Value::OfReference({start.AsReference().sheet, {area}}) : Value::Error(xlerrRef);
 }
 
-const Sheet* SheetOf(const ReferenceText& text, const EvaluationContext& context) {
-  return text.book.empty() && text.sheet.empty() ? context.sheet
-                                                 : context.workbooks->FindSheet(text.book, text.sheet, context.sheet);
-}
-
 Value ReferenceTo(const ReferenceText& text, const CellShift& shift, const EvaluationContext& context) {
-  const Sheet* sheet = SheetOf(text, context);
+  const Sheet* sheet = context.workbooks->FindSheet(text.book, text.sheet, context.sheet);
   return sheet ? Value::OfReference({sheet->Id(), {text.At(shift)}}) : Value::Error(xlerrRef);
 }
 
@@ -122,9 +117,10 @@ Value ReferenceTo(const ReferenceText& text, const CellShift& shift, const Evalu
 // calculate first is none to Excel here.
 Value CellsNamed(std::string_view text, const EvaluationContext& context) {
   const auto parsed = ParseFormula(text, FormulaDialect::kBook);
-  const Sheet* sheet = parsed ? SheetOf(parsed->Root().reference, context) : nullptr;
-  if (!sheet) return Value::Error(xlerrRef);
+  if (!parsed) return Value::Error(xlerrRef);
   const FormulaNode& node = parsed->Root();
+  const Sheet* sheet = context.workbooks->FindSheet(node.reference.book, node.reference.sheet, context.sheet);
+  if (!sheet) return Value::Error(xlerrRef);
   TableReference reference{.table = node.name, .hasData = true};
   if (node.kind == FormulaNode::Kind::kName) {
     if (const Formula* formula = sheet->ItsBook().Names().Find(node.name, sheet->Id())) {

@@ -1,5 +1,6 @@
 #include "functions/generator/function_pages.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace quillmere::generator {
@@ -8,15 +9,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 std::string_view WordOf(MacroType type) {
-  switch (type) {
-    case MacroType::kFunction:
-      return "function";
-    case MacroType::kHidden:
-      return "hidden";
-    case MacroType::kCommand:
-      return "command";
-  }
-  return "";
+  const auto is = [type](const auto& each) { return each.second == type; };
+  return std::find_if(kMacroTypes.begin(), kMacroTypes.end(), is)->first;
 }
 
 Json PageOf(const Argument& argument, bool required) {

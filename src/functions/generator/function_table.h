@@ -1,9 +1,11 @@
 // What the tables declare, read and checked field by field.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,6 +30,10 @@ struct Implementation {
   std::vector<std::string> settings;  ///< names, in the order of the parameters
   Place place;
 };
+
+/// The words of a function's `type`.
+constexpr std::array<std::pair<std::string_view, MacroType>, 3> kMacroTypes = {
+    {{"function", MacroType::kFunction}, {"hidden", MacroType::kHidden}, {"command", MacroType::kCommand}}};
 
 struct Choice {
   int code = 0;

@@ -4,6 +4,15 @@
 
 namespace quillmere::generator {
 
+std::optional<toml::table> ParseToml(const std::string& path, std::string_view text, Diagnostics& diagnostics) {
+  try {
+    return toml::parse(text, path);
+  } catch (const toml::parse_error& error) {
+    diagnostics.Add({path, static_cast<int>(error.source().begin.line)}, std::string(error.description()));
+    return std::nullopt;
+  }
+}
+
 StrictTable::StrictTable(const toml::table& table, std::string what, const std::string& file, Diagnostics& diagnostics,
                          std::initializer_list<std::string_view> known)
     : table_(&table), what_(std::move(what)), file_(file), diagnostics_(&diagnostics) {

@@ -15,6 +15,9 @@
 
 namespace quillmere::generator {
 
+/// A whole TOML text; nothing, with the mistake reported, for one that is none.
+std::optional<toml::table> ParseToml(const std::string& path, std::string_view text, Diagnostics& diagnostics);
+
 class StrictTable {
  public:
   /// `what` names the table in messages: "[[function]]". Keys other than `known` are reported at once.

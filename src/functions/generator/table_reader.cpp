@@ -161,13 +161,12 @@ class FamilyReader {
   }
 
   void ReadType(Function& function, const StrictTable& fields) {
-    const std::string type = fields.OptionalText("type").value_or("function");
-    function.type = MacroType::kFunction;
-    if (type == "hidden") function.type = MacroType::kHidden;
-    if (type == "command") function.type = MacroType::kCommand;
-    if (type != "function" && type != "hidden" && type != "command") {
-      fields.ComplainAt("type", "'" + type + "' is no type: function, hidden and command are");
-    }
+    const std::string word = fields.OptionalText("type").value_or("function");
+    const auto type =
+        std::find_if(kMacroTypes.begin(), kMacroTypes.end(), [&](const auto& each) { return each.first == word; });
+    function.type = type == kMacroTypes.end() ? MacroType::kFunction : type->second;
+    if (type == kMacroTypes.end())
+      fields.ComplainAt("type", "'" + word + "' is no type: function, hidden and command are");
   }
 
   /// Every setting of the implementation, and no other; those that the entry does not give stay as they are in the
@@ -326,13 +325,8 @@ class FamilyReader {
 }  // namespace
 
 Family ReadFamily(const std::string& path, std::string_view text, Diagnostics& diagnostics) {
-  FamilyReader reader(path, diagnostics);
-  try {
-    return reader.Read(toml::parse(text, path));
-  } catch (const toml::parse_error& error) {
-    diagnostics.Add({path, static_cast<int>(error.source().begin.line)}, std::string(error.description()));
-    return {};
-  }
+  const std::optional<toml::table> root = ParseToml(path, text, diagnostics);
+  return root ? FamilyReader(path, diagnostics).Read(*root) : Family();
 }
 
 }  // namespace quillmere::generator
