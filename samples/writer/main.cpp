@@ -2,21 +2,21 @@
 //     sample_writer --functions FOLDER --data FOLDER BOOK.toml OUT.xlsx
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 
 #include "functions/generator/table_reader.h"
+#include "host/files/file_text.h"
 #include "samples/writer/sample_book.h"
 
 namespace {
 
 using namespace samples;
 
-std::string ReadFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw std::runtime_error(path.string() + ": cannot be read");
-  return std::string(std::istreambuf_iterator<char>(file), {});
+std::string TextOf(const std::filesystem::path& path) {
+  auto read = qcalc::ReadFile(path);
+  if (const auto* failure = std::get_if<qcalc::FileFailure>(&read))
+    throw std::runtime_error(path.string() + ": " + failure->reason);
+  return std::get<std::string>(std::move(read));
 }
 
 /// The names of the add-in's functions, as the tables in the folder declare them.
@@ -24,7 +24,7 @@ std::set<std::string> DeclaredFunctions(const std::string& folder, Diagnostics& 
   std::set<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {
     if (entry.path().extension() != ".toml") continue;
-    const auto family = quillmere::generator::ReadFamily(entry.path().string(), ReadFile(entry.path()), diagnostics);
+    const auto family = quillmere::generator::ReadFamily(entry.path().string(), TextOf(entry.path()), diagnostics);
     for (const auto& function : family.functions) names.insert(function.name);
   }
   return names;
@@ -43,7 +43,7 @@ int main(int count, char** words) {
   try {
     Diagnostics diagnostics;
     const auto names = DeclaredFunctions(functions, diagnostics);
-    const Book book = ReadBook(description, ReadFile(description), names, diagnostics);
+    const Book book = ReadBook(description, TextOf(description), names, diagnostics);
     if (diagnostics.All().empty()) WriteBook(book, data, out, diagnostics);
     std::cerr << diagnostics.Text();
     return diagnostics.All().empty() ? 0 : 1;

@@ -27,8 +27,8 @@ int CharactersIn(int width) { return width * 11 / 10; }
 
 constexpr const char* kOfAddin =
     "The formulas call the add-in Quillmere4.xll: load it first. Without it Excel shows #NAME? as soon as it "
-    "calculates "
-    "them. In the pale yellow cells you can write values of your own; the pale green ones hold what formulas give.";
+    "calculates them. In the pale yellow cells you can write values of your own; the pale green ones hold what "
+    "formulas give.";
 
 lxw_row_t Row(std::int32_t row) { return static_cast<lxw_row_t>(row); }
 lxw_col_t Column(std::int32_t column) { return static_cast<lxw_col_t>(column); }

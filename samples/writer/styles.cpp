@@ -11,15 +11,15 @@ void Fill(lxw_format* format, lxw_color_t color) {
   format_set_bg_color(format, color);
 }
 
-void Border(lxw_format* format) {
+void Box(lxw_format* format, lxw_color_t color) {
+  Fill(format, color);
   format_set_border(format, LXW_BORDER_THIN);
   format_set_border_color(format, kLine);
 }
 
 void Header(lxw_format* format, lxw_color_t color) {
   format_set_bold(format);
-  Fill(format, color);
-  Border(format);
+  Box(format, color);
 }
 
 void Apply(lxw_format* format, Style style) {
@@ -63,15 +63,13 @@ void Apply(lxw_format* format, Style style) {
       Header(format, kYellow);
       break;
     case Style::kInput:
-      Fill(format, kPaleYellow);
-      Border(format);
+      Box(format, kPaleYellow);
       break;
     case Style::kResultHeader:
       Header(format, kGreen);
       break;
     case Style::kResult:
-      Fill(format, kPaleGreen);
-      Border(format);
+      Box(format, kPaleGreen);
       break;
   }
 }
