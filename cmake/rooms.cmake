@@ -16,7 +16,7 @@ function(room_sources result folder)
     list(FILTER sources EXCLUDE REGEX "_posix\\.(cpp|S)$")
     # Windows' headers define words away that other files use.
     set(alone ${sources})
-    list(FILTER alone INCLUDE REGEX "_windows(_test)?\\.cpp$|_test_windows\\.cpp$")
+    list(FILTER alone INCLUDE REGEX "_windows(_test)?\\.cpp$")
     set_source_files_properties(${alone} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   else()
     list(FILTER sources EXCLUDE REGEX "_windows\\.(cpp|S)$")
